@@ -1,0 +1,39 @@
+# Headers, library, CMake package and pkg-config file.
+set(package_directory ${CMAKE_INSTALL_LIBDIR}/cmake/KTV_DataSource)
+
+foreach(header IN LISTS public_headers)
+    get_filename_component(directory ${header} DIRECTORY)
+    install(FILES ${header}
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KTV_DataSource/${directory})
+endforeach()
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ktv_datasource_export.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KTV_DataSource)
+
+if(KTV_PLATFORM_LIBRARY)
+    install(TARGETS KTV_Platform EXPORT KTV_DataSourceTargets)
+endif()
+install(TARGETS KTV_DataSource EXPORT KTV_DataSourceTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(EXPORT KTV_DataSourceTargets
+    NAMESPACE KTV_DataSource::
+    DESTINATION ${package_directory})
+
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/KTV_DataSourceConfig.cmake.in
+    ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSourceConfig.cmake
+    INSTALL_DESTINATION ${package_directory})
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSourceConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+install(FILES
+    ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSourceConfig.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSourceConfigVersion.cmake
+    DESTINATION ${package_directory})
+
+if(KTV_PLATFORM_LIBRARY)
+    set(pkgconfig_platform ${KTV_PLATFORM_LIBRARY})
+else()
+    set(pkgconfig_platform -lKTV_Platform)
+endif()
+configure_file(${PROJECT_SOURCE_DIR}/cmake/KTV_DataSource.pc.in
+    ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSource.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSource.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,308 @@
+#include "configuration/KTV_Configuration.h"
+
+#include "internal/XmlFile_p.h"
+#include "internal/log_p.h"
+
+#include <QFile>
+
+#include <array>
+#include <optional>
+
+using Internal::log;
+
+namespace {
+
+const QLatin1String descriptionFile("/home/root/globalInfo.xml");
+const QLatin1String systemVersionFile("/etc/version");
+const QLatin1String unknownVersion(" - ????");
+const QLatin1String unknownModelName("KTV-xxx");
+constexpr int defaultBatteryAlarm1 = 10;
+constexpr int defaultBatteryAlarm2 = 3;
+
+struct SerialPrefix
+{
+    QLatin1String prefix;
+    QLatin1String modelName;
+};
+
+const std::array<SerialPrefix, 6> serialPrefixes {{
+    {QLatin1String("DV"), QLatin1String("KTV-4200")},
+    {QLatin1String("CH"), QLatin1String("KTV-420")},
+    {QLatin1String("EL"), QLatin1String("KTV-420")},
+    {QLatin1String("JB"), QLatin1String("PLX-420")},
+    {QLatin1String("DW"), QLatin1String("KTV-4400")},
+    {QLatin1String("JD"), QLatin1String("KTV-410")},
+}};
+
+struct ModelName
+{
+    QLatin1String name;
+    KTV_Configuration::MeterModels model;
+};
+
+const std::array<ModelName, 5> modelNames {{
+    {QLatin1String("KTV-420"), KTV_Configuration::KTV_420},
+    {QLatin1String("PLX-420"), KTV_Configuration::PLX_420},
+    {QLatin1String("KTV-4200"), KTV_Configuration::KTV_4200},
+    {QLatin1String("KTV-4400"), KTV_Configuration::KTV_4400},
+    {QLatin1String("KTV-410"), KTV_Configuration::KTV_410},
+}};
+
+QString modelNameOf(const QString &serial)
+{
+    for (const auto &entry : serialPrefixes) {
+        if (serial.startsWith(entry.prefix))
+            return entry.modelName;
+    }
+    return unknownModelName;
+}
+
+std::optional<QString> readSystemVersion()
+{
+    QFile file(systemVersionFile);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return std::nullopt;
+    return QString::fromUtf8(file.readAll()).trimmed();
+}
+
+} // namespace
+
+KTV_Configuration::MeterModels KTV_Configuration::_meterModel = MeterModels_NaN;
+
+class KTV_Configuration::Private
+{
+public:
+    QString producer = QStringLiteral("QERN");
+    QString modelName = unknownModelName;
+    QString interfaceVersion = QStringLiteral("0.0.0.0");
+    QString betaVersion;
+    QString clientsDirectory = QStringLiteral("/media/sdcard/Clients/");
+    QString logDirectory = QStringLiteral("/media/sdcard/Log/");
+    QString updateDirectory = QStringLiteral("/media/sdcard/Update"); // kept without "/"
+    QString mainDirectory = QStringLiteral("/home/root/");
+    // Composed before the file is read: a file that moves the main directory moves only that.
+    QString firmwareDirectory = mainDirectory + QStringLiteral("Firmware/");
+    QString langsDirectory = mainDirectory + QStringLiteral("Langs/");
+    QString userDataDirectory = QStringLiteral("/media/sdcard/UserData/");
+    QString helpDirectory = mainDirectory + QStringLiteral("Help/");
+    QString serialNumber = QStringLiteral("AA0000");
+    QString soundSampleDirectory; // its default applies only once a file has been loaded
+    int batteryAlarm1 = defaultBatteryAlarm1;
+    int batteryAlarm2 = defaultBatteryAlarm2;
+    bool soundOff = false;
+    bool rebootOff = false;
+    QDomDocument document;
+};
+
+KTV_Configuration::KTV_Configuration(QObject *parent)
+    : QObject(parent)
+    , d(std::make_unique<Private>())
+{
+    QFile file(descriptionFile);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        log() << "Fail to open KTV_Configuration:" << descriptionFile;
+        return;
+    }
+    Internal::XmlError error;
+    if (!Internal::parseXml(file, d->document, error)) {
+        log() << "Fail to load KTV_Configuration!" << error.message << " Row:" << error.line
+              << " Col:" << error.column;
+        return;
+    }
+    file.close();
+    LoadDataFromXML();
+}
+
+KTV_Configuration::~KTV_Configuration() = default;
+
+void KTV_Configuration::LoadDataFromXML()
+{
+    log() << "\n\nKTV_Configuration::LoadDataFromXML():";
+    const QDomElement root = d->document.firstChildElement();
+    struct TextKey
+    {
+        const char *key;
+        QString &value;
+    };
+    const TextKey textKeys[] = {
+        {"_meterProducer", d->producer},
+        {"_interfaceVersion", d->interfaceVersion},
+        {"_betaVersion", d->betaVersion},
+        {"_clientsDirectory", d->clientsDirectory},
+        {"_logDirectory", d->logDirectory},
+        {"_updateDirectory", d->updateDirectory},
+        {"_currentFirmwareDirectory", d->firmwareDirectory},
+        {"_mainInterfeaceDirectory", d->mainDirectory},
+        {"_mainInterfaceLangsDirectory", d->langsDirectory},
+        {"_mainInterfaceUserDataDirectory", d->userDataDirectory},
+        {"_mainInterfaceUserHelpDirectory", d->helpDirectory},
+    };
+    for (const TextKey &entry : textKeys)
+        entry.value = getValueString(&root, QLatin1String(entry.key), entry.value);
+    d->batteryAlarm1 = getValueInt(&root, QStringLiteral("_batteryAlarm1"), defaultBatteryAlarm1);
+    d->batteryAlarm2 = getValueInt(&root, QStringLiteral("_batteryAlarm2"), defaultBatteryAlarm2);
+    d->soundOff = getValueBool(&root, QStringLiteral("_soundOff"), false);
+    d->rebootOff = getValueBool(&root, QStringLiteral("_rebootOff"), false);
+    d->soundSampleDirectory =
+        getValueString(&root, QStringLiteral("_soundSamplePath"), QStringLiteral("/etc/wav/"));
+    log() << "KTV_Configuration::LoadDataFromXML() end\n\n";
+}
+
+QString KTV_Configuration::getValueString(const QDomElement *root, const QString &key,
+                                          const QString &defaultValue) const
+{
+    if (!root || root->isNull())
+        return defaultValue;
+    try {
+        const QDomElement element = root->elementsByTagName(key).item(0).toElement();
+        return element.attribute(QStringLiteral("Value"), defaultValue);
+    } catch (const std::exception &exception) {
+        log() << "getValue(" << key << ") error:" << exception.what();
+    }
+    return defaultValue;
+}
+
+int KTV_Configuration::getValueInt(const QDomElement *root, const QString &key,
+                                   int defaultValue) const
+{
+    bool ok = false;
+    const int value = getValueString(root, key, QString::number(defaultValue)).toInt(&ok);
+    return ok ? value : defaultValue;
+}
+
+bool KTV_Configuration::getValueBool(const QDomElement *root, const QString &key,
+                                     bool defaultValue) const
+{
+    const QString text = getValueString(root, key, QString());
+    log() << "KTV_Configuration::getValue:" << key << " value:" << text << ";";
+    const QString lower = text.toLower();
+    if (lower == QLatin1String("true"))
+        return true;
+    if (lower == QLatin1String("false"))
+        return false;
+    return defaultValue;
+}
+
+void KTV_Configuration::set_SerialNumber(const QString &serial)
+{
+    log() << "KTV_Configuration::set_SerialNumber(" << serial << ")";
+    d->serialNumber = serial;
+    _ParseMeterModelName(modelNameOf(serial));
+}
+
+void KTV_Configuration::_ParseMeterModelName(const QString &name)
+{
+    for (const auto &entry : modelNames) {
+        if (name == entry.name) {
+            _meterModel = entry.model;
+            d->modelName = name;
+            return;
+        }
+    }
+    _meterModel = MeterModels_NaN;
+    d->modelName = unknownModelName;
+}
+
+QString KTV_Configuration::get_InterfaceVersion() const
+{
+    QString version = d->interfaceVersion;
+    if (!d->betaVersion.isEmpty())
+        version += QStringLiteral(" beta: ") + d->betaVersion;
+    const auto system = readSystemVersion();
+    return version + (system ? QStringLiteral(" - ") + *system : QString(unknownVersion));
+}
+
+QString KTV_Configuration::get_SystemVersion() const
+{
+    return readSystemVersion().value_or(unknownVersion);
+}
+
+QString KTV_Configuration::get_MeterFullName() const
+{
+    return d->producer + QLatin1Char(' ') + d->modelName;
+}
+
+KTV_Configuration::MeterModels KTV_Configuration::get_MeterModel() const
+{
+    return _meterModel;
+}
+
+KTV_Configuration::MeterModels KTV_Configuration::currentMeterModel()
+{
+    return _meterModel;
+}
+
+QString KTV_Configuration::get_MeterModelName() const
+{
+    return d->modelName;
+}
+
+QString KTV_Configuration::get_clientsDirectory() const
+{
+    return d->clientsDirectory;
+}
+
+QString KTV_Configuration::get_logDirectory() const
+{
+    return d->logDirectory;
+}
+
+QString KTV_Configuration::get_mainInterfeaceDirectory() const
+{
+    return d->mainDirectory;
+}
+
+QString KTV_Configuration::get_mainInterfaceLangsDirectory() const
+{
+    return d->langsDirectory;
+}
+
+QString KTV_Configuration::get_mainInterfaceUserDataDirectory() const
+{
+    return d->userDataDirectory;
+}
+
+QString KTV_Configuration::get_UpdateDirecotry() const
+{
+    return d->updateDirectory;
+}
+
+QString KTV_Configuration::get_CurrentFirmwareDirectory() const
+{
+    return d->firmwareDirectory;
+}
+
+QString KTV_Configuration::get_SoundSampleDirectory() const
+{
+    return d->soundSampleDirectory;
+}
+
+QString KTV_Configuration::get_mainInterfaceUserHelpDirectory() const
+{
+    return d->helpDirectory;
+}
+
+QString KTV_Configuration::get_SerialNumber() const
+{
+    return d->serialNumber;
+}
+
+int KTV_Configuration::get_batteryAlarm1() const
+{
+    return d->batteryAlarm1;
+}
+
+int KTV_Configuration::get_batteryAlarm2() const
+{
+    return d->batteryAlarm2;
+}
+
+bool KTV_Configuration::get_SoundOff() const
+{
+    return d->soundOff;
+}
+
+bool KTV_Configuration::get_RebootOff() const
+{
+    return d->rebootOff;
+}

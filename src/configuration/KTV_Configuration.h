@@ -1,0 +1,105 @@
+#pragma once
+
+#include <ktv_datasource_export.h>
+
+#include <QObject>
+
+#include <memory>
+
+class QDomElement;
+
+/**
+ * The fixed facts of one meter: maker, model, versions, directories and switches.
+ *
+ * Directories and switches come from "/home/root/globalInfo.xml", read once by the constructor;
+ * whatever the file lacks keeps its default. The serial number, and with it the model, is set
+ * later, when the meter has reported it. All directories but the update directory end in "/";
+ * values of the file are taken as they stand.
+ *
+ * Used from the interface's thread only. Nothing here blocks beyond reading a small file.
+ */
+class KTV_DATASOURCE_EXPORT KTV_Configuration : public QObject
+{
+    Q_OBJECT
+public:
+    /** Meter models; unknown until a serial number is set. */
+    enum MeterModels : qint32
+    {
+        MeterModels_NaN = 0,
+        KTV_410 = 1,
+        KTV_420 = 2,
+        KTV_4200 = 3,
+        KTV_4400 = 4,
+        PLX_420 = 5
+    };
+    Q_ENUM(MeterModels)
+
+    /** Reads the device description; a missing or damaged file leaves every default. */
+    explicit KTV_Configuration(QObject *parent = nullptr);
+    ~KTV_Configuration() override;
+
+    /** Model name such as "KTV-420"; "KTV-xxx" while unknown. */
+    QString get_MeterModelName() const;
+    /** Directory of the users' measurement files. */
+    QString get_clientsDirectory() const;
+    /** Directory of logs and usage counters. */
+    QString get_logDirectory() const;
+    /** The interface's home directory. */
+    QString get_mainInterfeaceDirectory() const;
+    /** Directory with one folder per language. */
+    QString get_mainInterfaceLangsDirectory() const;
+    /** Directory of settings, lists and known networks. */
+    QString get_mainInterfaceUserDataDirectory() const;
+    /** Directory searched for updates; the one directory without a final "/". */
+    QString get_UpdateDirecotry() const;
+    /** Directory of the installed firmware. */
+    QString get_CurrentFirmwareDirectory() const;
+    /** Directory of sound samples; empty when no device description could be loaded. */
+    QString get_SoundSampleDirectory() const;
+    /** Directory of help pages. */
+    QString get_mainInterfaceUserHelpDirectory() const;
+    /** Serial number last set; "AA0000" before. */
+    QString get_SerialNumber() const;
+
+    /** First battery alarm, in percent of charge. */
+    int get_batteryAlarm1() const;
+    /** Second, lower battery alarm, in percent of charge. */
+    int get_batteryAlarm2() const;
+    /** Whether the device is to stay silent. */
+    bool get_SoundOff() const;
+    /** Whether the device must not reboot by itself. */
+    bool get_RebootOff() const;
+
+    /** Model derived from the serial number. */
+    MeterModels get_MeterModel() const;
+    /** The same for code that has no configuration object. */
+    static MeterModels currentMeterModel();
+
+    /** Maker and model, as "QERN KTV-420". */
+    QString get_MeterFullName() const;
+
+    /** Stores the serial number; its first two characters decide the model, whatever follows. */
+    void set_SerialNumber(const QString &serial);
+
+    /**
+     * Version of the interface, its beta mark if any, and the system's version, as
+     * "1.2.3 beta: 7 - 2.0.1"; " - ????" stands for an unreadable "/etc/version".
+     */
+    QString get_InterfaceVersion() const;
+    /** Text of "/etc/version", trimmed; " - ????" when it cannot be read. */
+    QString get_SystemVersion() const;
+
+    /** Model of this process's meter, shared by all instances. */
+    static MeterModels _meterModel;
+
+private:
+    QString getValueString(const QDomElement *root, const QString &key,
+                           const QString &defaultValue) const;
+    int getValueInt(const QDomElement *root, const QString &key, int defaultValue) const;
+    bool getValueBool(const QDomElement *root, const QString &key, bool defaultValue) const;
+    void LoadDataFromXML();
+    void _ParseMeterModelName(const QString &name);
+
+    class Private;
+    const std::unique_ptr<Private> d;
+};

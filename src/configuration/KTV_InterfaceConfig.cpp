@@ -1,0 +1,195 @@
+#include "configuration/KTV_InterfaceConfig.h"
+
+#include "internal/NamedDatabase_p.h"
+#include "internal/log_p.h"
+
+#include <QDir>
+#include <QFile>
+#include <QMetaEnum>
+#include <QSqlDriver>
+#include <QVariant>
+
+#include <optional>
+
+using Internal::log;
+
+namespace {
+
+constexpr int schemaVersion = 0;
+
+QStringList schema()
+{
+    return {
+        QStringLiteral("CREATE TABLE IF NOT EXISTS Setting (SETk_1_ID INTEGER UNIQUE PRIMARY KEY,"
+                       "SET_Key VARCHAR(255),SET_Value VARCHAR(255))"),
+        QStringLiteral("INSERT INTO Setting (SET_Key, SET_Value) VALUES ('Version',")
+            + QString::number(schemaVersion) + QLatin1Char(')'),
+        QStringLiteral("CREATE TABLE IF NOT EXISTS CONFIG_STR (CONk_1_ID INTEGER UNIQUE PRIMARY "
+                       "KEY,CON_Key VARCHAR(255),CON_Value VARCHAR(255))"),
+    };
+}
+
+} // namespace
+
+class KTV_InterfaceConfig::Private
+{
+public:
+    explicit Private(const QString &prefix)
+        : directory(prefix)
+        , path(prefix + QStringLiteral("interfaceConfig.db"))
+    { }
+
+    std::optional<QString> read(const QString &key) const;
+    bool remove(const QString &key, QLatin1String failure) const;
+    bool insert(const QString &key, const QString &value) const;
+
+    const QString directory;
+    const QString path;
+    Internal::NamedDatabase database {QStringLiteral("interfaceConfig")};
+};
+
+std::optional<QString> KTV_InterfaceConfig::Private::read(const QString &key) const
+{
+    QSqlQuery query = database.query();
+    query.setForwardOnly(true);
+    // The key is an enumerator's name: nothing in it can end the quotation.
+    if (!query.exec(QStringLiteral("SELECT `CON_Value` FROM CONFIG_STR WHERE `CON_Key` = '") + key
+                    + QLatin1Char('\''))
+        || !query.next())
+        return std::nullopt;
+    return query.value(0).toString();
+}
+
+bool KTV_InterfaceConfig::Private::remove(const QString &key, QLatin1String failure) const
+{
+    QSqlQuery query = database.query();
+    if (query.exec(QStringLiteral("DELETE FROM CONFIG_STR WHERE `CON_Key` = '") + key
+                   + QLatin1Char('\'')))
+        return true;
+    log() << failure << query.lastError().text();
+    return false;
+}
+
+bool KTV_InterfaceConfig::Private::insert(const QString &key, const QString &value) const
+{
+    QSqlQuery query = database.query();
+    if (query.prepare(QStringLiteral("INSERT INTO CONFIG_STR (`CON_Key`,`CON_Value`)VALUES "
+                                     "(:CON_Key,:CON_Value)"))) {
+        query.bindValue(0, key);
+        query.bindValue(1, value);
+        if (query.exec())
+            return true;
+    }
+    log() << "setValue - INSERT: " << query.lastError().text();
+    return false;
+}
+
+KTV_InterfaceConfig::KTV_InterfaceConfig(const QString &directory, QObject *parent)
+    : QObject(parent)
+    , d(std::make_unique<Private>(directory))
+{
+    Open();
+}
+
+KTV_InterfaceConfig::~KTV_InterfaceConfig() = default;
+
+bool KTV_InterfaceConfig::Open()
+{
+    d->database.close();
+    if (Internal::isMissing(d->path))
+        return CreateNew();
+    if (d->database.open(d->path))
+        return true;
+    log() << "!no open database:" << d->database.lastError().text();
+    return CreateNew(); // kept: a settings file that cannot be opened is replaced
+}
+
+bool KTV_InterfaceConfig::CreateNew()
+{
+    d->database.release();
+    QFile file(d->path);
+    if (file.exists() && !file.remove()) {
+        log() << "KTV_InterfaceConfig::CreateNew(): file delete error:" << file.errorString();
+        return false;
+    }
+    if (!QDir(d->directory).exists())
+        QDir().mkdir(d->directory);
+    if (!d->database.open(d->path)) {
+        log() << "No open :(" << d->database.lastError().text();
+        return false;
+    }
+    Internal::createSchema(d->database, schema());
+    return true;
+}
+
+void KTV_InterfaceConfig::RestoreFabricalSetting()
+{
+    if (!CreateNew())
+        log() << "KTV_InterfaceConfig::RestoreFabricalSetting(): false";
+}
+
+QString KTV_InterfaceConfig::getValue(SettingKey key, const QString &defaultValue)
+{
+    if (!d->database.isOpen())
+        return defaultValue;
+    return d->read(enumToString(key)).value_or(defaultValue);
+}
+
+int KTV_InterfaceConfig::getValue(SettingKey key, int defaultValue)
+{
+    if (!d->database.isOpen() && !Open()) {
+        log() << "DB is CLOSE!";
+        return defaultValue;
+    }
+    try {
+        bool ok = false;
+        const int value = d->read(enumToString(key)).value_or(QString()).toInt(&ok);
+        return ok ? value : defaultValue;
+    } catch (const std::exception &exception) {
+        log() << "getValue: " << exception.what();
+    }
+    return defaultValue;
+}
+
+void KTV_InterfaceConfig::setValue(SettingKey key, const QString &value)
+{
+    if (!d->database.isOpen()) {
+        log() << "KTV_InterfaceConfig: DB is CLOSE!";
+        return;
+    }
+    Internal::Transaction transaction(d->database);
+    try {
+        const QString name = enumToString(key);
+        d->remove(name, QLatin1String("setValue - DELETE:"));
+        d->insert(name, value);
+        transaction.commit(); // also after a failed statement: the other one counts
+    } catch (const std::exception &exception) {
+        log() << "setValue: " << exception.what();
+    }
+}
+
+void KTV_InterfaceConfig::setValue(SettingKey key, int value)
+{
+    setValue(key, QString::number(value));
+}
+
+void KTV_InterfaceConfig::deleteValue(const QList<SettingKey> &keys)
+{
+    if (!d->database.isOpen()) {
+        log() << "KTV_InterfaceConfig: DB is CLOSE!";
+        return;
+    }
+    Internal::Transaction transaction(d->database);
+    try {
+        for (const SettingKey key : keys)
+            d->remove(enumToString(key), QLatin1String("deleteValue:"));
+        transaction.commit();
+    } catch (const std::exception &exception) {
+        log() << "deleteValue: " << exception.what();
+    }
+}
+
+QString KTV_InterfaceConfig::enumToString(SettingKey key) const
+{
+    return QString::fromLatin1(QMetaEnum::fromType<SettingKey>().valueToKey(key));
+}

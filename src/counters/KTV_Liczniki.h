@@ -1,0 +1,72 @@
+#pragma once
+
+#include <ktv_datasource_export.h>
+
+#include <QHash>
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+class QDataStream;
+
+/**
+ * Usage counters of the meter's main functions, kept in "liczniki.bin".
+ *
+ * Counts live in memory and reach the file only when the object is destroyed, in one step: a
+ * pulled battery leaves the old file or the new one. Used from the interface's thread only.
+ * Nothing is reported to the caller; failures are lines of the debug log.
+ */
+class KTV_DATASOURCE_EXPORT KTV_Liczniki : public QObject
+{
+    Q_OBJECT
+public:
+    /** What is counted. */
+    enum Licznik : qint32
+    {
+        Licznik_AutomatycznyDoborMetody = 0, ///< automatic selection of the method
+        Licznik_PomiarObiektowRezystancyjnych = 1, ///< measurement of a resistive object
+        Licznik_PomiarObiektowIndukcyjnych = 2, ///< measurement of an inductive object
+        Licznik_Demagnetyzacja = 3, ///< demagnetisation
+        Licznik_PomiarTemperaturySilnika = 4, ///< motor temperature measurement
+        Licznik_RejestracjaObiektowRezystancyjnych = 5, ///< recording of a resistive object
+        Licznik_RejestracjaObiektowIndukcyjnych = 6 ///< recording of an inductive object
+    };
+    Q_ENUM(Licznik)
+
+    /** Loads the counters. @param directory prefix of the file's path; ends in "/" */
+    explicit KTV_Liczniki(const QString &directory, QObject *parent = nullptr);
+    /** Saves the counters. */
+    ~KTV_Liczniki() override;
+
+    void Up_Licznik_AutomatycznyDoborMetody(); ///< Counts one automatic selection.
+    void Up_Licznik_PomiarObiektowRezystancyjnych(); ///< Counts one resistive measurement.
+    void Up_Licznik_PomiarObiektowIndukcyjnych(); ///< Counts one inductive measurement.
+    void Up_Licznik_Demagnetyzacja(); ///< Counts one demagnetisation.
+    void Up_Licznik_PomiarTemperaturySilnika(); ///< Counts one motor temperature measurement.
+    void Up_Licznik_RejestracjaObiektowRezystancyjnych(); ///< Counts one resistive recording.
+    void Up_Licznik_RejestracjaObiektowIndukcyjnych(); ///< Counts one inductive recording.
+
+    /** Adds 1 to a counter; a missing one becomes 1. */
+    void up_dictionary(KTV_Liczniki::Licznik counter);
+    /** Count of a counter; 0 for a missing one. */
+    qint64 get_dictionary(KTV_Liczniki::Licznik counter) const;
+    /** Sets a counter. */
+    void set_dictionary(KTV_Liczniki::Licznik counter, qint64 count);
+    /** Reads a counter from the stream; 0 past the stream's end. The stream stays the caller's. */
+    void load(QDataStream *stream, KTV_Liczniki::Licznik counter);
+
+    /** @return new copy of all counters; the caller deletes it; never null */
+    QHash<KTV_Liczniki::Licznik, qint64> *getLiczniki() const;
+    /** Writes one debug line a counter, in the order of the file. */
+    void printLiczniki() const;
+
+    /** Reads the file; counters that it lacks become 0, all of them when it is damaged. */
+    void LoadLiczniki();
+    /** Replaces the file, creating its directory (one level) when that is missing. */
+    void SaveLiczniki();
+
+private:
+    class Private;
+    const std::unique_ptr<Private> d;
+};

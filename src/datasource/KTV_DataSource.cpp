@@ -1,0 +1,217 @@
+#include "datasource/KTV_DataSource.h"
+
+#include "configuration/KTV_Configuration.h"
+#include "configuration/KTV_InterfaceConfig.h"
+#include "counters/KTV_Liczniki.h"
+#include "language/LangSerwis.h"
+#include "language/helpManager.h"
+#include "platform/Pendrive.h"
+#include "platform/PowerManager.h"
+#include "platform/PrintOnSato.h"
+#include "platform/Update.h"
+#include "platform/skanerQR.h"
+#include "tools/Tools.h"
+
+#include <QFile>
+#include <QTimer>
+
+int currentFreeSpaceAlletr = 0;
+
+namespace {
+
+constexpr int diskCheckInterval = 60000; // ms
+constexpr int factoryBrightness = 50; // percent
+
+/** Alert level of a used part in percent. */
+int alertLevel(qint64 usedPercent)
+{
+    constexpr qint64 firstLevelAbove = 70;
+    constexpr qint64 secondLevelFrom = 81;
+    if (usedPercent <= firstLevelAbove)
+        return 0;
+    return usedPercent < secondLevelFrom ? 1 : 2;
+}
+
+template <typename Service> void destroy(Service *&service)
+{
+    delete service;
+    service = nullptr;
+}
+
+} // namespace
+
+class KTV_DataSource::Private
+{
+public:
+    void createUpdate(KTV_DataSource *facade)
+    {
+        update = new Updater::Update(config->get_UpdateDirecotry(), config->get_MeterModel(),
+                                     pendrive, facade);
+    }
+
+    LangSerwis *lang = nullptr;
+    KTV_InterfaceConfig *interfaceConfig = nullptr;
+    KTV_Configuration *config = nullptr;
+    QERNTools::helpManager *help = nullptr;
+    QTimer *diskTimer = nullptr;
+    Printing::PrintOnSato *printer = nullptr;
+    QRReader::skanerQR *scanner = nullptr;
+    KTV_Liczniki *counters = nullptr;
+    Tools_Pendrive::Pendrive *pendrive = nullptr;
+    Updater::Update *update = nullptr;
+    PowerManager *power = nullptr;
+};
+
+KTV_DataSource::KTV_DataSource(QObject *parent) : QObject(parent), d(std::make_unique<Private>())
+{
+    d->config = new KTV_Configuration(this);
+    d->interfaceConfig =
+        new KTV_InterfaceConfig(d->config->get_mainInterfaceUserDataDirectory(), this);
+    d->lang = new LangSerwis(d->config->get_mainInterfaceLangsDirectory(),
+                             d->config->get_MeterModel(), this);
+    const QString defaultLanguage = d->config->get_SerialNumber().startsWith(QLatin1String("EL"))
+        ? QStringLiteral("US")
+        : QStringLiteral("EN");
+    d->lang->setLang(d->interfaceConfig->getValue(KTV_InterfaceConfig::MAIN_Lang, defaultLanguage));
+    d->counters = new KTV_Liczniki(d->config->get_logDirectory(), this);
+
+    d->diskTimer = new QTimer(this);
+    connect(d->diskTimer, &QTimer::timeout, this, &KTV_DataSource::updateTimeDisk);
+    d->diskTimer->start(diskCheckInterval);
+
+    d->printer = new Printing::PrintOnSato(this);
+    d->scanner = new QRReader::skanerQR(this);
+    d->pendrive = new Tools_Pendrive::Pendrive(d->config, this);
+    d->createUpdate(this);
+    d->power = new PowerManager(this);
+}
+
+KTV_DataSource::~KTV_DataSource()
+{
+    d->diskTimer->stop();
+    destroy(d->diskTimer);
+    destroy(d->lang);
+    if (d->interfaceConfig)
+        d->interfaceConfig->setValue(KTV_InterfaceConfig::MAIN_MeterSN,
+                                     d->config->get_SerialNumber());
+    destroy(d->interfaceConfig);
+    destroy(d->help);
+    destroy(d->printer);
+    destroy(d->scanner);
+    destroy(d->counters);
+    destroy(d->update);
+    destroy(d->pendrive);
+    destroy(d->power);
+    destroy(d->config);
+}
+
+void KTV_DataSource::setMeterSerialName(const QString &serial)
+{
+    d->config->set_SerialNumber(serial);
+    destroy(d->update);
+    d->createUpdate(this);
+    // The earlier help manager stays a child of the facade: an open help page may still use it.
+    d->help =
+        new QERNTools::helpManager(d->config->get_mainInterfaceUserHelpDirectory(),
+                                   d->config->get_MeterModel(), d->lang->getCurrentLang(), this);
+    d->lang->updateMeterModel(d->config->get_MeterModel());
+}
+
+void KTV_DataSource::SetLang(const QString &code)
+{
+    d->lang->setLang(code);
+    d->help->SetLang(code); // the requested code, also when the texts fell back to another
+}
+
+void KTV_DataSource::ClearToDefault()
+{
+    d->interfaceConfig->RestoreFabricalSetting();
+    d->power->SetBrightness(factoryBrightness);
+}
+
+void KTV_DataSource::updateTimeDisk()
+{
+    const int level =
+        alertLevel(QERNTools::Tools::getUsedSpacePercent(d->config->get_clientsDirectory()));
+    if (level == currentFreeSpaceAlletr)
+        return;
+    currentFreeSpaceAlletr = level;
+    emit changeFreeSpaceAlert();
+}
+
+QERNTools::DiskInfo *KTV_DataSource::getDiskInfo() const
+{
+    return QERNTools::Tools::getDiskInfo(d->config->get_clientsDirectory());
+}
+
+int KTV_DataSource::getFreeSpaceAlert() const
+{
+    return currentFreeSpaceAlletr;
+}
+
+bool KTV_DataSource::FirstStart()
+{
+    QFile marker(QStringLiteral("/etc/korva/system-boot.status"));
+    if (!marker.exists() || !marker.open(QIODevice::ReadOnly))
+        return false;
+    const bool isFirst = marker.readAll().startsWith('1');
+    marker.close();
+    if (isFirst)
+        marker.remove();
+    return isFirst;
+}
+
+bool KTV_DataSource::TouchScreenEnable()
+{
+    return QFile::exists(QStringLiteral("/dev/input/touchscreen0"));
+}
+
+LangSerwis *KTV_DataSource::get_Lang() const
+{
+    return d->lang;
+}
+
+KTV_InterfaceConfig *KTV_DataSource::get_InterfaceConfig() const
+{
+    return d->interfaceConfig;
+}
+
+KTV_Configuration *KTV_DataSource::getMainConfig() const
+{
+    return d->config;
+}
+
+QERNTools::helpManager *KTV_DataSource::getHelpManager() const
+{
+    return d->help;
+}
+
+Printing::PrintOnSato *KTV_DataSource::getPrinter() const
+{
+    return d->printer;
+}
+
+QRReader::skanerQR *KTV_DataSource::getSkaner() const
+{
+    return d->scanner;
+}
+
+KTV_Liczniki *KTV_DataSource::getLiczniki() const
+{
+    return d->counters;
+}
+
+Tools_Pendrive::Pendrive *KTV_DataSource::getPendrive() const
+{
+    return d->pendrive;
+}
+
+Updater::Update *KTV_DataSource::getUpdate() const
+{
+    return d->update;
+}
+
+PowerManager *KTV_DataSource::getPowerManager() const
+{
+    return d->power;
+}

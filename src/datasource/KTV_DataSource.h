@@ -1,0 +1,97 @@
+#pragma once
+
+#include <ktv_datasource_export.h>
+
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+class KTV_Configuration;
+class KTV_InterfaceConfig;
+class KTV_Liczniki;
+class LangSerwis;
+class PowerManager;
+namespace Printing {
+class PrintOnSato;
+}
+namespace QERNTools {
+struct DiskInfo;
+class helpManager;
+} // namespace QERNTools
+namespace QRReader {
+class skanerQR;
+}
+namespace Tools_Pendrive {
+class Pendrive;
+}
+namespace Updater {
+class Update;
+}
+
+/** Free-space alert level of this process's meter: 0, 1 (above 70 % used) or 2 (above 80 %). */
+extern KTV_DATASOURCE_EXPORT int currentFreeSpaceAlletr;
+
+/**
+ * The one object through which the interface reaches every service of the meter.
+ *
+ * The constructor builds the services in a fixed order, the destructor saves what is to be
+ * saved and takes them down again. The interface calls setMeterSerialName() once, early, with
+ * the serial number that the meter reports, before SetLang() or getHelpManager().
+ *
+ * All getters hand out services that stay the facade's own. Everything here belongs to the
+ * interface's thread; one instance at a time.
+ */
+class KTV_DATASOURCE_EXPORT KTV_DataSource : public QObject
+{
+    Q_OBJECT
+public:
+    /** Builds every service but the help manager, and starts the disk check (once a minute). */
+    explicit KTV_DataSource(QObject *parent = nullptr);
+    /** Saves the counters and the serial number, then deletes every service. */
+    ~KTV_DataSource() override;
+
+    LangSerwis *get_Lang() const; ///< Texts of the language in effect.
+    KTV_InterfaceConfig *get_InterfaceConfig() const; ///< The user's settings.
+    KTV_Configuration *getMainConfig() const; ///< The device's description.
+    /** Help pages; null until the first setMeterSerialName(), replaced by each later one. */
+    QERNTools::helpManager *getHelpManager() const;
+    Printing::PrintOnSato *getPrinter() const; ///< Label printer.
+    QRReader::skanerQR *getSkaner() const; ///< QR code reader.
+    KTV_Liczniki *getLiczniki() const; ///< Usage counters.
+    Tools_Pendrive::Pendrive *getPendrive() const; ///< USB stick.
+    Updater::Update *getUpdate() const; ///< Firmware updater; replaced by setMeterSerialName().
+    PowerManager *getPowerManager() const; ///< Power manager.
+
+    /**
+     * Switches the language of the texts and of the help pages. The stored setting is the
+     * caller's business. setMeterSerialName() must have been called before.
+     */
+    void SetLang(const QString &code);
+    /** Takes the meter's serial number and renews everything that depends on the model. */
+    void setMeterSerialName(const QString &serial);
+    /** Factory reset of what a user can change; counters and language in effect stay. */
+    void ClearToDefault();
+
+    /** @return new disk figures of the clients directory; the caller deletes them */
+    QERNTools::DiskInfo *getDiskInfo() const;
+    /** Free-space alert level: 0, 1 (above 70 % used) or 2 (above 80 %). */
+    int getFreeSpaceAlert() const;
+
+    /** Whether this is the first start after an installation; true once, then never again. */
+    static bool FirstStart();
+    /** Whether the device has a touch screen. */
+    static bool TouchScreenEnable();
+
+public slots:
+    /** Computes the alert level anew; the timer's handler, and free to be called directly. */
+    void updateTimeDisk();
+
+signals:
+    /** The free-space alert level has changed; getFreeSpaceAlert() has the new one. */
+    void changeFreeSpaceAlert();
+
+private:
+    class Private;
+    const std::unique_ptr<Private> d;
+};

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/**
+ * The one place that starts a command and waits for it.
+ *
+ * The result tells how far the command came; the caller chooses the text to log and the
+ * consequence. A command that does not end in time is killed with everything it started.
+ */
+namespace Internal {
+
+struct CommandResult
+{
+    enum Outcome
+    {
+        NotStarted,
+        NotFinished,
+        Finished
+    };
+    Outcome outcome = NotStarted;
+    QString output; ///< standard output that arrived, even if NotFinished
+
+    bool finished() const { return outcome == Finished; }
+};
+
+/** Limits in milliseconds. */
+struct Waits
+{
+    int start = NoStartWait;
+    int finish = Forever;
+
+    static constexpr int NoStartWait = -2; ///< a failed start then counts as not finished
+    static constexpr int Forever = -1;
+};
+
+/** Runs @p program with @p arguments as they stand; no shell sees them. */
+CommandResult runProgram(const QString &program, const QStringList &arguments, Waits waits);
+
+/** Runs a command line split at its blanks, as QProcess splits it; no shell sees it. */
+CommandResult runDirect(const QString &line, Waits waits);
+
+/** Runs a command line with `sh -c`. User text never belongs in it. */
+CommandResult runShell(const QString &line, Waits waits);
+
+} // namespace Internal

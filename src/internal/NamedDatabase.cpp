@@ -1,0 +1,117 @@
+#include "internal/NamedDatabase_p.h"
+
+#include "internal/log_p.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QtEndian>
+
+namespace Internal {
+
+namespace {
+
+QString connectOptions()
+{
+    // Handed to the driver as they stand.
+    return QStringLiteral("Version=3;Legacy Format=True; PRAGMA temp_store=memory;"
+                          "PRAGMA synchronous = FULL;PRAGMA journal_mode = DELETE;"
+                          "PRAGMA locking_mode=EXCLUSIVE;");
+}
+
+/** Whether the journal beside a database says that the database was empty before. */
+bool journalEmptiesDatabase(const QString &path)
+{
+    static constexpr char magic[] = "\xd9\xd5\x05\xf9\x20\xa1\x63\xd7";
+    static constexpr int magicSize = 8;
+    static constexpr int pageCountOffset = 16;
+    QFile journal(path + QStringLiteral("-journal"));
+    if (!journal.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray header = journal.read(pageCountOffset + int(sizeof(quint32)));
+    return header.size() == pageCountOffset + int(sizeof(quint32))
+        && header.startsWith(QByteArray::fromRawData(magic, magicSize))
+        && qFromBigEndian<quint32>(header.constData() + pageCountOffset) == 0;
+}
+
+} // namespace
+
+NamedDatabase::NamedDatabase(const QString &connectionName) : m_connectionName(connectionName)
+{ }
+
+NamedDatabase::~NamedDatabase()
+{
+    release();
+}
+
+bool NamedDatabase::open(const QString &path)
+{
+    release();
+    m_db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
+    m_db.setDatabaseName(path);
+    m_db.setConnectOptions(connectOptions());
+    return m_db.open();
+}
+
+void NamedDatabase::close()
+{
+    m_inTransaction = false;
+    if (m_db.isOpen())
+        m_db.close();
+}
+
+void NamedDatabase::release()
+{
+    close();
+    if (!m_db.isValid())
+        return;
+    m_db = QSqlDatabase(); // the last handle goes first, or Qt complains
+    QSqlDatabase::removeDatabase(m_connectionName);
+}
+
+void NamedDatabase::begin()
+{
+    if (!m_inTransaction)
+        m_inTransaction = m_db.transaction();
+}
+
+bool NamedDatabase::commit()
+{
+    if (!m_inTransaction)
+        return true;
+    if (!m_db.commit()) {
+        rollback();
+        return false;
+    }
+    m_inTransaction = false;
+    return true;
+}
+
+void NamedDatabase::rollback()
+{
+    if (!m_inTransaction)
+        return;
+    m_db.rollback();
+    m_inTransaction = false;
+}
+
+void createSchema(NamedDatabase &database, const QStringList &statements)
+{
+    Transaction transaction(database);
+    {
+        QSqlQuery query = database.query();
+        for (const QString &statement : statements) {
+            if (!query.prepare(statement) || !query.exec())
+                log() << query.lastError().text();
+        }
+    }
+    if (!transaction.commit())
+        log() << database.lastError().text();
+}
+
+bool isMissing(const QString &path)
+{
+    const QFileInfo file(path);
+    return !file.exists() || (file.isFile() && file.size() == 0) || journalEmptiesDatabase(path);
+}
+
+} // namespace Internal

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QStringList>
+
+namespace Internal {
+
+/**
+ * One named QSQLITE connection of a store and the order in which it is given back.
+ *
+ * Policy stays with the stores: what is logged, what a failed open leads to, which tables
+ * a new file gets. Queries on the connection must not outlive release().
+ */
+class NamedDatabase
+{
+public:
+    explicit NamedDatabase(const QString &connectionName);
+    ~NamedDatabase();
+    Q_DISABLE_COPY_MOVE(NamedDatabase)
+
+    /** Registers the connection anew for the file and opens it. @return success */
+    bool open(const QString &path);
+    bool isOpen() const { return m_db.isOpen(); }
+    /** Closes the file; the registration stays. */
+    void close();
+    /** Closes the file and removes the connection from the driver's registry. */
+    void release();
+
+    QSqlDatabase handle() const { return m_db; }
+    QSqlError lastError() const { return m_db.lastError(); }
+    QSqlQuery query() const { return QSqlQuery(m_db); }
+
+    /** Begins a transaction unless this object has one open already. */
+    void begin();
+    /** Ends the open transaction, if any; one that cannot be written is rolled back. */
+    bool commit();
+    void rollback();
+
+private:
+    const QString m_connectionName;
+    QSqlDatabase m_db;
+    bool m_inTransaction = false;
+};
+
+/** Rolls back unless committed. */
+class Transaction
+{
+public:
+    explicit Transaction(NamedDatabase &database) : m_database(database) { m_database.begin(); }
+    ~Transaction() { m_database.rollback(); }
+    Q_DISABLE_COPY_MOVE(Transaction)
+
+    bool commit() { return m_database.commit(); }
+
+private:
+    NamedDatabase &m_database;
+};
+
+/**
+ * Runs the statements of a new file in one transaction, so that a battery pulled meanwhile
+ * leaves a file that still counts as missing. A failing statement is logged with the driver's
+ * text, and the next one still runs.
+ */
+void createSchema(NamedDatabase &database, const QStringList &statements);
+
+/**
+ * Whether a store's file must be created: it is missing, holds nothing, or its creation was
+ * cut short (its journal would empty it again).
+ */
+bool isMissing(const QString &path);
+
+} // namespace Internal

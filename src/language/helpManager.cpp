@@ -1,0 +1,118 @@
+#include "language/helpManager.h"
+
+#include "internal/log_p.h"
+
+#include <QDir>
+
+using Internal::log;
+
+namespace QERNTools {
+
+namespace {
+
+struct ModelFolder
+{
+    KTV_Configuration::MeterModels model;
+    QLatin1String folder;
+};
+
+const ModelFolder modelFolders[] = {
+    {KTV_Configuration::KTV_410, QLatin1String("KTV_410")},
+    {KTV_Configuration::KTV_420, QLatin1String("KTV_420")},
+    {KTV_Configuration::PLX_420, QLatin1String("KTV_420")},
+    {KTV_Configuration::KTV_4200, QLatin1String("KTV_4200")},
+    {KTV_Configuration::KTV_4400, QLatin1String("KTV_4200")},
+};
+
+QString folderOf(KTV_Configuration::MeterModels model)
+{
+    for (const ModelFolder &entry : modelFolders) {
+        if (entry.model == model)
+            return entry.folder;
+    }
+    return {};
+}
+
+/** Creates the last level of a path that does not exist yet. @return whether it exists */
+bool ensureDirectory(const QString &path)
+{
+    return QDir(path).exists() || QDir().mkdir(path);
+}
+
+QString withSeparator(const QString &path)
+{
+    return path.endsWith(QDir::separator()) ? path : path + QDir::separator();
+}
+
+} // namespace
+
+class helpManager::Private
+{
+public:
+    QStringList pagesIn(const QString &path) const
+    {
+        return QDir(path).entryList({QStringLiteral("*_") + code + QStringLiteral(".html")},
+                                    QDir::Files, QDir::Name);
+    }
+
+    QString directory;
+    QString code;
+};
+
+helpManager::helpManager(const QString &directory, KTV_Configuration::MeterModels model,
+                         const QString &code, QObject *parent)
+    : QObject(parent)
+    , d(std::make_unique<Private>())
+{
+    d->directory = withSeparator(directory);
+    ensureDirectory(d->directory);
+    // Without a model folder the path ends in two separators; the file system does not mind.
+    d->directory += folderOf(model) + QDir::separator();
+    ensureDirectory(d->directory);
+    SetLang(code);
+}
+
+helpManager::~helpManager() = default;
+
+void helpManager::SetLang(const QString &code)
+{
+    d->code = code;
+}
+
+bool helpManager::HasHelp(const QString &topic) const
+{
+    if (topic.isEmpty())
+        return false;
+    const QString path = d->directory + topic;
+    try {
+        if (!QDir(path).exists()) {
+            ensureDirectory(path);
+            return false;
+        }
+        const auto count = d->pagesIn(path).count();
+        log() << "helpManager::HasHelp(" << path << "): " << count;
+        return count > 0;
+    } catch (const std::exception &) {
+        return false;
+    }
+}
+
+QStringList *helpManager::GetHelpFileList(const QString &topic) const
+{
+    auto list = std::make_unique<QStringList>();
+    if (topic.isEmpty())
+        return list.release();
+    try {
+        const QString path = withSeparator(d->directory + topic);
+        if (!ensureDirectory(path))
+            log() << "Error creat help directory:" << path;
+        const QStringList pages = d->pagesIn(path);
+        for (const QString &page : pages)
+            list->append(path + page);
+    } catch (const std::exception &exception) {
+        log() << "GetHelpFileList:" << exception.what();
+    }
+    return list.release();
+}
+
+} // namespace QERNTools

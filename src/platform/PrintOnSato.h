@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform_export.h"
+
+#include <QObject>
+#include <QString>
+
+namespace Printing {
+
+/** The label printer. The workstation stand-in prints into text files, one a label. */
+class KTV_PLATFORM_EXPORT PrintOnSato : public QObject
+{
+    Q_OBJECT
+public:
+    explicit PrintOnSato(QObject *parent = nullptr);
+
+    /** Stand-in: prints a label. @return path of the file; empty when it cannot be written */
+    QString printLabel(const QString &text);
+};
+
+} // namespace Printing

@@ -1,0 +1,72 @@
+#include "support/Meter.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+
+#include <cstdio>
+
+namespace Meter {
+
+namespace {
+
+const QLatin1String marker("/run/meter/inside");
+const QLatin1String journalFile("/run/meter/journal");
+const QLatin1String behaviourDirectory("/run/meter/behaviour/");
+
+} // namespace
+
+bool isInside()
+{
+    if (QFile::exists(marker) && qgetenv("KTV_METER") == "1")
+        return true;
+    std::fputs("This test runs in the simulated meter only: ./meter test\n", stderr);
+    return false;
+}
+
+QStringList journal()
+{
+    return QString::fromUtf8(readFile(journalFile))
+        .replace(QLatin1Char('\t'), QLatin1Char(' '))
+        .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+void clearJournal()
+{
+    writeFile(journalFile, QByteArray());
+}
+
+void setBehaviour(const QString &program, const QByteArray &lines)
+{
+    if (lines.isEmpty())
+        QFile::remove(behaviourDirectory + program);
+    else
+        writeFile(behaviourDirectory + program, lines + '\n');
+}
+
+void hideProgram(const QString &program)
+{
+    QProcess::execute(QStringLiteral("meter-hide"), {program});
+}
+
+void showProgram(const QString &program)
+{
+    QProcess::execute(QStringLiteral("meter-show"), {program});
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void writeFile(const QString &path, const QByteArray &content)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("cannot write %s", qPrintable(path));
+}
+
+} // namespace Meter

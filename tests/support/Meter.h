@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+/** The simulated meter, as a test inside it sees it. */
+namespace Meter {
+
+/** Whether this process runs inside the simulated meter; says so on standard error if not. */
+bool isInside();
+
+/** Calls of stand-in programs so far, each "program argument argument". */
+QStringList journal();
+void clearJournal();
+
+/** Tells a stand-in program how to behave: lines such as "hang=1"; empty for as usual. */
+void setBehaviour(const QString &program, const QByteArray &lines);
+
+/** Takes a program off the PATH, and puts it back. */
+void hideProgram(const QString &program);
+void showProgram(const QString &program);
+
+QByteArray readFile(const QString &path);
+/** Writes a file whole, creating its directories. */
+void writeFile(const QString &path, const QByteArray &content);
+
+} // namespace Meter
+
+/** main() of a test program: refuses to run outside the simulated meter. */
+#define KTV_METER_TEST_MAIN(TestClass)                                                             \
+    int main(int argc, char *argv[])                                                               \
+    {                                                                                              \
+        if (!Meter::isInside())                                                                    \
+            return 1;                                                                              \
+        QCoreApplication application(argc, argv);                                                  \
+        TestClass test;                                                                            \
+        return QTest::qExec(&test, argc, argv);                                                    \
+    }

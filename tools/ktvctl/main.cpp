@@ -1,0 +1,168 @@
+#include "Command.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QTextStream>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+/** In the order of the help page. */
+const std::vector<Family> &families()
+{
+    static const std::vector<Family> all {
+        countersFamily(),
+    };
+    return all;
+}
+
+bool isVerbose = false;
+
+void showLog(QtMsgType, const QMessageLogContext &, const QString &line)
+{
+    if (isVerbose)
+        QTextStream(stderr) << line << '\n';
+}
+
+QByteArray toJson(const QJsonValue &value)
+{
+    if (value.isArray())
+        return QJsonDocument(value.toArray()).toJson(QJsonDocument::Compact);
+    if (value.isObject())
+        return QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact);
+    const QByteArray inArray = QJsonDocument(QJsonArray {value}).toJson(QJsonDocument::Compact);
+    return inArray.mid(1, inArray.size() - 2);
+}
+
+QString usage(const Family &family, const Verb &verb)
+{
+    return QStringList {QStringLiteral("ktvctl"), QLatin1String(family.name),
+                        QLatin1String(verb.name), QLatin1String(verb.arguments)}
+        .filter(QRegularExpression(QStringLiteral(".")))
+        .join(QLatin1Char(' '));
+}
+
+void printFamily(QTextStream &out, const Family &family)
+{
+    for (const Verb &verb : family.verbs)
+        out << "  " << usage(family, verb).leftJustified(46) << ' ' << verb.summary << '\n';
+}
+
+int printHelp(const Family *family = nullptr)
+{
+    QTextStream out(stdout);
+    out << "ktvctl: the meter's services from the command line\n\n";
+    if (family) {
+        out << family->summary << "\n\n";
+        printFamily(out, *family);
+    } else {
+        for (const Family &one : families())
+            printFamily(out, one);
+    }
+    out << "\nEvery command takes --json, --verbose (log lines on standard error) and --help.\n"
+           "Exit codes: 0 done, 1 failed, 2 called wrongly.\n";
+    return Success;
+}
+
+bool fits(const QStringList &given, const QStringList &declared)
+{
+    const bool repeats = !declared.isEmpty() && declared.last().contains(QLatin1String("..."));
+    const auto required = std::count_if(declared.begin(), declared.end(), [](const QString &word) {
+        return !word.startsWith(QLatin1Char('['));
+    });
+    return given.size() >= required && (repeats || given.size() <= declared.size());
+}
+
+int runVerb(const Family &family, const Verb &verb, const QStringList &words)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QLatin1String(verb.summary));
+    parser.addOptions(verb.options);
+    const QCommandLineOption json(QStringLiteral("json"),
+                                  QStringLiteral("Print the answer as JSON."));
+    const QCommandLineOption verbose(QStringLiteral("verbose"),
+                                     QStringLiteral("Print the log lines on standard error."));
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Show this help."));
+    parser.addOptions({json, verbose, help});
+    const QStringList declared =
+        QString::fromLatin1(verb.arguments).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (const QString &word : declared)
+        parser.addPositionalArgument(word, QString(), word);
+    if (!parser.parse(QStringList {QStringLiteral("ktvctl")} + words))
+        return misuse(parser.errorText());
+    if (parser.isSet(help)) {
+        QString text = parser.helpText();
+        text.replace(QCoreApplication::arguments().first() + QStringLiteral(" [options]"),
+                     usage(family, {verb.name, "", "", nullptr}) + QStringLiteral(" [options]"));
+        QTextStream(stdout) << text;
+        return Success;
+    }
+    if (!fits(parser.positionalArguments(), declared))
+        return misuse(QStringLiteral("usage: ") + usage(family, verb));
+    isVerbose = parser.isSet(verbose);
+    return verb.run(Call(parser));
+}
+
+bool asksForHelp(const QString &word)
+{
+    return word == QLatin1String("--help") || word == QLatin1String("-h");
+}
+
+int runFamily(const Family &family, QStringList words)
+{
+    if (*family.verbs.front().name == '\0')
+        return runVerb(family, family.verbs.front(), words);
+    if (words.isEmpty() || asksForHelp(words.first())) {
+        printHelp(&family);
+        return words.isEmpty() ? UsageError : Success;
+    }
+    const QString name = words.takeFirst();
+    for (const Verb &verb : family.verbs) {
+        if (name == QLatin1String(verb.name))
+            return runVerb(family, verb, words);
+    }
+    return misuse(QStringLiteral("no command '%1 %2'; see ktvctl %1 --help")
+                      .arg(QLatin1String(family.name), name));
+}
+
+} // namespace
+
+void Call::print(const QJsonValue &machine, const QString &human) const
+{
+    QTextStream(stdout) << (isSet("json") ? QString::fromUtf8(toJson(machine)) : human) << '\n';
+}
+
+int fail(const QString &reason)
+{
+    QTextStream(stderr) << "ktvctl: " << reason << '\n';
+    return Failure;
+}
+
+int misuse(const QString &reason)
+{
+    fail(reason);
+    return UsageError;
+}
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    qInstallMessageHandler(showLog);
+    QStringList words = QCoreApplication::arguments().mid(1);
+    if (words.isEmpty() || asksForHelp(words.first())) {
+        printHelp();
+        return words.isEmpty() ? UsageError : Success;
+    }
+    const QString name = words.takeFirst();
+    for (const Family &family : families()) {
+        if (name == QLatin1String(family.name))
+            return runFamily(family, words);
+    }
+    return misuse(QStringLiteral("no command '%1'; see ktvctl --help").arg(name));
+}
