@@ -1,0 +1,14 @@
+#!/bin/bash
+# Checks every shell program of the repository: shellcheck.sh SHELLCHECK
+set -euo pipefail
+repository=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
+cd "$repository"
+shellcheck=${1:-shellcheck}
+
+mapfile -t bash_programs < <(grep -rlE '^#!/bin/bash' meter .ci simulator 2>/dev/null)
+mapfile -t sh_programs < <(grep -rlE '^#!/bin/(busybox )?sh' simulator)
+"$shellcheck" -x -P SCRIPTDIR -s bash "${bash_programs[@]}"
+# Programs of the meter name each other by their place inside it. busybox sh knows
+# ${x//a/b} and read -t, which plain dash does not.
+simulator/meter-run -- "$shellcheck" -x -s dash -e SC3045,SC3060 \
+    "${sh_programs[@]/#simulator//opt/meter}"
