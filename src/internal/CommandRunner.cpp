@@ -1,7 +1,9 @@
 #include "internal/CommandRunner_p.h"
 
+#include <QDeadlineTimer>
 #include <QProcess>
 
+#include <algorithm>
 #include <csignal>
 #include <unistd.h>
 
@@ -29,6 +31,23 @@ protected:
     void setupChildProcess() override { ::setpgid(0, 0); }
 };
 
+constexpr qint64 stopCheckInterval = 20; // ms
+
+bool waitForFinished(QProcess &process, const Waits &waits)
+{
+    if (!waits.stop)
+        return process.waitForFinished(waits.finish);
+    const QDeadlineTimer deadline(waits.finish); // -1 never expires
+    while (!*waits.stop) {
+        const qint64 left = deadline.isForever() ? stopCheckInterval : deadline.remainingTime();
+        if (process.waitForFinished(int(std::min(left, stopCheckInterval))))
+            return true;
+        if (process.state() == QProcess::NotRunning || deadline.hasExpired())
+            return false;
+    }
+    return false;
+}
+
 } // namespace
 
 CommandResult runProgram(const QString &program, const QStringList &arguments, Waits waits)
@@ -38,8 +57,8 @@ CommandResult runProgram(const QString &program, const QStringList &arguments, W
     process.start(program, arguments);
     if (waits.start != Waits::NoStartWait && !process.waitForStarted(waits.start))
         return result;
-    result.outcome = process.waitForFinished(waits.finish) ? CommandResult::Finished
-                                                           : CommandResult::NotFinished;
+    result.outcome =
+        waitForFinished(process, waits) ? CommandResult::Finished : CommandResult::NotFinished;
     result.output = QString::fromLocal8Bit(process.readAllStandardOutput());
     return result;
 }

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <atomic>
+
 /**
  * The one place that starts a command and waits for it.
  *
@@ -30,6 +32,8 @@ struct Waits
 {
     int start = NoStartWait;
     int finish = Forever;
+    /** Set by another thread, it ends the wait as if the time were up; may be null. */
+    const std::atomic<bool> *stop = nullptr;
 
     static constexpr int NoStartWait = -2; ///< a failed start then counts as not finished
     static constexpr int Forever = -1;
