@@ -4,6 +4,7 @@
 #include <QJsonValue>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 #include <vector>
 
@@ -27,12 +28,34 @@ public:
     bool isSet(const char *option) const { return m_parser.isSet(QLatin1String(option)); }
     QString option(const char *name) const { return m_parser.value(QLatin1String(name)); }
 
-    /** Prints the answer: @p machine with --json, else @p human, each with a line end. */
+    /**
+     * Prints the answer at once: @p machine with --json, else the lines of @p human; a null
+     * text is no line at all.
+     */
     void print(const QJsonValue &machine, const QString &human) const;
+    /** Prints an array with --json, else one line a word. */
+    void print(const QStringList &words) const;
 
 private:
     const QCommandLineParser &m_parser;
 };
+
+/** Lines of a name and a value each, the values below each other. */
+class Rows
+{
+public:
+    void add(const QString &name, const QString &value) { m_rows.append({name, value}); }
+    void add(const char *name, const QString &value) { add(QString::fromLatin1(name), value); }
+    QString text() const; ///< null when there are none
+
+private:
+    QVector<QPair<QString, QString>> m_rows;
+};
+
+QString yesOrNo(bool value);
+
+/** The option --serial. */
+QCommandLineOption serialOption(const char *description);
 
 /** Prints a reason on standard error. @return Failure */
 int fail(const QString &reason);
@@ -58,3 +81,11 @@ struct Family
 };
 
 Family countersFamily();
+Family diskFamily();
+Family filenameFamily();
+Family firstStartFamily();
+Family helpFamily();
+Family infoFamily();
+Family langFamily();
+Family settingsFamily();
+Family watchFamily();

@@ -16,7 +16,8 @@ namespace {
 const std::vector<Family> &families()
 {
     static const std::vector<Family> all {
-        countersFamily(),
+        infoFamily(), settingsFamily(), langFamily(),       helpFamily(),  countersFamily(),
+        diskFamily(), filenameFamily(), firstStartFamily(), watchFamily(),
     };
     return all;
 }
@@ -64,7 +65,9 @@ int printHelp(const Family *family = nullptr)
         for (const Family &one : families())
             printFamily(out, one);
     }
-    out << "\nEvery command takes --json, --verbose (log lines on standard error) and --help.\n"
+    out << "\nEvery command takes --json, --verbose (log lines on standard error) and --help,\n"
+           "which says what is unwise while the interface runs. After -- every word is an\n"
+           "argument, also one that begins with -.\n"
            "Exit codes: 0 done, 1 failed, 2 called wrongly.\n";
     return Success;
 }
@@ -81,7 +84,8 @@ bool fits(const QStringList &given, const QStringList &declared)
 int runVerb(const Family &family, const Verb &verb, const QStringList &words)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QLatin1String(verb.summary));
+    parser.setApplicationDescription(QLatin1String(verb.summary) + QStringLiteral("\n\n")
+                                     + QLatin1String(family.summary));
     parser.addOptions(verb.options);
     const QCommandLineOption json(QStringLiteral("json"),
                                   QStringLiteral("Print the answer as JSON."));
@@ -106,7 +110,10 @@ int runVerb(const Family &family, const Verb &verb, const QStringList &words)
     if (!fits(parser.positionalArguments(), declared))
         return misuse(QStringLiteral("usage: ") + usage(family, verb));
     isVerbose = parser.isSet(verbose);
-    return verb.run(Call(parser));
+    const int code = verb.run(Call(parser));
+    return code == Success && std::ferror(stdout) != 0
+        ? fail(QStringLiteral("the answer cannot be written"))
+        : code;
 }
 
 bool asksForHelp(const QString &word)
@@ -135,7 +142,40 @@ int runFamily(const Family &family, QStringList words)
 
 void Call::print(const QJsonValue &machine, const QString &human) const
 {
-    QTextStream(stdout) << (isSet("json") ? QString::fromUtf8(toJson(machine)) : human) << '\n';
+    const QString answer = isSet("json") ? QString::fromUtf8(toJson(machine)) : human;
+    if (answer.isNull())
+        return;
+    QTextStream(stdout) << answer << '\n';
+    std::fflush(stdout);
+}
+
+void Call::print(const QStringList &words) const
+{
+    print(QJsonArray::fromStringList(words),
+          words.isEmpty() ? QString() : words.join(QLatin1Char('\n')));
+}
+
+QString Rows::text() const
+{
+    int width = 0;
+    for (const auto &row : m_rows)
+        width = std::max(width, row.first.size());
+    if (m_rows.isEmpty())
+        return {};
+    QStringList lines;
+    for (const auto &row : m_rows)
+        lines += (row.first + QLatin1Char(':')).leftJustified(width + 2) + row.second;
+    return lines.join(QLatin1Char('\n'));
+}
+
+QString yesOrNo(bool value)
+{
+    return value ? QStringLiteral("yes") : QStringLiteral("no");
+}
+
+QCommandLineOption serialOption(const char *description)
+{
+    return {QStringLiteral("serial"), QString::fromLatin1(description), QStringLiteral("NUMBER")};
 }
 
 int fail(const QString &reason)
