@@ -1,50 +1,44 @@
 #include "internal/CommandRunner_p.h"
 
+#include "internal/GroupProcess_p.h"
+
 #include <QDeadlineTimer>
-#include <QProcess>
 
 #include <algorithm>
 #include <csignal>
-#include <unistd.h>
 
 namespace Internal {
 
 namespace {
 
-/** A child that leads its own process group, so that it can be ended with its children. */
-class GroupProcess : public QProcess
-{
-public:
-    ~GroupProcess() override { end(); }
-
-    void end()
-    {
-        if (state() == NotRunning)
-            return;
-        if (const auto id = static_cast<pid_t>(processId()); id > 0)
-            ::kill(-id, SIGKILL);
-        kill(); // covers a child that has not yet reached its own group
-        waitForFinished(-1);
-    }
-
-protected:
-    void setupChildProcess() override { ::setpgid(0, 0); }
-};
-
 constexpr qint64 stopCheckInterval = 20; // ms
+constexpr qint64 idleStopCheckInterval = 100; // ms; what has no end shall not keep the CPU awake
+constexpr int tidyUpTime = 300; // ms from the polite signal to the other one
 
-bool waitForFinished(QProcess &process, const Waits &waits)
+/** A stopped child gets the chance to silence the speaker or to close its line. */
+void endPolitely(GroupProcess &process)
+{
+    if (process.state() == QProcess::NotRunning)
+        return;
+    process.signalGroup(SIGTERM);
+    process.waitForFinished(tidyUpTime);
+}
+
+bool waitForFinished(GroupProcess &process, const Waits &waits)
 {
     if (!waits.stop)
         return process.waitForFinished(waits.finish);
     const QDeadlineTimer deadline(waits.finish); // -1 never expires
     while (!*waits.stop) {
-        const qint64 left = deadline.isForever() ? stopCheckInterval : deadline.remainingTime();
-        if (process.waitForFinished(int(std::min(left, stopCheckInterval))))
+        const qint64 slice = deadline.isForever()
+            ? idleStopCheckInterval
+            : std::min(deadline.remainingTime(), stopCheckInterval);
+        if (process.waitForFinished(int(slice)))
             return true;
         if (process.state() == QProcess::NotRunning || deadline.hasExpired())
             return false;
     }
+    endPolitely(process);
     return false;
 }
 
@@ -54,6 +48,8 @@ CommandResult runProgram(const QString &program, const QStringList &arguments, W
 {
     CommandResult result;
     GroupProcess process;
+    if (waits.stop)
+        process.bindToThread();
     process.start(program, arguments);
     if (waits.start != Waits::NoStartWait && !process.waitForStarted(waits.start))
         return result;
@@ -75,6 +71,15 @@ CommandResult runDirect(const QString &line, Waits waits)
 CommandResult runShell(const QString &line, Waits waits)
 {
     return runProgram(QStringLiteral("sh"), {QStringLiteral("-c"), line}, waits);
+}
+
+bool startDetached(const QString &line)
+{
+    QStringList words = QProcess::splitCommand(line);
+    if (words.isEmpty())
+        return false;
+    const QString program = words.takeFirst();
+    return QProcess::startDetached(program, words);
 }
 
 } // namespace Internal

@@ -32,7 +32,10 @@ struct Waits
 {
     int start = NoStartWait;
     int finish = Forever;
-    /** Set by another thread, it ends the wait as if the time were up; may be null. */
+    /**
+     * Set by another thread, it ends the wait as if the time were up; may be null. The command
+     * is then asked to end and killed 300 ms later. It also ends when this process dies.
+     */
     const std::atomic<bool> *stop = nullptr;
 
     static constexpr int NoStartWait = -2; ///< a failed start then counts as not finished
@@ -47,5 +50,11 @@ CommandResult runDirect(const QString &line, Waits waits);
 
 /** Runs a command line with `sh -c`. User text never belongs in it. */
 CommandResult runShell(const QString &line, Waits waits);
+
+/**
+ * Starts a command line split at its blanks and leaves it to itself: it may outlive this process.
+ * @return whether it could be started
+ */
+bool startDetached(const QString &line);
 
 } // namespace Internal
