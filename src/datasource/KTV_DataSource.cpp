@@ -11,6 +11,7 @@
 #include "platform/Update.h"
 #include "platform/skanerQR.h"
 #include "tools/Tools.h"
+#include "valuebox/NumericalValueBox.h"
 
 #include <QFile>
 #include <QTimer>
@@ -108,6 +109,7 @@ KTV_DataSource::~KTV_DataSource()
 void KTV_DataSource::setMeterSerialName(const QString &serial)
 {
     d->config->set_SerialNumber(serial);
+    ValueBox::NumericalValueBox::SetCurrentMeter(d->config->get_MeterModel());
     destroy(d->update);
     d->createUpdate(this);
     // The earlier help manager stays a child of the facade: an open help page may still use it.

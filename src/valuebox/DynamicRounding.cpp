@@ -1,0 +1,24 @@
+#include "valuebox/DynamicRounding.h"
+
+namespace ValueBox::DynamicRounding {
+
+Round_Current_I::Round_Current_I(Round_Current_I *other)
+    : Round_Current_I(other ? other->current : testI_None, other)
+{ }
+
+Round_Current_I::Round_Current_I(ValueBox::testI testCurrent, Round_Current_I *base)
+    : current(testCurrent)
+{
+    if (!base)
+        return;
+    items.reserve(base->items.size());
+    for (const RoundItem *row : qAsConst(base->items))
+        items.append(new RoundItem(*row));
+}
+
+Round_Current_I::~Round_Current_I()
+{
+    qDeleteAll(items);
+}
+
+} // namespace ValueBox::DynamicRounding

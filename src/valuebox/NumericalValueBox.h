@@ -1,0 +1,200 @@
+#pragma once
+
+#include "configuration/KTV_Configuration.h"
+#include "valuebox/DynamicRounding.h"
+#include "valuebox/ValueTypes.h"
+
+#include <ktv_datasource_export.h>
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+namespace ValueBox {
+
+/**
+ * One measured value, and the text that shows it.
+ *
+ * The value is kept in its base unit (ohms, henries, volts, amperes, degrees Celsius) as a 32-bit
+ * float; a quiet NaN stands for a missing value. A rounding method and a test current choose a
+ * row set; the row that fits the value's magnitude gives prefix and decimals.
+ *
+ * Texts and tables are the process's own. Before anything is shown, fill the texts with
+ * prepareStaticDefaultValue() or prepareStaticCustomtValue(), and the tables with
+ * SetCurrentMeter(). Everything here belongs to the interface's thread. Nothing blocks and
+ * nothing fails: what cannot be shown is "---", what cannot be computed is NaN.
+ */
+class KTV_DATASOURCE_EXPORT NumericalValueBox : public QObject
+{
+    Q_OBJECT
+public:
+    /** No value, no unit, two decimals and no prefix. */
+    explicit NumericalValueBox(QObject *parent = nullptr);
+    /** No value yet, of the given unit and rounding method. */
+    NumericalValueBox(Units unit, RoundMetods method, QObject *parent = nullptr);
+    /**
+     * A value that is always shown with the same prefix and decimals.
+     * @param value in the base unit
+     */
+    NumericalValueBox(float value, Units unit, UnitPrefixs prefix, int digits,
+                      QObject *parent = nullptr);
+    /**
+     * The same with a rounding method: prefix and decimals stay until a value with a test
+     * current, or setRoundMetod(), replaces them.
+     */
+    NumericalValueBox(float value, Units unit, UnitPrefixs prefix, RoundMetods method, int digits,
+                      QObject *parent = nullptr);
+    /**
+     * Value and unit of a text, as parse() reads them; NaN without a unit when it cannot. Shown
+     * with two decimals and no prefix, whatever the text had.
+     */
+    explicit NumericalValueBox(const QString &text, QObject *parent = nullptr);
+    ~NumericalValueBox() override;
+
+    /** Whether negative values are shown with a minus sign; as "< 0" otherwise, as at first. */
+    void setNegativeAllowed(bool allowed);
+    bool isNegativeAllowed() const; ///< Whether negative values show a minus sign.
+    /** Whether this object writes lines to the debug log; off at first. */
+    void setDebug(bool enabled);
+    bool isDebug() const; ///< Whether this object writes lines to the debug log.
+
+    /** Changes the rounding method; no rows apply until the next value is set. */
+    void setRoundMetod(RoundMetods method);
+    /** Sets the value, in the base unit; the rows in use stay. NaN for no value. */
+    void setRealValue(float value);
+    /**
+     * Sets the value, in the base unit, measured with a test current, and chooses the rows of
+     * that current from the method's table. A current without rows leaves none: the value
+     * shows "---". With testI_None the rows in use stay.
+     */
+    void setRealValue(float value, testI current);
+    /** The same with the current's code as a number. */
+    void setRealValue(float value, int index);
+    /** Makes the object's own single row anew: two decimals, no prefix, any magnitude. */
+    void prepareRound_Static();
+
+    float realValue() const; ///< The stored value, in the base unit; NaN for none.
+    /**
+     * Index of the row that fits a value. @return -1 for a negative value, -2 without rows in
+     * use, and the number of rows above the last one or for NaN
+     */
+    int findBestRange(float value) const;
+    /**
+     * Scale of the row that fits a value: 0.001 for milli. @return 0 without rows in use, NaN
+     * for NaN and for a row set without rows
+     */
+    float _calculatePrefixValue(float value) const;
+    float getPrefixValue() const; ///< Scale of the row that fits the stored value.
+    /**
+     * A value scaled and rounded by one row, as text without unit. @param rangeIndex as
+     * findBestRange() gives it. @return "---" without a stored value or without rows
+     */
+    QString _valueFormat(float value, int rangeIndex) const;
+    /** The number as it is shown, in the shown prefix: 0 below zero, the top above the range. */
+    float getFormatedValue() const;
+    /** The shown text read back, in the base unit; NaN when it shows no number. */
+    float getRealFormatedValue() const;
+    /**
+     * The text on the screen: "1.2345 mΩ", "> 199.99 mΩ", "< 0 μΩ", "--- V" for a missing value
+     * and "---" without rows. Takes one allocation.
+     */
+    QString toString() const;
+    /** Text of a prefix followed by the text of this object's unit. */
+    QString _unitAndPrefixToString(UnitPrefixs prefix) const;
+
+    static QString getUnit(Units unit); ///< Text of a unit; empty when it has none.
+    static QString _enumUnitsToString(Units unit); ///< Text of a unit; empty when it has none.
+    static QString getUnitPrefix(UnitPrefixs prefix); ///< Text of a prefix; empty when it has none.
+    /** Text of a prefix; empty when it has none. */
+    static QString _enumUnitPrefixsToString(UnitPrefixs prefix);
+    static TemperatureUnit getTempUnit(); ///< Unit in which temperatures are shown.
+    /** Unit of temperature coefficients: always "K⁻¹". */
+    static QString getAlphaUnit();
+
+    /**
+     * A number as fixed-point text. A tenth decimal of 5 is nudged upwards before the rounding
+     * to @p digits decimals, through single precision.
+     */
+    static QString round(double value, unsigned int digits);
+    /**
+     * A value with a fixed prefix and number of decimals: "1.500 V". @param value in the base
+     * unit. @param trimZeros cuts trailing zeros of the decimals: "1.5 V"
+     */
+    static QString autoFormat(float value, Units unit, UnitPrefixs prefix, int digits,
+                              bool trimZeros);
+    /** Test current of an inductive measurement, in amperes up to 200: "10.0 mA"; else "---". */
+    static QString formatIinduction(float amperes);
+    /**
+     * Voltage drop across the object, with ranges fixed by the test current. @param u in volts.
+     * @param limited whether the current's own upper limit holds, else 10 V
+     */
+    static QString formatDeltaU(float u, testI current, bool limited);
+    /**
+     * A temperature in the unit in use, rounded down to half a degree: "20.5 °C". Puts the texts
+     * of units and prefixes back to their defaults. @param celsius NaN or infinite: "--- °C"
+     */
+    static QString formatTemperature(float celsius);
+
+    /**
+     * Reads a text as toString() writes it. Where several texts end the unit, the longest
+     * counts; of equal texts the one with the smallest code.
+     * @param value in the base unit; NaN when there is no number
+     * @param precision characters after the number's decimal point
+     * @param unit,prefix set when the text has a unit part; untouched otherwise, as is the unit
+     *        when the part ends in none
+     * @return whether there is a number
+     */
+    static bool parse(const QString &text, float &value, int &precision, Units &unit,
+                      UnitPrefixs &prefix);
+    /** Value of a text in the base unit, as parse() reads it; NaN when there is no number. */
+    static float getValue(const QString &text);
+
+    /** Code of a test current's label, exactly; testI_None for any other text. */
+    static testI testI_parse(const QString &label);
+    static bool MergeTestI(testI a, testI b); ///< Whether two codes are the same current.
+    /** Amperes of a test current; NaN for a code without one. */
+    static float ConvertTestI_ToFlota(testI code);
+    /** Nominal current to which a measured one belongs, in amperes; testI_None from 220 A on. */
+    static testI roundTestIValue(float amperes);
+
+    /** Takes the default texts of units and prefixes, and the temperature unit. */
+    static void prepareStaticDefaultValue(TemperatureUnit unit);
+    /**
+     * Takes texts of the caller's: units A, V, temperature, ohm (four) and prefixes G, M, k, m,
+     * μ, n (six). A list of another length leaves its texts as they were.
+     */
+    static void prepareStaticCustomtValue(const QStringList &units, const QStringList &prefixes,
+                                          TemperatureUnit unit);
+
+    /** Takes the meter's model and fills the rounding tables; an unknown one leaves them. */
+    static void SetCurrentMeter(KTV_Configuration::MeterModels model);
+    static void prepareRound_R_KTV420(); ///< Fills the resistance tables of the 420 family.
+    static void prepareRound_L_KTV420(); ///< Fills the inductance tables of the 420 family.
+    static void prepareRound_R_KTV4200(); ///< Fills the resistance tables of the 4200 family.
+    static void prepareRound_L_KTV4200(); ///< Fills the inductance tables of the 4200 family.
+
+    static QHash<Units, QString> unitString; ///< Texts of the units; empty at first.
+    static QHash<UnitPrefixs, QString> prefixString; ///< Texts of the prefixes; empty at first.
+    static TemperatureUnit _tUnit; ///< Temperature unit last given with the texts.
+    static KTV_Configuration::MeterModels currentMeter; ///< Model last given.
+
+    /** @name Rounding tables
+     * Empty at first. Row sets are never freed, so that a value keeps the rows it was given
+     * when the tables are filled anew.
+     * @{ */
+    static QList<DynamicRounding::Round_Current_I *> tableRound_R;
+    static QList<DynamicRounding::Round_Current_I *> tableRound_L;
+    static QList<DynamicRounding::Round_Current_I *> tableRound_R_TempCompensation;
+    static QList<DynamicRounding::Round_Current_I *> tableRound_L_TempCompensation;
+    /** @} */
+
+private:
+    class Private;
+    const std::unique_ptr<Private> d;
+};
+
+} // namespace ValueBox

@@ -1,0 +1,204 @@
+#include "internal/log_p.h"
+#include "valuebox/NumericalValueBox.h"
+
+#include <initializer_list>
+#include <vector>
+
+namespace ValueBox {
+
+using DynamicRounding::Round_Current_I;
+using DynamicRounding::RoundItem;
+
+QList<Round_Current_I *> NumericalValueBox::tableRound_R;
+QList<Round_Current_I *> NumericalValueBox::tableRound_L;
+QList<Round_Current_I *> NumericalValueBox::tableRound_R_TempCompensation;
+QList<Round_Current_I *> NumericalValueBox::tableRound_L_TempCompensation;
+KTV_Configuration::MeterModels NumericalValueBox::currentMeter = KTV_Configuration::MeterModels_NaN;
+
+namespace {
+
+/** What a set's twin, for temperature-compensated values, has after the set's own rows. */
+enum Twin
+{
+    NoTwin, ///< such values show "---"
+    Copy, ///< nothing: such values end where the plain ones do
+    Wider ///< the line's further rows, then the common tail
+};
+
+using Rows = std::initializer_list<RoundItem>;
+
+/** The row sets of one or more currents. */
+struct Line
+{
+    std::initializer_list<testI> currents;
+    Rows rows;
+    Twin twin;
+    Rows further;
+};
+
+// clang-format off
+
+/** Ends a wider twin; it starts above the rows that the twin has already. */
+constexpr RoundItem commonTail[] = {
+    {1999.9F, 1, 0}, {9990.F, 2, 3}, {99900.F, 1, 3}, {999000.F, 0, 3}, {10000000.F, 2, 6}};
+
+// Plain resistance sets end half a digit above their range; further rows end at the range itself.
+constexpr Line resistance420[] = {
+    {{testI_10A},
+     {{0.0009999F, 1, -6}, {0.0019999F, 4, -3}, {0.019999F, 3, -3}, {0.199995F, 2, -3}},
+     Wider, {{0.9999F, 1, -3}, {1.9999F, 4, 0}, {19.999F, 3, 0}, {199.99F, 2, 0}}},
+    {{testI_1A},
+     {{0.19999F, 2, -3}, {0.9999F, 1, -3}, {1.99995F, 4, 0}},
+     Wider, {{19.999F, 3, 0}, {199.99F, 2, 0}}},
+    {{testI_100mA},
+     {{0.9999F, 1, -3}, {1.9999F, 4, 0}, {19.9995F, 3, 0}},
+     Wider, {{199.99F, 2, 0}}},
+    {{testI_10mA}, {{199.995F, 2, 0}}, Wider, {}},
+    {{testI_1mA}, {{1999.95F, 1, 0}}, Wider, {}},
+};
+
+// No compensated values from 190 A to 110 A, none beyond the plain range from 200 A to 20 A, and
+// a gap from 0.2 to 1999.9 ohms without rows of its own at 10 A: the meter has it so.
+constexpr Line resistance4200[] = {
+    {{testI_200A}, {{0.0009999F, 1, -6}}, Copy, {}},
+    {{testI_190A, testI_180A, testI_170A, testI_160A, testI_150A, testI_140A, testI_130A,
+      testI_120A, testI_110A}, {{0.0009999F, 1, -6}}, NoTwin, {}},
+    {{testI_100A, testI_90A, testI_80A, testI_70A, testI_60A},
+     {{0.0009999F, 1, -6}, {0.0019999F, 4, -3}}, Copy, {}},
+    {{testI_50A, testI_40A, testI_30A},
+     {{0.0009999F, 1, -6}, {0.0039999F, 4, -3}}, Copy, {}},
+    {{testI_20A},
+     {{0.0009999F, 1, -6}, {0.0079999F, 4, -3}}, Copy, {}},
+    {{testI_10A},
+     {{0.0009999F, 1, -6}, {0.0019999F, 4, -3}, {0.019999F, 3, -3}, {0.199995F, 2, -3}},
+     Wider, {}},
+    {{testI_1A},
+     {{0.19999F, 2, -3}, {0.9999F, 1, -3}, {1.99995F, 4, 0}},
+     Wider, {{19.999F, 3, 0}, {199.99F, 2, 0}}},
+    {{testI_100mA},
+     {{0.9999F, 1, -3}, {1.9999F, 4, 0}, {19.9995F, 3, 0}},
+     Wider, {{199.99F, 2, 0}}},
+    {{testI_10mA}, {{199.995F, 2, 0}}, Wider, {}},
+    {{testI_1mA}, {{1999.95F, 1, 0}}, Wider, {}},
+};
+
+constexpr Line inductance[] = {
+    {{testI_10A},
+     {{0.0009999F, 1, -6}, {0.0019999F, 4, -3}, {0.019999F, 3, -3}, {0.19999F, 2, -3},
+      {0.9999F, 1, -3}, {1.9999F, 4, 0}, {19.999F, 3, 0}},
+     Wider, {{199.99F, 2, 0}}},
+    {{testI_1A},
+     {{0.0009999F, 2, -3}, {0.0019999F, 2, -3}, {0.019999F, 2, -3}, {0.19999F, 2, -3},
+      {0.9999F, 1, -3}, {1.9999F, 4, 0}, {19.999F, 3, 0}, {199.99F, 2, 0}},
+     Wider, {}},
+    {{testI_100mA},
+     {{0.0009999F, 1, -3}, {0.0019999F, 1, -3}, {0.019999F, 1, -3}, {0.19999F, 1, -3},
+      {0.9999F, 1, -3}, {1.9999F, 4, 0}, {19.999F, 3, 0}, {199.99F, 2, 0}, {1999.9F, 1, 0}},
+     Wider, {}},
+    {{testI_10mA},
+     {{0.0009999F, 2, 0}, {0.0019999F, 2, 0}, {0.019999F, 2, 0}, {0.19999F, 2, 0},
+      {0.9999F, 2, 0}, {1.9999F, 2, 0}, {19.999F, 2, 0}, {199.99F, 2, 0}, {1999.9F, 1, 0}},
+     Wider, {}},
+    {{testI_1mA},
+     {{0.0009999F, 1, 0}, {0.0019999F, 1, 0}, {0.019999F, 1, 0}, {0.19999F, 1, 0},
+      {0.9999F, 1, 0}, {1.9999F, 1, 0}, {19.999F, 1, 0}, {199.99F, 1, 0}, {1999.9F, 1, 0}},
+     Wider, {}},
+};
+
+// clang-format on
+
+using Table = QList<Round_Current_I *>;
+
+/** A new set, kept for as long as the process lives: values hold on to sets of earlier fills. */
+template <typename... Arguments> Round_Current_I *newSet(Arguments... arguments)
+{
+    static auto &all = *new std::vector<std::unique_ptr<Round_Current_I>>;
+    all.push_back(std::make_unique<Round_Current_I>(arguments...));
+    return all.back().get();
+}
+
+template <typename Range> void append(Round_Current_I *set, const Range &rows)
+{
+    for (const RoundItem &row : rows) {
+        if (set->items.isEmpty() || row.maximum > set->items.last()->maximum)
+            set->items.append(new RoundItem(row));
+    }
+}
+
+template <std::size_t Size> void fill(const Line (&lines)[Size], Table &plain, Table &twins)
+{
+    plain.clear();
+    twins.clear();
+    for (const Line &line : lines) {
+        for (const testI current : line.currents) {
+            Round_Current_I *set = newSet(current, static_cast<Round_Current_I *>(nullptr));
+            append(set, line.rows);
+            plain.append(set);
+            if (line.twin == NoTwin)
+                continue;
+            Round_Current_I *twin = newSet(set);
+            append(twin, line.further);
+            if (line.twin == Wider)
+                append(twin, commonTail);
+            twins.append(twin);
+        }
+    }
+}
+
+void fillFamily420()
+{
+    NumericalValueBox::prepareRound_R_KTV420();
+    NumericalValueBox::prepareRound_L_KTV420();
+}
+
+void fillFamily4200()
+{
+    NumericalValueBox::prepareRound_L_KTV4200();
+    NumericalValueBox::prepareRound_R_KTV4200();
+}
+
+struct ModelTables
+{
+    KTV_Configuration::MeterModels model;
+    void (*fillTables)();
+};
+
+constexpr ModelTables modelTables[] = {
+    {KTV_Configuration::KTV_410, fillFamily420},   {KTV_Configuration::KTV_420, fillFamily420},
+    {KTV_Configuration::PLX_420, fillFamily420},   {KTV_Configuration::KTV_4200, fillFamily4200},
+    {KTV_Configuration::KTV_4400, fillFamily4200},
+};
+
+} // namespace
+
+void NumericalValueBox::SetCurrentMeter(KTV_Configuration::MeterModels model)
+{
+    currentMeter = model;
+    Internal::log() << "NumericalValueBox::SetCurrentMeter(" << int(model) << ")";
+    for (const ModelTables &entry : modelTables) {
+        if (entry.model == model)
+            entry.fillTables();
+    }
+}
+
+void NumericalValueBox::prepareRound_R_KTV420()
+{
+    fill(resistance420, tableRound_R, tableRound_R_TempCompensation);
+}
+
+void NumericalValueBox::prepareRound_L_KTV420()
+{
+    fill(inductance, tableRound_L, tableRound_L_TempCompensation);
+}
+
+void NumericalValueBox::prepareRound_R_KTV4200()
+{
+    fill(resistance4200, tableRound_R, tableRound_R_TempCompensation);
+}
+
+void NumericalValueBox::prepareRound_L_KTV4200()
+{
+    fill(inductance, tableRound_L, tableRound_L_TempCompensation);
+}
+
+} // namespace ValueBox

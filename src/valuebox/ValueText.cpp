@@ -1,0 +1,265 @@
+#include "internal/log_p.h"
+#include "valuebox/FixedPoint_p.h"
+#include "valuebox/NumericalValueBox.h"
+#include "valuebox/NumericalValueBox_p.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace ValueBox {
+
+using Internal::FixedPoint;
+using Internal::fixedText;
+using Internal::log;
+using Internal::scaled;
+using Internal::textOf;
+
+namespace {
+
+const QLatin1String nothing("---");
+const QLatin1String overRange("> ");
+const QLatin1String underRange("< 0 ");
+
+QChar *copy(QStringView text, QChar *out)
+{
+    return std::copy(text.begin(), text.end(), out);
+}
+
+/** Whether a unit or prefix can stand in a text without being simplified or taken for a sign. */
+bool isPlain(QStringView text)
+{
+    return std::none_of(text.begin(), text.end(), [](QChar character) {
+        return character == QLatin1Char('-') || character.isSpace();
+    });
+}
+
+/** "> 199.99 mΩ" in one piece: the text's length is known before it is made. */
+QString assembled(QLatin1String marker, bool hasMinus, const FixedPoint &number, QStringView prefix,
+                  QStringView unit)
+{
+    const int unitSize = int(prefix.size() + unit.size());
+    const int size = marker.size() + (hasMinus ? 1 : 0) + number.size()
+        + (unitSize > 0 ? 1 + unitSize : 0); // no blank without a unit
+    QString text(size, Qt::Uninitialized);
+    QChar *out = text.data();
+    for (const char character : marker)
+        *out++ = QLatin1Char(character);
+    if (hasMinus)
+        *out++ = QLatin1Char('-');
+    out = number.write(out);
+    if (unitSize > 0) {
+        *out++ = QLatin1Char(' ');
+        copy(unit, copy(prefix, out));
+    }
+    return text;
+}
+
+/** A value that rounds to zero is never shown as negative. */
+void removeMinusOfZero(QString &text)
+{
+    bool ok = false;
+    const double number = text.left(text.indexOf(QLatin1Char(' '))).toDouble(&ok);
+    if (ok && number == 0)
+        text.remove(QLatin1Char('-'));
+}
+
+} // namespace
+
+} // namespace ValueBox
+
+namespace Internal {
+
+using ValueBox::DynamicRounding::RoundItem;
+
+namespace {
+
+// What round() nudges is the tenth decimal: in a float it can reach the ninth, never the eighth.
+constexpr int untouchedDecimals = 8;
+
+} // namespace
+
+std::optional<FixedPoint> roundedNumber(float value, const RoundItem &row)
+{
+    if (row.digits > untouchedDecimals)
+        return std::nullopt;
+    return FixedPoint::of(scaled(value, row.prefix), row.digits);
+}
+
+QString roundedText(float value, const RoundItem &row)
+{
+    const float number = scaled(value, row.prefix);
+    if (row.digits >= 0 && row.digits <= untouchedDecimals)
+        return fixedText(number, row.digits);
+    return ValueBox::NumericalValueBox::round(double(number), quint32(row.digits));
+}
+
+} // namespace Internal
+
+namespace ValueBox {
+
+using DynamicRounding::RoundItem;
+
+QString NumericalValueBox::round(double value, unsigned int digits)
+{
+    constexpr int nudgedDecimals = 10;
+    const QString longText = QString::number(value, 'f', nudgedDecimals);
+    if (longText.endsWith(QLatin1Char('5')) && longText.contains(QLatin1Char('.')))
+        value = double((longText + QLatin1Char('1')).toFloat());
+    return QString::number(value, 'f', int(digits));
+}
+
+QString NumericalValueBox::toString() const
+{
+    if (d->debug)
+        log() << "NumericalValueBox::toString()";
+    if (std::isnan(d->value)) {
+        if (d->debug)
+            log() << "NumericalValueBox::toString()= --- (" << double(d->value) << ")";
+        return QLatin1String("--- ") + getUnit(d->unit);
+    }
+    if (d->debug && !d->active)
+        log() << "NumericalValueBox::toString()= --- [2] (" << double(d->value) << ")";
+    QString text = d->text(*this);
+    if (d->debug)
+        log() << "NumericalValueBox::toString()= " << text;
+    return text;
+}
+
+QString NumericalValueBox::Private::text(const NumericalValueBox &box) const
+{
+    const bool isMinusShown = value < 0 && negativeAllowed;
+    const float shown = isMinusShown ? -value : value;
+    const int index = box.findBestRange(shown);
+    const RoundItem *row = rowAt(index);
+    if (!row)
+        return nothing;
+    if (index < 0)
+        return belowZeroText(*row);
+    if (index == rowCount())
+        return rowText(overRange, row->maximum, *row, false);
+    return rowText(QLatin1String(), shown, *row, isMinusShown);
+}
+
+QString NumericalValueBox::Private::belowZeroText(const RoundItem &row) const
+{
+    const QString text = underRange + getUnitPrefix(UnitPrefixs(row.prefix)) + getUnit(unit);
+    return text.contains(nothing) ? QString(nothing) : text.simplified();
+}
+
+QString NumericalValueBox::Private::rowText(QLatin1String marker, float number,
+                                            const RoundItem &row, bool isMinusShown) const
+{
+    const QStringView prefixText = textOf(prefixString, UnitPrefixs(row.prefix));
+    const QStringView unitText = textOf(unitString, unit);
+    const auto fixed = Internal::roundedNumber(number, row);
+    if (fixed && !fixed->isNegative() && isPlain(prefixText) && isPlain(unitText))
+        return assembled(marker, isMinusShown && !fixed->isZero(), *fixed, prefixText, unitText);
+
+    QString text = marker + Internal::roundedText(number, row) + QLatin1Char(' ')
+        + prefixText.toString() + unitText.toString();
+    if (isMinusShown)
+        text.prepend(QLatin1Char('-'));
+    if (text.contains(nothing))
+        return nothing;
+    removeMinusOfZero(text);
+    return text.simplified();
+}
+
+QString NumericalValueBox::autoFormat(float value, Units unit, UnitPrefixs prefix, int digits,
+                                      bool trimZeros)
+{
+    QString text = fixedText(scaled(value, prefix), digits);
+    if (trimZeros && text.contains(QLatin1Char('.'))) {
+        while (text.endsWith(QLatin1Char('0')))
+            text.chop(1);
+    }
+    if (text.endsWith(QLatin1Char('.')))
+        text.chop(1);
+    return text + QLatin1Char(' ') + getUnitPrefix(prefix) + getUnit(unit);
+}
+
+namespace {
+
+struct CurrentRange
+{
+    double upTo; ///< amperes; the bound itself belongs to the range
+    float factor;
+    int decimals;
+    const char *unit;
+};
+
+constexpr CurrentRange inductionRanges[] = {
+    {0.001, 1000.F, 2, " mA"}, {0.01, 1000.F, 1, " mA"}, {0.1, 1000.F, 0, " mA"},
+    {1., 1.F, 2, " A"},        {100., 1.F, 1, " A"},     {200., 1.F, 0, " A"},
+};
+
+} // namespace
+
+QString NumericalValueBox::formatIinduction(float amperes)
+{
+    // A float against double bounds: 0.001F and 0.1F lie above them and fall into the next range.
+    for (const CurrentRange &range : inductionRanges) {
+        if (double(amperes) <= range.upTo)
+            return fixedText(amperes * range.factor, range.decimals) + QLatin1String(range.unit);
+    }
+    return nothing;
+}
+
+namespace {
+
+struct VoltageRange
+{
+    double below; ///< volts; the bound itself lies outside
+    UnitPrefixs prefix;
+    int decimals;
+};
+
+struct VoltageRanges
+{
+    std::initializer_list<VoltageRange> ranges;
+    const char *overRange;
+    UnitPrefixs overRangePrefix;
+};
+
+// The upper limits differ on purpose.
+constexpr VoltageRanges unlimited = {
+    {{0.019, Prefix_m, 3}, {0.19999, Prefix_m, 2}, {1.9999, Prefix_None, 4}, {10., Prefix_None, 3}},
+    "> 10.000 ",
+    Prefix_None};
+constexpr VoltageRanges unlimitedUpTo1A = {
+    {{1.9999, Prefix_None, 4}, {10., Prefix_None, 3}}, "> 10.000 ", Prefix_None};
+constexpr VoltageRanges limitedAt10A = {
+    {{0.019, Prefix_m, 3}, {0.19999, Prefix_m, 2}, {1.9999, Prefix_None, 4}},
+    "> 1.9999 ",
+    Prefix_None};
+constexpr VoltageRanges limitedUpTo1A = {{{2.5, Prefix_None, 4}}, "> 2.5 ", Prefix_None};
+constexpr VoltageRanges limitedElsewhere = {{{0.19999, Prefix_m, 2}}, "> 199.99 ", Prefix_m};
+
+const VoltageRanges &voltageRanges(testI current, bool limited)
+{
+    const bool isUpTo1A = current >= testI_1mA && current <= testI_1A;
+    if (isUpTo1A)
+        return limited ? limitedUpTo1A : unlimitedUpTo1A;
+    if (!limited)
+        return unlimited;
+    return current == testI_10A ? limitedAt10A : limitedElsewhere;
+}
+
+} // namespace
+
+QString NumericalValueBox::formatDeltaU(float u, testI current, bool limited)
+{
+    if (u < 0)
+        return underRange + getUnit(Unit_V);
+    const VoltageRanges &table = voltageRanges(current, limited);
+    for (const VoltageRange &range : table.ranges) {
+        if (double(u) < range.below)
+            return autoFormat(u, Unit_V, range.prefix, range.decimals, false);
+    }
+    const QString prefix =
+        table.overRangePrefix == Prefix_None ? QString() : getUnitPrefix(table.overRangePrefix);
+    return QLatin1String(table.overRange) + prefix + getUnit(Unit_V);
+}
+
+} // namespace ValueBox
