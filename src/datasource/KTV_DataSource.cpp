@@ -3,6 +3,7 @@
 #include "configuration/KTV_Configuration.h"
 #include "configuration/KTV_InterfaceConfig.h"
 #include "counters/KTV_Liczniki.h"
+#include "internal/BackgroundWork_p.h"
 #include "language/LangSerwis.h"
 #include "language/helpManager.h"
 #include "platform/Pendrive.h"
@@ -12,7 +13,6 @@
 #include "platform/skanerQR.h"
 #include "tools/Tools.h"
 #include "valuebox/NumericalValueBox.h"
-#include "wifi/KTV_Connection.h"
 
 #include <QFile>
 #include <QTimer>
@@ -54,7 +54,6 @@ public:
     LangSerwis *lang = nullptr;
     KTV_InterfaceConfig *interfaceConfig = nullptr;
     KTV_Configuration *config = nullptr;
-    WiFi::KTV_Connection *connection = nullptr;
     QERNTools::helpManager *help = nullptr;
     QTimer *diskTimer = nullptr;
     Printing::PrintOnSato *printer = nullptr;
@@ -77,7 +76,6 @@ KTV_DataSource::KTV_DataSource(QObject *parent) : QObject(parent), d(std::make_u
         : QStringLiteral("EN");
     d->lang->setLang(d->interfaceConfig->getValue(KTV_InterfaceConfig::MAIN_Lang, defaultLanguage));
     d->counters = new KTV_Liczniki(d->config->get_logDirectory(), this);
-    d->connection = new WiFi::KTV_Connection(d->config->get_mainInterfaceUserDataDirectory(), this);
 
     d->diskTimer = new QTimer(this);
     connect(d->diskTimer, &QTimer::timeout, this, &KTV_DataSource::updateTimeDisk);
@@ -92,9 +90,9 @@ KTV_DataSource::KTV_DataSource(QObject *parent) : QObject(parent), d(std::make_u
 
 KTV_DataSource::~KTV_DataSource()
 {
+    Internal::stopBackgroundWork(); // no bridge and no tone outlives the services
     d->diskTimer->stop();
     destroy(d->diskTimer);
-    destroy(d->connection);
     destroy(d->lang);
     if (d->interfaceConfig)
         d->interfaceConfig->setValue(KTV_InterfaceConfig::MAIN_MeterSN,
@@ -132,7 +130,6 @@ void KTV_DataSource::SetLang(const QString &code)
 void KTV_DataSource::ClearToDefault()
 {
     d->interfaceConfig->RestoreFabricalSetting();
-    d->connection->RestoreFabricalSetting();
     d->power->SetBrightness(factoryBrightness);
 }
 
@@ -144,6 +141,22 @@ void KTV_DataSource::updateTimeDisk()
         return;
     currentFreeSpaceAlletr = level;
     emit changeFreeSpaceAlert();
+}
+
+bool KTV_DataSource::SetUSBMode(QERNTools::Tools::USB_Mode mode,
+                                QERNTools::Tools::RS232_Function function) const
+{
+    return QERNTools::Tools::SetUSBMode(mode, function);
+}
+
+QERNTools::Tools::USB_Mode KTV_DataSource::getUSB_Mode() const
+{
+    return QERNTools::Tools::getCurrentMode();
+}
+
+QERNTools::Tools::RS232_Function KTV_DataSource::getRS_Mode() const
+{
+    return QERNTools::Tools::getRS232_Function();
 }
 
 QERNTools::DiskInfo *KTV_DataSource::getDiskInfo() const
@@ -186,11 +199,6 @@ KTV_InterfaceConfig *KTV_DataSource::get_InterfaceConfig() const
 KTV_Configuration *KTV_DataSource::getMainConfig() const
 {
     return d->config;
-}
-
-WiFi::KTV_Connection *KTV_DataSource::getConnection() const
-{
-    return d->connection;
 }
 
 QERNTools::helpManager *KTV_DataSource::getHelpManager() const

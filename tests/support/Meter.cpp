@@ -55,6 +55,19 @@ void showProgram(const QString &program)
     QProcess::execute(QStringLiteral("meter-show"), {program});
 }
 
+void recordProgram(const QString &program)
+{
+    QProcess::execute(QStringLiteral("meter-record"), {program});
+}
+
+void replaceProgram(const QString &program, const QByteArray &script)
+{
+    const QString file = QStringLiteral("/run/meter/bin/") + program;
+    QFile::remove(file); // a link to the stand-in
+    writeFile(file, "#!/bin/busybox sh\n. /opt/meter/lib/stand-in.sh\n" + script + '\n');
+    QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
 QByteArray readFile(const QString &path)
 {
     QFile file(path);

@@ -21,6 +21,11 @@ void setBehaviour(const QString &program, const QByteArray &lines);
 void hideProgram(const QString &program);
 void showProgram(const QString &program);
 
+/** Has calls of a real program written to the journal, too; showProgram() ends that. */
+void recordProgram(const QString &program);
+/** Puts a shell script, journal included, in a program's place; showProgram() ends that. */
+void replaceProgram(const QString &program, const QByteArray &script);
+
 QByteArray readFile(const QString &path);
 /** Writes a file whole, creating its directories. */
 void writeFile(const QString &path, const QByteArray &content);
