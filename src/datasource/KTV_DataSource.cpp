@@ -13,6 +13,7 @@
 #include "platform/skanerQR.h"
 #include "tools/Tools.h"
 #include "valuebox/NumericalValueBox.h"
+#include "wifi/KTV_Connection.h"
 
 #include <QFile>
 #include <QTimer>
@@ -54,6 +55,7 @@ public:
     LangSerwis *lang = nullptr;
     KTV_InterfaceConfig *interfaceConfig = nullptr;
     KTV_Configuration *config = nullptr;
+    WiFi::KTV_Connection *connection = nullptr;
     QERNTools::helpManager *help = nullptr;
     QTimer *diskTimer = nullptr;
     Printing::PrintOnSato *printer = nullptr;
@@ -76,6 +78,7 @@ KTV_DataSource::KTV_DataSource(QObject *parent) : QObject(parent), d(std::make_u
         : QStringLiteral("EN");
     d->lang->setLang(d->interfaceConfig->getValue(KTV_InterfaceConfig::MAIN_Lang, defaultLanguage));
     d->counters = new KTV_Liczniki(d->config->get_logDirectory(), this);
+    d->connection = new WiFi::KTV_Connection(d->config->get_mainInterfaceUserDataDirectory(), this);
 
     d->diskTimer = new QTimer(this);
     connect(d->diskTimer, &QTimer::timeout, this, &KTV_DataSource::updateTimeDisk);
@@ -93,6 +96,7 @@ KTV_DataSource::~KTV_DataSource()
     Internal::stopBackgroundWork(); // no bridge and no tone outlives the services
     d->diskTimer->stop();
     destroy(d->diskTimer);
+    destroy(d->connection);
     destroy(d->lang);
     if (d->interfaceConfig)
         d->interfaceConfig->setValue(KTV_InterfaceConfig::MAIN_MeterSN,
@@ -130,6 +134,7 @@ void KTV_DataSource::SetLang(const QString &code)
 void KTV_DataSource::ClearToDefault()
 {
     d->interfaceConfig->RestoreFabricalSetting();
+    d->connection->RestoreFabricalSetting();
     d->power->SetBrightness(factoryBrightness);
 }
 
@@ -199,6 +204,11 @@ KTV_InterfaceConfig *KTV_DataSource::get_InterfaceConfig() const
 KTV_Configuration *KTV_DataSource::getMainConfig() const
 {
     return d->config;
+}
+
+WiFi::KTV_Connection *KTV_DataSource::getConnection() const
+{
+    return d->connection;
 }
 
 QERNTools::helpManager *KTV_DataSource::getHelpManager() const

@@ -28,6 +28,9 @@ class Pendrive;
 namespace Updater {
 class Update;
 }
+namespace WiFi {
+class KTV_Connection;
+}
 
 /** Free-space alert level of this process's meter: 0, 1 (above 70 % used) or 2 (above 80 %). */
 extern KTV_DATASOURCE_EXPORT int currentFreeSpaceAlletr;
@@ -57,6 +60,7 @@ public:
     LangSerwis *get_Lang() const; ///< Texts of the language in effect.
     KTV_InterfaceConfig *get_InterfaceConfig() const; ///< The user's settings.
     KTV_Configuration *getMainConfig() const; ///< The device's description.
+    WiFi::KTV_Connection *getConnection() const; ///< WiFi: known networks, power, state, scans.
     /** Help pages; null until the first setMeterSerialName(), replaced by each later one. */
     QERNTools::helpManager *getHelpManager() const;
     Printing::PrintOnSato *getPrinter() const; ///< Label printer.
