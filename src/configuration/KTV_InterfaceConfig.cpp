@@ -73,13 +73,11 @@ bool KTV_InterfaceConfig::Private::remove(const QString &key, QLatin1String fail
 bool KTV_InterfaceConfig::Private::insert(const QString &key, const QString &value) const
 {
     QSqlQuery query = database.query();
-    if (query.prepare(QStringLiteral("INSERT INTO CONFIG_STR (`CON_Key`,`CON_Value`)VALUES "
-                                     "(:CON_Key,:CON_Value)"))) {
-        query.bindValue(0, key);
-        query.bindValue(1, value);
-        if (query.exec())
-            return true;
-    }
+    if (Internal::execute(query,
+                          QStringLiteral("INSERT INTO CONFIG_STR (`CON_Key`,`CON_Value`)VALUES "
+                                         "(:CON_Key,:CON_Value)"),
+                          {key, value}))
+        return true;
     log() << "setValue - INSERT: " << query.lastError().text();
     return false;
 }

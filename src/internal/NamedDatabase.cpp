@@ -68,10 +68,12 @@ void NamedDatabase::release()
     QSqlDatabase::removeDatabase(m_connectionName);
 }
 
-void NamedDatabase::begin()
+bool NamedDatabase::begin()
 {
-    if (!m_inTransaction)
-        m_inTransaction = m_db.transaction();
+    if (m_inTransaction)
+        return false;
+    m_inTransaction = m_db.transaction();
+    return m_inTransaction;
 }
 
 bool NamedDatabase::commit()
@@ -94,13 +96,23 @@ void NamedDatabase::rollback()
     m_inTransaction = false;
 }
 
+bool execute(QSqlQuery &query, const QString &statement, const QVariantList &values)
+{
+    // Running a statement whose preparation failed would replace the reason.
+    if (!query.prepare(statement))
+        return false;
+    for (int i = 0; i < values.size(); ++i)
+        query.bindValue(i, values.at(i));
+    return query.exec();
+}
+
 void createSchema(NamedDatabase &database, const QStringList &statements)
 {
     Transaction transaction(database);
     {
         QSqlQuery query = database.query();
         for (const QString &statement : statements) {
-            if (!query.prepare(statement) || !query.exec())
+            if (!execute(query, statement))
                 log() << query.lastError().text();
         }
     }

@@ -4,6 +4,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QStringList>
+#include <QVariant>
 
 namespace Internal {
 
@@ -32,8 +33,8 @@ public:
     QSqlError lastError() const { return m_db.lastError(); }
     QSqlQuery query() const { return QSqlQuery(m_db); }
 
-    /** Begins a transaction unless this object has one open already. */
-    void begin();
+    /** Begins a transaction unless this object has one open already. @return whether it did */
+    bool begin();
     /** Ends the open transaction, if any; one that cannot be written is rolled back. */
     bool commit();
     void rollback();
@@ -44,19 +45,39 @@ private:
     bool m_inTransaction = false;
 };
 
-/** Rolls back unless committed. */
+/**
+ * Rolls back unless committed.
+ *
+ * One that starts while another is open becomes part of it: neither its commit nor its end
+ * touches the file, and the owner of the outer one decides what a failure inside means.
+ */
 class Transaction
 {
 public:
-    explicit Transaction(NamedDatabase &database) : m_database(database) { m_database.begin(); }
-    ~Transaction() { m_database.rollback(); }
+    explicit Transaction(NamedDatabase &database)
+        : m_database(database)
+        , m_isOutermost(database.begin())
+    { }
+    ~Transaction()
+    {
+        if (m_isOutermost)
+            m_database.rollback();
+    }
     Q_DISABLE_COPY_MOVE(Transaction)
 
-    bool commit() { return m_database.commit(); }
+    /** @return whether the file has it all; part of another transaction: true */
+    bool commit() { return !m_isOutermost || m_database.commit(); }
 
 private:
     NamedDatabase &m_database;
+    const bool m_isOutermost;
 };
+
+/**
+ * Prepares and runs a statement, its placeholders filled in their order. After a failure the
+ * query's last error is that of the step that failed.
+ */
+bool execute(QSqlQuery &query, const QString &statement, const QVariantList &values = {});
 
 /**
  * Runs the statements of a new file in one transaction, so that a battery pulled meanwhile
