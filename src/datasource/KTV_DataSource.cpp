@@ -3,7 +3,7 @@
 #include "configuration/KTV_Configuration.h"
 #include "configuration/KTV_InterfaceConfig.h"
 #include "counters/KTV_Liczniki.h"
-#include "internal/BackgroundWork_p.h"
+#include "datalist/KTV_DataList.h"
 #include "language/LangSerwis.h"
 #include "language/helpManager.h"
 #include "platform/Pendrive.h"
@@ -13,7 +13,6 @@
 #include "platform/skanerQR.h"
 #include "tools/Tools.h"
 #include "valuebox/NumericalValueBox.h"
-#include "wifi/KTV_Connection.h"
 
 #include <QFile>
 #include <QTimer>
@@ -55,7 +54,7 @@ public:
     LangSerwis *lang = nullptr;
     KTV_InterfaceConfig *interfaceConfig = nullptr;
     KTV_Configuration *config = nullptr;
-    WiFi::KTV_Connection *connection = nullptr;
+    KTV_DataList *lists = nullptr;
     QERNTools::helpManager *help = nullptr;
     QTimer *diskTimer = nullptr;
     Printing::PrintOnSato *printer = nullptr;
@@ -78,7 +77,9 @@ KTV_DataSource::KTV_DataSource(QObject *parent) : QObject(parent), d(std::make_u
         : QStringLiteral("EN");
     d->lang->setLang(d->interfaceConfig->getValue(KTV_InterfaceConfig::MAIN_Lang, defaultLanguage));
     d->counters = new KTV_Liczniki(d->config->get_logDirectory(), this);
-    d->connection = new WiFi::KTV_Connection(d->config->get_mainInterfaceUserDataDirectory(), this);
+    d->lists = new KTV_DataList(d->config->get_mainInterfaceUserDataDirectory(),
+                                d->config->get_mainInterfaceLangsDirectory(),
+                                d->lang->getCurrentLang(), this);
 
     d->diskTimer = new QTimer(this);
     connect(d->diskTimer, &QTimer::timeout, this, &KTV_DataSource::updateTimeDisk);
@@ -93,10 +94,9 @@ KTV_DataSource::KTV_DataSource(QObject *parent) : QObject(parent), d(std::make_u
 
 KTV_DataSource::~KTV_DataSource()
 {
-    Internal::stopBackgroundWork(); // no bridge and no tone outlives the services
     d->diskTimer->stop();
     destroy(d->diskTimer);
-    destroy(d->connection);
+    destroy(d->lists);
     destroy(d->lang);
     if (d->interfaceConfig)
         d->interfaceConfig->setValue(KTV_InterfaceConfig::MAIN_MeterSN,
@@ -128,13 +128,14 @@ void KTV_DataSource::setMeterSerialName(const QString &serial)
 void KTV_DataSource::SetLang(const QString &code)
 {
     d->lang->setLang(code);
+    d->lists->SetLang(d->lang->getCurrentLang());
     d->help->SetLang(code); // the requested code, also when the texts fell back to another
 }
 
 void KTV_DataSource::ClearToDefault()
 {
     d->interfaceConfig->RestoreFabricalSetting();
-    d->connection->RestoreFabricalSetting();
+    d->lists->RestoreFabricalSetting();
     d->power->SetBrightness(factoryBrightness);
 }
 
@@ -146,22 +147,6 @@ void KTV_DataSource::updateTimeDisk()
         return;
     currentFreeSpaceAlletr = level;
     emit changeFreeSpaceAlert();
-}
-
-bool KTV_DataSource::SetUSBMode(QERNTools::Tools::USB_Mode mode,
-                                QERNTools::Tools::RS232_Function function) const
-{
-    return QERNTools::Tools::SetUSBMode(mode, function);
-}
-
-QERNTools::Tools::USB_Mode KTV_DataSource::getUSB_Mode() const
-{
-    return QERNTools::Tools::getCurrentMode();
-}
-
-QERNTools::Tools::RS232_Function KTV_DataSource::getRS_Mode() const
-{
-    return QERNTools::Tools::getRS232_Function();
 }
 
 QERNTools::DiskInfo *KTV_DataSource::getDiskInfo() const
@@ -206,9 +191,9 @@ KTV_Configuration *KTV_DataSource::getMainConfig() const
     return d->config;
 }
 
-WiFi::KTV_Connection *KTV_DataSource::getConnection() const
+KTV_DataList *KTV_DataSource::get_DataList() const
 {
-    return d->connection;
+    return d->lists;
 }
 
 QERNTools::helpManager *KTV_DataSource::getHelpManager() const

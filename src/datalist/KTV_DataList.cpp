@@ -1,0 +1,564 @@
+#include "datalist/KTV_DataList.h"
+
+#include "datalist/ListFamily_p.h"
+#include "internal/NamedDatabase_p.h"
+#include "internal/log_p.h"
+#include "valuebox/NumericalValueBox.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTextStream>
+#include <QVariant>
+
+#include <exception>
+
+using Internal::ListFamily;
+using Internal::log;
+using Internal::Rows;
+
+namespace {
+
+/** A list and its elements, deleted together unless it is handed out. */
+template <typename Element> class OwnedList
+{
+public:
+    OwnedList() = default;
+    ~OwnedList()
+    {
+        if (m_list)
+            qDeleteAll(*m_list);
+    }
+    Q_DISABLE_COPY_MOVE(OwnedList)
+
+    Element &appendNew()
+    {
+        auto element = std::make_unique<Element>();
+        m_list->append(element.get());
+        return *element.release();
+    }
+    QList<Element *> *handOut() { return m_list.release(); }
+
+private:
+    std::unique_ptr<QList<Element *>> m_list = std::make_unique<QList<Element *>>();
+};
+
+/** From the temperature unit in effect to the stored degrees Celsius, and back. */
+struct Scale
+{
+    double (*toCelsius)(double);
+    double (*fromCelsius)(double);
+};
+
+constexpr double kelvinOfZeroCelsius = 273.15;
+constexpr Scale fahrenheit {[](double value) { return (value - 32) * 0.5555555555555556; },
+                            [](double value) { return value * 1.8 + 32; }};
+constexpr Scale kelvin {[](double value) { return value - kelvinOfZeroCelsius; },
+                        [](double value) { return value + kelvinOfZeroCelsius; }};
+
+/** Null while temperatures are shown as they are stored. */
+const Scale *scaleInEffect()
+{
+    switch (ValueBox::NumericalValueBox::getTempUnit()) {
+    case ValueBox::Temp_Fahrenheit:
+        return &fahrenheit;
+    case ValueBox::Temp_Kelvin:
+        return &kelvin;
+    default:
+        return nullptr;
+    }
+}
+
+QString converted(const QString &limit, double (*convert)(double))
+{
+    using ValueBox::NumericalValueBox;
+    if (limit.isEmpty())
+        return limit;
+    constexpr int decimals = 2;
+    // Kept: the text carries the sign of the unit in effect, also where the number is Celsius.
+    return NumericalValueBox::autoFormat(float(convert(double(NumericalValueBox::getValue(limit)))),
+                                         ValueBox::Unit_Temperature, ValueBox::Prefix_None,
+                                         decimals, true);
+}
+
+QVariantList storedColumns(const ListFamily &family, QVariantList columns)
+{
+    const Scale *scale = family.isTemperature ? scaleInEffect() : nullptr;
+    for (int i = 1; scale && i < columns.size(); ++i)
+        columns[i] = converted(columns.at(i).toString(), scale->toCelsius);
+    return columns;
+}
+
+QString shownLimit(const ListFamily &family, const QString &limit)
+{
+    const Scale *scale = family.isTemperature ? scaleInEffect() : nullptr;
+    return scale ? converted(limit, scale->fromCelsius) : limit;
+}
+
+void readRow(const ListFamily &, const QSqlQuery &row, DataList_Element &element)
+{
+    element.ID = row.value(0).toInt();
+    element.ReadOnly = row.value(1).toBool();
+    element.Value = row.value(2).toString();
+}
+
+void readRow(const ListFamily &, const QSqlQuery &row, MaterialList_Element &element)
+{
+    element.ID = row.value(0).toInt();
+    element.ReadOnly = row.value(1).toBool();
+    element.Name = row.value(2).toString();
+    element.Alpha = row.value(3).toReal();
+}
+
+void readRow(const ListFamily &family, const QSqlQuery &row, LimitList_Element &element)
+{
+    element.ID = row.value(0).toInt();
+    element.Name = row.value(1).toString();
+    element.HighLimit = shownLimit(family, row.value(2).toString());
+    element.LoLimit = shownLimit(family, row.value(3).toString());
+}
+
+Rows wantedRows(bool readOnlyRows, bool userRows)
+{
+    if (readOnlyRows == userRows)
+        return Rows::All; // kept: pickers clear both flags to see everything
+    return readOnlyRows ? Rows::Factory : Rows::User;
+}
+
+/** What became of an entry. */
+enum class Added
+{
+    Failed,
+    Refused, ///< the store has the text already
+    Done
+};
+
+/** Result of an operation; what it throws is logged, and counts as its failure. */
+template <typename Operation> auto guarded(Operation operation) -> decltype(operation())
+{
+    try {
+        return operation();
+    } catch (const std::exception &exception) {
+        log() << exception.what();
+        return {};
+    }
+}
+
+} // namespace
+
+class KTV_DataList::Private
+{
+public:
+    Private(const QString &userData, const QString &languages)
+        : directory(userData)
+        , path(userData + QStringLiteral("dataList.db"))
+        , languagesDirectory(languages)
+    { }
+
+    void setLanguage(const QString &code);
+    void fillAll();
+    void fill(const ListFamily &family);
+    void addFactoryEntries(const ListFamily &family, QFile &file);
+    int countFactoryRows(const ListFamily &family) const;
+
+    Added insert(const ListFamily &family, bool readOnly, const QVariantList &columns);
+    Added insertUnlessRefused(const ListFamily &family, bool readOnly, const QVariantList &columns);
+    Added testDuplicate(const ListFamily &family, const QVariant &name) const;
+    bool add(const ListFamily &family, bool readOnly, const QVariantList &columns);
+    bool update(const ListFamily &family, int id, const QVariantList &columns) const;
+    bool remove(const ListFamily &family, int id) const;
+    bool isUserRow(const ListFamily &family, int id) const;
+    template <typename Element>
+    QList<Element *> *select(const ListFamily &family, Rows rows, const QString &filter,
+                             int limit) const;
+
+    const QString directory;
+    const QString path;
+    const QString languagesDirectory;
+    QString language;
+    Internal::NamedDatabase database {QStringLiteral("dataList")};
+};
+
+void KTV_DataList::Private::setLanguage(const QString &code)
+{
+    // A null text would be stored as NULL, which no query of a language ever finds.
+    language = code.isNull() ? QLatin1String("") : code;
+}
+
+void KTV_DataList::Private::fillAll()
+{
+    for (const ListFamily *family :
+         {&Internal::objectTypes, &Internal::objectNames, &Internal::materials})
+        fill(*family);
+}
+
+void KTV_DataList::Private::fill(const ListFamily &family)
+{
+    if (countFactoryRows(family) > 0)
+        return;
+    QFile file(languagesDirectory + language + QLatin1Char('/')
+               + QLatin1String(family.factoryFile));
+    if (!file.exists()) {
+        log() << "Nie znaleziono lub nie otwarto pliku: " << file.fileName();
+        return;
+    }
+    if (file.open(QIODevice::ReadOnly | QIODevice::Text))
+        addFactoryEntries(family, file);
+}
+
+/**
+ * All of the entries or none: one factory row counts as the whole list at the next start, so
+ * a list that was cut short would stay short for good.
+ */
+void KTV_DataList::Private::addFactoryEntries(const ListFamily &family, QFile &file)
+{
+    Internal::Transaction transaction(database);
+    QTextStream stream(&file);
+    while (!stream.atEnd()) {
+        const QVariantList columns = family.factoryEntry(stream.readLine());
+        if (!columns.isEmpty() && insert(family, true, columns) == Added::Failed)
+            return;
+    }
+    if (file.error() == QFileDevice::NoError)
+        transaction.commit();
+}
+
+int KTV_DataList::Private::countFactoryRows(const ListFamily &family) const
+{
+    if (!database.isOpen())
+        return 0;
+    QSqlQuery query = database.query();
+    query.setForwardOnly(true);
+    if (!Internal::execute(query, family.countFactoryRows(language)) || !query.next())
+        return 0;
+    return query.value(0).toInt();
+}
+
+Added KTV_DataList::Private::testDuplicate(const ListFamily &family, const QVariant &name) const
+{
+    QSqlQuery query = database.query();
+    query.setForwardOnly(true);
+    if (!Internal::execute(query, family.countDuplicates(), {name}) || !query.next())
+        return Added::Failed;
+    bool ok = false;
+    const qint64 count = query.value(0).toLongLong(&ok);
+    if (!ok)
+        return Added::Failed;
+    return count == 0 ? Added::Done : Added::Refused;
+}
+
+Added KTV_DataList::Private::insertUnlessRefused(const ListFamily &family, bool readOnly,
+                                                 const QVariantList &columns)
+{
+    QVariantList values {language};
+    if (family.hasFactoryRows())
+        values += readOnly;
+    values += storedColumns(family, columns);
+    if (!family.isUnique) {
+        QSqlQuery query = database.query();
+        return Internal::execute(query, family.insert(), values) ? Added::Done : Added::Failed;
+    }
+    Internal::Transaction transaction(database);
+    if (const Added test = testDuplicate(family, columns.first()); test != Added::Done)
+        return test;
+    {
+        QSqlQuery query = database.query();
+        if (!Internal::execute(query, family.insert(), values))
+            return Added::Failed;
+    }
+    return transaction.commit() ? Added::Done : Added::Failed;
+}
+
+Added KTV_DataList::Private::insert(const ListFamily &family, bool readOnly,
+                                    const QVariantList &columns)
+{
+    if (columns.first().toString().isEmpty())
+        return family.hasFactoryRows() ? Added::Done : Added::Failed;
+    if (!database.isOpen()) {
+        database.rollback();
+        return Added::Failed;
+    }
+    return guarded([&] { return insertUnlessRefused(family, readOnly, columns); });
+}
+
+bool KTV_DataList::Private::add(const ListFamily &family, bool readOnly,
+                                const QVariantList &columns)
+{
+    return insert(family, readOnly, columns) == Added::Done;
+}
+
+bool KTV_DataList::Private::update(const ListFamily &family, int id,
+                                   const QVariantList &columns) const
+{
+    if (columns.first().toString().isEmpty() || !database.isOpen())
+        return false;
+    return guarded([&] {
+        QSqlQuery query = database.query();
+        const bool isDone =
+            Internal::execute(query, family.update(id), storedColumns(family, columns));
+        if (!isDone)
+            log() << query.lastError().text();
+        return isDone;
+    });
+}
+
+bool KTV_DataList::Private::isUserRow(const ListFamily &family, int id) const
+{
+    QSqlQuery query = database.query();
+    query.setForwardOnly(true);
+    return Internal::execute(query, family.selectFlag(id)) && query.next()
+        && !query.value(0).toBool();
+}
+
+bool KTV_DataList::Private::remove(const ListFamily &family, int id) const
+{
+    if (!database.isOpen())
+        return false;
+    return guarded([&] {
+        if (family.hasFactoryRows() && !isUserRow(family, id))
+            return false;
+        QSqlQuery query = database.query();
+        return Internal::execute(query, family.remove(id));
+    });
+}
+
+template <typename Element>
+QList<Element *> *KTV_DataList::Private::select(const ListFamily &family, Rows rows,
+                                                const QString &filter, int limit) const
+{
+    if (!database.isOpen())
+        return nullptr;
+    return guarded([&]() -> QList<Element *> * {
+        QVariantList values;
+        if (!filter.isEmpty())
+            values += QString(QLatin1Char('%') + filter + QLatin1Char('%'));
+        QSqlQuery query = database.query();
+        query.setForwardOnly(true);
+        if (!Internal::execute(query, family.select(language, rows, !filter.isEmpty(), limit),
+                               values))
+            return nullptr;
+        OwnedList<Element> list;
+        while (query.next())
+            readRow(family, query, list.appendNew());
+        return query.lastError().isValid() ? nullptr : list.handOut();
+    });
+}
+
+KTV_DataList::KTV_DataList(const QString &userDataDirectory, const QString &languagesDirectory,
+                           const QString &language, QObject *parent)
+    : QObject(parent)
+    , d(std::make_unique<Private>(userDataDirectory, languagesDirectory))
+{
+    d->setLanguage(language);
+    Open();
+}
+
+KTV_DataList::~KTV_DataList() = default;
+
+bool KTV_DataList::Open()
+{
+    d->database.close();
+    if (Internal::isMissing(d->path))
+        return CreateNew();
+    if (!d->database.open(d->path)) {
+        log() << "!no open database:" << d->database.lastError().text();
+        return false;
+    }
+    SetLang(d->language);
+    return true;
+}
+
+bool KTV_DataList::CreateNew()
+{
+    d->database.close();
+    if (QFile::exists(d->path) && !QFile::remove(d->path))
+        return false;
+    if (!QDir(d->directory).exists())
+        QDir().mkdir(d->directory);
+    if (!d->database.open(d->path)) {
+        log() << "No open :(";
+        log() << d->database.handle().isOpenError();
+        return false;
+    }
+    Internal::createSchema(d->database, Internal::listSchema());
+    d->fillAll();
+    return true;
+}
+
+bool KTV_DataList::RestoreFabricalSetting()
+{
+    return CreateNew();
+}
+
+void KTV_DataList::freeDB()
+{
+    d->database.release();
+}
+
+void KTV_DataList::SetLang(const QString &language)
+{
+    d->setLanguage(language);
+    d->fillAll();
+}
+
+int KTV_DataList::GetDefaultObiectTypCount()
+{
+    return d->countFactoryRows(Internal::objectTypes);
+}
+
+void KTV_DataList::FillDefaultObiectTyp()
+{
+    d->fill(Internal::objectTypes);
+}
+
+int KTV_DataList::GetDefaultObiectNameCount()
+{
+    return d->countFactoryRows(Internal::objectNames);
+}
+
+void KTV_DataList::FillDefaultObiectName()
+{
+    d->fill(Internal::objectNames);
+}
+
+int KTV_DataList::GetDefaultMaterialsCount()
+{
+    return d->countFactoryRows(Internal::materials);
+}
+
+void KTV_DataList::FillDefaultMaterials()
+{
+    d->fill(Internal::materials);
+}
+
+bool KTV_DataList::AddObiectTyp(const QString &value)
+{
+    return _AddObiectTyp(false, value);
+}
+
+bool KTV_DataList::_AddObiectTyp(bool readOnly, const QString &value)
+{
+    return d->add(Internal::objectTypes, readOnly, {value});
+}
+
+bool KTV_DataList::UpdateObiectTyp(int id, const QString &value)
+{
+    return d->update(Internal::objectTypes, id, {value});
+}
+
+bool KTV_DataList::DeleteObiectTyp(int id)
+{
+    return d->remove(Internal::objectTypes, id);
+}
+
+QList<DataList_Element *> *KTV_DataList::GetObiectTyp(bool readOnlyRows, bool userRows,
+                                                      const QString &filter, int limit)
+{
+    return d->select<DataList_Element>(Internal::objectTypes, wantedRows(readOnlyRows, userRows),
+                                       filter, limit);
+}
+
+bool KTV_DataList::AddObiectName(const QString &value)
+{
+    return _AddObiectName(false, value);
+}
+
+bool KTV_DataList::_AddObiectName(bool readOnly, const QString &value)
+{
+    return d->add(Internal::objectNames, readOnly, {value});
+}
+
+bool KTV_DataList::UpdateObiectName(int id, const QString &value)
+{
+    return d->update(Internal::objectNames, id, {value});
+}
+
+bool KTV_DataList::DeleteObiectName(int id)
+{
+    return d->remove(Internal::objectNames, id);
+}
+
+QList<DataList_Element *> *KTV_DataList::GetObiectName(bool readOnlyRows, bool userRows,
+                                                       const QString &filter, int limit)
+{
+    return d->select<DataList_Element>(Internal::objectNames, wantedRows(readOnlyRows, userRows),
+                                       filter, limit);
+}
+
+bool KTV_DataList::AddMaterial(const QString &name, double alpha)
+{
+    return _AddMaterial(false, name, alpha);
+}
+
+bool KTV_DataList::_AddMaterial(bool readOnly, const QString &name, double alpha)
+{
+    return d->add(Internal::materials, readOnly, {name, alpha});
+}
+
+bool KTV_DataList::UpdateMaterial(int id, const QString &name, double alpha)
+{
+    return d->update(Internal::materials, id, {name, alpha});
+}
+
+bool KTV_DataList::DeleteMaterial(int id)
+{
+    return d->remove(Internal::materials, id);
+}
+
+QList<MaterialList_Element *> *KTV_DataList::GetMaterials(bool readOnlyRows, bool userRows,
+                                                          const QString &filter, int limit)
+{
+    return d->select<MaterialList_Element>(Internal::materials, wantedRows(readOnlyRows, userRows),
+                                           filter, limit);
+}
+
+bool KTV_DataList::AddLimit_R(const QString &name, const QString &high, const QString &low)
+{
+    return _AddLimit_R(name, high, low);
+}
+
+bool KTV_DataList::_AddLimit_R(const QString &name, const QString &high, const QString &low)
+{
+    return d->add(Internal::resistanceLimits, false, {name, high, low});
+}
+
+bool KTV_DataList::UpdateLimit_R(int id, const QString &name, const QString &high,
+                                 const QString &low)
+{
+    return d->update(Internal::resistanceLimits, id, {name, high, low});
+}
+
+bool KTV_DataList::DeleteLimit_R(int id)
+{
+    return d->remove(Internal::resistanceLimits, id);
+}
+
+QList<LimitList_Element *> *KTV_DataList::GetLimits_R(const QString &filter, int limit)
+{
+    return d->select<LimitList_Element>(Internal::resistanceLimits, Rows::All, filter, limit);
+}
+
+bool KTV_DataList::AddLimit_T(const QString &name, const QString &high, const QString &low)
+{
+    return _AddLimit_T(name, high, low);
+}
+
+bool KTV_DataList::_AddLimit_T(const QString &name, const QString &high, const QString &low)
+{
+    return d->add(Internal::temperatureLimits, false, {name, high, low});
+}
+
+bool KTV_DataList::UpdateLimit_T(int id, const QString &name, const QString &high,
+                                 const QString &low)
+{
+    return d->update(Internal::temperatureLimits, id, {name, high, low});
+}
+
+bool KTV_DataList::DeleteLimit_T(int id)
+{
+    return d->remove(Internal::temperatureLimits, id);
+}
+
+QList<LimitList_Element *> *KTV_DataList::GetLimits_T(const QString &filter, int limit)
+{
+    return d->select<LimitList_Element>(Internal::temperatureLimits, Rows::All, filter, limit);
+}

@@ -1,0 +1,116 @@
+#include "SqliteWatch.h"
+
+#include <csignal>
+#include <dlfcn.h>
+#include <sqlite3.h>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace {
+
+QStringList s_statements;
+QString s_throwOn;
+int s_syncs = 0;
+int s_changes = 0;
+int s_killAt = 0;
+
+/** The libraries' own function of that name. */
+template <typename Function> Function next(const char *name)
+{
+    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
+}
+
+void countChange()
+{
+    if (++s_changes == s_killAt)
+        ::kill(::getpid(), SIGKILL);
+}
+
+} // namespace
+
+namespace SqliteWatch {
+
+QStringList statements()
+{
+    return s_statements;
+}
+
+int syncs()
+{
+    return s_syncs;
+}
+
+int changes()
+{
+    return s_changes;
+}
+
+void clear()
+{
+    s_statements.clear();
+    s_syncs = 0;
+    s_changes = 0;
+}
+
+void throwOn(const QString &part)
+{
+    s_throwOn = part;
+}
+
+void killBeforeChange(int n)
+{
+    s_killAt = n == 0 ? 0 : s_changes + n;
+}
+
+} // namespace SqliteWatch
+
+extern "C" {
+
+int sqlite3_prepare16_v2(sqlite3 *database, const void *text, int bytes, sqlite3_stmt **statement,
+                         const void **tail)
+{
+    static const auto original = next<decltype(&sqlite3_prepare16_v2)>("sqlite3_prepare16_v2");
+    s_statements += QString::fromUtf16(static_cast<const char16_t *>(text));
+    if (!s_throwOn.isEmpty() && s_statements.last().contains(s_throwOn))
+        throw std::runtime_error("thrown by the driver: %1 %s");
+    return original(database, text, bytes, statement, tail);
+}
+
+int fdatasync(int file)
+{
+    static const auto original = next<decltype(&fdatasync)>("fdatasync");
+    ++s_syncs;
+    countChange();
+    return original(file);
+}
+
+int fsync(int file)
+{
+    static const auto original = next<decltype(&fsync)>("fsync");
+    ++s_syncs;
+    countChange();
+    return original(file);
+}
+
+ssize_t pwrite64(int file, const void *bytes, size_t size, off64_t offset)
+{
+    static const auto original = next<decltype(&pwrite64)>("pwrite64");
+    countChange();
+    return original(file, bytes, size, offset);
+}
+
+int ftruncate64(int file, off64_t size) noexcept
+{
+    static const auto original = next<decltype(&ftruncate64)>("ftruncate64");
+    countChange();
+    return original(file, size);
+}
+
+int unlink(const char *path) noexcept
+{
+    static const auto original = next<decltype(&unlink)>("unlink");
+    countChange();
+    return original(path);
+}
+
+} // extern "C"

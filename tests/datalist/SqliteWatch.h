@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/**
+ * Watches what the SQLite library of this process is asked to do, and what it does to the card.
+ *
+ * The program's own functions of the same names come before those of the libraries. For that the
+ * program must export its symbols.
+ */
+namespace SqliteWatch {
+
+/** Statements handed to SQLite since the last clear(), in their order. */
+QStringList statements();
+/** Waits for the card since the last clear(). */
+int syncs();
+void clear();
+
+/** Statements that contain @p part throw from now on; empty: none. */
+void throwOn(const QString &part);
+
+/** The process kills itself before its @p n-th change of a file from now on; 0: never. */
+void killBeforeChange(int n);
+/** Changes of files since the last clear(): writes, cuts, deletions and waits for the card. */
+int changes();
+
+} // namespace SqliteWatch

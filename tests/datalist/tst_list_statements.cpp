@@ -1,0 +1,359 @@
+#include "ListStore.h"
+#include "SqliteWatch.h"
+#include "support/LogCapture.h"
+#include "support/Meter.h"
+
+#include <valuebox/NumericalValueBox.h>
+
+#include <QtTest>
+
+#include <functional>
+
+using ListStore::families;
+using ListStore::Family;
+
+namespace {
+
+using Operation = std::function<void(KTV_DataList &)>;
+
+template <typename Element> void drop(QList<Element *> *list)
+{
+    qDeleteAll(*list);
+    delete list;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Operation)
+
+/** What the lists ask of SQLite, to the last blank, and how often they wait for the card. */
+class TstListStatements : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup() { SqliteWatch::throwOn(QString()); }
+
+    void creation();
+    void statements_data();
+    void statements();
+    void firstStartWaits_data();
+    void firstStartWaits();
+    void laterStartDoesNotWait();
+    void operationsWait();
+    void exceptions_data();
+    void exceptions();
+    void exceptionWhileSeeding();
+};
+
+void TstListStatements::init()
+{
+    ListStore::clear();
+    ListStore::writeManyDefaults("EN", 1);
+}
+
+void TstListStatements::creation()
+{
+    SqliteWatch::clear();
+    ListStore::open();
+    const QStringList made = SqliteWatch::statements();
+    const QStringList schema {
+        "CREATE TABLE IF NOT EXISTS Setting (SETk_1_ID INTEGER UNIQUE PRIMARY KEY,SET_Key "
+        "VARCHAR(255),SET_Value VARCHAR(255))",
+        "INSERT INTO Setting (SET_Key, SET_Value) VALUES ('Version',0)",
+        "CREATE TABLE IF NOT EXISTS OBIECT_TYP (OBTk_1_ID INTEGER UNIQUE PRIMARY KEY,OBT_Lang "
+        "VARCHAR(2),OBT_ReadOnly BOOL,OBT_Value VARCHAR(255))",
+        "CREATE TABLE IF NOT EXISTS OBIECT_NAME (OBNk_1_ID INTEGER UNIQUE PRIMARY KEY,OBN_Lang "
+        "VARCHAR(2),OBN_ReadOnly BOOL,OBN_Value VARCHAR(255))",
+        "CREATE TABLE IF NOT EXISTS MATERIALS (MATk_1_ID INTEGER UNIQUE PRIMARY KEY,MAT_Lang "
+        "VARCHAR(2),MAT_ReadOnly BOOL,MAT_Name VARCHAR(255),MAT_Alpha REAL)",
+        "CREATE TABLE IF NOT EXISTS LIMITS_R (LIMk_1_ID INTEGER UNIQUE PRIMARY KEY,LIM_Lang "
+        "VARCHAR(2),LIM_Name VARCHAR(255),LIM_HighLimit VARCHAR(255),LIM_LoLimit VARCHAR(255))",
+        "CREATE TABLE IF NOT EXISTS LIMITS_T (LIMk_1_ID INTEGER UNIQUE PRIMARY KEY,LIM_Lang "
+        "VARCHAR(2),LIM_Name VARCHAR(255),LIM_HighLimit VARCHAR(255),LIM_LoLimit VARCHAR(255))",
+    };
+    const QStringList seeds {
+        "SELECT COUNT(*) FROM OBIECT_TYP WHERE `OBT_ReadOnly` = 1 AND `OBT_Lang`='EN'",
+        "BEGIN",
+        "SELECT COUNT(*) FROM OBIECT_TYP WHERE `OBT_Value` = :OBT_Value",
+        "INSERT INTO OBIECT_TYP (`OBT_Lang`,`OBT_ReadOnly`,`OBT_Value`) VALUES "
+        "(:OBT_Lang,:OBT_ReadOnly,:OBT_Value)",
+        "COMMIT",
+        "SELECT COUNT(*) FROM OBIECT_NAME WHERE `OBN_ReadOnly` = 1 AND `OBN_Lang`='EN'",
+        "BEGIN",
+        "SELECT COUNT(*) FROM OBIECT_NAME WHERE `OBN_Value` = :OBN_Value",
+        "INSERT INTO OBIECT_NAME (`OBN_Lang`,`OBN_ReadOnly`,`OBN_Value`) VALUES "
+        "(:OBN_Lang,:OBN_ReadOnly,:OBN_Value)",
+        "COMMIT",
+        "SELECT COUNT(*) FROM MATERIALS WHERE `MAT_ReadOnly` = 1 AND `MAT_Lang`='EN'",
+        "BEGIN",
+        "INSERT INTO MATERIALS (`MAT_Lang`,`MAT_ReadOnly`,`MAT_Name`,`MAT_Alpha`) VALUES "
+        "(:MAT_Lang,:MAT_ReadOnly,:MAT_Name,:MAT_Alpha)",
+        "COMMIT",
+    };
+    QCOMPARE(made, QStringList("BEGIN") + schema + QStringList("COMMIT") + seeds);
+}
+
+void TstListStatements::statements_data()
+{
+    QTest::addColumn<Operation>("operation");
+    QTest::addColumn<QStringList>("expected");
+    const auto row = [](const char *name, const QStringList &expected, const Operation &operation) {
+        QTest::newRow(name) << operation << expected;
+    };
+    row("add type",
+        {"BEGIN", "SELECT COUNT(*) FROM OBIECT_TYP WHERE `OBT_Value` = :OBT_Value",
+         "INSERT INTO OBIECT_TYP (`OBT_Lang`,`OBT_ReadOnly`,`OBT_Value`) VALUES "
+         "(:OBT_Lang,:OBT_ReadOnly,:OBT_Value)",
+         "COMMIT"},
+        [](KTV_DataList &store) { store.AddObiectTyp("a"); });
+    row("refused type",
+        {"BEGIN", "SELECT COUNT(*) FROM OBIECT_TYP WHERE `OBT_Value` = :OBT_Value", "ROLLBACK"},
+        [](KTV_DataList &store) { store.AddObiectTyp("EN entry 0"); });
+    row("add name",
+        {"BEGIN", "SELECT COUNT(*) FROM OBIECT_NAME WHERE `OBN_Value` = :OBN_Value",
+         "INSERT INTO OBIECT_NAME (`OBN_Lang`,`OBN_ReadOnly`,`OBN_Value`) VALUES "
+         "(:OBN_Lang,:OBN_ReadOnly,:OBN_Value)",
+         "COMMIT"},
+        [](KTV_DataList &store) { store.AddObiectName("a"); });
+    row("add material",
+        {"INSERT INTO MATERIALS (`MAT_Lang`,`MAT_ReadOnly`,`MAT_Name`,`MAT_Alpha`) VALUES "
+         "(:MAT_Lang,:MAT_ReadOnly,:MAT_Name,:MAT_Alpha)"},
+        [](KTV_DataList &store) { store.AddMaterial("a", 1); });
+    row("add resistance limits",
+        {"INSERT INTO LIMITS_R (`LIM_Lang`,`LIM_Name`,`LIM_HighLimit`,`LIM_LoLimit`) VALUES "
+         "(:LIM_Lang,:LIM_Name,:LIM_HighLimit,:LIM_LoLimit)"},
+        [](KTV_DataList &store) { store.AddLimit_R("a", "1", "2"); });
+    row("add temperature limits",
+        {"INSERT INTO LIMITS_T (`LIM_Lang`,`LIM_Name`,`LIM_HighLimit`,`LIM_LoLimit`) VALUES "
+         "(:LIM_Lang,:LIM_Name,:LIM_HighLimit,:LIM_LoLimit)"},
+        [](KTV_DataList &store) { store.AddLimit_T("a", "1", "2"); });
+
+    row("update type",
+        {"UPDATE OBIECT_TYP SET `OBT_Value`=:OBT_Value WHERE `OBTk_1_ID`=-7 AND "
+         "`OBT_ReadOnly`= 0"},
+        [](KTV_DataList &store) { store.UpdateObiectTyp(-7, "a"); });
+    row("update name",
+        {"UPDATE OBIECT_NAME SET `OBN_Value`=:OBN_Value WHERE `OBNk_1_ID`=2147483647 AND "
+         "`OBN_ReadOnly`= 0"},
+        [](KTV_DataList &store) { store.UpdateObiectName(2147483647, "a"); });
+    row("update material",
+        {"UPDATE MATERIALS SET `MAT_Name`=:MAT_Name,`MAT_Alpha`=:MAT_Alpha WHERE `MATk_1_ID`=5 "
+         "AND `MAT_ReadOnly`= 0"},
+        [](KTV_DataList &store) { store.UpdateMaterial(5, "a", 1); });
+    row("update resistance limits",
+        {"UPDATE LIMITS_R SET `LIM_Name`=:LIM_Name,`LIM_HighLimit`=:LIM_HighLimit,"
+         "`LIM_LoLimit`=:LIM_LoLimit WHERE `LIMk_1_ID`=5"},
+        [](KTV_DataList &store) { store.UpdateLimit_R(5, "a", "1", "2"); });
+    row("update temperature limits",
+        {"UPDATE LIMITS_T SET `LIM_Name`=:LIM_Name,`LIM_HighLimit`=:LIM_HighLimit,"
+         "`LIM_LoLimit`=:LIM_LoLimit WHERE `LIMk_1_ID`=5"},
+        [](KTV_DataList &store) { store.UpdateLimit_T(5, "a", "1", "2"); });
+
+    row("delete type",
+        {"SELECT `OBT_ReadOnly` FROM OBIECT_TYP WHERE `OBTk_1_ID`=2",
+         "DELETE FROM OBIECT_TYP WHERE `OBTk_1_ID`=2"},
+        [](KTV_DataList &store) {
+            store.AddObiectTyp("a");
+            SqliteWatch::clear();
+            store.DeleteObiectTyp(2);
+        });
+    row("delete absent name", {"SELECT `OBN_ReadOnly` FROM OBIECT_NAME WHERE `OBNk_1_ID`=2"},
+        [](KTV_DataList &store) { store.DeleteObiectName(2); });
+    row("delete name",
+        {"SELECT `OBN_ReadOnly` FROM OBIECT_NAME WHERE `OBNk_1_ID`=2",
+         "DELETE FROM OBIECT_NAME WHERE `OBNk_1_ID`=2"},
+        [](KTV_DataList &store) {
+            store.AddObiectName("a");
+            SqliteWatch::clear();
+            store.DeleteObiectName(2);
+        });
+    row("delete material",
+        {"SELECT `MAT_ReadOnly` FROM MATERIALS WHERE `MATk_1_ID`=2",
+         "DELETE FROM MATERIALS WHERE `MATk_1_ID`=2"},
+        [](KTV_DataList &store) {
+            store.AddMaterial("a", 1);
+            SqliteWatch::clear();
+            store.DeleteMaterial(2);
+        });
+    row("delete resistance limits", {"DELETE FROM LIMITS_R WHERE `LIMk_1_ID`=2"},
+        [](KTV_DataList &store) { store.DeleteLimit_R(2); });
+    row("delete temperature limits", {"DELETE FROM LIMITS_T WHERE `LIMk_1_ID`=2"},
+        [](KTV_DataList &store) { store.DeleteLimit_T(2); });
+
+    const QString types = "SELECT `OBTk_1_ID`,`OBT_ReadOnly`,`OBT_Value` FROM OBIECT_TYP WHERE "
+                          "`OBT_Lang`='EN'";
+    row("types, both flags", {types, types}, [](KTV_DataList &store) {
+        drop(store.GetObiectTyp(true, true, "", 0));
+        drop(store.GetObiectTyp(false, false, "", -1));
+    });
+    row("types, factory rows",
+        {types + " AND `OBT_ReadOnly` = 1",
+         types + " AND `OBT_ReadOnly` = 1 AND `OBT_Value` LIKE :OBT_Value LIMIT 5"},
+        [](KTV_DataList &store) {
+            drop(store.GetObiectTyp(true, false, "", 0));
+            drop(store.GetObiectTyp(true, false, "a", 5));
+        });
+    row("types, user rows",
+        {types + " AND `OBT_ReadOnly` = 0 ",
+         types + " AND `OBT_ReadOnly` = 0  AND `OBT_Value` LIKE :OBT_Value",
+         types + " AND `OBT_ReadOnly` = 0  LIMIT 1"},
+        [](KTV_DataList &store) {
+            drop(store.GetObiectTyp(false, true, "", 0));
+            drop(store.GetObiectTyp(false, true, "a", 0));
+            drop(store.GetObiectTyp(false, true, "", 1));
+        });
+    row("types, a language with a quote",
+        {"SELECT `OBTk_1_ID`,`OBT_ReadOnly`,`OBT_Value` FROM OBIECT_TYP WHERE "
+         "`OBT_Lang`='E''%1'"},
+        [](KTV_DataList &store) {
+            store.SetLang("E'%1");
+            SqliteWatch::clear();
+            drop(store.GetObiectTyp(true, true, "", 0));
+        });
+    const QString names = "SELECT `OBNk_1_ID`,`OBN_ReadOnly`,`OBN_Value` FROM OBIECT_NAME WHERE "
+                          "(`OBN_Lang`='EN')";
+    row("names",
+        {names, names + " AND (`OBN_ReadOnly` = 1)",
+         names + " AND (`OBN_ReadOnly` = 0) AND (`OBN_Value` LIKE :OBN_Value) LIMIT 2"},
+        [](KTV_DataList &store) {
+            drop(store.GetObiectName(false, false, "", 0));
+            drop(store.GetObiectName(true, false, "", 0));
+            drop(store.GetObiectName(false, true, "a", 2));
+        });
+    const QString materials = "SELECT `MATk_1_ID`,`MAT_ReadOnly`,`MAT_Name`,`MAT_Alpha` FROM "
+                              "MATERIALS WHERE (`MAT_Lang`='EN')";
+    row("materials",
+        {materials, materials + " AND (`MAT_ReadOnly` = 1)",
+         materials + " AND (`MAT_ReadOnly` = 0) AND (`MAT_Name` LIKE :MAT_Name) LIMIT 2"},
+        [](KTV_DataList &store) {
+            drop(store.GetMaterials(false, false, "", 0));
+            drop(store.GetMaterials(true, false, "", 0));
+            drop(store.GetMaterials(false, true, "a", 2));
+        });
+    for (const char letter : {'R', 'T'}) {
+        const QString limits =
+            QString("SELECT `LIMk_1_ID`,`LIM_Name`,`LIM_HighLimit`,`LIM_LoLimit` FROM LIMITS_")
+            + letter + " WHERE (`LIM_Lang`='EN')";
+        row(letter == 'R' ? "resistance limits" : "temperature limits",
+            {limits, limits + " AND (`LIM_Name` LIKE :LIM_Name) LIMIT 3"},
+            [letter](KTV_DataList &store) {
+                const auto get =
+                    letter == 'R' ? &KTV_DataList::GetLimits_R : &KTV_DataList::GetLimits_T;
+                drop((store.*get)("", 0));
+                drop((store.*get)("a", 3));
+            });
+    }
+}
+
+void TstListStatements::statements()
+{
+    QFETCH(Operation, operation);
+    QFETCH(QStringList, expected);
+    const auto store = ListStore::open();
+    SqliteWatch::clear();
+    operation(*store);
+    QCOMPARE(SqliteWatch::statements(), expected);
+}
+
+void TstListStatements::firstStartWaits_data()
+{
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<int>("most");
+    QTest::newRow("no entries: the tables") << 0 << 4;
+    QTest::newRow("one entry a list") << 1 << 16;
+    QTest::newRow("100 entries a list") << 100 << 16;
+    QTest::newRow("1000 entries a list") << 1000 << 16;
+}
+
+void TstListStatements::firstStartWaits()
+{
+    QFETCH(int, lines);
+    QFETCH(int, most);
+    ListStore::clear();
+    ListStore::writeManyDefaults("EN", lines);
+    SqliteWatch::clear();
+    const auto store = ListStore::open();
+    QVERIFY2(SqliteWatch::syncs() <= most,
+             qPrintable(QString("%1 waits for the card").arg(SqliteWatch::syncs())));
+    QVERIFY(SqliteWatch::syncs() > 0);
+    QCOMPARE(store->GetDefaultObiectTypCount(), lines);
+    QCOMPARE(store->GetDefaultObiectNameCount(), lines);
+    QCOMPARE(store->GetDefaultMaterialsCount(), lines);
+}
+
+void TstListStatements::laterStartDoesNotWait()
+{
+    ListStore::open();
+    SqliteWatch::clear();
+    const auto store = ListStore::open();
+    store->SetLang("EN");
+    QCOMPARE(SqliteWatch::syncs(), 0);
+    QCOMPARE(SqliteWatch::changes(), 0);
+}
+
+void TstListStatements::operationsWait()
+{
+    const auto store = ListStore::open();
+    for (const Family &family : families()) {
+        SqliteWatch::clear();
+        QVERIFY(family.add(*store, "text"));
+        QVERIFY(SqliteWatch::syncs() > 0 && SqliteWatch::syncs() <= 4);
+        SqliteWatch::clear();
+        QCOMPARE(family.add(*store, QString()), family.hasFactoryRows);
+        family.names(*store);
+        if (family.isUnique)
+            QVERIFY(!family.add(*store, "text"));
+        QCOMPARE(SqliteWatch::syncs(), 0);
+    }
+}
+
+void TstListStatements::exceptions_data()
+{
+    QTest::addColumn<QString>("part");
+    for (const char *part : {"INSERT INTO", "SELECT COUNT", "UPDATE", "DELETE", "COMMIT"})
+        QTest::newRow(part) << QString(part);
+}
+
+void TstListStatements::exceptions()
+{
+    QFETCH(QString, part);
+    const auto store = ListStore::open();
+    for (const Family &family : families()) {
+        QVERIFY(family.add(*store, "kept"));
+        const int id = family.idOf(*store, "kept");
+        const QStringList before = family.names(*store);
+        const bool isUsed = (part == "COMMIT" || part == "SELECT COUNT") ? family.isUnique : true;
+        LogCapture log;
+        SqliteWatch::throwOn(part);
+        const bool isDone = family.add(*store, "new") && family.update(*store, id, "kept")
+            && family.remove(*store, id);
+        SqliteWatch::throwOn(QString());
+        QCOMPARE(isDone, !isUsed);
+        if (!isUsed)
+            continue;
+        QCOMPARE(log.lines(), QStringList("thrown by the driver: %1 %s"));
+        if (part != "UPDATE" && part != "DELETE")
+            QCOMPARE(family.names(*store), before);
+        // No transaction is left open: another connection can write.
+        ListStore::change(QString("DELETE FROM ") + family.table);
+    }
+}
+
+void TstListStatements::exceptionWhileSeeding()
+{
+    ListStore::writeManyDefaults("EN", 3);
+    SqliteWatch::throwOn("INSERT INTO OBIECT_NAME");
+    LogCapture log;
+    const auto store = ListStore::open();
+    SqliteWatch::throwOn(QString());
+    QCOMPARE(log.lines(), QStringList("thrown by the driver: %1 %s"));
+    QCOMPARE(store->GetDefaultObiectTypCount(), 3);
+    QCOMPARE(store->GetDefaultObiectNameCount(), 0);
+    QCOMPARE(store->GetDefaultMaterialsCount(), 3);
+    store->SetLang("EN");
+    QCOMPARE(store->GetDefaultObiectNameCount(), 3);
+}
+
+KTV_METER_TEST_MAIN(TstListStatements)
+#include "tst_list_statements.moc"
