@@ -4,7 +4,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QStorageInfo>
 
 #include <memory>
@@ -67,10 +66,11 @@ QString Tools::humanFileSize(double size)
 
 QString Tools::validFileName(const QString &name)
 {
-    static const QRegularExpression forbidden(
-        QLatin1Char('[') + QRegularExpression::escape(QStringLiteral("\\/:*?\"<>|"))
-        + QLatin1Char(']'));
-    return QString(name).replace(forbidden, QStringLiteral("_"));
+    static const QLatin1String forbidden("\\/:*?\"<>|");
+    QString valid = name;
+    for (const char character : forbidden)
+        valid.replace(QLatin1Char(character), QLatin1Char('_'));
+    return valid;
 }
 
 QString Tools::findFreeFileName(const QString &directory, const QString &base,
