@@ -5,6 +5,7 @@
 #include <QDataStream>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QMetaEnum>
 #include <QSaveFile>
 
@@ -25,6 +26,14 @@ constexpr KTV_Liczniki::Licznik fileOrder[] = {
     KTV_Liczniki::Licznik_RejestracjaObiektowIndukcyjnych,
     KTV_Liczniki::Licznik_RejestracjaObiektowRezystancyjnych,
 };
+
+/** A file that only its own mark protects may be replaced: its directory decides. */
+void makeWritable(const QString &path)
+{
+    const QFileInfo file(path);
+    if (file.isFile() && !file.isWritable())
+        QFile::setPermissions(path, file.permissions() | QFile::WriteOwner | QFile::WriteUser);
+}
 
 } // namespace
 
@@ -90,6 +99,7 @@ void KTV_Liczniki::SaveLiczniki()
             return;
         }
         const bool replaces = QFile::exists(d->path);
+        makeWritable(d->path);
         QSaveFile file(d->path); // the old file stays until the new one is whole
         if (!file.open(QIODevice::WriteOnly)) {
             log() << (replaces ? "Liczniki override file error!!!"
@@ -101,7 +111,8 @@ void KTV_Liczniki::SaveLiczniki()
         stream << fileMarker;
         for (const Licznik counter : fileOrder)
             stream << get_dictionary(counter);
-        if (!file.commit())
+        // Flushed first: a commit does not notice that its own flush fails on a full card.
+        if (!file.flush() || !file.commit())
             log() << "Liczniki save error: " << file.errorString();
     } catch (const std::exception &exception) {
         log() << "Liczniki save error: " << exception.what();
