@@ -158,9 +158,11 @@ void KTV_InterfaceConfig::setValue(SettingKey key, const QString &value)
     Internal::Transaction transaction(d->database);
     try {
         const QString name = enumToString(key);
-        d->remove(name, QLatin1String("setValue - DELETE:"));
-        d->insert(name, value);
-        transaction.commit(); // also after a failed statement: the other one counts
+        const bool removed = d->remove(name, QLatin1String("setValue - DELETE:"));
+        const bool inserted = d->insert(name, value);
+        // Also after a failed statement, which has told its reason: the other one counts.
+        if (!transaction.commit() && removed && inserted)
+            log() << "setValue: " << d->database.lastError().text();
     } catch (const std::exception &exception) {
         log() << "setValue: " << exception.what();
     }
@@ -179,9 +181,11 @@ void KTV_InterfaceConfig::deleteValue(const QList<SettingKey> &keys)
     }
     Internal::Transaction transaction(d->database);
     try {
+        bool removed = true;
         for (const SettingKey key : keys)
-            d->remove(enumToString(key), QLatin1String("deleteValue:"));
-        transaction.commit();
+            removed &= d->remove(enumToString(key), QLatin1String("deleteValue:"));
+        if (!transaction.commit() && removed)
+            log() << "deleteValue: " << d->database.lastError().text();
     } catch (const std::exception &exception) {
         log() << "deleteValue: " << exception.what();
     }

@@ -49,7 +49,10 @@ bool NamedDatabase::open(const QString &path)
     m_db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
     m_db.setDatabaseName(path);
     m_db.setConnectOptions(connectOptions());
-    return m_db.open();
+    if (m_db.open())
+        return true;
+    m_lastError = m_db.lastError();
+    return false;
 }
 
 void NamedDatabase::close()
@@ -81,6 +84,7 @@ bool NamedDatabase::commit()
     if (!m_inTransaction)
         return true;
     if (!m_db.commit()) {
+        m_lastError = m_db.lastError(); // before that of a rollback with nothing left to undo
         rollback();
         return false;
     }

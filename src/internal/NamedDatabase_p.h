@@ -30,7 +30,8 @@ public:
     void release();
 
     QSqlDatabase handle() const { return m_db; }
-    QSqlError lastError() const { return m_db.lastError(); }
+    /** Why the last open() or commit() that failed did so. */
+    QSqlError lastError() const { return m_lastError; }
     QSqlQuery query() const { return QSqlQuery(m_db); }
 
     /** Begins a transaction unless this object has one open already. @return whether it did */
@@ -42,6 +43,7 @@ public:
 private:
     const QString m_connectionName;
     QSqlDatabase m_db;
+    QSqlError m_lastError;
     bool m_inTransaction = false;
 };
 
