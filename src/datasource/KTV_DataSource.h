@@ -66,8 +66,8 @@ public:
     PowerManager *getPowerManager() const; ///< Power manager.
 
     /**
-     * Switches the language of the texts, the pick lists and the help pages. The stored setting is the
-     * caller's business. setMeterSerialName() must have been called before.
+     * Switches the language of the texts, the pick lists and the help pages. The stored setting is
+     * the caller's business. setMeterSerialName() must have been called before.
      */
     void SetLang(const QString &code);
     /** Takes the meter's serial number and renews everything that depends on the model. */

@@ -9,6 +9,7 @@ class KTV_PLATFORM_EXPORT PowerManager : public QObject
 {
     Q_OBJECT
 public:
+    /** Finds the display. */
     explicit PowerManager(QObject *parent = nullptr);
 
     /** Sets the display's brightness, in percent. */

@@ -12,6 +12,7 @@ class KTV_PLATFORM_EXPORT PrintOnSato : public QObject
 {
     Q_OBJECT
 public:
+    /** Finds the printer. */
     explicit PrintOnSato(QObject *parent = nullptr);
 
     /** Stand-in: prints a label. @return path of the file; empty when it cannot be written */

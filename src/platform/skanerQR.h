@@ -12,6 +12,7 @@ class KTV_PLATFORM_EXPORT skanerQR : public QObject
 {
     Q_OBJECT
 public:
+    /** Finds the reader. */
     explicit skanerQR(QObject *parent = nullptr);
 
     /** Stand-in: the code held before the reader; empty when there is none. */

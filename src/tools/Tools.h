@@ -36,6 +36,7 @@ class KTV_DATASOURCE_EXPORT Tools : public QObject
 {
     Q_OBJECT
 public:
+    /** Figures of a volume. */
     using DiskInfo = QERNTools::DiskInfo;
 
     /** What the USB device port shows itself as. */
@@ -57,6 +58,7 @@ public:
     };
     Q_ENUM(RS232_Function)
 
+    /** Nothing needs an instance. */
     explicit Tools(QObject *parent = nullptr);
 
     /** Size in bytes as "1023 B", "1.50 kB", "1.00 MB" or "2.00 GB"; steps of 1024. */
