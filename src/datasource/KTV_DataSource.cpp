@@ -4,6 +4,7 @@
 #include "configuration/KTV_InterfaceConfig.h"
 #include "counters/KTV_Liczniki.h"
 #include "datalist/KTV_DataList.h"
+#include "internal/BackgroundWork_p.h"
 #include "language/LangSerwis.h"
 #include "language/helpManager.h"
 #include "platform/Pendrive.h"
@@ -13,6 +14,7 @@
 #include "platform/skanerQR.h"
 #include "tools/Tools.h"
 #include "valuebox/NumericalValueBox.h"
+#include "wifi/KTV_Connection.h"
 
 #include <QFile>
 #include <QTimer>
@@ -55,6 +57,7 @@ public:
     KTV_InterfaceConfig *interfaceConfig = nullptr;
     KTV_Configuration *config = nullptr;
     KTV_DataList *lists = nullptr;
+    WiFi::KTV_Connection *connection = nullptr;
     QERNTools::helpManager *help = nullptr;
     QTimer *diskTimer = nullptr;
     Printing::PrintOnSato *printer = nullptr;
@@ -80,6 +83,7 @@ KTV_DataSource::KTV_DataSource(QObject *parent) : QObject(parent), d(std::make_u
     d->lists = new KTV_DataList(d->config->get_mainInterfaceUserDataDirectory(),
                                 d->config->get_mainInterfaceLangsDirectory(),
                                 d->lang->getCurrentLang(), this);
+    d->connection = new WiFi::KTV_Connection(d->config->get_mainInterfaceUserDataDirectory(), this);
 
     d->diskTimer = new QTimer(this);
     connect(d->diskTimer, &QTimer::timeout, this, &KTV_DataSource::updateTimeDisk);
@@ -94,8 +98,10 @@ KTV_DataSource::KTV_DataSource(QObject *parent) : QObject(parent), d(std::make_u
 
 KTV_DataSource::~KTV_DataSource()
 {
+    Internal::stopBackgroundWork(); // no bridge and no tone outlives the services
     d->diskTimer->stop();
     destroy(d->diskTimer);
+    destroy(d->connection);
     destroy(d->lists);
     destroy(d->lang);
     if (d->interfaceConfig)
@@ -136,6 +142,7 @@ void KTV_DataSource::ClearToDefault()
 {
     d->interfaceConfig->RestoreFabricalSetting();
     d->lists->RestoreFabricalSetting();
+    d->connection->RestoreFabricalSetting();
     d->power->SetBrightness(factoryBrightness);
 }
 
@@ -147,6 +154,22 @@ void KTV_DataSource::updateTimeDisk()
         return;
     currentFreeSpaceAlletr = level;
     emit changeFreeSpaceAlert();
+}
+
+bool KTV_DataSource::SetUSBMode(QERNTools::Tools::USB_Mode mode,
+                                QERNTools::Tools::RS232_Function function) const
+{
+    return QERNTools::Tools::SetUSBMode(mode, function);
+}
+
+QERNTools::Tools::USB_Mode KTV_DataSource::getUSB_Mode() const
+{
+    return QERNTools::Tools::getCurrentMode();
+}
+
+QERNTools::Tools::RS232_Function KTV_DataSource::getRS_Mode() const
+{
+    return QERNTools::Tools::getRS232_Function();
 }
 
 QERNTools::DiskInfo *KTV_DataSource::getDiskInfo() const
@@ -194,6 +217,11 @@ KTV_Configuration *KTV_DataSource::getMainConfig() const
 KTV_DataList *KTV_DataSource::get_DataList() const
 {
     return d->lists;
+}
+
+WiFi::KTV_Connection *KTV_DataSource::getConnection() const
+{
+    return d->connection;
 }
 
 QERNTools::helpManager *KTV_DataSource::getHelpManager() const

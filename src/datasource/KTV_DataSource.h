@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ktv_datasource_export.h>
+#include <tools/Tools.h>
 
 #include <QObject>
 #include <QString>
@@ -17,7 +18,6 @@ namespace Printing {
 class PrintOnSato;
 }
 namespace QERNTools {
-struct DiskInfo;
 class helpManager;
 } // namespace QERNTools
 namespace QRReader {
@@ -28,6 +28,9 @@ class Pendrive;
 }
 namespace Updater {
 class Update;
+}
+namespace WiFi {
+class KTV_Connection;
 }
 
 /** Free-space alert level of this process's meter: 0, 1 (above 70 % used) or 2 (above 80 %). */
@@ -49,13 +52,17 @@ class KTV_DATASOURCE_EXPORT KTV_DataSource : public QObject
 public:
     /** Builds every service but the help manager, and starts the disk check (once a minute). */
     explicit KTV_DataSource(QObject *parent = nullptr);
-    /** Saves the counters and the serial number, then deletes every service. */
+    /**
+     * Silences the buzzer, ends a calibration bridge, saves the counters and the serial number,
+     * then deletes every service.
+     */
     ~KTV_DataSource() override;
 
     LangSerwis *get_Lang() const; ///< Texts of the language in effect.
     KTV_InterfaceConfig *get_InterfaceConfig() const; ///< The user's settings.
     KTV_Configuration *getMainConfig() const; ///< The device's description.
     KTV_DataList *get_DataList() const; ///< The pick lists.
+    WiFi::KTV_Connection *getConnection() const; ///< WiFi: known networks, power, state, scans.
     /** Help pages; null until the first setMeterSerialName(), replaced by each later one. */
     QERNTools::helpManager *getHelpManager() const;
     Printing::PrintOnSato *getPrinter() const; ///< Label printer.
@@ -74,6 +81,16 @@ public:
     void setMeterSerialName(const QString &serial);
     /** Factory reset of what a user can change; counters and language in effect stay. */
     void ClearToDefault();
+
+    /**
+     * Switches the USB port and the owner of its serial line, as Tools::SetUSBMode() does:
+     * blocks for up to 10 s, longer when commands hang. @return always true
+     */
+    bool SetUSBMode(QERNTools::Tools::USB_Mode mode,
+                    QERNTools::Tools::RS232_Function function) const;
+    QERNTools::Tools::USB_Mode getUSB_Mode() const; ///< What the USB port is now.
+    /** Who owns the serial line now; blocks for up to three commands. */
+    QERNTools::Tools::RS232_Function getRS_Mode() const;
 
     /** @return new disk figures of the clients directory; the caller deletes them */
     QERNTools::DiskInfo *getDiskInfo() const;

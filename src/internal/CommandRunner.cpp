@@ -47,6 +47,10 @@ bool waitForFinished(GroupProcess &process, const Waits &waits)
 CommandResult runProgram(const QString &program, const QStringList &arguments, Waits waits)
 {
     CommandResult result;
+    if (waits.stop && *waits.stop) {
+        result.outcome = CommandResult::NotFinished;
+        return result;
+    }
     GroupProcess process;
     if (waits.stop)
         process.bindToThread();

@@ -33,8 +33,9 @@ struct Waits
     int start = NoStartWait;
     int finish = Forever;
     /**
-     * Set by another thread, it ends the wait as if the time were up; may be null. The command
-     * is then asked to end and killed 300 ms later. It also ends when this process dies.
+     * Set by another thread, it ends the wait as if the time were up; set already, nothing is
+     * started. May be null. The command is then asked to end and killed 300 ms later. It also
+     * ends when this process dies.
      */
     const std::atomic<bool> *stop = nullptr;
 

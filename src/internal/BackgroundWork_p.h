@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QFuture>
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+
+namespace Internal {
+
+/**
+ * Has @p stop called before the process leaves: when the application object goes or, without
+ * one, when main() has returned or exit() is called. Both come before the global thread pool
+ * waits for its threads. @p owner counts once; @p stop may be called more than once.
+ */
+void stopBeforeLeaving(const void *owner, const std::function<void()> &stop);
+/** For an owner that goes before the process does. */
+void forgetBeforeLeaving(const void *owner);
+
+/** Calls every registered stop at once, in the calling thread. */
+void stopBackgroundWork();
+
+/**
+ * Work on the global thread pool that may go on without end: a bridge, a repeating tone.
+ *
+ * A run takes no slot of the pool from anyone else, for on one core there is only one; it
+ * begins only when its future has been stored; and it is over when stop() returns, which also
+ * happens before the process leaves.
+ */
+class EndlessWork
+{
+public:
+    /**
+     * @param handle where the future of the latest run is kept; outlives this object
+     * @param beforeStop called first by stop(), in its thread
+     */
+    explicit EndlessWork(QFuture<void> &handle, std::function<void()> beforeStop = {});
+    /** Stops what runs. */
+    ~EndlessWork();
+    Q_DISABLE_COPY_MOVE(EndlessWork)
+
+    /** Starts a run. One thread at a time. */
+    void start(const std::function<void()> &work);
+    /** The future of the latest run; from any thread, never one that is just being stored. */
+    QFuture<void> handle() const;
+
+    /** True while a run has to end as soon as it can. */
+    const std::atomic<bool> &isStopping() const { return m_isStopping; }
+    /** Ends every run and waits for that. */
+    void stop();
+
+private:
+    class Run;
+
+    QFuture<void> &m_handle;
+    const std::function<void()> m_beforeStop;
+    mutable std::mutex m_handOver;
+
+    std::mutex m_mutex; ///< of the two counts
+    std::condition_variable m_isOver;
+    int m_running = 0;
+    int m_generation = 0; ///< runs of an earlier one do not begin any more
+    std::atomic<bool> m_isStopping {false};
+};
+
+} // namespace Internal

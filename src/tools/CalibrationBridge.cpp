@@ -1,0 +1,101 @@
+// The bridge between the serial line and the measuring hardware, and what keeps it up.
+
+#include "internal/BackgroundWork_p.h"
+#include "internal/SharedFlag_p.h"
+#include "internal/log_p.h"
+#include "tools/SerialLine_p.h"
+#include "tools/Tools.h"
+
+#include <QElapsedTimer>
+#include <QThread>
+
+using Internal::CommandResult;
+using Internal::loadShared;
+using Internal::log;
+using Internal::runDirect;
+using Internal::runShell;
+using Internal::storeShared;
+using Internal::Waits;
+
+namespace QERNTools {
+
+bool Tools::isCalibrationModeActive = false;
+QFuture<void> Tools::asyncSocatRuner;
+
+namespace {
+
+Internal::EndlessWork bridge(Tools::asyncSocatRuner,
+                             [] { storeShared(Tools::isCalibrationModeActive, false); });
+
+constexpr int shortestRun = 1000; // ms from one start of the bridge to the next
+constexpr int pauseStep = 20; // ms
+
+/** Waits after a bridge that broke down at once: it shall not be started without a pause. */
+void waitForNextStart(const QElapsedTimer &sinceStart, const QFuture<void> &self)
+{
+    while (sinceStart.elapsed() < shortestRun && loadShared(Tools::isCalibrationModeActive)
+           && !self.isCanceled() && !bridge.isStopping())
+        QThread::msleep(pauseStep);
+}
+
+void cancelRun()
+{
+    if (Tools::asyncSocatRuner.isRunning())
+        Tools::asyncSocatRuner.cancel();
+}
+
+} // namespace
+
+bool Tools::StartHardwareCalibrationMode()
+{
+    storeShared(isCalibrationModeActive, true);
+    bridge.start(socatProces_Avait);
+    QThread::sleep(5);
+    const CommandResult listed = runShell(listBridge, finishOnly);
+    if (isFinished(listed, QStringLiteral("Tools::StartHardwareCalibrationMode(): ps socat"))
+        && listed.output.contains(bridgeCommand))
+        return true;
+    log() << "Tools::StartHardwareCalibrationMode(): socat no run!";
+    cancelRun();
+    storeShared(isCalibrationModeActive, false);
+    return false;
+}
+
+bool Tools::StopHardwareCalibrationMode()
+{
+    storeShared(isCalibrationModeActive, false); // first, or the bridge would be started again
+    if (!isFinished(runDirect(QStringLiteral("killall socat"), finishOnly),
+                    QStringLiteral("Tools::StopHardwareCalibrationMode(): killall socat")))
+        return false;
+    QThread::sleep(2);
+    cancelRun();
+    constexpr int lastPoll = 6;
+    for (int poll = 0;; ++poll) {
+        const CommandResult listed = runShell(listBridge, finishOnly);
+        // A process list that does not come is asked for again, without end.
+        if (isFinished(listed, QStringLiteral("Tools::StopHardwareCalibrationMode(): ps socat"))) {
+            if (!listed.output.contains(bridgeCommand))
+                return true;
+            if (poll >= lastPoll)
+                return false;
+        }
+        QThread::msleep(500);
+    }
+}
+
+void Tools::socatProces_Avait()
+{
+    if (!loadShared(isCalibrationModeActive))
+        return;
+    const QFuture<void> self = bridge.handle();
+    do {
+        if (self.isCanceled() || bridge.isStopping() || !ConfigurePort())
+            return;
+        QElapsedTimer sinceStart;
+        sinceStart.start();
+        runDirect(bridgeCommand, {Waits::NoStartWait, Waits::Forever, &bridge.isStopping()});
+        waitForNextStart(sinceStart, self);
+    } while (loadShared(isCalibrationModeActive));
+}
+
+} // namespace QERNTools

@@ -1,0 +1,515 @@
+#include "wifi/KTV_Connection.h"
+
+#include "internal/CommandRunner_p.h"
+#include "internal/log_p.h"
+#include "wifi/KnownNetworks_p.h"
+#include "wifi/NetworkList_p.h"
+#include "wifi/SecretFile_p.h"
+#include "wifi/SupplicantConfiguration_p.h"
+#include "wifi/ToolOutput_p.h"
+#include "wifi/Workers_p.h"
+
+#include <QFile>
+#include <QMetaMethod>
+#include <QTextStream>
+#include <QThread>
+#include <QTimer>
+
+using Internal::log;
+using Internal::Waits;
+
+namespace WiFi {
+
+namespace {
+
+constexpr int statusInterval = 5000; // ms
+constexpr int detailInterval = 1000; // ms
+constexpr int scanInterval = 10000; // ms
+
+constexpr int readingLimit = 1000; // ms, each tool
+constexpr int scanLimit = 5000; // ms
+constexpr int powerLimit = 3000; // ms
+
+/** A level above the bound, in dBm, and what it is shown as. */
+struct SignalStep
+{
+    int above;
+    Network::wifiStates state;
+};
+
+constexpr SignalStep signalSteps[] = {
+    {-50, Network::wifi_States_Connect_4},
+    {-60, Network::wifi_States_Connect_3},
+    {-70, Network::wifi_States_Connect_2},
+    {-80, Network::wifi_States_Connect_1},
+};
+
+/** What of the last detailed record the next one is compared with. */
+struct Detail
+{
+    int state = Network::wifi_States_OFF;
+    QString essid;
+    QString address;
+
+    bool operator==(const Detail &other) const
+    {
+        return state == other.state && essid == other.essid && address == other.address;
+    }
+};
+
+std::unique_ptr<Network> copyOf(const Network &network)
+{
+    auto copy = std::make_unique<Network>();
+    copy->ESSID = network.ESSID;
+    copy->state = network.state;
+    copy->encryption = network.encryption;
+    copy->key = network.key;
+    copy->address = network.address;
+    copy->mask = network.mask;
+    copy->broadcast = network.broadcast;
+    return copy;
+}
+
+} // namespace
+
+/**
+ * Timers, database and futures are touched on the manager's thread only. What workers share
+ * with it is atomic: a number, or a pointer to a value that never changes.
+ */
+class KTV_Connection::Private
+{
+public:
+    explicit Private(const QString &directory) : known(directory) { }
+
+    QString answer(const QString &command) const;
+    void read(Network &network) const;
+
+    KnownNetworks known;
+    const QString configurationFile =
+        QStringLiteral("/etc/wpa_supplicant/wpa_supplicant-wlan0.conf");
+
+    Shared<QString> interfaceName;
+    Shared<Detail> myNetwork;
+    std::atomic<int> state {Network::wifi_States_OFF};
+
+    QTimer *statusTimer = nullptr;
+    QTimer *detailTimer = nullptr;
+    QTimer *scanTimer = nullptr;
+    std::atomic<bool> isDetailed {false}; ///< whether the detail timer exists
+    std::atomic<bool> isScanning {false}; ///< whether the scan timer exists
+    PowerWish powerWish;
+
+    Workers workers;
+    const StopFlag stopping = workers.stopping();
+};
+
+/** What a shell command prints; nothing unless it ends in time. */
+QString KTV_Connection::Private::answer(const QString &command) const
+{
+    const auto result =
+        Internal::runShell(command, {Waits::NoStartWait, readingLimit, stopping.get()});
+    return result.finished() ? result.output : QString();
+}
+
+void KTV_Connection::Private::read(Network &network) const
+{
+    const QString name = *interfaceName.get();
+    if (name.isEmpty()) {
+        network.state = Network::wifi_States_NAN;
+        return;
+    }
+    if (!answer(QStringLiteral("ifconfig | grep -e \"") + name + QLatin1Char('"')).startsWith(name))
+        return;
+    network.state = Network::wifi_States_ON;
+    const QString essid = answer(QStringLiteral("iwgetid ") + name + QStringLiteral(" -r"));
+    if (essid.isEmpty())
+        return;
+    network.ESSID = essid.trimmed();
+    ToolOutput::readAddress(
+        answer(QStringLiteral("ifconfig ") + name + QStringLiteral(" | grep -e \"inet \"")),
+        network);
+    if (network.address.isEmpty()) {
+        network.state = Network::wifi_States_Connecting;
+        return;
+    }
+    ToolOutput::readSignal(
+        answer(QStringLiteral("iwconfig ") + name + QStringLiteral(" | grep \"Signal level=\"")),
+        network);
+}
+
+KTV_Connection::KTV_Connection(const QString &directory, QObject *parent)
+    : QObject(parent)
+    , d(std::make_unique<Private>(directory))
+{
+    qRegisterMetaType<WiFi::Network *>("WiFi::Network*");
+    qRegisterMetaType<QList<WiFi::Network *> *>("QList<WiFi::Network*>*");
+
+    findWifiInterfaceName();
+    _Open();
+    if (!getInterfaceName().isEmpty())
+        _updateSystem(QString());
+
+    d->statusTimer = new QTimer(this);
+    connect(d->statusTimer, &QTimer::timeout, this, &KTV_Connection::onStatusTime);
+    d->statusTimer->start(statusInterval);
+    check_wifiState_Avait(this);
+}
+
+KTV_Connection::~KTV_Connection()
+{
+    d->workers.stop();
+    _freeDB();
+}
+
+QString KTV_Connection::getInterfaceName() const
+{
+    return *d->interfaceName.get();
+}
+
+void KTV_Connection::findWifiInterfaceName()
+{
+    const auto result = Internal::runShell(QStringLiteral("ls /sys/class/net | grep \"wlan0\""),
+                                           {Waits::NoStartWait, Waits::Forever, d->stopping.get()});
+    d->interfaceName.set(ToolOutput::interfaceName(result.output));
+}
+
+// --- known networks and the supplicant
+
+bool KTV_Connection::AddNetwork(const QString &essid, const QString &key)
+{
+    if (!_AddWifiToDataBase(essid, key))
+        return false;
+    _updateSystem(essid);
+    return true;
+}
+
+bool KTV_Connection::DeleteNetwork(const QString &essid)
+{
+    if (!d->known.remove(essid))
+        return false;
+    _updateSystem(QString());
+    return true;
+}
+
+void KTV_Connection::SetPreferedNetwork(const QString &essid)
+{
+    _updateSystem(essid);
+}
+
+bool KTV_Connection::RestoreFabricalSetting()
+{
+    return _CreateNew();
+}
+
+QList<Network *> *KTV_Connection::GetMyNetwork()
+{
+    return d->known.all().release();
+}
+
+bool KTV_Connection::_Open()
+{
+    return d->known.open();
+}
+
+bool KTV_Connection::_CreateNew()
+{
+    return d->known.createNew();
+}
+
+void KTV_Connection::_freeDB()
+{
+    d->known.release();
+}
+
+bool KTV_Connection::_AddWifiToDataBase(const QString &essid, const QString &key)
+{
+    return d->known.add(essid, key);
+}
+
+bool KTV_Connection::_UpdateWifiInDataBase(int id, const QString &essid, const QString &key)
+{
+    return d->known.updateRow(id, essid, key);
+}
+
+bool KTV_Connection::_DeleteWifiInDataBase(int id)
+{
+    return d->known.removeRow(id);
+}
+
+QString KTV_Connection::_WPA_Passphrase(const QString &essid, const QString &passphrase)
+{
+    return SupplicantConfiguration::protectedNetwork(essid, passphrase);
+}
+
+void KTV_Connection::_buildConfFile(const QString &preferred, QList<Network *> *networks)
+{
+    keepSecret(d->configurationFile);
+    QFile file(d->configurationFile);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        log() << "KTV_Connection::_buildConfFile: open file:" << file.errorString();
+        return;
+    }
+    try {
+        QTextStream stream(&file);
+        stream.setCodec("UTF-8");
+        stream << SupplicantConfiguration::header();
+        stream.flush(); // with no network to follow, the restart would find an empty file
+        for (const Network *network : qAsConst(*networks)) {
+            QString entry = network->encryption
+                ? _WPA_Passphrase(network->ESSID, network->key)
+                : SupplicantConfiguration::openNetwork(network->ESSID);
+            if (entry.isEmpty())
+                continue;
+            if (network->ESSID == preferred)
+                entry = SupplicantConfiguration::preferred(entry);
+            stream << entry << '\n';
+            stream.flush();
+        }
+        _restart(); // while the file is open: everything in it has been flushed
+    } catch (const std::exception &exception) {
+        log() << "KTV_Connection::_buildConfFile: exception:" << exception.what();
+    }
+    file.flush();
+    file.close();
+}
+
+void KTV_Connection::_updateSystem(const QString &preferred)
+{
+    const NetworkList networks = d->known.all();
+    _buildConfFile(preferred, networks.get());
+}
+
+void KTV_Connection::_restart()
+{
+    const QString name = getInterfaceName();
+    if (name.isEmpty())
+        return;
+    Internal::runProgram(QStringLiteral("systemctl"),
+                         {QStringLiteral("restart"), QStringLiteral("wpa_supplicant@") + name},
+                         Waits());
+}
+
+// --- power
+
+bool KTV_Connection::get_wifi_Enable() const
+{
+    const int state = d->myNetwork.get()->state;
+    return !getInterfaceName().isEmpty() && state != Network::wifi_States_NAN
+        && state != Network::wifi_States_OFF;
+}
+
+void KTV_Connection::set_wifi_Enable(bool on)
+{
+    if (getInterfaceName().isEmpty() || !d->powerWish.ask(on))
+        return;
+    d->workers.start(Workers::Power, [this] {
+        do
+            _set_wifi_Enable_Avait(this, d->powerWish.take());
+        while (!d->powerWish.finish());
+    });
+}
+
+void KTV_Connection::_set_wifi_Enable_Avait(KTV_Connection *connection, bool on)
+{
+    const QString name = connection->getInterfaceName();
+    if (name.isEmpty())
+        return;
+    // Not ended early when the manager ends: what the user has switched stays switched.
+    const auto result = Internal::runDirect(
+        QStringLiteral("ifconfig ") + name + (on ? QStringLiteral(" up") : QStringLiteral(" down")),
+        {Waits::NoStartWait, powerLimit});
+    // Kept crosswise: service staff know the lines like this.
+    if (!result.finished())
+        log() << (on ? "ifconfig down - not respond!" : "ifconfig up - not respond!");
+    if (!result.output.isEmpty())
+        log() << "set_wifiPower: " << result.output;
+    if (connection->d->isDetailed)
+        check_wifiDetailState_Avait(connection);
+    else
+        check_wifiState_Avait(connection);
+}
+
+// --- state
+
+void KTV_Connection::DetailInfoScan(bool on)
+{
+    if (on && !d->detailTimer && !getInterfaceName().isEmpty()) {
+        d->statusTimer->stop();
+        d->detailTimer = new QTimer(this);
+        d->isDetailed = true;
+        connect(d->detailTimer, &QTimer::timeout, this, &KTV_Connection::onStatusDetailTime);
+        d->detailTimer->start(detailInterval);
+    } else if (!on && d->detailTimer) {
+        d->isDetailed = false;
+        d->detailTimer->stop();
+        d->detailTimer->deleteLater();
+        d->detailTimer = nullptr;
+        d->statusTimer->start(statusInterval);
+    }
+}
+
+bool KTV_Connection::isDetailInfoScan() const
+{
+    return d->isDetailed;
+}
+
+Network *KTV_Connection::getWiFi_Info()
+{
+    auto network = std::make_unique<Network>();
+    d->read(*network);
+    return network.release();
+}
+
+void KTV_Connection::onStatusTime()
+{
+    d->workers.poll(Workers::Status, [this] { check_wifiState_Avait(this); });
+}
+
+void KTV_Connection::onStatusDetailTime()
+{
+    d->workers.poll(Workers::Detail, [this] { check_wifiDetailState_Avait(this); });
+}
+
+void KTV_Connection::check_wifiState_Avait(KTV_Connection *connection)
+{
+    Private &data = *connection->d;
+    if (*data.stopping)
+        return;
+    if (connection->getInterfaceName().isEmpty()) {
+        connection->findWifiInterfaceName();
+        return;
+    }
+    const std::unique_ptr<const Network> fresh(connection->getWiFi_Info());
+    if (!*data.stopping && data.state.exchange(fresh->state) != fresh->state)
+        emit connection->WiFi_State_Change(fresh->state);
+}
+
+void KTV_Connection::check_wifiDetailState_Avait(KTV_Connection *connection)
+{
+    Private &data = *connection->d;
+    const StopFlag stopping = data.stopping; // a receiver may delete the manager
+    std::unique_ptr<Network> fresh(connection->getWiFi_Info());
+    if (*stopping)
+        return;
+    const auto detail =
+        std::make_shared<const Detail>(Detail {fresh->state, fresh->ESSID, fresh->address});
+    auto last = data.myNetwork.get();
+    do {
+        if (*last == *detail)
+            return;
+    } while (!data.myNetwork.replace(last, detail)); // another worker was first: compare again
+    data.state = fresh->state;
+    emit connection->WiFi_State_Change(fresh->state);
+    static const auto announcement =
+        QMetaMethod::fromSignal(&KTV_Connection::WiFi_DetailState_Change);
+    if (*stopping || !connection->isSignalConnected(announcement))
+        return;
+    fresh->moveToThread(connection->thread());
+    emit connection->WiFi_DetailState_Change(fresh.release());
+}
+
+// --- scanning
+
+bool KTV_Connection::ScanNetwork(bool on)
+{
+    if (on && !d->scanTimer) {
+        if (getInterfaceName().isEmpty())
+            return false;
+        d->scanTimer = new QTimer(this);
+        d->isScanning = true;
+        connect(d->scanTimer, &QTimer::timeout, this, &KTV_Connection::onScanNetwokTime);
+        onScanNetwokTime();
+        d->scanTimer->start(scanInterval);
+    } else if (!on && d->scanTimer) {
+        d->isScanning = false;
+        d->scanTimer->stop();
+        d->scanTimer->deleteLater();
+        d->scanTimer = nullptr;
+    }
+    return true;
+}
+
+bool KTV_Connection::isScanMode() const
+{
+    return d->isScanning;
+}
+
+void KTV_Connection::onScanNetwokTime()
+{
+    d->workers.poll(Workers::Scan, [this] { check_wifiScan_Avait(this); });
+}
+
+void KTV_Connection::check_wifiScan_Avait(KTV_Connection *connection)
+{
+    Private &data = *connection->d;
+    const StopFlag stopping = data.stopping; // a receiver may delete the manager
+    const QString name = connection->getInterfaceName();
+    if (name.isEmpty())
+        return;
+    const auto result = Internal::runShell(
+        QStringLiteral("iwlist ") + name
+            + QStringLiteral(" scan |grep -e \"Cell\" -e \"ESSID\" -e \"Signal level\" "
+                             "-e \"Encryption key\""),
+        {Waits::NoStartWait, scanLimit, stopping.get()});
+    if (*stopping)
+        return;
+    if (!result.finished()) {
+        log() << "iwlist - not respond!";
+        emit connection->WiFi_Scan(nullptr);
+        if (*stopping)
+            return;
+        // A timer is stopped on its own thread only.
+        const auto connectionType = QThread::currentThread() == connection->thread()
+            ? Qt::DirectConnection
+            : Qt::QueuedConnection;
+        QMetaObject::invokeMethod(
+            connection, [connection] { connection->ScanNetwork(false); }, connectionType);
+        return;
+    }
+    NetworkList networks = ToolOutput::readScan(result.output);
+    if (!data.isScanning)
+        return;
+    log() << "LIST.COUNT = " << networks->size();
+    static const auto announcement = QMetaMethod::fromSignal(&KTV_Connection::WiFi_Scan);
+    if (!connection->isSignalConnected(announcement))
+        return;
+    for (Network *network : qAsConst(*networks))
+        network->moveToThread(connection->thread());
+    emit connection->WiFi_Scan(networks.release());
+}
+
+int KTV_Connection::_dbmToSignal(int dbm)
+{
+    for (const SignalStep &step : signalSteps) {
+        if (dbm > step.above)
+            return step.state;
+    }
+    return Network::wifi_States_Connect_0;
+}
+
+bool KTV_Connection::_validateNetwork(Network *network)
+{
+    return network && !network->ESSID.trimmed().isEmpty();
+}
+
+void KTV_Connection::_addToList(QList<Network *> *list, Network *network)
+{
+    for (auto entry = list->begin(); entry != list->end();) {
+        if ((*entry)->ESSID != network->ESSID) {
+            ++entry;
+            continue;
+        }
+        if ((*entry)->state > network->state)
+            return;
+        delete *entry;
+        entry = list->erase(entry);
+    }
+    list->append(copyOf(*network).release());
+}
+
+bool variantLessThan(const Network *a, const Network *b)
+{
+    return a->state < b->state;
+}
+
+} // namespace WiFi

@@ -1,0 +1,209 @@
+#include "wifi/KnownNetworks_p.h"
+
+#include "internal/log_p.h"
+#include "wifi/SecretFile_p.h"
+
+#include <QDir>
+#include <QFile>
+#include <QVariant>
+
+#include <memory>
+
+using Internal::log;
+
+namespace WiFi {
+
+namespace {
+
+constexpr int schemaVersion = 0;
+constexpr int shortestPassphrase = 8;
+constexpr int longestPassphrase = 63;
+
+QString connectionName()
+{
+    return QStringLiteral("WiFi");
+}
+
+QStringList schema()
+{
+    return {
+        QStringLiteral("CREATE TABLE IF NOT EXISTS Setting (SETk_1_ID INTEGER UNIQUE PRIMARY KEY,"
+                       "SET_Key VARCHAR(255),SET_Value VARCHAR(255))"),
+        QStringLiteral("INSERT INTO Setting (SET_Key, SET_Value) VALUES ('Version',")
+            + QString::number(schemaVersion) + QLatin1Char(')'),
+        QStringLiteral("CREATE TABLE IF NOT EXISTS NETWORKS (NETk_1_ID INTEGER UNIQUE PRIMARY KEY,"
+                       "NET_ESSID VARCHAR(255),NET_Encrypton int,NET_Key VARCHAR(255))"),
+    };
+}
+
+/** Binds what a row holds, by position: name, whether protected, key. */
+void bindNetwork(QSqlQuery &query, const QString &essid, const QString &key)
+{
+    query.bindValue(0, essid);
+    query.bindValue(1, !key.isEmpty());
+    query.bindValue(2, key.isEmpty() ? QStringLiteral("") : key); // a null text would be NULL
+}
+
+bool failed(QLatin1String text, const QSqlError &error)
+{
+    log() << text << error.text();
+    return false;
+}
+
+} // namespace
+
+bool isPassphrase(const QString &text)
+{
+    return text.size() >= shortestPassphrase && text.size() <= longestPassphrase;
+}
+
+KnownNetworks::KnownNetworks(const QString &directory)
+    : m_directory(directory)
+    , m_path(directory + QStringLiteral("wifi.db"))
+    , m_database(connectionName())
+{ }
+
+bool KnownNetworks::open()
+{
+    m_database.close();
+    if (Internal::isMissing(m_path))
+        return createNew();
+    release();
+    keepSecret(m_path);
+    if (m_database.open(m_path))
+        return true;
+    log() << "!no open database:" << m_database.lastError().text();
+    return false;
+}
+
+bool KnownNetworks::createNew()
+{
+    m_database.close();
+    if (QFile::exists(m_path) && !QFile::remove(m_path))
+        return false;
+    release();
+    if (!QDir(m_directory).exists())
+        QDir().mkdir(m_directory);
+    keepSecret(m_path);
+    if (!m_database.open(m_path)) {
+        log() << "KTV_Connection - No open database :("
+              << (m_database.handle().isOpenError() ? "true" : "false");
+        return false;
+    }
+    Internal::createSchema(m_database, schema());
+    return true;
+}
+
+void KnownNetworks::release()
+{
+    m_database.release();
+    QSqlDatabase::removeDatabase(connectionName()); // again, as ever: harmless when it is gone
+}
+
+bool KnownNetworks::add(const QString &essid, const QString &key)
+{
+    if (essid.isEmpty() || (!key.isEmpty() && !isPassphrase(key)))
+        return false;
+    if (!isOpenOrLog(QLatin1String("KTV_Connection::DB is CLOSE!")))
+        return false;
+    Internal::Transaction transaction(m_database);
+    if (!removeName(essid, QLatin1String("_AddWifiToDataBase: ")) || !insert(essid, key))
+        return false;
+    return transaction.commit()
+        || failed(QLatin1String("KTV_Connection::_AddWifiToDataBase: "), m_database.lastError());
+}
+
+bool KnownNetworks::remove(const QString &essid)
+{
+    if (!isOpenOrLog(QLatin1String("DB is CLOSE!")))
+        return false;
+    const QLatin1String failure("_AddWifiToDataBase: "); // kept: the text of the other operation
+    Internal::Transaction transaction(m_database);
+    if (!removeName(essid, failure))
+        return false;
+    return transaction.commit() || failed(failure, m_database.lastError());
+}
+
+bool KnownNetworks::updateRow(int id, const QString &essid, const QString &key)
+{
+    if (!isOpenOrLog(QLatin1String("DB is CLOSE!")))
+        return false;
+    const QLatin1String failure("_AddWifiToDataBase: ");
+    Internal::Transaction transaction(m_database);
+    {
+        QSqlQuery query = m_database.query();
+        // Kept: the last backtick is never closed, so the statement is refused.
+        query.prepare(QStringLiteral("UPDATE NETWORKS SET`NET_ESSID`=:NET_ESSID,`NET_Encrypton`="
+                                     ":NET_Encrypton,`NET_Key`=:NET_Key WHERE `NETk_1_ID=")
+                      + QString::number(id));
+        bindNetwork(query, essid, key);
+        if (!query.exec())
+            return failed(failure, query.lastError());
+    }
+    return transaction.commit() || failed(failure, m_database.lastError());
+}
+
+bool KnownNetworks::removeRow(int id)
+{
+    if (!isOpenOrLog(QLatin1String("DB is CLOSE!")))
+        return false;
+    const QLatin1String failure("_DeleteWifiInDataBase:");
+    Internal::Transaction transaction(m_database);
+    {
+        QSqlQuery query = m_database.query();
+        if (!query.exec(QStringLiteral("DELETE FROM NETWORKS WHERE `NETk_1_ID` = '")
+                        + QString::number(id) + QLatin1Char('\'')))
+            return failed(failure, query.lastError());
+    }
+    return transaction.commit() || failed(failure, m_database.lastError());
+}
+
+NetworkList KnownNetworks::all() const
+{
+    NetworkList networks = makeNetworkList();
+    if (!m_database.isOpen())
+        return networks;
+    try {
+        QSqlQuery query = m_database.query();
+        query.setForwardOnly(true);
+        query.exec(QStringLiteral("SELECT * FROM NETWORKS"));
+        while (query.next()) {
+            auto network = std::make_unique<Network>();
+            network->ESSID = query.value(QStringLiteral("NET_ESSID")).toString();
+            network->encryption = query.value(QStringLiteral("NET_Encrypton")).toBool();
+            network->key = query.value(QStringLiteral("NET_Key")).toString();
+            networks->append(network.get());
+            network.release(); // the list's from here on
+        }
+    } catch (const std::exception &exception) {
+        log() << "GetMyNetwork: " << exception.what();
+    }
+    return networks;
+}
+
+bool KnownNetworks::isOpenOrLog(QLatin1String text) const
+{
+    if (!m_database.isOpen())
+        log() << text;
+    return m_database.isOpen();
+}
+
+bool KnownNetworks::removeName(const QString &essid, QLatin1String failure) const
+{
+    QSqlQuery query = m_database.query();
+    query.prepare(QStringLiteral("DELETE FROM NETWORKS WHERE `NET_ESSID`=:NET_ESSID"));
+    query.bindValue(QStringLiteral(":NET_ESSID"), essid);
+    return query.exec() || failed(failure, query.lastError());
+}
+
+bool KnownNetworks::insert(const QString &essid, const QString &key) const
+{
+    QSqlQuery query = m_database.query();
+    query.prepare(QStringLiteral("INSERT INTO NETWORKS (`NET_ESSID`,`NET_Encrypton`,`NET_Key`)"
+                                 "VALUES (:NET_ESSID,:NET_Encrypton,:NET_Key)"));
+    bindNetwork(query, essid, key);
+    return query.exec()
+        || failed(QLatin1String("KTV_Connection::_AddWifiToDataBase: "), query.lastError());
+}
+
+} // namespace WiFi

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "internal/NamedDatabase_p.h"
+#include "wifi/NetworkList_p.h"
+
+#include <QString>
+
+namespace WiFi {
+
+/** Whether a text has the length that WPA demands of a pass phrase, 8 to 63 characters. */
+bool isPassphrase(const QString &text);
+
+/**
+ * The table of known networks in "wifi.db". Keys are stored in plain text, so the file is
+ * readable by its owner only. No operation logs a key.
+ */
+class KnownNetworks
+{
+public:
+    /** @param directory prefix of the file's path; ends in "/" */
+    explicit KnownNetworks(const QString &directory);
+
+    /** Opens the file as it is, or creates it when it is missing. @return success */
+    bool open();
+    /** Deletes the file and creates an empty one. @return success */
+    bool createNew();
+    void release();
+
+    /** Stores a network in place of the rows of that name. @return success */
+    bool add(const QString &essid, const QString &key);
+    /** Removes the rows of that name, if any. @return success */
+    bool remove(const QString &essid);
+    /** The same two by row id. */
+    bool updateRow(int id, const QString &essid, const QString &key);
+    bool removeRow(int id);
+
+    /** Every network, in the order of the rows; never null. */
+    NetworkList all() const;
+
+private:
+    bool isOpenOrLog(QLatin1String text) const;
+    bool removeName(const QString &essid, QLatin1String failure) const;
+    bool insert(const QString &essid, const QString &key) const;
+
+    const QString m_directory;
+    const QString m_path;
+    Internal::NamedDatabase m_database;
+};
+
+} // namespace WiFi

@@ -1,0 +1,9 @@
+#include "wifi/Network.h"
+
+namespace WiFi {
+
+Network::Network() = default;
+
+Network::~Network() = default;
+
+} // namespace WiFi

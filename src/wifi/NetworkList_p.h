@@ -1,0 +1,28 @@
+#pragma once
+
+#include "wifi/Network.h"
+
+#include <QList>
+
+#include <memory>
+
+namespace WiFi {
+
+struct DeleteNetworks
+{
+    void operator()(QList<Network *> *networks) const
+    {
+        qDeleteAll(*networks);
+        delete networks;
+    }
+};
+
+/** A list that owns its records, until it is released to a client. */
+using NetworkList = std::unique_ptr<QList<Network *>, DeleteNetworks>;
+
+inline NetworkList makeNetworkList()
+{
+    return NetworkList(new QList<Network *>);
+}
+
+} // namespace WiFi

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+namespace WiFi {
+
+/** The texts that the supplicant's configuration file is put together from. */
+namespace SupplicantConfiguration {
+
+/** What the file begins with, an empty line at its end included. */
+QString header();
+/** The entry of an open network, without a line end. The name stands there as it is. */
+QString openNetwork(const QString &essid);
+/**
+ * The entry of a protected network with its derived key, as "wpa_passphrase" prints it.
+ * Blocks up to 1000 ms. @return empty when the tool refuses or fails
+ */
+QString protectedNetwork(const QString &essid, const QString &passphrase);
+/** An entry with the line in it that puts it before all others. */
+QString preferred(const QString &entry);
+
+} // namespace SupplicantConfiguration
+
+} // namespace WiFi

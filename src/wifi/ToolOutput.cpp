@@ -1,0 +1,113 @@
+#include "wifi/ToolOutput_p.h"
+
+#include "wifi/KTV_Connection.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <memory>
+
+namespace WiFi::ToolOutput {
+
+namespace {
+
+const QLatin1Char blank(' ');
+const QLatin1Char lineEnd('\n');
+
+/** A field of "ifconfig" that begins with a marker; so many characters are cut from its front. */
+struct AddressField
+{
+    QLatin1String marker;
+    int cut;
+    QString Network::*field;
+};
+
+const AddressField addressFields[] = {
+    // Four of the five: the address keeps the colon, and clients rely on it.
+    {QLatin1String("addr:"), 4, &Network::address},
+    {QLatin1String("Mask:"), 5, &Network::mask},
+    {QLatin1String("Bcast:"), 6, &Network::broadcast},
+};
+
+void readScanLine(const QString &line, Network &network)
+{
+    const QLatin1String name("ESSID:");
+    if (line.startsWith(name)) {
+        network.ESSID = QString(line).remove(name).remove(QLatin1Char('"')).trimmed();
+    } else if (line.startsWith(QLatin1String("Encryption key:"))) {
+        network.encryption = line.contains(QLatin1String(":on"));
+    } else if (line.startsWith(QLatin1String("Quality"))) {
+        bool ok = false;
+        const int dbm = line.mid(line.lastIndexOf(QLatin1Char('=')))
+                            .remove(QLatin1Char('='))
+                            .remove(QLatin1String("dBm"))
+                            .trimmed()
+                            .toInt(&ok);
+        if (ok)
+            network.state = KTV_Connection::_dbmToSignal(dbm);
+    }
+}
+
+} // namespace
+
+QString interfaceName(const QString &listing)
+{
+    const QStringList names = listing.trimmed().split(lineEnd);
+    // Beside "wlan0" there may be "wlan0mon", or one that comes before it: "p2p-wlan0-0".
+    const QString usual = QStringLiteral("wlan0");
+    return names.contains(usual) ? usual : names.first().trimmed();
+}
+
+void readAddress(const QString &line, Network &network)
+{
+    const QString text = line.trimmed();
+    if (!text.startsWith(QLatin1String("inet")))
+        return;
+    const QStringList pieces = text.split(blank);
+    for (const QString &piece : pieces) {
+        for (const AddressField &field : addressFields) {
+            if (piece.startsWith(field.marker))
+                network.*field.field = piece.mid(field.cut);
+        }
+    }
+}
+
+void readSignal(const QString &line, Network &network)
+{
+    const QLatin1String marker("level=");
+    const QString text = line.trimmed();
+    if (!text.contains(QLatin1String("Signal level=")))
+        return;
+    const QStringList pieces = text.split(blank);
+    for (QString piece : pieces) {
+        // A level that is no number counts as 0: connected it is all the same.
+        if (piece.startsWith(marker))
+            network.state = KTV_Connection::_dbmToSignal(
+                piece.remove(0, marker.size()).remove(QLatin1String(" dBm")).toInt());
+    }
+}
+
+NetworkList readScan(const QString &lines)
+{
+    NetworkList networks = makeNetworkList();
+    std::unique_ptr<Network> network; // none before the first cell
+    const auto finish = [&networks, &network] {
+        if (KTV_Connection::_validateNetwork(network.get()))
+            KTV_Connection::_addToList(networks.get(), network.get());
+    };
+    const QStringList split = lines.split(lineEnd);
+    for (const QString &line : split) {
+        const QString text = line.trimmed();
+        if (text.startsWith(QLatin1String("Cell "))) {
+            finish();
+            network = std::make_unique<Network>();
+        } else if (network) {
+            readScanLine(text, *network);
+        }
+    }
+    finish();
+    std::stable_sort(networks->begin(), networks->end(), variantLessThan);
+    return networks;
+}
+
+} // namespace WiFi::ToolOutput

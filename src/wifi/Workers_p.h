@@ -1,0 +1,138 @@
+#pragma once
+
+#include <QFuture>
+#include <QList>
+#include <QtConcurrent>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <memory>
+
+namespace WiFi {
+
+/** Set once, when a manager ends; outlives the manager. */
+using StopFlag = std::shared_ptr<std::atomic<bool>>;
+
+/**
+ * The workers of a manager on the global thread pool. Belongs to the manager's thread.
+ *
+ * A timer goes on while a tool hangs, and on a device with one core the pool has one thread, so
+ * unfinished workers would queue up for as long as the interface is left on. Therefore no more
+ * than two polls of a kind, running or waiting, are ever outstanding: a tick that finds two is
+ * skipped, and the next one that finds room starts a worker again. Pool, memory and processes
+ * thus hold at most two of each kind, even when a tool cannot be killed.
+ */
+class Workers
+{
+public:
+    enum Kind
+    {
+        Status,
+        Detail,
+        Scan,
+        Power
+    };
+
+    Workers() = default;
+    ~Workers() { stop(); }
+    Q_DISABLE_COPY_MOVE(Workers)
+
+    /** Starts a worker unless two of its kind are outstanding. */
+    template <typename Work> void poll(Kind kind, Work work)
+    {
+        forgetFinished(kind);
+        if (m_futures.at(kind).size() < mostOutstanding)
+            start(kind, work);
+    }
+
+    /** Starts a worker in any case. */
+    template <typename Work> void start(Kind kind, Work work)
+    {
+        forgetFinished(kind);
+        m_futures.at(kind).append(QtConcurrent::run(work));
+    }
+
+    /**
+     * Sets the flag and waits for every worker. One that the pool has not begun is run here,
+     * finds that it is to end, and ends; so a busy pool does not hold up this thread.
+     */
+    void stop()
+    {
+        *m_stopping = true;
+        for (QList<QFuture<void>> &futures : m_futures) {
+            for (QFuture<void> &future : futures)
+                future.waitForFinished();
+            futures.clear();
+        }
+    }
+
+    /** Any thread may read it. */
+    StopFlag stopping() const { return m_stopping; }
+
+private:
+    static constexpr int mostOutstanding = 2;
+
+    void forgetFinished(Kind kind)
+    {
+        QList<QFuture<void>> &futures = m_futures.at(kind);
+        futures.erase(std::remove_if(futures.begin(), futures.end(),
+                                     [](const QFuture<void> &one) { return one.isFinished(); }),
+                      futures.end());
+    }
+
+    const StopFlag m_stopping = std::make_shared<std::atomic<bool>>(false);
+    std::array<QList<QFuture<void>>, Power + 1> m_futures;
+};
+
+/**
+ * The newest wish for the interface's power, handed to one worker at a time without a lock: the
+ * last of several wishes counts, and they do not pile up while the tool is slow.
+ */
+class PowerWish
+{
+public:
+    /** Notes a wish. @return whether a worker must be started for it */
+    bool ask(bool on) { return m_state.exchange(on ? Up : Down) == Idle; }
+    /** The wish to be carried out now. */
+    bool take() { return m_state.exchange(Busy) == Up; }
+    /** @return false when a newer wish waits */
+    bool finish()
+    {
+        State busy = Busy;
+        return m_state.compare_exchange_strong(busy, Idle);
+    }
+
+private:
+    enum State
+    {
+        Idle,
+        Busy,
+        Down,
+        Up
+    };
+    std::atomic<State> m_state {Idle};
+};
+
+/** A value that any thread may read and replace; a reader keeps the one that it took. */
+template <typename Value> class Shared
+{
+public:
+    using Pointer = std::shared_ptr<const Value>;
+
+    Pointer get() const { return std::atomic_load(&m_value); }
+    void set(Value value)
+    {
+        std::atomic_store(&m_value, Pointer(std::make_shared<Value>(std::move(value))));
+    }
+    /** Replaces @p expected; if another thread was first, @p expected is what it has put. */
+    bool replace(Pointer &expected, const Pointer &value)
+    {
+        return std::atomic_compare_exchange_strong(&m_value, &expected, value);
+    }
+
+private:
+    Pointer m_value = std::make_shared<Value>();
+};
+
+} // namespace WiFi

@@ -1,0 +1,158 @@
+#include "internal/BackgroundWork_p.h"
+
+#include <QSemaphore>
+#include <QThreadPool>
+#include <QtConcurrentRun>
+#include <QtTest>
+
+#include <chrono>
+#include <thread>
+
+using Internal::EndlessWork;
+
+/** Work without end: it begins knowing its future, starves nobody, and can be stopped. */
+class TstBackgroundWork : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init() { QThreadPool::globalInstance()->setMaxThreadCount(1); }
+    void cleanup();
+
+    void knowsItsOwnFuture();
+    void takesNoThreadFromOthers();
+    void startsThoughThePoolIsBusy();
+    void stopEndsEveryRun();
+    void stopKeepsWaitingRunsFromBeginning();
+    void cancelledBeforeItBegins();
+    void stopWithoutRuns();
+    void stopsAllAtOnce();
+
+private:
+    static void runUntilStopped(const EndlessWork &work)
+    {
+        while (!work.isStopping())
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    QFuture<void> handle;
+};
+
+void TstBackgroundWork::cleanup()
+{
+    // The pool is as it was: one thread, and no more.
+    std::atomic<int> running {0};
+    std::atomic<int> most {0};
+    for (int i = 0; i < 4; ++i) {
+        QtConcurrent::run([&running, &most] {
+            most = std::max(most.load(), ++running);
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            --running;
+        });
+    }
+    QThreadPool::globalInstance()->waitForDone();
+    QCOMPARE(most.load(), 1);
+}
+
+void TstBackgroundWork::knowsItsOwnFuture()
+{
+    EndlessWork work(handle);
+    for (int i = 0; i < 500; ++i) {
+        std::atomic<bool> isOwn {false};
+        handle = QFuture<void>(); // counts as cancelled
+        work.start([&work, &isOwn] { isOwn = !work.handle().isCanceled(); });
+        handle.waitForFinished();
+        QVERIFY(isOwn);
+    }
+}
+
+void TstBackgroundWork::takesNoThreadFromOthers()
+{
+    EndlessWork work(handle);
+    work.start([&work] { runUntilStopped(work); });
+    QFuture<int> other = QtConcurrent::run([] { return 7; });
+    QTRY_VERIFY(other.isFinished());
+    QVERIFY(handle.isRunning());
+    work.stop();
+    QVERIFY(handle.isFinished());
+}
+
+void TstBackgroundWork::startsThoughThePoolIsBusy()
+{
+    QSemaphore release;
+    QFuture<void> other = QtConcurrent::run([&release] { release.acquire(); });
+    EndlessWork work(handle);
+    QSemaphore begun;
+    work.start([&begun] { begun.release(); });
+    QVERIFY(begun.tryAcquire(1, 10000));
+    release.release();
+    other.waitForFinished();
+}
+
+void TstBackgroundWork::stopEndsEveryRun()
+{
+    EndlessWork work(handle);
+    std::atomic<int> running {0};
+    for (int i = 0; i < 3; ++i) {
+        work.start([&work, &running] {
+            ++running;
+            runUntilStopped(work);
+            --running;
+        });
+    }
+    QTRY_COMPARE(running.load(), 3);
+    work.stop();
+    QCOMPARE(running.load(), 0);
+    QVERIFY(!work.isStopping()); // ready for the next one
+}
+
+void TstBackgroundWork::stopKeepsWaitingRunsFromBeginning()
+{
+    QSemaphore release;
+    QFuture<void> busy[2];
+    for (QFuture<void> &one : busy)
+        one = QtConcurrent::run([&release] { release.acquire(); });
+    // The second one takes the thread that the work brings along.
+    EndlessWork work(handle);
+    std::atomic<int> begun {0};
+    work.start([&begun] { ++begun; });
+    work.stop();
+    QVERIFY(handle.isFinished());
+    release.release(2);
+    QThreadPool::globalInstance()->waitForDone();
+    QCOMPARE(begun.load(), 0);
+}
+
+void TstBackgroundWork::cancelledBeforeItBegins()
+{
+    QSemaphore release;
+    QtConcurrent::run([&release] { release.acquire(); });
+    QtConcurrent::run([&release] { release.acquire(); });
+    EndlessWork work(handle);
+    std::atomic<int> begun {0};
+    work.start([&begun] { ++begun; });
+    handle.cancel();
+    release.release(2);
+    handle.waitForFinished();
+    QThreadPool::globalInstance()->waitForDone();
+    QCOMPARE(begun.load(), 0);
+}
+
+void TstBackgroundWork::stopWithoutRuns()
+{
+    int calls = 0;
+    EndlessWork work(handle, [&calls] { ++calls; });
+    work.stop();
+    QCOMPARE(calls, 1);
+}
+
+void TstBackgroundWork::stopsAllAtOnce()
+{
+    static int calls = 0;
+    static const int owner = 0;
+    Internal::stopBeforeLeaving(&owner, [] { ++calls; });
+    Internal::stopBeforeLeaving(&owner, [] { ++calls; });
+    Internal::stopBackgroundWork();
+    QCOMPARE(calls, 1);
+}
+
+QTEST_GUILESS_MAIN(TstBackgroundWork)
+#include "tst_background_work.moc"

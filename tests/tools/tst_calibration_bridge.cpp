@@ -1,0 +1,296 @@
+#include "support/LogCapture.h"
+#include "support/Meter.h"
+
+#include <datasource/KTV_DataSource.h>
+#include <tools/Tools.h>
+
+#include <QtConcurrentRun>
+#include <QtTest>
+
+#include <atomic>
+#include <fcntl.h>
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+
+using QERNTools::Tools;
+
+namespace {
+
+std::atomic<int> lineSettings {0}; ///< how often the line has been set up
+
+const QString listBridge =
+    QStringLiteral("sh -c ps | grep \"[s]ocat /dev/ttyGS0 /dev/ttycommunication\"");
+
+/** One end of a serial line, as a computer or the measuring hardware uses it. */
+class LineEnd
+{
+public:
+    explicit LineEnd(const char *path) : m_line(::open(path, O_RDWR | O_NOCTTY)) { }
+    ~LineEnd() { ::close(m_line); }
+    Q_DISABLE_COPY_MOVE(LineEnd)
+
+    bool write(const QByteArray &data) const
+    {
+        return ::write(m_line, data.constData(), size_t(data.size())) == data.size();
+    }
+    /** Whether these bytes arrive next, within 5 s. */
+    bool receives(const QByteArray &data) const
+    {
+        QByteArray got;
+        pollfd ready {m_line, POLLIN, 0};
+        while (got.size() < data.size() && ::poll(&ready, 1, 5000) > 0) {
+            char buffer[64];
+            const ssize_t count = ::read(m_line, buffer, sizeof buffer);
+            if (count <= 0)
+                break;
+            got.append(buffer, int(count));
+        }
+        return got == data;
+    }
+
+private:
+    int m_line;
+};
+
+} // namespace
+
+extern "C" int tcsetattr(int, int, const termios *)
+{
+    ++lineSettings; // the line of the simulated meter is raw already
+    return 0;
+}
+
+/** The bridge between the USB serial line and the measuring hardware. */
+class TstCalibrationBridge : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void carriesDataAndComesBack();
+    void onOneCore();
+    void endsWithTheLine();
+    void endsWithTheFacade();
+    void doesNotStart_data();
+    void doesNotStart();
+    void isNotListedInTime();
+    void workerWithoutWish();
+    void doesNotEnd();
+    void cannotBeKilled();
+    void listIsAskedForUntilItComes();
+    void switchesBetweenBridgeAndNetwork();
+
+private:
+    static QStringList bridges();
+    static void kill();
+    static bool carries(const QByteArray &data);
+};
+
+void TstCalibrationBridge::initTestCase()
+{
+    for (const char *program : {"sh", "killall"})
+        Meter::recordProgram(program);
+}
+
+void TstCalibrationBridge::init()
+{
+    QProcess::execute("modprobe-usb-gadget", {"g_serial"});
+    Meter::clearJournal();
+    lineSettings = 0;
+}
+
+void TstCalibrationBridge::cleanup()
+{
+    Meter::setBehaviour("killall", {});
+    Meter::showProgram("ps");
+    Meter::showProgram("socat");
+    if (Tools::isCalibrationModeActive)
+        Tools::StopHardwareCalibrationMode();
+    QVERIFY(bridges().isEmpty());
+}
+
+QStringList TstCalibrationBridge::bridges()
+{
+    QProcess list;
+    list.start("/usr/bin/pgrep", {"-x", "socat"});
+    list.waitForFinished();
+    return QString::fromLatin1(list.readAll()).split('\n', Qt::SkipEmptyParts);
+}
+
+void TstCalibrationBridge::kill()
+{
+    QProcess::execute("/usr/bin/killall", {"-KILL", "socat"});
+}
+
+bool TstCalibrationBridge::carries(const QByteArray &data)
+{
+    const LineEnd computer("/run/meter/usb-host");
+    const LineEnd hardware("/run/meter/hardware");
+    return computer.write(data) && hardware.receives(data) && hardware.write(data.toUpper())
+        && computer.receives(data.toUpper());
+}
+
+void TstCalibrationBridge::carriesDataAndComesBack()
+{
+    const LogCapture log;
+    QVERIFY(Tools::StartHardwareCalibrationMode());
+    QVERIFY(Tools::isCalibrationModeActive);
+    QVERIFY(Tools::asyncSocatRuner.isRunning());
+    QCOMPARE(Tools::getRS232_Function(), Tools::RS232_HardwareCalibration);
+    QCOMPARE(Meter::journal().first(), listBridge);
+    QVERIFY(carries("r = 1.2345 mohm\n"));
+
+    const QStringList before = bridges();
+    QCOMPARE(before.size(), 1);
+    const int settings = lineSettings;
+    kill();
+    QTRY_VERIFY(bridges().size() == 1 && bridges() != before);
+    QCOMPARE(lineSettings.load(), settings + 1);
+    QVERIFY(carries("again\n"));
+
+    Meter::clearJournal();
+    QVERIFY(Tools::StopHardwareCalibrationMode());
+    QCOMPARE(Meter::journal(), QStringList({"killall socat", listBridge}));
+    QVERIFY(!Tools::isCalibrationModeActive);
+    QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
+    QCOMPARE(bridges(), QStringList());
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TstCalibrationBridge::onOneCore()
+{
+    QThreadPool *const pool = QThreadPool::globalInstance();
+    const int threads = pool->maxThreadCount();
+    pool->setMaxThreadCount(1);
+    QVERIFY(Tools::StartHardwareCalibrationMode());
+    QFuture<int> other = QtConcurrent::run([] { return 7; });
+    QTRY_VERIFY(other.isFinished());
+    // Cancelling leaves the running bridge alone, but it does not come back.
+    Tools::asyncSocatRuner.cancel();
+    QCOMPARE(bridges().size(), 1);
+    kill();
+    QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
+    QVERIFY(Tools::isCalibrationModeActive);
+    QCOMPARE(bridges(), QStringList());
+    pool->setMaxThreadCount(threads);
+}
+
+void TstCalibrationBridge::endsWithTheLine()
+{
+    QVERIFY(Tools::StartHardwareCalibrationMode());
+    QVERIFY(QFile::rename("/dev/ttyGS0", "/dev/elsewhere"));
+    kill();
+    QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
+    QVERIFY(QFile::rename("/dev/elsewhere", "/dev/ttyGS0"));
+}
+
+void TstCalibrationBridge::endsWithTheFacade()
+{
+    {
+        const KTV_DataSource facade;
+        QVERIFY(Tools::StartHardwareCalibrationMode());
+    }
+    QVERIFY(!Tools::isCalibrationModeActive);
+    QVERIFY(Tools::asyncSocatRuner.isFinished());
+    QCOMPARE(bridges(), QStringList());
+}
+
+void TstCalibrationBridge::doesNotStart_data()
+{
+    QTest::addColumn<QByteArray>("socat");
+    QTest::newRow("missing") << QByteArray();
+    QTest::newRow("dies at once") << QByteArray("exit 1");
+}
+
+void TstCalibrationBridge::doesNotStart()
+{
+    QFETCH(QByteArray, socat);
+    if (socat.isEmpty())
+        Meter::hideProgram("socat");
+    else
+        Meter::replaceProgram("socat", socat);
+    const LogCapture log;
+    QVERIFY(!Tools::StartHardwareCalibrationMode());
+    QCOMPARE(log.lines(), QStringList("Tools::StartHardwareCalibrationMode(): socat no run!"));
+    QVERIFY(!Tools::isCalibrationModeActive);
+    QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
+    QVERIFY(Tools::asyncSocatRuner.isCanceled());
+    // Tried again and again, but once a second.
+    QVERIFY2(lineSettings >= 2 && lineSettings <= 7, QByteArray::number(lineSettings));
+}
+
+void TstCalibrationBridge::isNotListedInTime()
+{
+    Meter::replaceProgram("ps", "echo socat /dev/ttyGS0 /dev/ttycommunication; wait_for_ever");
+    const LogCapture log;
+    QVERIFY(!Tools::StartHardwareCalibrationMode());
+    QCOMPARE(log.lines(),
+             QStringList({"Tools::StartHardwareCalibrationMode(): ps socat no finished!",
+                          "Tools::StartHardwareCalibrationMode(): socat no run!"}));
+    QVERIFY(!Tools::isCalibrationModeActive);
+    kill(); // this one did run
+    QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
+}
+
+void TstCalibrationBridge::workerWithoutWish()
+{
+    Tools::socatProces_Avait(); // not wanted
+    Tools::isCalibrationModeActive = true;
+    Tools::asyncSocatRuner = QFuture<void>();
+    Tools::socatProces_Avait(); // wanted, but an empty future counts as cancelled
+    Tools::isCalibrationModeActive = false;
+    QCOMPARE(lineSettings.load(), 0);
+}
+
+void TstCalibrationBridge::doesNotEnd()
+{
+    Meter::replaceProgram("ps", "echo socat /dev/ttyGS0 /dev/ttycommunication");
+    const LogCapture log;
+    QVERIFY(!Tools::StopAllRS232Function());
+    QCOMPARE(Meter::journal().filter(listBridge).size(), 1 + 7);
+    QCOMPARE(log.lines(),
+             QStringList("Tools::StopAllRS232Function():StopHardwareCalibrationMode false"));
+}
+
+void TstCalibrationBridge::cannotBeKilled()
+{
+    Meter::setBehaviour("killall", "hang=1");
+    Tools::isCalibrationModeActive = true;
+    const LogCapture log;
+    QVERIFY(!Tools::StopHardwareCalibrationMode());
+    QVERIFY(!Tools::isCalibrationModeActive);
+    QCOMPARE(Meter::journal(), QStringList("killall socat"));
+    QCOMPARE(log.lines(),
+             QStringList("Tools::StopHardwareCalibrationMode(): killall socat no finished!"));
+}
+
+void TstCalibrationBridge::listIsAskedForUntilItComes()
+{
+    Meter::replaceProgram("ps", "[ ! -e /tmp/hung ] || exit 0; : >/tmp/hung; wait_for_ever");
+    const LogCapture log;
+    QVERIFY(Tools::StopHardwareCalibrationMode());
+    QCOMPARE(Meter::journal().filter(listBridge).size(), 2);
+    QCOMPARE(log.lines(),
+             QStringList("Tools::StopHardwareCalibrationMode(): ps socat no finished!"));
+}
+
+void TstCalibrationBridge::switchesBetweenBridgeAndNetwork()
+{
+    QProcess::execute("modprobe-usb-gadget", {"g_ether"});
+    const KTV_DataSource facade;
+    const LogCapture log;
+    QVERIFY(facade.SetUSBMode(Tools::USB_RS232, Tools::RS232_HardwareCalibration));
+    QCOMPARE(facade.getUSB_Mode(), Tools::USB_RS232);
+    QCOMPARE(facade.getRS_Mode(), Tools::RS232_HardwareCalibration);
+    QVERIFY(carries("r = 9.9 ohm\n"));
+    QVERIFY(facade.SetUSBMode(Tools::USB_RNDIS, Tools::RS232_None));
+    QCOMPARE(facade.getUSB_Mode(), Tools::USB_RNDIS);
+    QCOMPARE(facade.getRS_Mode(), Tools::RS232_None);
+    QCOMPARE(log.lines(), QStringList());
+}
+
+KTV_METER_TEST_MAIN(TstCalibrationBridge)
+#include "tst_calibration_bridge.moc"

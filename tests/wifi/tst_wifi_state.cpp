@@ -1,0 +1,566 @@
+#include "Inbox.h"
+#include "Tools.h"
+#include "support/LogCapture.h"
+
+#include <wifi/KTV_Connection.h>
+
+#include <QTemporaryDir>
+#include <QtConcurrent>
+#include <QtTest>
+
+#include <memory>
+
+using WiFi::KTV_Connection;
+using WiFi::Network;
+
+/** State, details, power and scanning of the interface, as signals and as return values. */
+class TstWifiState : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+
+    void reading_data();
+    void reading();
+    void readingKeepsTheColon();
+    void readingWithoutInterface();
+    void interfaceIsLookedForAgain();
+
+    void firstStateIsKnownAtOnce();
+    void stateChange();
+    void stateOnATimer();
+    void detailChange();
+    void detailOnATimer();
+    void detailWithoutInterface();
+    void detailAndStateOnlyOnPool();
+
+    void power_data();
+    void power();
+    void powerThatDoesNotAnswer_data();
+    void powerThatDoesNotAnswer();
+    void lastPowerWishCounts();
+    void powerRefreshesDetails();
+    void powerWithoutInterface();
+
+    void scan();
+    void scanOnATimer();
+    void scanThatDoesNotAnswer_data();
+    void scanThatDoesNotAnswer();
+    void scanSwitchedOffMeanwhile();
+    void scanWithoutInterface();
+    void scanOfInterfaceThatIsDown();
+    void scanModeIsRequired();
+
+    void pollsDoNotPileUp();
+    void poolOfOneThread();
+    void recordsWithoutReceiver();
+    void queuedReceiverOwnsRecords();
+
+private:
+    std::unique_ptr<KTV_Connection> manager() const
+    {
+        return std::make_unique<KTV_Connection>(m_directory->path() + QLatin1Char('/'));
+    }
+    /** All workers have ended. */
+    static bool poolIsIdle() { return QThreadPool::globalInstance()->waitForDone(20000); }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+};
+
+void TstWifiState::init()
+{
+    m_directory = std::make_unique<QTemporaryDir>();
+    Tools::reset();
+    Tools::print("systemctl", QByteArray()); // no supplicant: the tools say what is told
+    Tools::idle();
+}
+
+void TstWifiState::cleanup()
+{
+    QVERIFY(poolIsIdle());
+    QThreadPool::globalInstance()->setMaxThreadCount(4);
+}
+
+void TstWifiState::reading_data()
+{
+    QTest::addColumn<QByteArray>("ifconfig");
+    QTest::addColumn<QByteArray>("iwgetid");
+    QTest::addColumn<QByteArray>("iwconfig");
+    QTest::addColumn<int>("state");
+    QTest::addColumn<QString>("essid");
+    const QByteArray up("stdout=wlan0     Link encap:Ethernet");
+    const QByteArray address("stdout=wlan0     Link\\n     inet addr:10.0.0.7  Mask:255.0.0.0");
+    const QByteArray lab("stdout=Lab");
+    const QByteArray level("stdout=     Link Quality=50/70  Signal level=-72 dBm");
+    const QByteArray hang("hang=1");
+    QTest::newRow("down") << QByteArray("stdout=lo        Link") << lab << level << 1 << "";
+    QTest::newRow("up") << up << QByteArray("silent=1\nexit=255") << level << 2 << "";
+    QTest::newRow("associated") << up << lab << level << 3 << "Lab";
+    QTest::newRow("connected") << address << lab << level << 5 << "Lab";
+    QTest::newRow("connected, no level") << address << lab << QByteArray("stdout=no") << 2 << "Lab";
+    QTest::newRow("ifconfig hangs") << hang << lab << level << 1 << "";
+    QTest::newRow("iwgetid hangs") << address << hang << level << 2 << "";
+    QTest::newRow("half a name, then hangs")
+        << address << QByteArray("noise=La\nhang=1") << level << 2 << "";
+    QTest::newRow("iwconfig hangs") << address << lab << hang << 2 << "Lab";
+    QTest::newRow("blanks around the name")
+        << address << QByteArray("stdout=  a  b  ") << level << 5 << "a  b";
+}
+
+void TstWifiState::reading()
+{
+    QFETCH(QByteArray, ifconfig);
+    QFETCH(QByteArray, iwgetid);
+    QFETCH(QByteArray, iwconfig);
+    const auto wifi = manager();
+    Meter::setBehaviour(QStringLiteral("ifconfig"), ifconfig);
+    Meter::setBehaviour(QStringLiteral("iwgetid"), iwgetid);
+    Meter::setBehaviour(QStringLiteral("iwconfig"), iwconfig);
+    const std::unique_ptr<Network> network(wifi->getWiFi_Info());
+    QTEST(network->state, "state");
+    QTEST(network->ESSID, "essid");
+    QCOMPARE(network->parent(), nullptr);
+    QVERIFY(!network->encryption);
+    QCOMPARE(network->key, QString());
+}
+
+void TstWifiState::readingKeepsTheColon()
+{
+    const auto wifi = manager();
+    Tools::connected();
+    Meter::clearJournal();
+    const std::unique_ptr<Network> network(wifi->getWiFi_Info());
+    QCOMPARE(network->address, QStringLiteral(":10.1.2.3"));
+    QCOMPARE(network->mask, QStringLiteral("255.255.255.0"));
+    QCOMPARE(network->broadcast, QStringLiteral("10.1.2.255"));
+    QCOMPARE(Meter::journal(),
+             QStringList({QStringLiteral("ifconfig"), QStringLiteral("iwgetid wlan0 -r"),
+                          QStringLiteral("ifconfig wlan0"), QStringLiteral("iwconfig wlan0")}));
+}
+
+void TstWifiState::readingWithoutInterface()
+{
+    Tools::print("ls", "eth0");
+    const auto wifi = manager();
+    QCOMPARE(wifi->getInterfaceName(), QString());
+    Meter::clearJournal();
+    const std::unique_ptr<Network> network(wifi->getWiFi_Info());
+    QCOMPARE(network->state, int(Network::wifi_States_NAN));
+    QVERIFY(Meter::journal().isEmpty());
+}
+
+void TstWifiState::interfaceIsLookedForAgain()
+{
+    Tools::print("ls", "eth0");
+    const auto wifi = manager();
+    Tools::print("ls", "wlan0\\nwlan0mon");
+    wifi->onStatusTime();
+    QTRY_COMPARE(wifi->getInterfaceName(), QStringLiteral("wlan0"));
+    Tools::print("ls", "eth0");
+    wifi->findWifiInterfaceName();
+    QCOMPARE(wifi->getInterfaceName(), QString());
+}
+
+void TstWifiState::firstStateIsKnownAtOnce()
+{
+    Tools::connected();
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    KTV_Connection::check_wifiState_Avait(wifi.get());
+    QCOMPARE(inbox.count(), 0); // nothing has changed since the construction
+    Tools::idle();
+    KTV_Connection::check_wifiState_Avait(wifi.get());
+    QCOMPARE(inbox.states(), QVector<int> {Network::wifi_States_ON}); // and on return
+}
+
+void TstWifiState::stateChange()
+{
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Tools::connected();
+    wifi->onStatusTime();
+    QTRY_COMPARE(inbox.states(), QVector<int> {Network::wifi_States_Connect_2});
+    QVERIFY(inbox.threads().first() != QThread::currentThread());
+    wifi->onStatusTime();
+    QVERIFY(poolIsIdle());
+    QCOMPARE(inbox.count(), 1);
+    Tools::idle();
+    wifi->onStatusTime();
+    QVERIFY(poolIsIdle());
+    QCOMPARE(inbox.order(), QByteArray("ss"));
+    QVERIFY(!wifi->get_wifi_Enable()); // details have not been asked for
+}
+
+void TstWifiState::stateOnATimer()
+{
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Tools::connected();
+    QTRY_COMPARE_WITH_TIMEOUT(inbox.states(), QVector<int> {Network::wifi_States_Connect_2}, 9000);
+}
+
+void TstWifiState::detailChange()
+{
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Tools::connected();
+    wifi->onStatusDetailTime();
+    QVERIFY(poolIsIdle());
+    QCOMPARE(inbox.order(), QByteArray("sd"));
+    const auto network = inbox.details().first();
+    QCOMPARE(network->ESSID, QStringLiteral("Lab"));
+    QCOMPARE(network->state, int(Network::wifi_States_Connect_2));
+    QCOMPARE(network->address, QStringLiteral(":10.1.2.3"));
+    QCOMPARE(network->thread(), wifi->thread());
+    QVERIFY(wifi->get_wifi_Enable());
+
+    wifi->onStatusDetailTime();
+    QVERIFY(poolIsIdle());
+    QCOMPARE(inbox.count(), 2); // nothing has changed
+
+    Tools::connected("Lab", "10.1.2.4");
+    KTV_Connection::check_wifiDetailState_Avait(wifi.get());
+    QCOMPARE(inbox.order(), QByteArray("sdsd")); // the state too, though it is the same
+    Tools::connected("Office", "10.1.2.4");
+    KTV_Connection::check_wifiDetailState_Avait(wifi.get());
+    QCOMPARE(inbox.order(), QByteArray("sdsdsd"));
+    Tools::print("ifconfig", "lo        Link");
+    KTV_Connection::check_wifiDetailState_Avait(wifi.get());
+    QCOMPARE(inbox.states().last(), int(Network::wifi_States_OFF));
+    QVERIFY(!wifi->get_wifi_Enable());
+}
+
+void TstWifiState::detailOnATimer()
+{
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Tools::connected();
+    QVERIFY(!wifi->isDetailInfoScan());
+    wifi->DetailInfoScan(true);
+    wifi->DetailInfoScan(true);
+    QVERIFY(wifi->isDetailInfoScan());
+    QTRY_COMPARE(inbox.order(), QByteArray("sd"));
+    wifi->DetailInfoScan(false);
+    QVERIFY(!wifi->isDetailInfoScan());
+    QVERIFY(poolIsIdle());
+    Tools::idle();
+    QTRY_COMPARE_WITH_TIMEOUT(inbox.order(), QByteArray("sds"), 9000); // the state's timer is back
+}
+
+void TstWifiState::detailWithoutInterface()
+{
+    Tools::print("ls", "eth0");
+    const auto wifi = manager();
+    wifi->DetailInfoScan(true);
+    QVERIFY(!wifi->isDetailInfoScan());
+    wifi->DetailInfoScan(false);
+    QVERIFY(!wifi->get_wifi_Enable());
+}
+
+void TstWifiState::detailAndStateOnlyOnPool()
+{
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    // Workers of both kinds at once, from several threads: one change, told at least once each.
+    Tools::connected();
+    QVector<QFuture<void>> futures;
+    for (int i = 0; i < 4; ++i) {
+        futures += QtConcurrent::run(&KTV_Connection::check_wifiState_Avait, wifi.get());
+        futures += QtConcurrent::run(&KTV_Connection::check_wifiDetailState_Avait, wifi.get());
+    }
+    for (QFuture<void> &future : futures)
+        future.waitForFinished();
+    QCOMPARE(inbox.details().size(), 1);
+    QVERIFY(inbox.states().size() <= 2);
+    QVERIFY(wifi->get_wifi_Enable());
+}
+
+void TstWifiState::power_data()
+{
+    QTest::addColumn<bool>("on");
+    QTest::addColumn<QString>("command");
+    QTest::newRow("off") << false << "ifconfig wlan0 down";
+    QTest::newRow("on") << true << "ifconfig wlan0 up";
+}
+
+void TstWifiState::power()
+{
+    QFETCH(bool, on);
+    QFETCH(QString, command);
+    Meter::setBehaviour(QStringLiteral("ifconfig"), QByteArray());
+    QProcess::execute(
+        QStringLiteral("ifconfig"),
+        {QStringLiteral("wlan0"), on ? QStringLiteral("down") : QStringLiteral("up")});
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Meter::clearJournal();
+    const LogCapture log;
+    wifi->set_wifi_Enable(on);
+    QTRY_COMPARE(inbox.states(),
+                 QVector<int> {on ? Network::wifi_States_ON : Network::wifi_States_OFF});
+    QCOMPARE(Meter::journal().first(), command);
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TstWifiState::powerThatDoesNotAnswer_data()
+{
+    QTest::addColumn<bool>("on");
+    QTest::addColumn<QString>("line");
+    // The texts are crossed.
+    QTest::newRow("off") << false << "ifconfig up - not respond!";
+    QTest::newRow("on") << true << "ifconfig down - not respond!";
+}
+
+void TstWifiState::powerThatDoesNotAnswer()
+{
+    QFETCH(bool, on);
+    QFETCH(QString, line);
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Meter::setBehaviour(QStringLiteral("ifconfig"), "noise=wlan0 is busy\nhang=1");
+    const LogCapture log;
+    wifi->set_wifi_Enable(on);
+    QVERIFY(poolIsIdle());
+    QCOMPARE(log.lines(), QStringList({line, QStringLiteral("set_wifiPower: wlan0 is busy\n")}));
+    QCOMPARE(inbox.states(), QVector<int> {Network::wifi_States_OFF}); // refreshed all the same
+}
+
+void TstWifiState::lastPowerWishCounts()
+{
+    const auto wifi = manager();
+    Meter::clearJournal();
+    Tools::delay("ifconfig", "0.3");
+    for (int i = 0; i < 20; ++i)
+        wifi->set_wifi_Enable(i % 2 == 0);
+    wifi->set_wifi_Enable(true);
+    QVERIFY(poolIsIdle());
+    const QStringList calls =
+        Meter::journal().filter(QRegularExpression(QStringLiteral("^ifconfig wlan0 (up|down)$")));
+    QCOMPARE(calls.last(), QStringLiteral("ifconfig wlan0 up"));
+    QVERIFY(calls.size() <= 3);
+    wifi->set_wifi_Enable(false); // and a later one is heard again
+    QVERIFY(poolIsIdle());
+    QVERIFY(Meter::journal().contains(QStringLiteral("ifconfig wlan0 down")));
+}
+
+void TstWifiState::powerRefreshesDetails()
+{
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    wifi->DetailInfoScan(true);
+    Tools::connected();
+    Tools::print("ifconfig", "lo");
+    wifi->set_wifi_Enable(false);
+    QVERIFY(poolIsIdle());
+    QVERIFY(!inbox.order().contains('d')); // as the first record: off, no name, no address
+    Tools::connected();
+    wifi->set_wifi_Enable(true);
+    QVERIFY(poolIsIdle());
+    QCOMPARE(inbox.order(), QByteArray("sd"));
+    QVERIFY(wifi->get_wifi_Enable());
+}
+
+void TstWifiState::powerWithoutInterface()
+{
+    Tools::print("ls", "eth0");
+    const auto wifi = manager();
+    Meter::clearJournal();
+    wifi->set_wifi_Enable(true);
+    KTV_Connection::_set_wifi_Enable_Avait(wifi.get(), false);
+    QVERIFY(poolIsIdle());
+    QCOMPARE(Meter::journal(), QStringList());
+}
+
+void TstWifiState::scan()
+{
+    Tools::print("iwlist",
+                 "          Cell 01 - Address: 1\\n  Quality=1/70  Signal level=-48 dBm\\n"
+                 "  Encryption key:on\\n  ESSID:\"Strong\"\\n"
+                 "          Cell 02 - Address: 2\\n  Quality=1/70  Signal level=-88 dBm\\n"
+                 "  Encryption key:off\\n  ESSID:\"Weak\"\\n");
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Meter::clearJournal();
+    const LogCapture log;
+    QVERIFY(!wifi->isScanMode());
+    QVERIFY(wifi->ScanNetwork(true));
+    QVERIFY(wifi->ScanNetwork(true)); // a scan is not begun twice
+    QVERIFY(wifi->isScanMode());
+    QVERIFY(poolIsIdle());
+    QCOMPARE(Meter::journal(), QStringList(QStringLiteral("iwlist wlan0 scan")));
+    QCOMPARE(log.lines(), QStringList(QStringLiteral("LIST.COUNT = 2")));
+    QCOMPARE(inbox.order(), QByteArray("n"));
+    QVERIFY(inbox.threads().first() != QThread::currentThread());
+    const Inbox::Scan scan = inbox.scans().first();
+    QCOMPARE(scan.names(), QStringList({QStringLiteral("Weak"), QStringLiteral("Strong")}));
+    QCOMPARE(scan.networks.first()->state, int(Network::wifi_States_Connect_0));
+    QVERIFY(!scan.networks.first()->encryption);
+    QVERIFY(scan.networks.last()->encryption);
+    QCOMPARE(scan.networks.first()->thread(), wifi->thread());
+    QVERIFY(wifi->ScanNetwork(false));
+    QVERIFY(wifi->ScanNetwork(false));
+    QVERIFY(!wifi->isScanMode());
+}
+
+void TstWifiState::scanOnATimer()
+{
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    QVERIFY(wifi->ScanNetwork(true));
+    QTRY_COMPARE_WITH_TIMEOUT(inbox.scans().size(), 2, 15000);
+    QVERIFY(wifi->ScanNetwork(false));
+}
+
+void TstWifiState::scanThatDoesNotAnswer_data()
+{
+    QTest::addColumn<bool>("direct");
+    QTest::newRow("on the pool") << false;
+    QTest::newRow("on the manager's thread") << true;
+}
+
+void TstWifiState::scanThatDoesNotAnswer()
+{
+    QFETCH(bool, direct);
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Meter::setBehaviour(QStringLiteral("iwlist"), "noise=Cell 01\\nESSID:\"Lab\"\nhang=1");
+    const LogCapture log;
+    if (direct) {
+        KTV_Connection::check_wifiScan_Avait(wifi.get());
+    } else {
+        QVERIFY(wifi->ScanNetwork(true));
+        QTRY_COMPARE_WITH_TIMEOUT(inbox.count(), 1, 9000);
+    }
+    QCOMPARE(inbox.order(), QByteArray("n"));
+    QVERIFY(inbox.scans().first().isNull);
+    QTRY_VERIFY(!wifi->isScanMode());
+    // No warning about a timer of another thread either.
+    QCOMPARE(log.lines(), QStringList(QStringLiteral("iwlist - not respond!")));
+}
+
+void TstWifiState::scanSwitchedOffMeanwhile()
+{
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Tools::delay("iwlist", "0.5");
+    Meter::clearJournal();
+    const LogCapture log;
+    QVERIFY(wifi->ScanNetwork(true));
+    QTRY_VERIFY(!Meter::journal().isEmpty()); // the tool runs
+    QVERIFY(wifi->ScanNetwork(false));
+    QVERIFY(poolIsIdle());
+    QCOMPARE(inbox.count(), 0);
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TstWifiState::scanWithoutInterface()
+{
+    Tools::print("ls", "eth0");
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    QVERIFY(!wifi->ScanNetwork(true));
+    QVERIFY(!wifi->isScanMode());
+    QVERIFY(wifi->ScanNetwork(false));
+    Meter::clearJournal();
+    KTV_Connection::check_wifiScan_Avait(wifi.get());
+    QCOMPARE(inbox.count(), 0);
+    QCOMPARE(Meter::journal(), QStringList());
+}
+
+void TstWifiState::scanOfInterfaceThatIsDown()
+{
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Meter::setBehaviour(QStringLiteral("iwlist"), "silent=1\nexit=255");
+    QVERIFY(wifi->ScanNetwork(true));
+    QVERIFY(poolIsIdle());
+    QCOMPARE(inbox.order(), QByteArray("n"));
+    QVERIFY(!inbox.scans().first().isNull); // an empty list: the tool has answered
+    QCOMPARE(inbox.scans().first().names(), QStringList());
+    QVERIFY(wifi->isScanMode());
+}
+
+void TstWifiState::scanModeIsRequired()
+{
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    KTV_Connection::check_wifiScan_Avait(wifi.get());
+    QCOMPARE(inbox.count(), 0);
+}
+
+void TstWifiState::pollsDoNotPileUp()
+{
+    const auto wifi = manager();
+    Tools::delay("ifconfig", "0.4");
+    Tools::delay("iwlist", "0.4");
+    Meter::clearJournal();
+    for (int i = 0; i < 50; ++i) {
+        wifi->onStatusTime();
+        wifi->onStatusDetailTime();
+        wifi->onScanNetwokTime();
+    }
+    QVERIFY(poolIsIdle());
+    QCOMPARE(Meter::journal().filter(QRegularExpression(QStringLiteral("^ifconfig$"))).size(),
+             2 + 2);
+    QCOMPARE(Meter::journal().filter(QStringLiteral("iwlist")).size(), 2);
+    Meter::clearJournal();
+    wifi->onStatusTime(); // there is room again
+    QVERIFY(poolIsIdle());
+    QCOMPARE(Meter::journal().filter(QRegularExpression(QStringLiteral("^ifconfig$"))).size(), 1);
+}
+
+void TstWifiState::poolOfOneThread()
+{
+    QThreadPool::globalInstance()->setMaxThreadCount(1);
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Tools::connected();
+    wifi->DetailInfoScan(true);
+    QVERIFY(wifi->ScanNetwork(true));
+    wifi->set_wifi_Enable(true);
+    QTRY_COMPARE(inbox.details().size(), 1);
+    QTRY_COMPARE(inbox.scans().size(), 1);
+    QTRY_VERIFY(Meter::journal().contains(QStringLiteral("ifconfig wlan0 up")));
+    QCOMPARE(inbox.details().first()->ESSID, QStringLiteral("Lab"));
+}
+
+void TstWifiState::recordsWithoutReceiver()
+{
+    const auto wifi = manager();
+    Tools::connected();
+    const LogCapture log;
+    QVERIFY(wifi->ScanNetwork(true)); // leak checkers watch
+    wifi->onStatusDetailTime();
+    QVERIFY(poolIsIdle());
+    QCOMPARE(log.lines(), QStringList(QStringLiteral("LIST.COUNT = 4")));
+    QVERIFY(wifi->get_wifi_Enable());
+}
+
+void TstWifiState::queuedReceiverOwnsRecords()
+{
+    const auto wifi = manager();
+    QObject receiver;
+    std::unique_ptr<Network> detail;
+    int scanned = -1;
+    connect(wifi.get(), &KTV_Connection::WiFi_DetailState_Change, &receiver,
+            [&detail](Network *network) {
+                detail.reset(network);
+                QCOMPARE(network->thread(), QThread::currentThread());
+            });
+    connect(wifi.get(), &KTV_Connection::WiFi_Scan, &receiver,
+            [&scanned](QList<Network *> *networks) {
+                scanned = networks->size();
+                qDeleteAll(*networks);
+                delete networks;
+            });
+    Tools::connected();
+    wifi->onStatusDetailTime();
+    QVERIFY(wifi->ScanNetwork(true));
+    QTRY_VERIFY(detail);
+    QCOMPARE(detail->address, QStringLiteral(":10.1.2.3"));
+    QTRY_COMPARE(scanned, 4);
+}
+
+KTV_METER_TEST_MAIN(TstWifiState)
+#include "tst_wifi_state.moc"
