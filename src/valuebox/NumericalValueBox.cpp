@@ -16,8 +16,6 @@ using Internal::log;
 namespace {
 
 constexpr float missing = std::numeric_limits<float>::quiet_NaN();
-constexpr int noRows = -2;
-constexpr int belowZero = -1;
 constexpr int ownDigits = 2;
 
 using Table = QList<Round_Current_I *>;
@@ -71,14 +69,6 @@ void NumericalValueBox::Private::chooseRows(testI current)
             return;
         }
     }
-}
-
-const RoundItem *NumericalValueBox::Private::rowAt(int rangeIndex) const
-{
-    const int count = rowCount();
-    if (count == 0 || rangeIndex == noRows)
-        return nullptr;
-    return active->items.at(qBound(0, rangeIndex, count - 1));
 }
 
 NumericalValueBox::NumericalValueBox(QObject *parent)
@@ -185,15 +175,7 @@ float NumericalValueBox::realValue() const
 
 int NumericalValueBox::findBestRange(float value) const
 {
-    if (!d->active)
-        return noRows;
-    if (value < 0)
-        return belowZero;
-    const auto &rows = d->active->items;
-    int index = 0;
-    while (index < rows.size() && !(rows.at(index)->maximum >= value)) // NaN fits no row
-        ++index;
-    return index;
+    return d->rangeOf(value);
 }
 
 float NumericalValueBox::_calculatePrefixValue(float value) const
@@ -201,7 +183,7 @@ float NumericalValueBox::_calculatePrefixValue(float value) const
     if (std::isnan(value))
         return missing;
     const int index = findBestRange(value);
-    if (index == noRows)
+    if (index == Private::noRows)
         return 0;
     const RoundItem *row = d->rowAt(index);
     return row ? float(Internal::powerOfTen(row->prefix)) : missing;
@@ -227,7 +209,7 @@ float NumericalValueBox::getFormatedValue() const
     if (!row || std::isnan(d->value))
         return missing;
     float shown = d->value;
-    if (index == belowZero)
+    if (index == Private::belowZero)
         shown = 0;
     else if (index == d->rowCount())
         shown = row->maximum;

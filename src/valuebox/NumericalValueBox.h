@@ -158,7 +158,10 @@ public:
     static bool MergeTestI(testI a, testI b); ///< Whether two codes are the same current.
     /** Amperes of a test current; NaN for a code without one. */
     static float ConvertTestI_ToFlota(testI code);
-    /** Nominal current to which a measured one belongs, in amperes; testI_None from 220 A on. */
+    /**
+     * First code whose current, times 1.1, lies above a measured one, in amperes: 120 A gives
+     * 110 A. testI_None from 220 A on and for NaN.
+     */
     static testI roundTestIValue(float amperes);
 
     /** Takes the default texts of units and prefixes, and the temperature unit. */

@@ -1,10 +1,13 @@
-#include "valuebox/FixedPoint_p.h"
 #include "valuebox/NumericalValueBox.h"
 #include "valuebox/NumericalValueBox_p.h"
+#include "valuebox/TextParts_p.h"
 
 #include <cmath>
 
 namespace ValueBox {
+
+using Internal::FixedPoint;
+using Internal::TextParts;
 
 namespace {
 
@@ -23,13 +26,30 @@ float converted(float celsius, TemperatureUnit unit)
     }
 }
 
-/** A temperature rounded to one decimal, then down to half a degree. */
-QString halfDegrees(float temperature)
+/**
+ * A temperature rounded to one decimal, then down to half a degree; below zero to a whole one,
+ * because the remainder of a negative number is negative. Nothing for very large ones.
+ */
+std::optional<FixedPoint> halfDegrees(float temperature)
 {
-    const float rounded = Internal::fixedText(temperature, 1).toFloat();
-    // The remainder of a negative number is negative: all of them go down to a whole degree.
+    constexpr quint64 degree = 10;
+    constexpr quint64 half = degree / 2;
+    const auto tenths = FixedPoint::of(temperature, 1);
+    if (!tenths)
+        return std::nullopt;
+    const bool isNegative = tenths->isNegative() && tenths->digits() != 0;
+    const quint64 step = isNegative ? degree : half;
+    const quint64 up = isNegative ? degree - 1 : 0;
+    return FixedPoint((tenths->digits() + up) / step * step, 1, isNegative);
+}
+
+/** The same, step by step, for what FixedPoint cannot hold. */
+QString longHalfDegrees(float temperature)
+{
+    const float rounded = QString::number(double(temperature), 'f', 1).toFloat();
     const bool isWhole = std::fmod(double(rounded), 1.) < 0.5;
-    return Internal::fixedText(std::floor(rounded), 0) + QLatin1String(isWhole ? ".0" : ".5");
+    return QString::number(double(std::floor(rounded)), 'f', 0)
+        + QLatin1String(isWhole ? ".0" : ".5");
 }
 
 } // namespace
@@ -39,7 +59,11 @@ QString NumericalValueBox::formatTemperature(float celsius)
     if (!std::isfinite(celsius))
         return QLatin1String("--- ") + getUnit(Unit_Temperature);
     prepareStaticDefaultValue(_tUnit);
-    return halfDegrees(converted(celsius, _tUnit)) + QLatin1Char(' ') + getUnit(Unit_Temperature);
+    const float temperature = converted(celsius, _tUnit);
+    const QStringView unit = Internal::unitTexts.text(Unit_Temperature);
+    if (const auto number = halfDegrees(temperature))
+        return TextParts {{}, number->isNegative(), *number, true, {}, unit}.toString();
+    return longHalfDegrees(temperature) + QLatin1Char(' ') + unit.toString();
 }
 
 } // namespace ValueBox

@@ -5,8 +5,6 @@
 
 namespace ValueBox {
 
-using Internal::textOf;
-
 QHash<Units, QString> NumericalValueBox::unitString;
 QHash<UnitPrefixs, QString> NumericalValueBox::prefixString;
 TemperatureUnit NumericalValueBox::_tUnit = Temp_Celsius;
@@ -126,3 +124,10 @@ QString NumericalValueBox::getAlphaUnit()
 }
 
 } // namespace ValueBox
+
+namespace Internal {
+
+UnitIndex unitTexts(ValueBox::NumericalValueBox::unitString);
+PrefixIndex prefixTexts(ValueBox::NumericalValueBox::prefixString);
+
+} // namespace Internal

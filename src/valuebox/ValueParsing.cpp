@@ -32,76 +32,79 @@ float NumericalValueBox::getValue(const QString &text)
 
 namespace Internal {
 
-using ValueBox::NumericalValueBox;
-
 namespace {
 
-/** The entry whose text ends a unit part; a null text when there is none. */
+bool endsWith(QStringView part, QStringView ending)
+{
+    return part.size() >= ending.size()
+        && std::equal(ending.begin(), ending.end(), part.end() - ending.size());
+}
+
+/** The entry whose text ends a unit part; none if there is none. */
 template <typename Key> struct Ending
 {
     Key key {};
     QStringView text;
 };
 
-/** The longest text counts, of equal ones the smallest key: the hash's order must not. */
-template <typename Key>
-Ending<Key> longestEnding(QStringView part, const QHash<Key, QString> &texts)
+/** The longest text counts, of equal ones the smallest key: the order of a hash must not. */
+template <typename Key, typename Entries>
+Ending<Key> longestEnding(QStringView part, const Entries &entries)
 {
     Ending<Key> best;
-    for (auto entry = texts.constBegin(); entry != texts.constEnd(); ++entry) {
-        const QStringView text = *entry;
-        if (text.isEmpty() || text.size() < best.text.size() || !part.endsWith(text))
+    for (const auto &entry : entries) {
+        const QStringView text = *entry.text;
+        if (text.isEmpty() || !endsWith(part, text) || text.size() < best.text.size())
             continue;
-        if (text.size() > best.text.size() || entry.key() < best.key)
-            best = {entry.key(), text};
+        if (text.size() > best.text.size() || entry.key < best.key)
+            best = {entry.key, text};
     }
     return best;
 }
 
 /**
- * A plain decimal number, as toString() writes it: up to 15 digits and up to 15 decimals are
- * exact in double precision, and so one division gives the nearest number. Nothing otherwise.
+ * Reads a plain decimal number, as toString() writes it. Up to 15 digits are exact in double
+ * precision, and so one division gives the number nearest to the text.
+ * @return whether the part is such a number
  */
-std::optional<float> plainNumber(QStringView text)
+bool readPlainNumber(QStringView part, ParsedText &content)
 {
     constexpr int mostDigits = 15;
     static constexpr std::array<double, mostDigits + 1> powers {
         1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-    const bool isNegative = text.startsWith(QLatin1Char('-'));
+    const QChar *character = part.begin();
+    const bool isNegative = !part.isEmpty() && *character == QLatin1Char('-');
     if (isNegative)
-        text = text.mid(1);
-    if (text.isEmpty() || text.size() > mostDigits + 1)
-        return std::nullopt;
+        ++character;
+    const QChar *const start = character;
+    const QChar *point = nullptr;
     quint64 digits = 0;
-    int count = 0;
-    int pointAfter = -1;
-    for (const QChar character : text) {
-        const auto digit = quint32(character.unicode()) - '0';
-        if (digit <= 9) {
+    for (; character != part.end(); ++character) {
+        const auto digit = quint32(character->unicode()) - '0';
+        if (digit <= 9)
             digits = digits * 10 + digit;
-            ++count;
-        } else if (character == QLatin1Char('.') && pointAfter < 0 && count > 0) {
-            pointAfter = count;
-        } else {
-            return std::nullopt;
-        }
+        else if (*character == QLatin1Char('.') && !point)
+            point = character;
+        else
+            return false;
     }
-    if (count > mostDigits || pointAfter == count)
-        return std::nullopt;
-    const int decimals = pointAfter < 0 ? 0 : count - pointAfter;
+    const auto count = character - start - (point ? 1 : 0);
+    const auto decimals = point ? character - point - 1 : 0;
+    if (count > mostDigits || count == decimals || (point && decimals == 0))
+        return false;
     const double magnitude = double(digits) / powers[std::size_t(decimals)];
-    return float(isNegative ? -magnitude : magnitude);
+    content.value = float(isNegative ? -magnitude : magnitude);
+    content.precision = int(decimals);
+    content.isNumber = true;
+    return true;
 }
 
 void readNumber(QStringView part, ParsedText &content)
 {
+    if (readPlainNumber(part, content))
+        return;
     const auto point = part.indexOf(QLatin1Char('.'));
     content.precision = point < 0 ? 0 : int(part.size() - point - 1);
-    if (const auto number = plainNumber(part)) {
-        content.value = *number;
-        content.isNumber = true;
-        return;
-    }
     const float number = part.toString().toFloat(&content.isNumber);
     if (content.isNumber)
         content.value = number;
@@ -115,24 +118,49 @@ QString without(QStringView unitText, QStringView part)
 
 void readUnit(QStringView part, ParsedText &content)
 {
-    const auto unit = longestEnding(part, NumericalValueBox::unitString);
+    const auto unit = longestEnding<ValueBox::Units>(part, unitTexts.entries());
     QString rest;
     if (!unit.text.isEmpty()) {
         content.hasUnit = true;
         content.unit = unit.key;
-        const auto start = part.size() - unit.text.size();
-        if (part.indexOf(unit.text) == start) {
-            part.truncate(start);
+        const QChar *const ending = part.end() - unit.text.size();
+        if (std::search(part.begin(), part.end(), unit.text.begin(), unit.text.end()) == ending) {
+            part = QStringView(part.begin(), ending);
         } else {
             rest = without(unit.text, part);
             part = rest;
         }
     }
     content.hasPrefix = true;
-    const auto prefix = longestEnding(part, NumericalValueBox::prefixString);
+    const auto prefix = longestEnding<ValueBox::UnitPrefixs>(part, prefixTexts.entries());
     if (!prefix.text.isEmpty()) {
         content.prefix = prefix.key;
         content.value = float(double(content.value) * powerOfTen(prefix.key));
+    }
+}
+
+/** A text without white space around it; most have none. */
+QStringView trimmed(QStringView text)
+{
+    const bool isTrimmed = !text.isEmpty() && !isSpace(text.front()) && !isSpace(text.back());
+    return isTrimmed ? text : text.trimmed();
+}
+
+/** Splits at single blanks. @return the number of parts, of which only the first ones are kept */
+template <std::size_t Size>
+std::size_t split(QStringView text, std::array<QStringView, Size> &parts)
+{
+    std::size_t count = 0;
+    const QChar *start = text.begin();
+    for (const QChar *character = start;; ++character) {
+        if (character != text.end() && *character != QLatin1Char(' '))
+            continue;
+        if (count < Size)
+            parts[count] = QStringView(start, character);
+        ++count;
+        if (character == text.end())
+            return count;
+        start = character + 1;
     }
 }
 
@@ -140,19 +168,14 @@ void readUnit(QStringView part, ParsedText &content)
 
 ParsedText parsed(QStringView text)
 {
-    const QLatin1Char blank(' ');
+    constexpr int partsWithMarker = 3; // "> 199.99 mΩ": the marker is not the number
+    std::array<QStringView, partsWithMarker> parts;
+    const std::size_t count = split(trimmed(text), parts);
+    const std::size_t first = count == partsWithMarker ? 1 : 0;
     ParsedText content;
-    QStringView rest = text.trimmed();
-    if (std::count(rest.begin(), rest.end(), blank)
-        == 2) // "> 199.99 mΩ": the marker is not the number
-        rest = rest.mid(rest.indexOf(blank) + 1);
-    const auto numberEnd = rest.indexOf(blank);
-    readNumber(numberEnd < 0 ? rest : rest.left(numberEnd), content);
-    if (!content.isNumber || numberEnd < 0)
-        return content;
-    rest = rest.mid(numberEnd + 1);
-    const auto unitEnd = rest.indexOf(blank);
-    readUnit(unitEnd < 0 ? rest : rest.left(unitEnd), content);
+    readNumber(parts[first], content);
+    if (content.isNumber && count - first > 1)
+        readUnit(parts[first + 1], content);
     return content;
 }
 

@@ -2,18 +2,16 @@
 #include "valuebox/FixedPoint_p.h"
 #include "valuebox/NumericalValueBox.h"
 #include "valuebox/NumericalValueBox_p.h"
+#include "valuebox/TextParts_p.h"
 
-#include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace ValueBox {
 
 using Internal::FixedPoint;
-using Internal::fixedText;
 using Internal::log;
 using Internal::scaled;
-using Internal::textOf;
+using Internal::TextParts;
 
 namespace {
 
@@ -21,38 +19,14 @@ const QLatin1String nothing("---");
 const QLatin1String overRange("> ");
 const QLatin1String underRange("< 0 ");
 
-QChar *copy(QStringView text, QChar *out)
-{
-    return std::copy(text.begin(), text.end(), out);
-}
-
 /** Whether a unit or prefix can stand in a text without being simplified or taken for a sign. */
 bool isPlain(QStringView text)
 {
-    return std::none_of(text.begin(), text.end(), [](QChar character) {
-        return character == QLatin1Char('-') || character.isSpace();
-    });
-}
-
-/** "> 199.99 mΩ" in one piece: the text's length is known before it is made. */
-QString assembled(QLatin1String marker, bool hasMinus, const FixedPoint &number, QStringView prefix,
-                  QStringView unit)
-{
-    const int unitSize = int(prefix.size() + unit.size());
-    const int size = marker.size() + (hasMinus ? 1 : 0) + number.size()
-        + (unitSize > 0 ? 1 + unitSize : 0); // no blank without a unit
-    QString text(size, Qt::Uninitialized);
-    QChar *out = text.data();
-    for (const char character : marker)
-        *out++ = QLatin1Char(character);
-    if (hasMinus)
-        *out++ = QLatin1Char('-');
-    out = number.write(out);
-    if (unitSize > 0) {
-        *out++ = QLatin1Char(' ');
-        copy(unit, copy(prefix, out));
+    for (const QChar character : text) {
+        if (character == QLatin1Char('-') || Internal::isSpace(character))
+            return false;
     }
-    return text;
+    return true;
 }
 
 /** A value that rounds to zero is never shown as negative. */
@@ -72,26 +46,12 @@ namespace Internal {
 
 using ValueBox::DynamicRounding::RoundItem;
 
-namespace {
-
-// What round() nudges is the tenth decimal: in a float it can reach the ninth, never the eighth.
-constexpr int untouchedDecimals = 8;
-
-} // namespace
-
-std::optional<FixedPoint> roundedNumber(float value, const RoundItem &row)
-{
-    if (row.digits > untouchedDecimals)
-        return std::nullopt;
-    return FixedPoint::of(scaled(value, row.prefix), row.digits);
-}
-
 QString roundedText(float value, const RoundItem &row)
 {
-    const float number = scaled(value, row.prefix);
-    if (row.digits >= 0 && row.digits <= untouchedDecimals)
-        return fixedText(number, row.digits);
-    return ValueBox::NumericalValueBox::round(double(number), quint32(row.digits));
+    if (const auto number = roundedNumber(value, row))
+        return TextParts {{}, number->isNegative(), *number, false, {}, {}}.toString();
+    return ValueBox::NumericalValueBox::round(double(scaled(value, row.prefix)),
+                                              quint32(row.digits));
 }
 
 } // namespace Internal
@@ -120,17 +80,17 @@ QString NumericalValueBox::toString() const
     }
     if (d->debug && !d->active)
         log() << "NumericalValueBox::toString()= --- [2] (" << double(d->value) << ")";
-    QString text = d->text(*this);
+    QString text = d->text();
     if (d->debug)
         log() << "NumericalValueBox::toString()= " << text;
     return text;
 }
 
-QString NumericalValueBox::Private::text(const NumericalValueBox &box) const
+QString NumericalValueBox::Private::text() const
 {
     const bool isMinusShown = value < 0 && negativeAllowed;
     const float shown = isMinusShown ? -value : value;
-    const int index = box.findBestRange(shown);
+    const int index = rangeOf(shown);
     const RoundItem *row = rowAt(index);
     if (!row)
         return nothing;
@@ -150,12 +110,15 @@ QString NumericalValueBox::Private::belowZeroText(const RoundItem &row) const
 QString NumericalValueBox::Private::rowText(QLatin1String marker, float number,
                                             const RoundItem &row, bool isMinusShown) const
 {
-    const QStringView prefixText = textOf(prefixString, UnitPrefixs(row.prefix));
-    const QStringView unitText = textOf(unitString, unit);
+    const QStringView prefixText = Internal::prefixTexts.text(UnitPrefixs(row.prefix));
+    const QStringView unitText = Internal::unitTexts.text(unit);
     const auto fixed = Internal::roundedNumber(number, row);
-    if (fixed && !fixed->isNegative() && isPlain(prefixText) && isPlain(unitText))
-        return assembled(marker, isMinusShown && !fixed->isZero(), *fixed, prefixText, unitText);
-
+    if (fixed && !fixed->isNegative() && isPlain(prefixText) && isPlain(unitText)) {
+        const bool hasUnit = !prefixText.isEmpty() || !unitText.isEmpty();
+        return TextParts {
+            marker, isMinusShown && fixed->digits() != 0, *fixed, hasUnit, prefixText, unitText}
+            .toString();
+    }
     QString text = marker + Internal::roundedText(number, row) + QLatin1Char(' ')
         + prefixText.toString() + unitText.toString();
     if (isMinusShown)
@@ -169,14 +132,22 @@ QString NumericalValueBox::Private::rowText(QLatin1String marker, float number,
 QString NumericalValueBox::autoFormat(float value, Units unit, UnitPrefixs prefix, int digits,
                                       bool trimZeros)
 {
-    QString text = fixedText(scaled(value, prefix), digits);
+    const float shown = scaled(value, prefix);
+    const QStringView prefixText = Internal::prefixTexts.text(prefix);
+    const QStringView unitText = Internal::unitTexts.text(unit);
+    if (auto number = FixedPoint::of(shown, digits)) {
+        if (trimZeros)
+            number->trimZeros();
+        return TextParts {{}, number->isNegative(), *number, true, prefixText, unitText}.toString();
+    }
+    QString text = QString::number(double(shown), 'f', digits);
     if (trimZeros && text.contains(QLatin1Char('.'))) {
         while (text.endsWith(QLatin1Char('0')))
             text.chop(1);
+        if (text.endsWith(QLatin1Char('.')))
+            text.chop(1);
     }
-    if (text.endsWith(QLatin1Char('.')))
-        text.chop(1);
-    return text + QLatin1Char(' ') + getUnitPrefix(prefix) + getUnit(unit);
+    return text + QLatin1Char(' ') + prefixText.toString() + unitText.toString();
 }
 
 namespace {
@@ -200,8 +171,10 @@ QString NumericalValueBox::formatIinduction(float amperes)
 {
     // A float against double bounds: 0.001F and 0.1F lie above them and fall into the next range.
     for (const CurrentRange &range : inductionRanges) {
-        if (double(amperes) <= range.upTo)
-            return fixedText(amperes * range.factor, range.decimals) + QLatin1String(range.unit);
+        if (double(amperes) <= range.upTo) {
+            const float shown = amperes * range.factor;
+            return Internal::fixedText(shown, range.decimals) + QLatin1String(range.unit);
+        }
     }
     return nothing;
 }

@@ -22,6 +22,7 @@ class TstNumericalValueBox : public QObject
 {
     Q_OBJECT
 private slots:
+    void initTestCase();
     void init();
 
     void newObjects();
@@ -40,6 +41,7 @@ private slots:
     void textsBeforeTheyAreFilled();
     void customTexts_data();
     void customTexts();
+    void textsEditedBetween();
     void anyDigitsAndPrefix();
     void manyValues();
 
@@ -58,6 +60,13 @@ private slots:
     void silentWithoutTheFlag();
     void metaObject();
 };
+
+void TstNumericalValueBox::initTestCase()
+{
+    QVERIFY(NumericalValueBox::unitString.isEmpty());
+    QVERIFY(NumericalValueBox::prefixString.isEmpty());
+    QCOMPARE(NumericalValueBox::getTempUnit(), Temp_Celsius);
+}
 
 void TstNumericalValueBox::init()
 {
@@ -360,6 +369,24 @@ void TstNumericalValueBox::customTexts()
              PlainSteps::shown(qMin(shown, 0.009F), shown > 0.009F, value < 0 && shown <= 0.009F, 4,
                                -3, prefix + unit));
     NumericalValueBox::tableRound_R = tableBefore;
+}
+
+void TstNumericalValueBox::textsEditedBetween()
+{
+    NumericalValueBox box(0.0125F, Unit_Ohm, Prefix_m, 1);
+    QString &unit = NumericalValueBox::unitString[Unit_Ohm];
+    QCOMPARE(box.toString(), "12.5 m" + ohm);
+    unit = "R"; // through a reference taken before
+    QCOMPARE(box.toString(), QStringLiteral("12.5 mR"));
+    QCOMPARE(NumericalValueBox::getValue("12.5 mR"), 0.0125F);
+    NumericalValueBox::prefixString.insert(Prefix_m, "milli ");
+    QCOMPARE(box.toString(), QStringLiteral("12.5 milli R"));
+    NumericalValueBox::unitString.remove(Unit_Ohm);
+    QCOMPARE(box.toString(), QStringLiteral("12.5 milli"));
+    NumericalValueBox::prefixString = {};
+    QCOMPARE(box.toString(), QStringLiteral("12.5"));
+    NumericalValueBox::prepareStaticDefaultValue(Temp_Celsius);
+    QCOMPARE(box.toString(), "12.5 m" + ohm);
 }
 
 void TstNumericalValueBox::anyDigitsAndPrefix()

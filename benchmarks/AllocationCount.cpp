@@ -1,0 +1,35 @@
+#include "AllocationCount.h"
+
+#include <cstddef>
+
+// glibc's own names for its functions: the program's stand in front of them, and count.
+extern "C" {
+void *__libc_malloc(std::size_t size);
+void *__libc_realloc(void *block, std::size_t size);
+void *__libc_calloc(std::size_t count, std::size_t size);
+
+static long allocations = 0;
+
+void *malloc(std::size_t size)
+{
+    ++allocations;
+    return __libc_malloc(size);
+}
+
+void *realloc(void *block, std::size_t size)
+{
+    ++allocations;
+    return __libc_realloc(block, size);
+}
+
+void *calloc(std::size_t count, std::size_t size)
+{
+    ++allocations;
+    return __libc_calloc(count, size);
+}
+}
+
+long allocationCount()
+{
+    return allocations;
+}
