@@ -1,0 +1,121 @@
+/**
+ * @file
+ * Tells the thread sanitizer how Qt's thread pool and futures order what threads do.
+ *
+ * Qt comes without the sanitizer's instrumentation and waits on bare futexes, so the sanitizer
+ * sees no order between starting a task and its run, or between its end and waiting for it, and
+ * takes correct programs for racy ones. Linked into a test program, these functions stand before
+ * Qt's own of the same name: each says what it orders, then calls Qt's. They order no more than
+ * Qt does, so that a race in our own code is still found.
+ */
+
+#include <dlfcn.h>
+
+extern "C" void __tsan_acquire(void *address);
+extern "C" void __tsan_release(void *address);
+
+namespace {
+
+/** The state that all copies of a future share: the member behind the virtual table. */
+void *sharedState(const void *future)
+{
+    return static_cast<void *const *>(future)[1];
+}
+
+/** Stands for the pools: the end of a task comes before the end of waiting for all tasks. */
+int endedTasks;
+
+template <typename Function> Function *qtFunction(const char *name)
+{
+    return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+// Qt's own, called under its own name: RESULT NAME(ARGUMENTS).
+#define QT_FUNCTION(name, result, ...)                                                             \
+    static auto *const qt = qtFunction<result(__VA_ARGS__)>(#name)
+
+extern "C" {
+
+// QThreadPool::start(QRunnable *, int)
+void _ZN11QThreadPool5startEP9QRunnablei(void *pool, void *task, int priority)
+{
+    QT_FUNCTION(_ZN11QThreadPool5startEP9QRunnablei, void, void *, void *, int);
+    __tsan_release(task);
+    qt(pool, task, priority);
+}
+
+// QThreadPool::waitForDone(int)
+bool _ZN11QThreadPool11waitForDoneEi(void *pool, int milliseconds)
+{
+    QT_FUNCTION(_ZN11QThreadPool11waitForDoneEi, bool, void *, int);
+    const bool isDone = qt(pool, milliseconds);
+    if (isDone)
+        __tsan_acquire(&endedTasks);
+    return isDone;
+}
+
+// QRunnable::~QRunnable(): the last of a task, on the thread that ran it
+void _ZN9QRunnableD2Ev(void *task)
+{
+    QT_FUNCTION(_ZN9QRunnableD2Ev, void, void *);
+    __tsan_release(&endedTasks);
+    qt(task);
+}
+
+// QFutureInterfaceBase::reportStarted(): a task is handed to the pool
+void _ZN20QFutureInterfaceBase13reportStartedEv(void *future)
+{
+    QT_FUNCTION(_ZN20QFutureInterfaceBase13reportStartedEv, void, void *);
+    __tsan_release(sharedState(future));
+    qt(future);
+}
+
+// QFutureInterfaceBase::isCanceled(): the first thing that a task asks
+bool _ZNK20QFutureInterfaceBase10isCanceledEv(const void *future)
+{
+    QT_FUNCTION(_ZNK20QFutureInterfaceBase10isCanceledEv, bool, const void *);
+    const bool isCanceled = qt(future);
+    __tsan_acquire(sharedState(future));
+    return isCanceled;
+}
+
+// QFutureInterfaceBase::reportFinished()
+void _ZN20QFutureInterfaceBase14reportFinishedEv(void *future)
+{
+    QT_FUNCTION(_ZN20QFutureInterfaceBase14reportFinishedEv, void, void *);
+    __tsan_release(sharedState(future));
+    qt(future);
+}
+
+// QFutureInterfaceBase::isFinished()
+bool _ZNK20QFutureInterfaceBase10isFinishedEv(const void *future)
+{
+    QT_FUNCTION(_ZNK20QFutureInterfaceBase10isFinishedEv, bool, const void *);
+    const bool isFinished = qt(future);
+    if (isFinished)
+        __tsan_acquire(sharedState(future));
+    return isFinished;
+}
+
+// QFutureInterfaceBase::waitForFinished()
+void _ZN20QFutureInterfaceBase15waitForFinishedEv(void *future)
+{
+    QT_FUNCTION(_ZN20QFutureInterfaceBase15waitForFinishedEv, void, void *);
+    qt(future);
+    __tsan_acquire(sharedState(future));
+}
+
+// QFutureInterfaceBase::derefT(): the last one deletes the results
+bool _ZNK20QFutureInterfaceBase6derefTEv(const void *future)
+{
+    QT_FUNCTION(_ZNK20QFutureInterfaceBase6derefTEv, bool, const void *);
+    __tsan_release(sharedState(future));
+    const bool isStillUsed = qt(future);
+    if (!isStillUsed)
+        __tsan_acquire(sharedState(future));
+    return isStillUsed;
+}
+
+} // extern "C"
