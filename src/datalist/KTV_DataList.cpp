@@ -139,7 +139,7 @@ template <typename Operation> auto guarded(Operation operation) -> decltype(oper
         return operation();
     } catch (const std::exception &exception) {
         log() << exception.what();
-        return {};
+        return decltype(operation())();
     }
 }
 
@@ -226,11 +226,13 @@ int KTV_DataList::Private::countFactoryRows(const ListFamily &family) const
 {
     if (!database.isOpen())
         return 0;
-    QSqlQuery query = database.query();
-    query.setForwardOnly(true);
-    if (!Internal::execute(query, family.countFactoryRows(language)) || !query.next())
-        return 0;
-    return query.value(0).toInt();
+    return guarded([&] {
+        QSqlQuery query = database.query();
+        query.setForwardOnly(true);
+        const bool isKnown =
+            Internal::execute(query, family.countFactoryRows(language)) && query.next();
+        return isKnown ? query.value(0).toInt() : 0;
+    });
 }
 
 Added KTV_DataList::Private::testDuplicate(const ListFamily &family, const QVariant &name) const
@@ -379,7 +381,7 @@ bool KTV_DataList::CreateNew()
         log() << d->database.handle().isOpenError();
         return false;
     }
-    Internal::createSchema(d->database, Internal::listSchema());
+    guarded([this] { Internal::createSchema(d->database, Internal::listSchema()); });
     d->fillAll();
     return true;
 }

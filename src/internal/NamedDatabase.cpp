@@ -18,6 +18,12 @@ QString connectOptions()
                           "PRAGMA locking_mode=EXCLUSIVE;");
 }
 
+/** Whether a statement failed for what it says, not for want of card or memory. */
+bool isStatementsFault(const QSqlError &error)
+{
+    return error.nativeErrorCode() == QLatin1String("1"); // SQLITE_ERROR
+}
+
 /** Whether the journal beside a database says that the database was empty before. */
 bool journalEmptiesDatabase(const QString &path)
 {
@@ -112,15 +118,22 @@ bool execute(QSqlQuery &query, const QString &statement, const QVariantList &val
 
 void createSchema(NamedDatabase &database, const QStringList &statements)
 {
+    bool canBeKept = true;
     Transaction transaction(database);
-    {
+    for (const QString &statement : statements) {
         QSqlQuery query = database.query();
-        for (const QString &statement : statements) {
-            if (!execute(query, statement))
-                log() << query.lastError().text();
-        }
+        if (execute(query, statement))
+            continue;
+        log() << query.lastError().text();
+        if (isStatementsFault(query.lastError()))
+            continue;
+        // A full card may have ended the transaction: outside one, the rest would be kept alone.
+        canBeKept = false;
+        query.finish();
+        database.rollback();
+        database.begin();
     }
-    if (!transaction.commit())
+    if (canBeKept && !transaction.commit())
         log() << database.lastError().text();
 }
 

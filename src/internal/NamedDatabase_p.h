@@ -82,9 +82,9 @@ private:
 bool execute(QSqlQuery &query, const QString &statement, const QVariantList &values = {});
 
 /**
- * Runs the statements of a new file in one transaction, so that a battery pulled meanwhile
- * leaves a file that still counts as missing. A failing statement is logged with the driver's
- * text, and the next one still runs.
+ * Runs the statements of a new file in one transaction, so that a battery pulled meanwhile, or a
+ * card that fills up, leaves a file that still counts as missing. A failing statement is logged
+ * with the driver's text, and the next one still runs.
  */
 void createSchema(NamedDatabase &database, const QStringList &statements);
 
