@@ -10,6 +10,7 @@ namespace {
 
 QStringList s_statements;
 QString s_throwOn;
+QString s_fillCardOn;
 int s_syncs = 0;
 int s_changes = 0;
 int s_killAt = 0;
@@ -57,6 +58,11 @@ void throwOn(const QString &part)
     s_throwOn = part;
 }
 
+void fillCardOn(const QString &part)
+{
+    s_fillCardOn = part;
+}
+
 void killBeforeChange(int n)
 {
     s_killAt = n == 0 ? 0 : s_changes + n;
@@ -73,6 +79,12 @@ int sqlite3_prepare16_v2(sqlite3 *database, const void *text, int bytes, sqlite3
     s_statements += QString::fromUtf16(static_cast<const char16_t *>(text));
     if (!s_throwOn.isEmpty() && s_statements.last().contains(s_throwOn))
         throw std::runtime_error("thrown by the driver: %1 %s");
+    if (!s_fillCardOn.isEmpty() && s_statements.last().contains(s_fillCardOn)) {
+        // As SQLite itself does it: the transaction is gone, its changes too.
+        sqlite3_exec(database, "ROLLBACK", nullptr, nullptr, nullptr);
+        *statement = nullptr;
+        return SQLITE_FULL;
+    }
     return original(database, text, bytes, statement, tail);
 }
 

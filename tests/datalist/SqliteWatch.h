@@ -20,6 +20,9 @@ void clear();
 /** Statements that contain @p part throw from now on; empty: none. */
 void throwOn(const QString &part);
 
+/** Statements that contain @p part find the card full from now on; empty: none. */
+void fillCardOn(const QString &part);
+
 /** The process kills itself before its @p n-th change of a file from now on; 0: never. */
 void killBeforeChange(int n);
 /** Changes of files since the last clear(): writes, cuts, deletions and waits for the card. */

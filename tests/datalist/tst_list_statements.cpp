@@ -32,7 +32,7 @@ class TstListStatements : public QObject
     Q_OBJECT
 private slots:
     void init();
-    void cleanup() { SqliteWatch::throwOn(QString()); }
+    void cleanup();
 
     void creation();
     void statements_data();
@@ -43,13 +43,22 @@ private slots:
     void operationsWait();
     void exceptions_data();
     void exceptions();
+    void exceptionWhileCreating();
     void exceptionWhileSeeding();
+    void fullCardWhileCreating();
+    void fullCardWhileSeeding();
 };
 
 void TstListStatements::init()
 {
     ListStore::clear();
     ListStore::writeManyDefaults("EN", 1);
+}
+
+void TstListStatements::cleanup()
+{
+    SqliteWatch::throwOn(QString());
+    SqliteWatch::fillCardOn(QString());
 }
 
 void TstListStatements::creation()
@@ -311,7 +320,7 @@ void TstListStatements::operationsWait()
 void TstListStatements::exceptions_data()
 {
     QTest::addColumn<QString>("part");
-    for (const char *part : {"INSERT INTO", "SELECT COUNT", "UPDATE", "DELETE", "COMMIT"})
+    for (const char *part : {"INSERT INTO", "SELECT COUNT", "UPDATE", "DELETE"})
         QTest::newRow(part) << QString(part);
 }
 
@@ -323,7 +332,7 @@ void TstListStatements::exceptions()
         QVERIFY(family.add(*store, "kept"));
         const int id = family.idOf(*store, "kept");
         const QStringList before = family.names(*store);
-        const bool isUsed = (part == "COMMIT" || part == "SELECT COUNT") ? family.isUnique : true;
+        const bool isUsed = part != "SELECT COUNT" || family.isUnique;
         LogCapture log;
         SqliteWatch::throwOn(part);
         const bool isDone = family.add(*store, "new") && family.update(*store, id, "kept")
@@ -353,6 +362,48 @@ void TstListStatements::exceptionWhileSeeding()
     QCOMPARE(store->GetDefaultMaterialsCount(), 3);
     store->SetLang("EN");
     QCOMPARE(store->GetDefaultObiectNameCount(), 3);
+}
+
+void TstListStatements::exceptionWhileCreating()
+{
+    SqliteWatch::throwOn("TABLE IF NOT EXISTS LIMITS_R");
+    const auto store = ListStore::open();
+    cleanup();
+    QVERIFY(!store->AddObiectTyp("no table"));
+    QVERIFY(store->Open());
+    QCOMPARE(store->GetDefaultObiectTypCount(), 1);
+    QVERIFY(store->AddLimit_R("a", "1", "2"));
+}
+
+void TstListStatements::fullCardWhileCreating()
+{
+    // The card has room again for the next tables: a file with only these would stay so.
+    SqliteWatch::fillCardOn("TABLE IF NOT EXISTS OBIECT_NAME");
+    LogCapture log;
+    SqliteWatch::clear();
+    const auto store = ListStore::open();
+    cleanup();
+    QVERIFY(log.lines().value(0).contains("Unable to execute statement"));
+    QVERIFY(SqliteWatch::statements().filter("TABLE IF NOT EXISTS LIMITS_T").size() == 1);
+    QVERIFY(!store->AddObiectTyp("no table"));
+    QVERIFY(!store->AddLimit_T("no table", "1", "2"));
+    QVERIFY(store->Open());
+    QCOMPARE(ListStore::rows("SELECT COUNT(*) FROM Setting"), QStringList("1"));
+    for (const Family &family : families())
+        QVERIFY(family.add(*store, "a"));
+    QCOMPARE(store->GetDefaultObiectNameCount(), 1);
+}
+
+void TstListStatements::fullCardWhileSeeding()
+{
+    ListStore::writeManyDefaults("EN", 3);
+    SqliteWatch::fillCardOn("INSERT INTO MATERIALS");
+    const auto store = ListStore::open();
+    cleanup();
+    QCOMPARE(store->GetDefaultObiectTypCount(), 3);
+    QCOMPARE(store->GetDefaultMaterialsCount(), 0);
+    store->FillDefaultMaterials();
+    QCOMPARE(store->GetDefaultMaterialsCount(), 3);
 }
 
 KTV_METER_TEST_MAIN(TstListStatements)
