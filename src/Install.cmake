@@ -33,6 +33,9 @@ if(KTV_PLATFORM_LIBRARY)
 else()
     set(pkgconfig_platform -lKTV_Platform)
 endif()
+# Relative to the file itself: `cmake --install --prefix` may choose another place.
+file(RELATIVE_PATH pkgconfig_to_prefix
+    ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(${PROJECT_SOURCE_DIR}/cmake/KTV_DataSource.pc.in
     ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSource.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSource.pc

@@ -100,6 +100,6 @@ private:
     void LoadDataFromXML();
     void _ParseMeterModelName(const QString &name);
 
-    class Private;
+    class KTV_DATASOURCE_NO_EXPORT Private;
     const std::unique_ptr<Private> d;
 };

@@ -84,6 +84,6 @@ public:
     QString enumToString(KTV_InterfaceConfig::SettingKey key) const;
 
 private:
-    class Private;
+    class KTV_DATASOURCE_NO_EXPORT Private;
     const std::unique_ptr<Private> d;
 };

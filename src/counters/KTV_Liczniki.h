@@ -67,6 +67,6 @@ public:
     void SaveLiczniki();
 
 private:
-    class Private;
+    class KTV_DATASOURCE_NO_EXPORT Private;
     const std::unique_ptr<Private> d;
 };

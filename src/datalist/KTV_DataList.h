@@ -163,7 +163,7 @@ public:
     QList<LimitList_Element *> *GetLimits_T(const QString &filter, int limit);
 
 private:
-    class Private;
+    class KTV_DATASOURCE_NO_EXPORT Private;
     const std::unique_ptr<Private> d;
 };
 // NOLINTEND(bugprone-reserved-identifier)

@@ -111,6 +111,6 @@ signals:
     void changeFreeSpaceAlert();
 
 private:
-    class Private;
+    class KTV_DATASOURCE_NO_EXPORT Private;
     const std::unique_ptr<Private> d;
 };

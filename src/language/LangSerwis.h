@@ -68,6 +68,6 @@ public:
     void updateMeterModel(KTV_Configuration::MeterModels model);
 
 private:
-    class Private;
+    class KTV_DATASOURCE_NO_EXPORT Private;
     const std::unique_ptr<Private> d;
 };

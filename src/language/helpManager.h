@@ -43,7 +43,7 @@ public:
     QStringList *GetHelpFileList(const QString &topic) const;
 
 private:
-    class Private;
+    class KTV_DATASOURCE_NO_EXPORT Private;
     const std::unique_ptr<Private> d;
 };
 

@@ -196,7 +196,7 @@ public:
     /** @} */
 
 private:
-    class Private;
+    class KTV_DATASOURCE_NO_EXPORT Private;
     const std::unique_ptr<Private> d;
 };
 

@@ -169,7 +169,7 @@ private:
     void _restart();
     // NOLINTEND(bugprone-reserved-identifier)
 
-    class Private;
+    class KTV_DATASOURCE_NO_EXPORT Private;
     const std::unique_ptr<Private> d;
 };
 
