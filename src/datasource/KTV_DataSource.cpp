@@ -47,6 +47,12 @@ template <typename Service> void destroy(Service *&service)
 class KTV_DataSource::Private
 {
 public:
+    void initialiseBuzzer() const
+    {
+        ::Buzzer::BuzzerClass::BuzzerClass_Initialiser(
+            config->get_MeterModel(), config->get_SoundSampleDirectory(), config->get_SoundOff());
+    }
+
     void createUpdate(KTV_DataSource *facade)
     {
         update = new Updater::Update(config->get_UpdateDirecotry(), config->get_MeterModel(),
@@ -83,6 +89,7 @@ KTV_DataSource::KTV_DataSource(QObject *parent) : QObject(parent), d(std::make_u
     d->lists = new KTV_DataList(d->config->get_mainInterfaceUserDataDirectory(),
                                 d->config->get_mainInterfaceLangsDirectory(),
                                 d->lang->getCurrentLang(), this);
+    d->initialiseBuzzer();
     d->connection = new WiFi::KTV_Connection(d->config->get_mainInterfaceUserDataDirectory(), this);
 
     d->diskTimer = new QTimer(this);
@@ -115,6 +122,7 @@ KTV_DataSource::~KTV_DataSource()
     destroy(d->update);
     destroy(d->pendrive);
     destroy(d->power);
+    ::Buzzer::BuzzerClass::BuzzerClass_Free();
     destroy(d->config);
 }
 
@@ -122,6 +130,7 @@ void KTV_DataSource::setMeterSerialName(const QString &serial)
 {
     d->config->set_SerialNumber(serial);
     ValueBox::NumericalValueBox::SetCurrentMeter(d->config->get_MeterModel());
+    d->initialiseBuzzer();
     destroy(d->update);
     d->createUpdate(this);
     // The earlier help manager stays a child of the facade: an open help page may still use it.
@@ -170,6 +179,11 @@ QERNTools::Tools::USB_Mode KTV_DataSource::getUSB_Mode() const
 QERNTools::Tools::RS232_Function KTV_DataSource::getRS_Mode() const
 {
     return QERNTools::Tools::getRS232_Function();
+}
+
+void KTV_DataSource::Buzzer(::Buzzer::BuzzerClass::Tone tone, bool loop) const
+{
+    ::Buzzer::BuzzerClass::Beep(tone, loop);
 }
 
 QERNTools::DiskInfo *KTV_DataSource::getDiskInfo() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ktv_datasource_export.h>
+#include <sound/BuzzerClass.h>
 #include <tools/Tools.h>
 
 #include <QObject>
@@ -91,6 +92,9 @@ public:
     QERNTools::Tools::USB_Mode getUSB_Mode() const; ///< What the USB port is now.
     /** Who owns the serial line now; blocks for up to three commands. */
     QERNTools::Tools::RS232_Function getRS_Mode() const;
+
+    /** Plays a signal tone as BuzzerClass::Beep() does, and blocks as that. */
+    void Buzzer(::Buzzer::BuzzerClass::Tone tone, bool loop) const;
 
     /** @return new disk figures of the clients directory; the caller deletes them */
     QERNTools::DiskInfo *getDiskInfo() const;

@@ -68,6 +68,14 @@ void replaceProgram(const QString &program, const QByteArray &script)
     QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
+QStringList processes(const QString &name)
+{
+    QProcess list;
+    list.start(QStringLiteral("/usr/bin/pgrep"), {QStringLiteral("-x"), name});
+    list.waitForFinished();
+    return QString::fromLatin1(list.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
 QByteArray readFile(const QString &path)
 {
     QFile file(path);

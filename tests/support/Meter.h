@@ -26,6 +26,9 @@ void recordProgram(const QString &program);
 /** Puts a shell script, journal included, in a program's place; showProgram() ends that. */
 void replaceProgram(const QString &program, const QByteArray &script);
 
+/** Ids of the running processes of that name. */
+QStringList processes(const QString &name);
+
 QByteArray readFile(const QString &path);
 /** Writes a file whole, creating its directories. */
 void writeFile(const QString &path, const QByteArray &content);

@@ -1,0 +1,200 @@
+#include "sound/BuzzerClass.h"
+
+#include "internal/BackgroundWork_p.h"
+#include "internal/CommandRunner_p.h"
+#include "internal/SharedFlag_p.h"
+#include "internal/log_p.h"
+#include "sound/ToneTables_p.h"
+
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <algorithm>
+
+#if defined(__SANITIZE_THREAD__)
+#include <sanitizer/tsan_interface.h>
+#endif
+
+using Internal::loadShared;
+using Internal::log;
+using Internal::runDirect;
+using Internal::runProgram;
+using Internal::storeShared;
+using Internal::Waits;
+using SoundNamespace::Sound;
+
+namespace Buzzer {
+
+QMap<BuzzerClass::Tone, QList<BeepParameter>> BuzzerClass::toneDefinition;
+QMap<BuzzerClass::Tone, Sound::Sample> BuzzerClass::toneTranscode;
+bool BuzzerClass::playWave = false;
+QString BuzzerClass::_pathtoWave = QStringLiteral("/etc/wav/");
+bool BuzzerClass::pernamentOff = false;
+QMutex BuzzerClass::mutex;
+QFuture<void> BuzzerClass::future;
+
+namespace {
+
+Internal::EndlessWork worker(BuzzerClass::future);
+
+constexpr qint64 shortestRepeat = 500; // ms, of a tone that cannot sound
+constexpr int pauseStep = 20; // ms
+constexpr Waits killallWaits {Waits::NoStartWait, 30000};
+
+const QString killBeep = QStringLiteral("killall beep");
+
+/** Holds the mutex of the requests, and tells the thread sanitizer, to which Qt's are unknown. */
+class Turn
+{
+public:
+    Turn()
+    {
+        BuzzerClass::mutex.lock();
+#if defined(__SANITIZE_THREAD__)
+        __tsan_acquire(&BuzzerClass::mutex);
+#endif
+    }
+    ~Turn()
+    {
+#if defined(__SANITIZE_THREAD__)
+        __tsan_release(&BuzzerClass::mutex);
+#endif
+        BuzzerClass::mutex.unlock();
+    }
+    Q_DISABLE_COPY_MOVE(Turn)
+};
+
+Waits withoutLimit()
+{
+    return {Waits::NoStartWait, Waits::Forever, &worker.isStopping()};
+}
+
+bool isOver(const QFuture<void> &self)
+{
+    return worker.isStopping() || (self.isRunning() && self.isCanceled());
+}
+
+void play(const QList<BeepParameter> &steps, const QFuture<void> &self)
+{
+    for (const BeepParameter &step : steps) {
+        if (isOver(self))
+            return;
+        runProgram(QStringLiteral("beep"),
+                   {QStringLiteral("-f"), QString::number(step.frequency), QStringLiteral("-l"),
+                    QString::number(step.length), QStringLiteral("-d"), QString::number(step.delay),
+                    QStringLiteral("-r"), QString::number(step.repeats)},
+                   withoutLimit());
+        runProgram(QStringLiteral("killall"), {QStringLiteral("beep")}, withoutLimit());
+    }
+}
+
+/** How long a tone sounds, in ms and without its pauses: no real one is over any sooner. */
+qint64 soundingTime(const QList<BeepParameter> &steps)
+{
+    qint64 time = 0;
+    for (const BeepParameter &step : steps)
+        time += qint64(step.length) * step.repeats;
+    return time;
+}
+
+/** Waits after a tone that cannot have sounded, lest it be repeated without a pause. */
+void waitForNextRound(const QElapsedTimer &sinceStart, qint64 sounding, const QFuture<void> &self)
+{
+    if (sounding > 0 && sinceStart.elapsed() >= sounding)
+        return;
+    while (sinceStart.elapsed() < std::max(sounding, shortestRepeat) && !isOver(self))
+        QThread::msleep(pauseStep);
+}
+
+/** Ends what is beeping: the worker first, then what a step may have left. */
+void silence()
+{
+    while (!BuzzerClass::future.isFinished()) {
+        BuzzerClass::future.cancel();
+        BuzzerClass::future.waitForFinished();
+        runDirect(killBeep, killallWaits);
+    }
+}
+
+void playOnce(BuzzerClass::Tone tone)
+{
+    if (!BuzzerClass::future.isFinished())
+        return; // a tone is never cut short by a single one
+    worker.start([tone] { BuzzerClass::_beep(tone); });
+    while (!BuzzerClass::future.isRunning() && !BuzzerClass::future.isFinished()) {
+        log() << "czekam...";
+        QThread::msleep(1);
+    }
+}
+
+} // namespace
+
+void BuzzerClass::BuzzerClass_Initialiser(KTV_Configuration::MeterModels model, const QString &path,
+                                          bool soundOff)
+{
+    storeShared(pernamentOff, soundOff);
+    storeShared(Sound::pernamentOFF, soundOff);
+    playWave = model == KTV_Configuration::KTV_4200 || model == KTV_Configuration::KTV_4400;
+    if (playWave)
+        _pathtoWave = path;
+    if (!toneDefinition.isEmpty())
+        return;
+    toneDefinition = toneSteps();
+    toneTranscode = toneSamples();
+}
+
+void BuzzerClass::BuzzerClass_Free()
+{
+    worker.stop(); // it reads the tables
+    const Turn turn;
+    Sound::KillProcess();
+    toneDefinition.clear();
+    toneTranscode.clear();
+}
+
+void BuzzerClass::Beep(Tone tone, bool loop)
+{
+    if (loadShared(pernamentOff))
+        return;
+    const Turn turn;
+    const auto sample = toneTranscode.constFind(tone);
+    if (playWave && sample != toneTranscode.constEnd()) {
+        Sound::Play(*sample, loop, true, _pathtoWave);
+    } else if (tone == Tone_Empty) {
+        log() << "BuzzerClass::Beep tone empty";
+        silence();
+    } else if (!loop) {
+        log() << "BuzzerClass::Beep play";
+        playOnce(tone);
+    } else {
+        log() << "BuzzerClass::Beep repeat";
+        silence();
+        worker.start([tone] { _loopBeep(tone); });
+    }
+}
+
+void BuzzerClass::ClearBeepInterface()
+{
+    runDirect(QStringLiteral("beep -f 1 -l 0"), Waits());
+    Internal::startDetached(killBeep);
+}
+
+void BuzzerClass::_beep(Tone tone)
+{
+    play(toneDefinition.value(tone), worker.handle());
+}
+
+void BuzzerClass::_loopBeep(Tone tone)
+{
+    const QFuture<void> self = worker.handle();
+    const QList<BeepParameter> steps = toneDefinition.value(tone);
+    const qint64 sounding = soundingTime(steps);
+    while (!isOver(self)) {
+        QElapsedTimer sinceStart;
+        sinceStart.start();
+        play(steps, self);
+        waitForNextRound(sinceStart, sounding, self);
+    }
+}
+
+} // namespace Buzzer

@@ -1,0 +1,68 @@
+#include <datasource/KTV_DataSource.h>
+#include <sound/BuzzerClass.h>
+#include <tools/Tools.h>
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QThreadPool>
+
+#include <csignal>
+#include <cstdlib>
+#include <map>
+#include <string>
+
+using Buzzer::BuzzerClass;
+using QERNTools::Tools;
+using SoundNamespace::Sound;
+
+namespace {
+
+bool startTone(KTV_Configuration::MeterModels model, BuzzerClass::Tone tone, bool loop)
+{
+    BuzzerClass::BuzzerClass_Initialiser(model, QStringLiteral("/etc/wav/"), false);
+    BuzzerClass::Beep(tone, loop);
+    return Sound::process || BuzzerClass::future.isRunning();
+}
+
+using Start = bool (*)();
+const std::map<std::string, Start> starts {
+    {"bridge", [] { return Tools::StartHardwareCalibrationMode(); }},
+    {"tone", [] { return startTone(KTV_Configuration::KTV_420, BuzzerClass::Tone_Alarm, true); }},
+    {"melody",
+     [] { return startTone(KTV_Configuration::KTV_420, BuzzerClass::Tone_Melody, false); }},
+    {"sample",
+     [] { return startTone(KTV_Configuration::KTV_4200, BuzzerClass::Tone_Melody, false); }},
+    {"loop", [] { return startTone(KTV_Configuration::KTV_4200, BuzzerClass::Tone_Alarm, true); }},
+};
+
+constexpr int notStarted = 3;
+
+} // namespace
+
+/** leaver WHAT HOW: starts something, then leaves while it goes on. */
+int main(int argc, char *argv[])
+{
+    const Start start = starts.at(argv[1]);
+    const std::string how = argv[2];
+    QThreadPool::globalInstance()->setMaxThreadCount(1);
+    if (how == "without an application")
+        return start() ? 0 : notStarted;
+    if (how == "application kept") {
+        new QCoreApplication(argc, argv);
+        return start() ? 0 : notStarted;
+    }
+    QCoreApplication application(argc, argv);
+    if (how == "facade deleted") {
+        const KTV_DataSource facade;
+        return start() ? 0 : notStarted;
+    }
+    if (how == "facade is the application's")
+        new KTV_DataSource(&application);
+    if (!start())
+        return notStarted;
+    if (how == "exit")
+        std::exit(0);
+    if (how == "killed")
+        std::raise(SIGKILL);
+    return 0;
+}

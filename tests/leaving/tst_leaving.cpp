@@ -1,0 +1,92 @@
+#include "support/Meter.h"
+
+#include <QtTest>
+
+#include <memory>
+#include <vector>
+
+/** A client that leaves in the midst of it: it ends, and nothing of it stays behind. */
+class TstLeaving : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void leaves_data();
+    void leaves();
+    void dies();
+    void isFreeToStartAgain();
+
+private:
+    static std::unique_ptr<QProcess> start(const QString &what, const QString &how);
+    static QStringList leftBehind();
+};
+
+void TstLeaving::initTestCase()
+{
+    QProcess::execute("modprobe-usb-gadget", {"g_serial"});
+    Meter::setBehaviour("beep", "hang=1"); // a tone without an end, not even of its first step
+}
+
+std::unique_ptr<QProcess> TstLeaving::start(const QString &what, const QString &how)
+{
+    auto leaver = std::make_unique<QProcess>();
+    leaver->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    leaver->start(LEAVER, {what, how});
+    return leaver;
+}
+
+QStringList TstLeaving::leftBehind()
+{
+    QStringList all;
+    for (const char *program : {"leaver", "socat", "beep", "aplay", "cat"})
+        all += Meter::processes(program);
+    return all;
+}
+
+void TstLeaving::leaves_data()
+{
+    QTest::addColumn<QString>("how");
+    for (const char *how : {"application deleted", "application kept", "without an application",
+                            "exit", "facade deleted", "facade is the application's"})
+        QTest::newRow(how) << how;
+}
+
+void TstLeaving::leaves()
+{
+    QFETCH(QString, how);
+    std::vector<std::unique_ptr<QProcess>> leavers;
+    for (const char *what : {"bridge", "tone", "melody", "sample", "loop"}) {
+        leavers.push_back(start(what, how));
+        if (how.startsWith("facade"))
+            leavers.back()->waitForFinished(30000); // one at a time has the databases
+    }
+    for (const auto &leaver : leavers) {
+        const bool isOver =
+            leaver->state() == QProcess::NotRunning || leaver->waitForFinished(30000);
+        QVERIFY2(isOver, qPrintable(leaver->arguments().first()));
+        QCOMPARE(leaver->exitStatus(), QProcess::NormalExit);
+        QVERIFY2(leaver->exitCode() == 0, qPrintable(leaver->arguments().first()));
+    }
+    // The loudspeaker's program notices the end of its player on its own.
+    QTRY_COMPARE(leftBehind(), QStringList());
+}
+
+void TstLeaving::dies()
+{
+    for (const char *what : {"bridge", "tone"}) {
+        const auto leaver = start(what, "killed");
+        QVERIFY(leaver->waitForFinished(30000));
+        QCOMPARE(leaver->exitStatus(), QProcess::CrashExit);
+    }
+    QTRY_COMPARE(leftBehind(), QStringList());
+}
+
+void TstLeaving::isFreeToStartAgain()
+{
+    const auto leaver = start("bridge", "application deleted");
+    QVERIFY(leaver->waitForFinished(30000));
+    QCOMPARE(leaver->exitCode(), 0);
+}
+
+KTV_METER_TEST_MAIN(TstLeaving)
+#include "tst_leaving.moc"

@@ -1,0 +1,447 @@
+#include "support/LogCapture.h"
+#include "support/Meter.h"
+
+#include <datasource/KTV_DataSource.h>
+#include <sound/Sound.h>
+
+#include <QtTest>
+
+#include <thread>
+
+using SoundNamespace::Sound;
+
+/** The player of recorded samples, with the real aplay and a loudspeaker that remembers. */
+class TstSound : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void names_data();
+    void names();
+    void playsOnce();
+    void playsOverAndOver();
+    void silenceSparesALoop();
+    void silenceEndsASingleSample();
+    void newSoundEndsTheFormer_data();
+    void newSoundEndsTheFormer();
+    void switches_data();
+    void switches();
+    void pathIsOneArgument();
+    void missingPlayer();
+    void missingShell();
+    void missingPkill();
+    void hangingPkill();
+    void loopThatCannotSoundStandsStill_data();
+    void loopThatCannotSoundStandsStill();
+    void nothingToKill();
+    void killsLoopsOfOthers();
+    void indentedIdsAreNotFound();
+    void volume_data();
+    void volume();
+    void missingMixer();
+    void fromTwoThreads();
+    void endsWithTheFacade();
+
+private:
+    static QStringList calls(const QString &program);
+    /** The loudspeaker's latest recording. */
+    static QByteArray heard();
+
+    const QByteArray searchPath = qgetenv("PATH");
+};
+
+namespace {
+
+const QString samples = QStringLiteral("/etc/wav/");
+const QString once = QStringLiteral("aplay -t raw -f S16_LE -r 44100 ");
+
+} // namespace
+
+void TstSound::initTestCase()
+{
+    for (const char *program : {"aplay", "sh", "pkill", "killall", "kill", "cat"})
+        Meter::recordProgram(program);
+}
+
+void TstSound::init()
+{
+    for (const QFileInfo &file : QDir("/run/meter/audio").entryInfoList(QDir::Files))
+        QFile::remove(file.filePath());
+    Meter::clearJournal();
+}
+
+void TstSound::cleanup()
+{
+    qputenv("PATH", searchPath);
+    for (const char *program : {"aplay", "pkill", "amixer", "ps"}) {
+        Meter::showProgram(program);
+        Meter::setBehaviour(program, {});
+    }
+    for (const char *program : {"aplay", "pkill"})
+        Meter::recordProgram(program);
+    Sound::pernamentOFF = false;
+    Sound::SoundEnable = true;
+    Sound::KillProcess();
+    for (const char *program : {"aplay", "cat"})
+        QTRY_COMPARE(Meter::processes(program), QStringList());
+}
+
+QStringList TstSound::calls(const QString &program)
+{
+    QStringList found;
+    for (const QString &call : Meter::journal()) {
+        if (call == program || call.startsWith(program + ' '))
+            found += call;
+    }
+    return found;
+}
+
+QByteArray TstSound::heard()
+{
+    const auto files = QDir("/run/meter/audio").entryInfoList(QDir::Files, QDir::Name);
+    return files.isEmpty() ? QByteArray() : Meter::readFile(files.last().filePath());
+}
+
+void TstSound::names_data()
+{
+    QTest::addColumn<int>("value");
+    QTest::addColumn<QString>("name");
+    const QStringList names {"SOUND_Empty",
+                             "SOUND_DELETED_BANK",
+                             "SOUND_ERROR",
+                             "SOUND_ERROR_SHORT",
+                             "SOUND_ESC_STOP_MEAS",
+                             "SOUND_FUSE_TEST",
+                             "SOUND_MEAS_END_WITH_FAIL",
+                             "SOUND_MEAS_END_WITH_PASS",
+                             "SOUND_MEM_WRITE",
+                             "SOUND_Riso_CURRENT_LIMIT",
+                             "SOUND_SET_ACCEPT",
+                             "SOUND_SET_DECLINE",
+                             "SOUND_USER_MUST_DECIDE",
+                             "intro",
+                             "sheep"};
+    for (int i = 0; i < names.size(); ++i)
+        QTest::newRow(qPrintable(names[i])) << i << names[i];
+    QTest::newRow("below the first") << -1 << "";
+    QTest::newRow("above the last") << 15 << "";
+}
+
+void TstSound::names()
+{
+    QFETCH(int, value);
+    QTEST(Sound::SampleToString(Sound::Sample(value)), "name");
+}
+
+void TstSound::playsOnce()
+{
+    const LogCapture log;
+    Sound::Play(Sound::SOUND_ERROR_SHORT, false, false, samples);
+    QVERIFY(Sound::process);
+    QVERIFY(!Sound::_isLoop);
+    QTRY_COMPARE(Sound::process->state(), QProcess::NotRunning); // it ends by itself
+    QVERIFY(Sound::process);
+    QCOMPARE(Meter::journal(), QStringList(once + "/etc/wav/SOUND_ERROR_SHORT.raw"));
+    const QByteArray sample = Meter::readFile("/etc/wav/SOUND_ERROR_SHORT.raw");
+    QVERIFY(sample.size() > 1000);
+    QCOMPARE(heard().left(sample.size()), sample);
+
+    Sound::KillProcess(); // nobody is left for pkill
+    QVERIFY(!Sound::process);
+    QCOMPARE(calls("pkill"), QStringList());
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TstSound::playsOverAndOver()
+{
+    const LogCapture log;
+    Sound::Play(Sound::SOUND_ERROR_SHORT, true, false, samples);
+    QVERIFY(Sound::process);
+    QVERIFY(Sound::_isLoop);
+    const QByteArray sample = Meter::readFile("/etc/wav/SOUND_ERROR_SHORT.raw");
+    QTRY_VERIFY(heard().size() > 2 * sample.size());
+    QVERIFY(heard().startsWith(sample + sample));
+    QCOMPARE(calls("sh"),
+             QStringList("sh -c while true; do cat /etc/wav/SOUND_ERROR_SHORT.raw; done  | aplay "
+                         "-t raw -f S16_LE -r 44100"));
+
+    const QString id = QString::number(Sound::process->processId());
+    Sound::KillProcess();
+    QCOMPARE(calls("pkill"), QStringList("pkill -P " + id));
+    QVERIFY(!Sound::process);
+    QVERIFY(!Sound::_isLoop);
+    QTRY_COMPARE(Meter::processes("aplay"), QStringList());
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TstSound::silenceSparesALoop()
+{
+    Sound::Play(Sound::SOUND_ERROR, true, false, samples);
+    Sound::Play(Sound::SOUND_Empty, false, false, samples);
+    QVERIFY(Sound::process);
+    QVERIFY(Sound::_isLoop);
+    QVERIFY(Sound::process->state() == QProcess::Running);
+    Sound::SoundEnable = false; // does not keep a loop from being ended
+    Sound::Play(Sound::SOUND_Empty, true, false, samples);
+    QVERIFY(!Sound::process);
+    QVERIFY(!Sound::_isLoop);
+}
+
+void TstSound::silenceEndsASingleSample()
+{
+    Sound::Play(Sound::intro, false, false, samples);
+    const QString id = QString::number(Sound::process->processId());
+    Sound::Play(Sound::SOUND_Empty, false, false, samples);
+    QVERIFY(!Sound::process);
+    QCOMPARE(calls("pkill"), QStringList("pkill -P " + id));
+}
+
+void TstSound::newSoundEndsTheFormer_data()
+{
+    QTest::addColumn<bool>("formerLoops");
+    QTest::addColumn<bool>("loops");
+    QTest::newRow("single, single") << false << false;
+    QTest::newRow("single, loop") << false << true;
+    QTest::newRow("loop, single") << true << false;
+    QTest::newRow("loop, loop") << true << true;
+}
+
+void TstSound::newSoundEndsTheFormer()
+{
+    QFETCH(bool, formerLoops);
+    QFETCH(bool, loops);
+    Sound::Play(Sound::intro, formerLoops, false, samples);
+    const QString id = QString::number(Sound::process->processId());
+    QTRY_COMPARE(Meter::processes("aplay").size(), 1);
+    const QStringList former = Meter::processes("aplay");
+    Sound::Play(Sound::sheep, loops, false, samples);
+    QCOMPARE(calls("pkill"), QStringList("pkill -P " + id));
+    QCOMPARE(Sound::_isLoop, loops);
+    QTRY_VERIFY(Meter::processes("aplay").size() == 1 && Meter::processes("aplay") != former);
+}
+
+void TstSound::switches_data()
+{
+    QTest::addColumn<bool>("off");
+    QTest::addColumn<bool>("enabled");
+    QTest::addColumn<bool>("force");
+    QTest::addColumn<bool>("sounds");
+    QTest::newRow("as usual") << false << true << false << true;
+    QTest::newRow("disabled") << false << false << false << false;
+    QTest::newRow("disabled, forced") << false << false << true << true;
+    QTest::newRow("off") << true << true << false << false;
+    QTest::newRow("off, forced") << true << true << true << false;
+}
+
+void TstSound::switches()
+{
+    QFETCH(bool, off);
+    QFETCH(bool, enabled);
+    QFETCH(bool, force);
+    QFETCH(bool, sounds);
+    Sound::pernamentOFF = off;
+    Sound::SoundEnable = enabled;
+    for (const bool loop : {false, true}) {
+        Sound::Play(Sound::SOUND_ERROR, loop, force, samples);
+        QCOMPARE(Sound::process != nullptr, sounds);
+        QCOMPARE(Sound::_isLoop, sounds && loop);
+    }
+    if (!off)
+        return;
+    Sound::Play(Sound::SOUND_Empty, true, force, samples);
+    QCOMPARE(Meter::journal(), QStringList());
+}
+
+void TstSound::pathIsOneArgument()
+{
+    const QString directory = "/tmp/a \"b c\" -d 9/";
+    QVERIFY(QDir().mkpath(directory));
+    QVERIFY(QFile::copy("/etc/wav/SOUND_ERROR.raw", directory + "SOUND_ERROR.raw"));
+    Meter::replaceProgram("aplay", "for word; do echo \"$word\"; done >/tmp/words");
+    Sound::Play(Sound::SOUND_ERROR, false, false, directory);
+    QTRY_VERIFY(Meter::readFile("/tmp/words").endsWith(".raw\n"));
+    QCOMPARE(Meter::readFile("/tmp/words"),
+             "-t\nraw\n-f\nS16_LE\n-r\n44100\n" + directory.toUtf8() + "SOUND_ERROR.raw\n");
+}
+
+void TstSound::missingPlayer()
+{
+    Meter::hideProgram("aplay");
+    const LogCapture log;
+    Sound::_beep("/etc/wav/intro.raw");
+    QVERIFY(!Sound::process);
+    QCOMPARE(Meter::journal(), QStringList());
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TstSound::missingShell()
+{
+    qputenv("PATH", "/nowhere");
+    const LogCapture log;
+    Sound::_loopBeep("/etc/wav/intro.raw");
+    QVERIFY(!Sound::_isLoop);
+    QCOMPARE(log.lines(), QStringList("Sound::_loopBeep: waitForStarted error:"));
+}
+
+void TstSound::missingPkill()
+{
+    Sound::Play(Sound::intro, true, false, samples);
+    QTRY_VERIFY(!heard().isEmpty());
+    Meter::hideProgram("pkill");
+    const LogCapture log;
+    Sound::KillProcess();
+    QCOMPARE(log.lines(),
+             QStringList({"Sound::KillProcess(): start pkill no run at 1s",
+                          "Sound::KillProcess(): stop pkill no at 1s"}));
+    QTRY_COMPARE(Meter::processes("aplay"), QStringList()); // gone all the same
+}
+
+void TstSound::hangingPkill()
+{
+    Sound::Play(Sound::intro, true, false, samples);
+    Meter::setBehaviour("pkill", "hang=1");
+    const LogCapture log;
+    Sound::KillProcess();
+    QCOMPARE(log.lines(), QStringList("Sound::KillProcess(): stop pkill no at 1s"));
+    QVERIFY(!Sound::process);
+}
+
+void TstSound::loopThatCannotSoundStandsStill_data()
+{
+    QTest::addColumn<bool>("hasPlayer");
+    QTest::addColumn<QString>("file");
+    QTest::newRow("no player") << false << "/etc/wav/intro.raw";
+    QTest::newRow("no file") << true << "/etc/wav/none.raw";
+}
+
+void TstSound::loopThatCannotSoundStandsStill()
+{
+    QFETCH(bool, hasPlayer);
+    QFETCH(QString, file);
+    if (!hasPlayer)
+        Meter::hideProgram("aplay");
+    Sound::_loopBeep(file);
+    QVERIFY(Sound::_isLoop);
+    QStringList before;
+    int unchanged = 0;
+    QTRY_VERIFY([&] {
+        const QStringList now = Meter::processes("cat");
+        unchanged = now == before && !now.isEmpty() ? unchanged + 1 : 0;
+        before = now;
+        return unchanged >= 5;
+    }());
+    QVERIFY(calls("cat").size() > 1);
+}
+
+void TstSound::nothingToKill()
+{
+    Sound::_isLoop = true;
+    Sound::KillProcess();
+    QVERIFY(!Sound::_isLoop);
+    QCOMPARE(Meter::journal(), QStringList());
+}
+
+void TstSound::killsLoopsOfOthers()
+{
+    QVERIFY(QProcess::startDetached("/bin/sh",
+                                    {"-c",
+                                     "while true; do cat /etc/wav/intro.raw; done | "
+                                     "/usr/bin/aplay -t raw -f S16_LE -r 44100 -q"}));
+    QTRY_VERIFY(!heard().isEmpty());
+    // Unlike busybox's, this list has its ids at the left: the shell and the loop's own.
+    Meter::replaceProgram("ps", "exec /usr/bin/pgrep -a -f '/etc/wav/[i]ntro'");
+    Sound::Play(Sound::sheep, true, false, samples);
+    QTRY_COMPARE(calls("aplay").size(), 1);
+    Meter::clearJournal();
+    const LogCapture log;
+    Sound::KillProcess2();
+    QCOMPARE(calls("sh"), QStringList("sh -c ps | grep \"[s]h -c while true; do cat /etc/wav/\""));
+    QCOMPARE(calls("killall"), QStringList("killall aplay"));
+    QVERIFY(!Sound::process);
+    QVERIFY(!Sound::_isLoop);
+
+    QCOMPARE(log.lines().size(), 3);
+    QCOMPARE(log.lines().last(), "KILL2: PID:"); // after the last line end
+    QTRY_COMPARE(calls("kill").size(), 3);
+    for (const QString &line : log.lines().mid(0, 2)) {
+        const QString id = line.mid(QStringLiteral("KILL2: PID:").size());
+        QVERIFY(id.toInt() > 0);
+        QVERIFY(calls("kill").contains("kill " + id));
+        QTRY_VERIFY(!QFile::exists("/proc/" + id));
+    }
+    QVERIFY(calls("kill").contains("kill"));
+}
+
+void TstSound::indentedIdsAreNotFound()
+{
+    Sound::Play(Sound::sheep, true, false, samples);
+    const LogCapture log;
+    Sound::KillProcess2(); // ids of less than five digits, here as on a device just started
+    for (const QString &line : log.lines())
+        QCOMPARE(line, "KILL2: PID:");
+    QVERIFY(log.lines().size() >= 2);
+    QCOMPARE(calls("killall"), QStringList("killall aplay"));
+    QVERIFY(!Sound::process);
+}
+
+void TstSound::volume_data()
+{
+    QTest::addColumn<int>("percent");
+    QTest::addColumn<QString>("set");
+    QTest::newRow("below 0") << -5 << "0%";
+    QTest::newRow("0") << 0 << "0%";
+    QTest::newRow("between") << 42 << "42%";
+    QTest::newRow("100") << 100 << "100%";
+    QTest::newRow("above 100") << 150 << "100%";
+}
+
+void TstSound::volume()
+{
+    QFETCH(int, percent);
+    QFETCH(QString, set);
+    const LogCapture log;
+    Sound::SetVolumme(percent);
+    QCOMPARE(Meter::journal(), QStringList("amixer set DAC R&L " + set));
+    QCOMPARE(Meter::readFile("/run/meter/volume").trimmed() + '%', set.toLatin1());
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TstSound::missingMixer()
+{
+    Meter::hideProgram("amixer");
+    const LogCapture log;
+    Sound::SetVolumme(50);
+    QCOMPARE(log.lines(), QStringList("Sound::SetVolumme() no finish!"));
+}
+
+void TstSound::fromTwoThreads()
+{
+    const LogCapture log;
+    for (int i = 0; i < 5; ++i) {
+        std::thread([] { Sound::Play(Sound::intro, true, false, samples); }).join();
+        QVERIFY(Sound::process);
+        Sound::Play(Sound::sheep, true, false, samples);
+        std::thread([] { Sound::Play(Sound::SOUND_Empty, true, false, samples); }).join();
+        QVERIFY(!Sound::process);
+    }
+    QTRY_COMPARE(Meter::processes("aplay"), QStringList());
+    QCOMPARE(calls("pkill").size(), 10);
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TstSound::endsWithTheFacade()
+{
+    {
+        const KTV_DataSource facade;
+        Sound::Play(Sound::intro, true, false, samples);
+        QTRY_VERIFY(!heard().isEmpty());
+    }
+    QVERIFY(!Sound::process);
+    QTRY_COMPARE(Meter::processes("aplay"), QStringList());
+}
+
+KTV_METER_TEST_MAIN(TstSound)
+#include "tst_sound.moc"
