@@ -65,8 +65,8 @@ int misuse(const QString &reason);
 /** One thing that ktvctl does: `ktvctl FAMILY VERB ARGUMENTS`. */
 struct Verb
 {
-    const char *name; ///< empty: the family's name alone is the command
-    const char *arguments; ///< as help shows them: "KEY [VALUE] [NAME...]"
+    QByteArray name; ///< one word or two; empty: the family's name alone is the command
+    QByteArray arguments; ///< as help shows them: "KEY [VALUE] [NAME...]"
     const char *summary;
     int (*run)(const Call &call);
     QList<QCommandLineOption> options = {};
@@ -87,5 +87,6 @@ Family firstStartFamily();
 Family helpFamily();
 Family infoFamily();
 Family langFamily();
+Family listsFamily();
 Family settingsFamily();
 Family watchFamily();

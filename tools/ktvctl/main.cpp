@@ -16,8 +16,8 @@ namespace {
 const std::vector<Family> &families()
 {
     static const std::vector<Family> all {
-        infoFamily(), settingsFamily(), langFamily(),       helpFamily(),  countersFamily(),
-        diskFamily(), filenameFamily(), firstStartFamily(), watchFamily(),
+        infoFamily(),     settingsFamily(), langFamily(),     helpFamily(),       listsFamily(),
+        countersFamily(), diskFamily(),     filenameFamily(), firstStartFamily(), watchFamily(),
     };
     return all;
 }
@@ -121,21 +121,21 @@ bool asksForHelp(const QString &word)
     return word == QLatin1String("--help") || word == QLatin1String("-h");
 }
 
-int runFamily(const Family &family, QStringList words)
+int runFamily(const Family &family, const QStringList &words)
 {
-    if (*family.verbs.front().name == '\0')
+    if (family.verbs.front().name.isEmpty())
         return runVerb(family, family.verbs.front(), words);
     if (words.isEmpty() || asksForHelp(words.first())) {
         printHelp(&family);
         return words.isEmpty() ? UsageError : Success;
     }
-    const QString name = words.takeFirst();
     for (const Verb &verb : family.verbs) {
-        if (name == QLatin1String(verb.name))
-            return runVerb(family, verb, words);
+        const QStringList name = QString::fromLatin1(verb.name).split(QLatin1Char(' '));
+        if (words.mid(0, name.size()) == name)
+            return runVerb(family, verb, words.mid(name.size()));
     }
     return misuse(QStringLiteral("no command '%1 %2'; see ktvctl %1 --help")
-                      .arg(QLatin1String(family.name), name));
+                      .arg(QLatin1String(family.name), words.first()));
 }
 
 } // namespace

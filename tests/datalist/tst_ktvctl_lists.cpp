@@ -1,0 +1,100 @@
+#include "ListStore.h"
+#include "support/Meter.h"
+
+#include <QProcess>
+#include <QtTest>
+
+/** The pick lists from the command line. */
+class TstKtvctlLists : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+
+    // One story: each row goes on where the one before ended.
+    void story_data();
+    void story();
+    void closedStore();
+};
+
+void TstKtvctlLists::initTestCase()
+{
+    ListStore::clear();
+    ListStore::writeDefaults("EN", "obiectTyp", "Cable\nCable lug\nMotor\n");
+    ListStore::writeDefaults("EN", "obiectName", "");
+    ListStore::writeDefaults("EN", "materials", "Copper?0.00393\n");
+    ListStore::writeDefaults("PL", "obiectTyp", "Silnik\n");
+}
+
+void TstKtvctlLists::story_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("output");
+    const auto row = [](const char *name, const char *words, int exitCode, const QString &output) {
+        QTest::newRow(name) << QString(words).split('|') << exitCode << output;
+    };
+    row("factory rows", "types|list", 0,
+        "   1  factory  Cable\n   2  factory  Cable lug\n   3  factory  Motor\n");
+    row("filter and limit", "types|list|--filter|CABLE|--limit|1", 0, "   1  factory  Cable\n");
+    row("no user rows yet", "types|list|--user", 0, "");
+    row("no user rows yet, JSON", "types|list|--user|--json", 0, "[]\n");
+    row("add", "types|add|My motor", 0, "");
+    row("added", "types|list|--user|--json", 0,
+        "[{\"factory\":false,\"id\":4,\"value\":\"My motor\"}]\n");
+    row("add again", "types|add|My motor", 1, "");
+    row("add nothing", "types|add|", 2, "");
+    row("rename", "types|update|4|Ours", 0, "");
+    row("renamed", "types|list|--user", 0, "   4  user     Ours\n");
+    row("rename a factory row", "types|update|1|Ours", 1, "");
+    row("delete a factory row", "types|delete|1", 1, "");
+    row("delete an absent row", "types|delete|99", 1, "");
+    row("delete no number", "types|delete|99999999999", 2, "");
+    row("only factory rows", "types|list|--factory|--limit|1", 0, "   1  factory  Cable\n");
+    row("delete", "types|delete|4", 0, "");
+    row("another language", "types|list|--lang|PL", 0, "   4  factory  Silnik\n");
+    row("name", "names|add|Rotor", 0, "");
+    row("names", "names|list", 0, "   1  user     Rotor\n");
+    row("material", "materials|add|--|Foo|-0.004", 0, "");
+    row("material without number", "materials|add|Foo|much", 2, "");
+    row("materials", "materials|list|--json", 0,
+        "[{\"alpha\":0.00393,\"factory\":true,\"id\":1,\"name\":\"Copper\"},"
+        "{\"alpha\":-0.004,\"factory\":false,\"id\":2,\"name\":\"Foo\"}]\n");
+    row("resistance limits", "limits-r|add|pair|2|", 0, "");
+    row("resistance limits changed", "limits-r|update|1|pair|3|1", 0, "");
+    row("resistance limits listed", "limits-r|list|--json", 0,
+        "[{\"high\":\"3\",\"id\":1,\"low\":\"1\",\"name\":\"pair\"}]\n");
+    row("resistance limits deleted", "limits-r|delete|1", 0, "");
+    row("resistance limits gone", "limits-r|list", 0, "");
+    row("temperature limits", "limits-t|add|warm|212|32|--unit|fahrenheit", 0, "");
+    row("in kelvins", "limits-t|list|--unit|kelvin", 0, "   1  warm  373.15 K  273.15 K\n");
+    row("in no unit", "limits-t|list|--unit|hot", 2, "");
+    row("no such limit", "types|list|--limit|many", 2, "");
+    row("no such list", "things|list", 2, "");
+    row("no such verb", "types|sort", 2, "");
+}
+
+void TstKtvctlLists::story()
+{
+    QFETCH(QStringList, arguments);
+    QProcess ktvctl;
+    ktvctl.start(KTVCTL, QStringList("lists") + arguments);
+    QVERIFY(ktvctl.waitForFinished());
+    QTEST(QString::fromUtf8(ktvctl.readAllStandardOutput()), "output");
+    QTEST(ktvctl.exitCode(), "exitCode");
+    QCOMPARE(ktvctl.readAllStandardError().isEmpty(), ktvctl.exitCode() == 0);
+}
+
+void TstKtvctlLists::closedStore()
+{
+    QVERIFY(QFile::remove(ListStore::file));
+    QVERIFY(QDir().mkpath(ListStore::file));
+    QProcess ktvctl;
+    ktvctl.start(KTVCTL, {"lists", "types", "list"});
+    QVERIFY(ktvctl.waitForFinished());
+    QCOMPARE(ktvctl.exitCode(), 1);
+    QVERIFY(ktvctl.readAllStandardError().contains("/media/sdcard/UserData/"));
+}
+
+KTV_METER_TEST_MAIN(TstKtvctlLists)
+#include "tst_ktvctl_lists.moc"
