@@ -12,6 +12,9 @@ namespace {
 constexpr qint64 largestFile = 4 * 1024 * 1024;
 // A document of some tens of thousands of levels overflows the stack when it is destroyed.
 constexpr int deepestNesting = 10000;
+// The parser descends at each bracket of a declaration, compares each entity with all others,
+// and an entity may stand for 4096 characters, tags included. No real file comes near.
+constexpr int mostDeclared = 1000;
 
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
@@ -38,17 +41,39 @@ private:
 };
 
 /** Reads with the parser of the document itself, so that both take the same texts. */
-bool isTooDeep(const QByteArray &text)
+bool isTooDeep(QXmlInputSource &source)
 {
-    if (text.count('<') <= deepestNesting) // what every real file comes down to
-        return false;
-    QXmlInputSource source;
-    source.setData(text);
     DepthCheck check;
     QXmlSimpleReader reader;
     reader.setContentHandler(&check);
     reader.parse(source);
     return check.hasStopped();
+}
+
+/** Whether a document type brings declarations of its own. */
+bool hasDeclarations(const QString &text)
+{
+    return text.contains(QLatin1String("<!DOCTYPE"))
+        && (text.contains(QLatin1String("<!ENTITY")) || text.contains(QLatin1String("<!ELEMENT"))
+            || text.contains(QLatin1String("<!ATTLIST")));
+}
+
+/** What in the text would make the parser or the document die; null for a harmless one. */
+const char *dangerIn(const QByteArray &bytes)
+{
+    QXmlInputSource source;
+    source.setData(bytes);
+    const QString text = source.data();
+    const bool declares = hasDeclarations(text);
+    if (declares
+        && text.count('(') + text.count('&') + text.count('%')
+                + text.count(QLatin1String("<!ENTITY"))
+            > mostDeclared)
+        return "too many declarations";
+    // Every real file comes down to a few thousand tags.
+    if ((declares || text.count('<') > deepestNesting) && isTooDeep(source))
+        return "elements nested too deeply";
+    return nullptr;
 }
 
 QT_WARNING_POP
@@ -62,8 +87,8 @@ bool parseXml(QIODevice &device, QDomDocument &document, XmlError &error)
         error = {QStringLiteral("file too large"), 0, 0};
         return false;
     }
-    if (isTooDeep(text)) {
-        error = {QStringLiteral("elements nested too deeply"), 0, 0};
+    if (const char *const danger = dangerIn(text)) {
+        error = {QString::fromLatin1(danger), 0, 0};
         return false;
     }
     QDomDocument parsed;

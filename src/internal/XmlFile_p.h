@@ -15,8 +15,9 @@ struct XmlError
 };
 
 /**
- * Parses what @p device holds. A file too large or nested too deeply for the document's
- * recursive destruction is refused as a parse error.
+ * Parses what @p device holds. Refused as a parse error is a file too large, nested too deeply
+ * for the document's recursive destruction, or with more declarations than the parser's stack,
+ * time and memory bear.
  * @return success; on failure @p document is untouched.
  */
 bool parseXml(QIODevice &device, QDomDocument &document, XmlError &error);

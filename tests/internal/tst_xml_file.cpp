@@ -5,6 +5,7 @@
 #include "internal/XmlFile_p.h"
 
 #include <QBuffer>
+#include <QTextCodec>
 #include <QtTest>
 
 /** Parsing of files that may be anything. */
@@ -16,6 +17,8 @@ private slots:
     void sameAsTheDocument();
     void depth_data();
     void depth();
+    void declarations_data();
+    void declarations();
     void size();
     void failureKeepsTheDocument();
     void closedDevice();
@@ -98,6 +101,52 @@ void TstXmlFile::depth()
     Internal::XmlError error;
     QCOMPARE(Internal::parseXml(buffer, document, error), ok);
     QCOMPARE(error.message, ok ? QString() : QStringLiteral("elements nested too deeply"));
+}
+
+void TstXmlFile::declarations_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("message");
+    const auto declared = [](const QByteArray &declaration, const QByteArray &content = {}) {
+        return "<!DOCTYPE a [" + declaration + "]><a>" + content + "</a>";
+    };
+    const QByteArray text4k = "<!ENTITY e \"" + QByteArray(4000, 'x') + "\">";
+    const QByteArray tags4k = "<!ENTITY e \"" + QByteArray("<a>").repeated(1300) + "\">";
+    const auto brackets = [](int levels) -> QByteArray {
+        return "<!ELEMENT a " + QByteArray(levels, '(') + 'a' + QByteArray(levels, ')') + '>';
+    };
+    const QString tooMany = QStringLiteral("too many declarations");
+    QTest::newRow("brackets of a declaration") << declared(brackets(1000)) << QString();
+    QTest::newRow("too many of them") << declared(brackets(1001)) << tooMany;
+    QTest::newRow("far too many") << declared(brackets(1000000)) << tooMany;
+    QTest::newRow("in UTF-16") << QTextCodec::codecForName("UTF-16")->fromUnicode(declared(
+        brackets(100000))) << tooMany;
+    QTest::newRow("brackets of a text") << "<a>" + QByteArray(2000, '(') + "</a>" << QString();
+    QTest::newRow("so, with a document type")
+        << "<!DOCTYPE a><a>" + QByteArray(2000, '(') + "</a>" << QString();
+    QTest::newRow("entities") << declared(text4k, QByteArray("&e;").repeated(999)) << QString();
+    QTest::newRow("too many entities")
+        << declared(text4k, QByteArray("&e;").repeated(1000)) << tooMany;
+    QTest::newRow("entities of an attribute")
+        << "<!DOCTYPE a [" + text4k + "]><a b='" + QByteArray("&e;").repeated(900000) + "'/>"
+        << tooMany;
+    QTest::newRow("declared entities")
+        << declared(QByteArray("<!ENTITY e ''>").repeated(100000)) << tooMany;
+    QTest::newRow("few entities that nest deeply")
+        << declared(tags4k, QByteArray("&e;").repeated(100))
+        << QStringLiteral("elements nested too deeply");
+}
+
+void TstXmlFile::declarations()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, message);
+    QBuffer buffer(&text);
+    QVERIFY(buffer.open(QIODevice::ReadOnly));
+    QDomDocument document;
+    Internal::XmlError error;
+    QCOMPARE(Internal::parseXml(buffer, document, error), message.isEmpty());
+    QCOMPARE(error.message, message);
 }
 
 void TstXmlFile::size()
