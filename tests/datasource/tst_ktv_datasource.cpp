@@ -5,6 +5,7 @@
 #include <configuration/KTV_Configuration.h>
 #include <configuration/KTV_InterfaceConfig.h>
 #include <counters/KTV_Liczniki.h>
+#include <datalist/KTV_DataList.h>
 #include <datasource/KTV_DataSource.h>
 #include <language/LangSerwis.h>
 #include <language/helpManager.h>
@@ -14,6 +15,8 @@
 #include <platform/Update.h>
 #include <platform/skanerQR.h>
 #include <tools/Tools.h>
+#include <valuebox/NumericalValueBox.h>
+#include <wifi/KTV_Connection.h>
 
 #include <QDir>
 #include <QPointer>
@@ -66,6 +69,14 @@ QStringList ofInterest(const QStringList &lines, const QStringList &texts)
     return found;
 }
 
+int knownNetworks(const KTV_DataSource &facade)
+{
+    const std::unique_ptr<QList<WiFi::Network *>> networks(facade.getConnection()->GetMyNetwork());
+    const int count = networks->size();
+    qDeleteAll(*networks);
+    return count;
+}
+
 bool isThere(const QObject *child, const QObject &facade)
 {
     return child && child->parent() == &facade;
@@ -103,6 +114,7 @@ private slots:
     void diskFigures();
 
     void factoryReset();
+    void factoryResetGoesOnInOrder();
     void firstStart_data();
     void firstStart();
     void firstStartFromOddPlaces();
@@ -132,6 +144,8 @@ void TstKtvDataSource::services()
     QVERIFY(isThere(facade->get_Lang(), *facade));
     QVERIFY(isThere(facade->get_InterfaceConfig(), *facade));
     QVERIFY(isThere(facade->getMainConfig(), *facade));
+    QVERIFY(isThere(facade->get_DataList(), *facade));
+    QVERIFY(isThere(facade->getConnection(), *facade));
     QVERIFY(isThere(facade->getPrinter(), *facade));
     QVERIFY(isThere(facade->getSkaner(), *facade));
     QVERIFY(isThere(facade->getLiczniki(), *facade));
@@ -261,9 +275,12 @@ void TstKtvDataSource::serialNumberDecidesTheModel()
     QCOMPARE(offered(), (QStringList {"EN", "PL", "XX"}));
     const LogCapture log;
     facade.setMeterSerialName("DV0001");
-    QVERIFY(log.lines().contains("KTV_Configuration::set_SerialNumber(DV0001)"));
+    const QStringList inOrder {"KTV_Configuration::set_SerialNumber(DV0001)",
+                               "NumericalValueBox::SetCurrentMeter(3)"};
+    QCOMPARE(ofInterest(log.lines(), inOrder), inOrder);
     QCOMPARE(facade.getMainConfig()->get_SerialNumber(), QStringLiteral("DV0001"));
     QCOMPARE(facade.getMainConfig()->get_MeterModel(), KTV_Configuration::KTV_4200);
+    QCOMPARE(ValueBox::NumericalValueBox::currentMeter, KTV_Configuration::KTV_4200);
     QCOMPARE(offered(), (QStringList {"PL", "EN", "US"}));
     QVERIFY(isThere(facade.getHelpManager(), facade));
     QVERIFY(QFileInfo(helpPages + "KTV_4200").isDir());
@@ -434,7 +451,10 @@ void TstKtvDataSource::factoryReset()
     facade.SetLang("PL");
     facade.get_InterfaceConfig()->setValue(KTV_InterfaceConfig::MAIN_Lang, QStringLiteral("PL"));
     facade.getLiczniki()->Up_Licznik_Demagnetyzacja();
+    QVERIFY(facade.getConnection()->AddNetwork("office", ""));
+    QCOMPARE(knownNetworks(facade), 1);
     facade.ClearToDefault();
+    QCOMPARE(knownNetworks(facade), 0);
     QCOMPARE(facade.get_InterfaceConfig()->getValue(KTV_InterfaceConfig::MAIN_Lang,
                                                     QStringLiteral("not set")),
              QStringLiteral("not set"));
@@ -442,6 +462,22 @@ void TstKtvDataSource::factoryReset()
     QCOMPARE(facade.getLiczniki()->get_dictionary(KTV_Liczniki::Licznik_Demagnetyzacja), 1);
     QCOMPARE(facade.get_Lang()->getCurrentLang(), QStringLiteral("PL"));
     QCOMPARE(facade.getMainConfig()->get_SerialNumber(), QStringLiteral("CH1"));
+}
+
+void TstKtvDataSource::factoryResetGoesOnInOrder()
+{
+    KTV_DataSource facade;
+    QVERIFY(QDir(userData).removeRecursively());
+    Meter::writeFile("/media/sdcard/UserData", "in the way");
+    const LogCapture log;
+    facade.ClearToDefault();
+    const auto reason = QStringLiteral("unable to open database file Error opening database");
+    QCOMPARE(
+        log.lines(),
+        (QStringList {"No open :(" + reason, "KTV_InterfaceConfig::RestoreFabricalSetting(): false",
+                      "No open :(", "true", "KTV_Connection - No open database :(true"}));
+    QCOMPARE(Meter::readFile(brightness).trimmed(), QByteArray("50"));
+    QVERIFY(QFile::remove("/media/sdcard/UserData"));
 }
 
 void TstKtvDataSource::firstStart_data()
