@@ -51,11 +51,15 @@ class KTV_DATASOURCE_EXPORT KTV_DataSource : public QObject
 {
     Q_OBJECT
 public:
-    /** Builds every service but the help manager, and starts the disk check (once a minute). */
+    /**
+     * Builds every service but the help manager, and starts the disk check (once a minute).
+     * Blocks while the databases open, the supplicant restarts and the wireless tools answer, as
+     * WiFi::KTV_Connection does. What fails is told on the debug log, and by the service itself.
+     */
     explicit KTV_DataSource(QObject *parent = nullptr);
     /**
      * Silences the buzzer, ends a calibration bridge, saves the counters and the serial number,
-     * then deletes every service.
+     * then deletes every service. Blocks for up to half a second and two writes to the card.
      */
     ~KTV_DataSource() override;
 
@@ -78,9 +82,16 @@ public:
      * the caller's business. setMeterSerialName() must have been called before.
      */
     void SetLang(const QString &code);
-    /** Takes the meter's serial number and renews everything that depends on the model. */
+    /**
+     * Takes the meter's serial number and renews everything that depends on the model. Pointers
+     * to the updater are void from then on; an earlier help manager lives on with the facade.
+     */
     void setMeterSerialName(const QString &serial);
-    /** Factory reset of what a user can change; counters and language in effect stay. */
+    /**
+     * Factory reset of what a user can change: settings, lists, known networks and brightness.
+     * Counters and the language in effect stay. Blocks for the writes to the card; what fails is
+     * told on the debug log, and the rest is reset all the same.
+     */
     void ClearToDefault();
 
     /**

@@ -59,7 +59,7 @@ void TstBackgroundWork::takesNoThreadFromOthers()
 {
     EndlessWork work(handle);
     work.start([&work] { runUntilStopped(work); });
-    QFuture<void> other = QtConcurrent::run([] { });
+    QFuture<void> other = QtConcurrent::run([] {});
     QTRY_VERIFY(other.isFinished());
     QVERIFY(handle.isRunning());
     work.stop();
