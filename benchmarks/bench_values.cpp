@@ -1,4 +1,5 @@
 #include "AllocationCount.h"
+#include "RatioReporter.h"
 #include "ValueSamples.h"
 
 #include <valuebox/NumericalValueBox.h>
@@ -36,6 +37,19 @@ void toString(benchmark::State &state)
     }
 }
 BENCHMARK(toString)->Apply(bothFamilies);
+
+/** Texts without a number of the value's own: missing, negative, above the range, no rows. */
+void toStringOfNoNumber(benchmark::State &state)
+{
+    const ValueSamples samples(KTV_Configuration::KTV_420);
+    NumericalValueBox box(Unit_Ohm, Round_R);
+    const float values[] = {std::numeric_limits<float>::quiet_NaN(), -1, 5, 0};
+    box.setRealValue(values[state.range(0)], state.range(0) == 3 ? testI_200A : testI_10A);
+    const AllocationCounter allocations(state);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(box.toString());
+}
+BENCHMARK(toStringOfNoNumber)->ArgName("case")->DenseRange(0, 3);
 
 /** setRealValue() with a current, and the number that its text shows. */
 void getRealFormatedValue(benchmark::State &state)
@@ -180,4 +194,22 @@ BENCHMARK(parseFloor)->Name("floor/from_chars")->Apply(bothFamilies);
 
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char *argv[])
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    const std::string text = "toString/KTV:3";
+    RatioReporter reporter({{text, "floor/to_chars+QString/KTV:3"},
+                            {text, "floor/to_chars+unit+QString/KTV:3"},
+                            {text, "others/fmt"},
+                            {text, "others/QString::number+concat"},
+                            {text, "others/libsigrok"},
+                            {text, "others/ICU"},
+                            {text, "others/KFormat"},
+                            {text, "others/rules_step_by_step"},
+                            {"parse/KTV:3", "floor/from_chars/KTV:3"},
+                            {"construction", "constructionOfQObject"}});
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    return 0;
+}

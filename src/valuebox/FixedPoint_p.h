@@ -15,9 +15,9 @@ namespace Internal {
 inline double powerOfTen(int exponent)
 {
     constexpr int largest = 9;
-    constexpr std::array<double, 2 * largest + 1> powers {1e-9, 1e-8, 1e-7, 1e-6, 1e-5, 1e-4, 1e-3,
-                                                          1e-2, 1e-1, 1e0,  1e1,  1e2,  1e3,  1e4,
-                                                          1e5,  1e6,  1e7,  1e8,  1e9};
+    static constexpr std::array<double, 2 * largest + 1> powers {
+        1e-9, 1e-8, 1e-7, 1e-6, 1e-5, 1e-4, 1e-3, 1e-2, 1e-1, 1e0,
+        1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9};
     if (exponent < -largest || exponent > largest)
         return std::pow(10.0, exponent);
     return powers[std::size_t(exponent + largest)];
@@ -79,6 +79,7 @@ private:
     }();
 
     static int countDigits(quint64 number);
+    static QChar digit(quint64 value) { return QChar(ushort('0' + value)); }
 
     quint64 m_digits;
     int m_decimals;
@@ -137,21 +138,20 @@ inline QChar *FixedPoint::write(QChar *out, int size) const
     QChar *const end = out + size;
     QChar *position = end;
     quint64 wide = m_digits;
-    int untilPoint = m_decimals;
-    const auto put = [&position, &untilPoint](quint32 digit) {
-        *--position = QChar(ushort('0' + digit));
-        if (--untilPoint == 0)
+    int decimalsLeft = m_decimals;
+    for (; wide > std::numeric_limits<quint32>::max(); wide /= base) {
+        *--position = digit(wide % base);
+        if (--decimalsLeft == 0)
             *--position = QLatin1Char('.');
-    };
-    while (wide > std::numeric_limits<quint32>::max()) {
-        put(quint32(wide % base));
-        wide /= base;
     }
     auto narrow = quint32(wide); // 64-bit divisions are slow on 32-bit ARM
-    while (position != out) {
-        put(narrow % base);
-        narrow /= base;
+    if (decimalsLeft > 0) {
+        for (; decimalsLeft > 0; --decimalsLeft, narrow /= base)
+            *--position = digit(narrow % base);
+        *--position = QLatin1Char('.');
     }
+    for (; position != out; narrow /= base)
+        *--position = digit(narrow % base);
     return end;
 }
 

@@ -2,6 +2,8 @@
 #include "valuebox/NumericalValueBox_p.h"
 #include "valuebox/TextParts_p.h"
 
+#include <QStringBuilder>
+
 #include <cmath>
 
 namespace ValueBox {
@@ -57,7 +59,7 @@ QString longHalfDegrees(float temperature)
 QString NumericalValueBox::formatTemperature(float celsius)
 {
     if (!std::isfinite(celsius))
-        return QLatin1String("--- ") + getUnit(Unit_Temperature);
+        return QLatin1String("--- ") % getUnit(Unit_Temperature);
     prepareStaticDefaultValue(_tUnit);
     const float temperature = converted(celsius, _tUnit);
     const QStringView unit = Internal::unitTexts.text(Unit_Temperature);

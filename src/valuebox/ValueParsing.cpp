@@ -52,62 +52,77 @@ template <typename Key, typename Entries>
 Ending<Key> longestEnding(QStringView part, const Entries &entries)
 {
     Ending<Key> best;
+    if (part.isEmpty())
+        return best;
+    const QChar last = part.back();
     for (const auto &entry : entries) {
-        const QStringView text = *entry.text;
-        if (text.isEmpty() || !endsWith(part, text) || text.size() < best.text.size())
+        const QString &text = *entry.text;
+        const int size = text.size();
+        if (size == 0 || text.constData()[size - 1] != last || !endsWith(part, text))
             continue;
-        if (text.size() > best.text.size() || entry.key < best.key)
+        if (size > best.text.size() || (size == best.text.size() && entry.key < best.key))
             best = {entry.key, text};
     }
     return best;
 }
 
 /**
- * Reads a plain decimal number, as toString() writes it. Up to 15 digits are exact in double
- * precision, and so one division gives the number nearest to the text.
- * @return whether the part is such a number
+ * Reads a plain decimal number, as toString() writes it, up to a blank. Up to 15 digits are exact
+ * in double precision, and so one division gives the number nearest to the text.
+ * @return the number's end; null, and nothing read, when the text starts with anything else
  */
-bool readPlainNumber(QStringView part, ParsedText &content)
+const QChar *readPlainNumber(QStringView text, ParsedText &content)
 {
     constexpr int mostDigits = 15;
     static constexpr std::array<double, mostDigits + 1> powers {
         1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-    const QChar *character = part.begin();
-    const bool isNegative = !part.isEmpty() && *character == QLatin1Char('-');
+    const QChar *const end = text.end();
+    const QChar *character = text.begin();
+    const bool isNegative = character != end && *character == QLatin1Char('-');
     if (isNegative)
         ++character;
     const QChar *const start = character;
     const QChar *point = nullptr;
     quint64 digits = 0;
-    for (; character != part.end(); ++character) {
+    for (; character != end; ++character) {
         const auto digit = quint32(character->unicode()) - '0';
         if (digit <= 9)
             digits = digits * 10 + digit;
         else if (*character == QLatin1Char('.') && !point)
             point = character;
+        else if (*character == QLatin1Char(' '))
+            break;
         else
-            return false;
+            return nullptr;
     }
     const auto count = character - start - (point ? 1 : 0);
     const auto decimals = point ? character - point - 1 : 0;
     if (count > mostDigits || count == decimals || (point && decimals == 0))
-        return false;
+        return nullptr;
     const double magnitude = double(digits) / powers[std::size_t(decimals)];
     content.value = float(isNegative ? -magnitude : magnitude);
     content.precision = int(decimals);
     content.isNumber = true;
-    return true;
+    return character;
 }
 
-void readNumber(QStringView part, ParsedText &content)
+/** Reads a number of any form that QString reads. */
+void readAnyNumber(QStringView part, ParsedText &content)
 {
-    if (readPlainNumber(part, content))
-        return;
     const auto point = part.indexOf(QLatin1Char('.'));
     content.precision = point < 0 ? 0 : int(part.size() - point - 1);
     const float number = part.toString().toFloat(&content.isNumber);
-    if (content.isNumber)
-        content.value = number;
+    content.value = content.isNumber ? number : std::numeric_limits<float>::quiet_NaN();
+}
+
+/** Whether a text occurs in a part and starts before a position. */
+bool startsBefore(const QChar *position, QStringView text, QStringView part)
+{
+    for (const QChar *start = part.begin(); start != position; ++start) {
+        if (std::equal(text.begin(), text.end(), start))
+            return true;
+    }
+    return false;
 }
 
 /** What is left of a unit part without its unit's text, wherever that stands. */
@@ -123,9 +138,9 @@ void readUnit(QStringView part, ParsedText &content)
     if (!unit.text.isEmpty()) {
         content.hasUnit = true;
         content.unit = unit.key;
-        const QChar *const ending = part.end() - unit.text.size();
-        if (std::search(part.begin(), part.end(), unit.text.begin(), unit.text.end()) == ending) {
-            part = QStringView(part.begin(), ending);
+        const QStringView before = part.chopped(unit.text.size());
+        if (!startsBefore(before.end(), unit.text, part)) {
+            part = before;
         } else {
             rest = without(unit.text, part);
             part = rest;
@@ -146,36 +161,35 @@ QStringView trimmed(QStringView text)
     return isTrimmed ? text : text.trimmed();
 }
 
-/** Splits at single blanks. @return the number of parts, of which only the first ones are kept */
-template <std::size_t Size>
-std::size_t split(QStringView text, std::array<QStringView, Size> &parts)
+/** A text of any form: parts between single blanks, of which three lose the first. */
+void readParts(QStringView text, ParsedText &content)
 {
-    std::size_t count = 0;
-    const QChar *start = text.begin();
-    for (const QChar *character = start;; ++character) {
-        if (character != text.end() && *character != QLatin1Char(' '))
-            continue;
-        if (count < Size)
-            parts[count] = QStringView(start, character);
-        ++count;
-        if (character == text.end())
-            return count;
-        start = character + 1;
-    }
+    const QLatin1Char blank(' ');
+    constexpr int blanksWithMarker = 2; // "> 199.99 mΩ": the marker is not the number
+    if (std::count(text.begin(), text.end(), blank) == blanksWithMarker)
+        text = text.mid(text.indexOf(blank) + 1);
+    const auto end = text.indexOf(blank);
+    const QStringView number = end < 0 ? text : text.left(end);
+    if (!readPlainNumber(number, content))
+        readAnyNumber(number, content);
+    if (!content.isNumber || end < 0)
+        return;
+    const QStringView rest = text.mid(end + 1);
+    const auto unitEnd = rest.indexOf(blank);
+    readUnit(unitEnd < 0 ? rest : rest.left(unitEnd), content);
 }
 
 } // namespace
 
 ParsedText parsed(QStringView text)
 {
-    constexpr int partsWithMarker = 3; // "> 199.99 mΩ": the marker is not the number
-    std::array<QStringView, partsWithMarker> parts;
-    const std::size_t count = split(trimmed(text), parts);
-    const std::size_t first = count == partsWithMarker ? 1 : 0;
+    text = trimmed(text);
     ParsedText content;
-    readNumber(parts[first], content);
-    if (content.isNumber && count - first > 1)
-        readUnit(parts[first + 1], content);
+    const QChar *const end = readPlainNumber(text, content);
+    if (!end || std::count(end, text.end(), QLatin1Char(' ')) > 1)
+        readParts(text, content);
+    else if (end != text.end()) // "1.2345 mΩ", as most texts are
+        readUnit(QStringView(end + 1, text.end()), content);
     return content;
 }
 

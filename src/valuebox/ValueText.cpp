@@ -4,7 +4,10 @@
 #include "valuebox/NumericalValueBox_p.h"
 #include "valuebox/TextParts_p.h"
 
+#include <QStringBuilder>
+
 #include <cmath>
+#include <utility>
 
 namespace ValueBox {
 
@@ -15,7 +18,12 @@ using Internal::TextParts;
 
 namespace {
 
-const QLatin1String nothing("---");
+/** The text of no displayable value; costs no allocation. */
+QString nothing()
+{
+    return QStringLiteral("---");
+}
+
 const QLatin1String overRange("> ");
 const QLatin1String underRange("< 0 ");
 
@@ -76,7 +84,7 @@ QString NumericalValueBox::toString() const
     if (std::isnan(d->value)) {
         if (d->debug)
             log() << "NumericalValueBox::toString()= --- (" << double(d->value) << ")";
-        return QLatin1String("--- ") + getUnit(d->unit);
+        return QLatin1String("--- ") % getUnit(d->unit);
     }
     if (d->debug && !d->active)
         log() << "NumericalValueBox::toString()= --- [2] (" << double(d->value) << ")";
@@ -93,18 +101,18 @@ QString NumericalValueBox::Private::text() const
     const int index = rangeOf(shown);
     const RoundItem *row = rowAt(index);
     if (!row)
-        return nothing;
+        return nothing();
     if (index < 0)
         return belowZeroText(*row);
-    if (index == rowCount())
-        return rowText(overRange, row->maximum, *row, false);
-    return rowText(QLatin1String(), shown, *row, isMinusShown);
+    const bool isAbove = index == rowCount();
+    return rowText(isAbove ? overRange : QLatin1String(), isAbove ? row->maximum : shown, *row,
+                   isMinusShown && !isAbove);
 }
 
 QString NumericalValueBox::Private::belowZeroText(const RoundItem &row) const
 {
-    const QString text = underRange + getUnitPrefix(UnitPrefixs(row.prefix)) + getUnit(unit);
-    return text.contains(nothing) ? QString(nothing) : text.simplified();
+    QString text = underRange % getUnitPrefix(UnitPrefixs(row.prefix)) % getUnit(unit);
+    return text.contains(nothing()) ? nothing() : std::move(text).simplified();
 }
 
 QString NumericalValueBox::Private::rowText(QLatin1String marker, float number,
@@ -123,8 +131,8 @@ QString NumericalValueBox::Private::rowText(QLatin1String marker, float number,
         + prefixText.toString() + unitText.toString();
     if (isMinusShown)
         text.prepend(QLatin1Char('-'));
-    if (text.contains(nothing))
-        return nothing;
+    if (text.contains(nothing()))
+        return nothing();
     removeMinusOfZero(text);
     return text.simplified();
 }
@@ -176,7 +184,7 @@ QString NumericalValueBox::formatIinduction(float amperes)
             return Internal::fixedText(shown, range.decimals) + QLatin1String(range.unit);
         }
     }
-    return nothing;
+    return nothing();
 }
 
 namespace {
@@ -224,7 +232,7 @@ const VoltageRanges &voltageRanges(testI current, bool limited)
 QString NumericalValueBox::formatDeltaU(float u, testI current, bool limited)
 {
     if (u < 0)
-        return underRange + getUnit(Unit_V);
+        return underRange % getUnit(Unit_V);
     const VoltageRanges &table = voltageRanges(current, limited);
     for (const VoltageRange &range : table.ranges) {
         if (double(u) < range.below)
@@ -232,7 +240,7 @@ QString NumericalValueBox::formatDeltaU(float u, testI current, bool limited)
     }
     const QString prefix =
         table.overRangePrefix == Prefix_None ? QString() : getUnitPrefix(table.overRangePrefix);
-    return QLatin1String(table.overRange) + prefix + getUnit(Unit_V);
+    return QLatin1String(table.overRange) % prefix % getUnit(Unit_V);
 }
 
 } // namespace ValueBox
