@@ -17,7 +17,8 @@ trap 'kill "$process" 2>/dev/null || true; umount -l $clients' EXIT
 read -r line <&"${watching[0]}"
 echo "$line"
 for size in 3000k 3400k 3000k 1000k; do
-    head -c $size /dev/zero >$clients/measurements.csv
+    truncate -s $size $clients/measurements.csv
+    fallocate -l $size $clients/measurements.csv
     printf '%6s of 4m written: ' $size
     read -r -t 20 line <&"${watching[0]}"
     echo "$line"

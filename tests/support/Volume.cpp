@@ -38,9 +38,13 @@ Volume::~Volume()
 void Volume::fill(int blocks)
 {
     QFile file(m_path + QStringLiteral("/.filling"));
-    require(file.open(QIODevice::ReadWrite) && file.resize(0), "open", file.fileName());
+    require(file.open(QIODevice::ReadWrite), "open", file.fileName());
+    const qint64 size = blocks * blockSize;
+    if (file.size() > size) // never emptier on the way than at the end
+        require(file.resize(size), "resize", file.fileName());
+    file.seek(file.size());
     const QByteArray block(int(blockSize), 'x');
-    for (int i = 0; i < blocks; ++i)
+    while (file.size() < size)
         require(file.write(block) == blockSize && file.flush(), "fill", m_path);
 }
 
