@@ -79,8 +79,12 @@ std::unique_ptr<Network> copyOf(const Network &network)
 class KTV_Connection::Private
 {
 public:
-    explicit Private(const QString &directory) : known(directory) { }
+    Private(const QString &directory, KTV_Connection *connection)
+        : known(directory)
+        , workers(connection)
+    { }
 
+    static void carryOutPowerWishes(KTV_Connection *connection);
     QString answer(const QString &command) const;
     void read(Network &network) const;
 
@@ -139,7 +143,7 @@ void KTV_Connection::Private::read(Network &network) const
 
 KTV_Connection::KTV_Connection(const QString &directory, QObject *parent)
     : QObject(parent)
-    , d(std::make_unique<Private>(directory))
+    , d(std::make_unique<Private>(directory, this))
 {
     qRegisterMetaType<WiFi::Network *>("WiFi::Network*");
     qRegisterMetaType<QList<WiFi::Network *> *>("QList<WiFi::Network*>*");
@@ -300,13 +304,16 @@ bool KTV_Connection::get_wifi_Enable() const
 
 void KTV_Connection::set_wifi_Enable(bool on)
 {
-    if (getInterfaceName().isEmpty() || !d->powerWish.ask(on))
-        return;
-    d->workers.start(Workers::Power, [this] {
-        do
-            _set_wifi_Enable_Avait(this, d->powerWish.take());
-        while (!d->powerWish.finish());
-    });
+    if (!getInterfaceName().isEmpty() && d->powerWish.ask(on))
+        d->workers.start(Workers::Power, Private::carryOutPowerWishes);
+}
+
+void KTV_Connection::Private::carryOutPowerWishes(KTV_Connection *connection)
+{
+    PowerWish &wish = connection->d->powerWish;
+    do
+        _set_wifi_Enable_Avait(connection, wish.take());
+    while (!wish.finish());
 }
 
 void KTV_Connection::_set_wifi_Enable_Avait(KTV_Connection *connection, bool on)
@@ -362,12 +369,12 @@ Network *KTV_Connection::getWiFi_Info()
 
 void KTV_Connection::onStatusTime()
 {
-    d->workers.poll(Workers::Status, [this] { check_wifiState_Avait(this); });
+    d->workers.poll(Workers::Status, check_wifiState_Avait);
 }
 
 void KTV_Connection::onStatusDetailTime()
 {
-    d->workers.poll(Workers::Detail, [this] { check_wifiDetailState_Avait(this); });
+    d->workers.poll(Workers::Detail, check_wifiDetailState_Avait);
 }
 
 void KTV_Connection::check_wifiState_Avait(KTV_Connection *connection)
@@ -436,7 +443,7 @@ bool KTV_Connection::isScanMode() const
 
 void KTV_Connection::onScanNetwokTime()
 {
-    d->workers.poll(Workers::Scan, [this] { check_wifiScan_Avait(this); });
+    d->workers.poll(Workers::Scan, check_wifiScan_Avait);
 }
 
 void KTV_Connection::check_wifiScan_Avait(KTV_Connection *connection)

@@ -2,14 +2,14 @@
 
 #include <QFuture>
 #include <QList>
-#include <QtConcurrent>
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <memory>
 
 namespace WiFi {
+
+class KTV_Connection;
 
 /** Set once, when a manager ends; outlives the manager. */
 using StopFlag = std::shared_ptr<std::atomic<bool>>;
@@ -33,56 +33,32 @@ public:
         Scan,
         Power
     };
+    using Work = void (*)(KTV_Connection *);
 
-    Workers() = default;
-    ~Workers() { stop(); }
+    explicit Workers(KTV_Connection *connection);
+    ~Workers();
     Q_DISABLE_COPY_MOVE(Workers)
 
     /** Starts a worker unless two of its kind are outstanding. */
-    template <typename Work> void poll(Kind kind, Work work)
-    {
-        forgetFinished(kind);
-        if (m_futures.at(kind).size() < mostOutstanding)
-            start(kind, work);
-    }
-
+    void poll(Kind kind, Work work);
     /** Starts a worker in any case. */
-    template <typename Work> void start(Kind kind, Work work)
-    {
-        forgetFinished(kind);
-        m_futures.at(kind).append(QtConcurrent::run(work));
-    }
-
+    void start(Kind kind, Work work);
     /**
      * Sets the flag and waits for every worker. One that the pool has not begun is run here,
      * finds that it is to end, and ends; so a busy pool does not hold up this thread.
      */
-    void stop()
-    {
-        *m_stopping = true;
-        for (QList<QFuture<void>> &futures : m_futures) {
-            for (QFuture<void> &future : futures)
-                future.waitForFinished();
-            futures.clear();
-        }
-    }
+    void stop();
 
     /** Any thread may read it. */
     StopFlag stopping() const { return m_stopping; }
 
 private:
-    static constexpr int mostOutstanding = 2;
+    static void perform(Workers *workers, Kind kind, Work work);
 
-    void forgetFinished(Kind kind)
-    {
-        QList<QFuture<void>> &futures = m_futures.at(kind);
-        futures.erase(std::remove_if(futures.begin(), futures.end(),
-                                     [](const QFuture<void> &one) { return one.isFinished(); }),
-                      futures.end());
-    }
-
-    const StopFlag m_stopping = std::make_shared<std::atomic<bool>>(false);
-    std::array<QList<QFuture<void>>, Power + 1> m_futures;
+    KTV_Connection *const m_connection;
+    const StopFlag m_stopping;
+    std::array<std::atomic<int>, Power + 1> m_outstanding {}; ///< by kind
+    QList<QFuture<void>> m_futures;
 };
 
 /**

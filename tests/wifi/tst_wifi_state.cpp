@@ -5,10 +5,12 @@
 #include <wifi/KTV_Connection.h>
 
 #include <QTemporaryDir>
-#include <QtConcurrent>
+#include <QThreadPool>
 #include <QtTest>
 
 #include <memory>
+#include <thread>
+#include <vector>
 
 using WiFi::KTV_Connection;
 using WiFi::Network;
@@ -33,7 +35,7 @@ private slots:
     void detailChange();
     void detailOnATimer();
     void detailWithoutInterface();
-    void detailAndStateOnlyOnPool();
+    void workersAtOnce();
 
     void power_data();
     void power();
@@ -258,19 +260,19 @@ void TstWifiState::detailWithoutInterface()
     QVERIFY(!wifi->get_wifi_Enable());
 }
 
-void TstWifiState::detailAndStateOnlyOnPool()
+void TstWifiState::workersAtOnce()
 {
     const auto wifi = manager();
     const Inbox inbox(*wifi);
-    // Workers of both kinds at once, from several threads: one change, told at least once each.
+    // One change is told once as a detail, and at most once by each kind as a state.
     Tools::connected();
-    QVector<QFuture<void>> futures;
+    std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
-        futures += QtConcurrent::run(&KTV_Connection::check_wifiState_Avait, wifi.get());
-        futures += QtConcurrent::run(&KTV_Connection::check_wifiDetailState_Avait, wifi.get());
+        threads.emplace_back(&KTV_Connection::check_wifiState_Avait, wifi.get());
+        threads.emplace_back(&KTV_Connection::check_wifiDetailState_Avait, wifi.get());
     }
-    for (QFuture<void> &future : futures)
-        future.waitForFinished();
+    for (std::thread &thread : threads)
+        thread.join();
     QCOMPARE(inbox.details().size(), 1);
     QVERIFY(inbox.states().size() <= 2);
     QVERIFY(wifi->get_wifi_Enable());

@@ -1,0 +1,59 @@
+#include "wifi/Workers_p.h"
+
+#include <QtConcurrent>
+
+#include <algorithm>
+
+namespace WiFi {
+
+namespace {
+
+constexpr int mostOutstanding = 2;
+
+} // namespace
+
+Workers::Workers(KTV_Connection *connection)
+    : m_connection(connection)
+    , m_stopping(std::make_shared<std::atomic<bool>>(false))
+{ }
+
+Workers::~Workers()
+{
+    stop();
+}
+
+void Workers::poll(Kind kind, Work work)
+{
+    if (m_outstanding.at(kind) < mostOutstanding)
+        start(kind, work);
+}
+
+void Workers::start(Kind kind, Work work)
+{
+    m_futures.erase(std::remove_if(m_futures.begin(), m_futures.end(),
+                                   [](const QFuture<void> &one) { return one.isFinished(); }),
+                    m_futures.end());
+    ++m_outstanding.at(kind);
+    m_futures.append(QtConcurrent::run(perform, this, kind, work));
+}
+
+void Workers::stop()
+{
+    *m_stopping = true;
+    for (QFuture<void> &future : m_futures)
+        future.waitForFinished();
+    m_futures.clear();
+    // The counts are zero now; reading them shows this thread what the workers did last.
+    for (const std::atomic<int> &outstanding : m_outstanding)
+        outstanding.load(std::memory_order_acquire);
+}
+
+void Workers::perform(Workers *workers, Kind kind, Work work)
+{
+    std::atomic<int> &outstanding = workers->m_outstanding.at(kind);
+    outstanding.load(std::memory_order_acquire); // shows what the manager did before it counted
+    work(workers->m_connection);
+    --outstanding;
+}
+
+} // namespace WiFi
