@@ -1,0 +1,220 @@
+#include "Inbox.h"
+#include "Tools.h"
+#include "support/LogCapture.h"
+
+#include <wifi/KTV_Connection.h>
+
+#include <QElapsedTimer>
+#include <QSemaphore>
+#include <QTemporaryDir>
+#include <QThreadPool>
+#include <QtConcurrent>
+#include <QtTest>
+
+#include <memory>
+
+using WiFi::KTV_Connection;
+
+/** The manager may go at any moment, whatever its workers are waiting for. */
+class TstWifiEnd : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup() { QThreadPool::globalInstance()->setMaxThreadCount(4); }
+
+    void toolsHang_data();
+    void toolsHang();
+    void inEachMode_data();
+    void inEachMode();
+    void rightAfterTheStart();
+    void poolIsBusy();
+    void powerWishIsCarriedOut();
+    void inAReceiver_data();
+    void inAReceiver();
+    void failedScanOfAManagerThatIsGone();
+
+private:
+    std::unique_ptr<KTV_Connection> manager() const
+    {
+        return std::make_unique<KTV_Connection>(m_directory->path() + QLatin1Char('/'));
+    }
+    /** Processes of the tools that are still there. */
+    static QString leftOver();
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+};
+
+void TstWifiEnd::init()
+{
+    m_directory = std::make_unique<QTemporaryDir>();
+    Tools::reset();
+    Tools::print("systemctl", QByteArray());
+    Tools::idle();
+}
+
+QString TstWifiEnd::leftOver()
+{
+    QProcess list;
+    list.start(QStringLiteral("/usr/bin/pgrep"),
+               {QStringLiteral("-f"), QStringLiteral("bin/(ifconfig|iw|ls)")});
+    list.waitForFinished();
+    return QString::fromUtf8(list.readAllStandardOutput());
+}
+
+void TstWifiEnd::toolsHang_data()
+{
+    QTest::addColumn<QString>("tool");
+    for (const char *tool : {"ifconfig", "iwgetid", "iwconfig", "iwlist"})
+        QTest::newRow(tool) << tool;
+}
+
+void TstWifiEnd::toolsHang()
+{
+    QFETCH(QString, tool);
+    auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Tools::connected();
+    Meter::setBehaviour(tool, "hang=1");
+    Meter::clearJournal();
+    wifi->DetailInfoScan(true);
+    QVERIFY(wifi->ScanNetwork(true));
+    wifi->onStatusTime();
+    wifi->onStatusDetailTime();
+    QTRY_VERIFY(!Meter::journal().filter(tool).isEmpty()); // it hangs now
+    QElapsedTimer time;
+    time.start();
+    wifi.reset();
+    // Not one of the waits of 1000 ms and 5000 ms is waited for to its end.
+    QVERIFY2(time.elapsed() < 900, qPrintable(QString::number(time.elapsed())));
+    QCOMPARE(leftOver(), QString());
+    const int count = inbox.count();
+    QVERIFY(QThreadPool::globalInstance()->waitForDone(0));
+    QCoreApplication::processEvents();
+    QCOMPARE(inbox.count(), count);
+}
+
+void TstWifiEnd::inEachMode_data()
+{
+    QTest::addColumn<bool>("detail");
+    QTest::addColumn<bool>("scan");
+    QTest::addColumn<bool>("delayed");
+    for (const bool detail : {false, true}) {
+        for (const bool scan : {false, true}) {
+            for (const bool delayed : {false, true})
+                QTest::addRow("detail %d scan %d delayed %d", int(detail), int(scan), int(delayed))
+                    << detail << scan << delayed;
+        }
+    }
+}
+
+void TstWifiEnd::inEachMode()
+{
+    QFETCH(bool, detail);
+    QFETCH(bool, scan);
+    QFETCH(bool, delayed);
+    for (int round = 0; round < 5; ++round) {
+        auto wifi = manager();
+        const Inbox inbox(*wifi);
+        Tools::connected("Lab" + QByteArray::number(round));
+        if (delayed)
+            Tools::delay("iwlist", "0.05");
+        wifi->DetailInfoScan(detail);
+        wifi->ScanNetwork(scan);
+        wifi->onStatusTime();
+        wifi->onStatusDetailTime();
+        QTest::qWait(round * 7); // at another place of the workers each time
+        wifi.reset();
+        const int count = inbox.count();
+        QCoreApplication::processEvents();
+        QCOMPARE(inbox.count(), count);
+    }
+    QCOMPARE(leftOver(), QString());
+}
+
+void TstWifiEnd::rightAfterTheStart()
+{
+    for (int i = 0; i < 5; ++i)
+        manager().reset();
+    QCOMPARE(leftOver(), QString());
+}
+
+void TstWifiEnd::poolIsBusy()
+{
+    QThreadPool::globalInstance()->setMaxThreadCount(1);
+    QSemaphore release;
+    QFuture<void> task = QtConcurrent::run([&release] { release.acquire(); });
+    auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Tools::connected();
+    QVERIFY(wifi->ScanNetwork(true));
+    wifi->onStatusTime();
+    wifi->onStatusDetailTime();
+    Meter::clearJournal();
+    wifi.reset(); // although none of the workers could begin
+    QVERIFY(!task.isFinished());
+    release.release();
+    task.waitForFinished();
+    QCOMPARE(inbox.count(), 0);
+    QCOMPARE(Meter::journal(), QStringList());
+}
+
+void TstWifiEnd::powerWishIsCarriedOut()
+{
+    QThreadPool::globalInstance()->setMaxThreadCount(1);
+    QSemaphore release;
+    QFuture<void> task = QtConcurrent::run([&release] { release.acquire(); });
+    auto wifi = manager();
+    wifi->set_wifi_Enable(false);
+    Meter::clearJournal();
+    wifi.reset();
+    QCOMPARE(Meter::journal(), QStringList(QStringLiteral("ifconfig wlan0 down")));
+    release.release();
+    task.waitForFinished();
+}
+
+void TstWifiEnd::inAReceiver_data()
+{
+    QTest::addColumn<bool>("hang");
+    QTest::newRow("of the state") << false;
+    QTest::newRow("of a failed scan") << true;
+}
+
+void TstWifiEnd::inAReceiver()
+{
+    QFETCH(bool, hang);
+    auto wifi = manager();
+    Tools::connected();
+    if (hang)
+        Tools::hang("iwlist");
+    int details = 0;
+    connect(wifi.get(), &KTV_Connection::WiFi_State_Change, [&wifi] { wifi.reset(); });
+    connect(wifi.get(), &KTV_Connection::WiFi_Scan, [&wifi] { wifi.reset(); });
+    connect(wifi.get(), &KTV_Connection::WiFi_DetailState_Change, [&details] { ++details; });
+    // A direct call: the receiver runs before it returns.
+    if (hang)
+        KTV_Connection::check_wifiScan_Avait(wifi.get());
+    else
+        KTV_Connection::check_wifiDetailState_Avait(wifi.get());
+    QVERIFY(!wifi);
+    QCOMPARE(details, 0);
+}
+
+void TstWifiEnd::failedScanOfAManagerThatIsGone()
+{
+    auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Tools::hang("iwlist");
+    const LogCapture log;
+    QVERIFY(wifi->ScanNetwork(true));
+    // Its request to switch scanning off waits in this thread's queue.
+    QVERIFY(QThreadPool::globalInstance()->waitForDone(9000));
+    QCOMPARE(inbox.order(), QByteArray("n"));
+    QVERIFY(wifi->isScanMode());
+    wifi.reset();
+    QCoreApplication::processEvents();
+    QCOMPARE(log.lines(), QStringList(QStringLiteral("iwlist - not respond!")));
+}
+
+KTV_METER_TEST_MAIN(TstWifiEnd)
+#include "tst_wifi_end.moc"
