@@ -90,3 +90,4 @@ Family langFamily();
 Family listsFamily();
 Family settingsFamily();
 Family watchFamily();
+Family wifiFamily();

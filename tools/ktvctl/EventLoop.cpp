@@ -1,0 +1,64 @@
+#include "EventLoop.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <csignal>
+#include <cstdio>
+#include <unistd.h>
+
+std::array<int, 2> SignalQuit::s_pipe {};
+
+SignalQuit::SignalQuit()
+{
+    if (::pipe(s_pipe.data()) != 0)
+        return;
+    QObject::connect(&m_notifier.emplace(s_pipe[0], QSocketNotifier::Read),
+                     &QSocketNotifier::activated, QCoreApplication::instance(),
+                     &QCoreApplication::quit);
+    for (const int number : {SIGINT, SIGTERM})
+        std::signal(number, handle);
+    std::signal(SIGPIPE, SIG_IGN); // a reader that leaves ends the watch, too
+}
+
+SignalQuit::~SignalQuit()
+{
+    for (const int number : {SIGINT, SIGTERM})
+        std::signal(number, SIG_IGN); // the services end undisturbed
+}
+
+void SignalQuit::handle(int)
+{
+    const char byte = 0;
+    [[maybe_unused]] const auto written = ::write(s_pipe[1], &byte, 1);
+}
+
+void printEvent(const Call &call, const char *event, QJsonObject details, const QString &human)
+{
+    details.insert(QStringLiteral("event"), QLatin1String(event));
+    call.print(details, human);
+    if (std::ferror(stdout) != 0)
+        QCoreApplication::quit();
+}
+
+int milliseconds(const Call &call, const char *option)
+{
+    constexpr int longest = 24 * 60 * 60; // s
+    if (!call.isSet(option))
+        return 0;
+    bool ok = false;
+    const int seconds = call.option(option).toInt(&ok);
+    return ok && seconds > 0 && seconds <= longest ? seconds * 1000 : -1;
+}
+
+int misuseOfTime()
+{
+    return misuse(QStringLiteral("a time is a number of seconds, 1 to 86400"));
+}
+
+void runEventLoop(int end)
+{
+    if (end > 0)
+        QTimer::singleShot(end, QCoreApplication::instance(), &QCoreApplication::quit);
+    QCoreApplication::exec();
+}

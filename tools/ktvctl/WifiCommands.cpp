@@ -1,0 +1,300 @@
+#include "Command.h"
+#include "EventLoop.h"
+
+#include <configuration/KTV_Configuration.h>
+#include <wifi/KTV_Connection.h>
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QMetaEnum>
+#include <QTextStream>
+#include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+using WiFi::KTV_Connection;
+using WiFi::Network;
+
+struct Delete
+{
+    void operator()(QList<Network *> *networks) const
+    {
+        qDeleteAll(*networks);
+        delete networks;
+    }
+};
+using Networks = std::unique_ptr<QList<Network *>, Delete>;
+
+/** The manager as the interface builds it. */
+class Manager : public KTV_Connection
+{
+public:
+    Manager() : KTV_Connection(KTV_Configuration().get_mainInterfaceUserDataDirectory()) { }
+
+    bool knows(const QString &essid)
+    {
+        const Networks known(GetMyNetwork());
+        return std::any_of(known->begin(), known->end(),
+                           [&essid](const Network *one) { return one->ESSID == essid; });
+    }
+};
+
+/** Name of a state without the words that all have: "Connect_2". */
+QString stateName(int state)
+{
+    return QString::fromLatin1(QMetaEnum::fromType<Network::wifiStates>().valueToKey(state))
+        .remove(QStringLiteral("wifi_States_"));
+}
+
+QJsonObject connectionJson(const Network &network)
+{
+    return {{QStringLiteral("state"), network.state},
+            {QStringLiteral("stateName"), stateName(network.state)},
+            {QStringLiteral("name"), network.ESSID},
+            {QStringLiteral("address"), network.address},
+            {QStringLiteral("mask"), network.mask},
+            {QStringLiteral("broadcast"), network.broadcast}};
+}
+
+QString connectionText(const Network &network)
+{
+    QStringList words {stateName(network.state)};
+    for (const QString &word : {network.ESSID, network.address}) {
+        if (!word.isEmpty())
+            words += word;
+    }
+    return words.join(QStringLiteral("  "));
+}
+
+QString protection(const Network &network)
+{
+    return network.encryption ? QStringLiteral("protected") : QStringLiteral("open");
+}
+
+QJsonArray scanJson(const QList<Network *> &networks)
+{
+    QJsonArray result;
+    for (const Network *network : networks)
+        result.append(QJsonObject {{QStringLiteral("name"), network->ESSID},
+                                   {QStringLiteral("state"), network->state},
+                                   {QStringLiteral("protected"), network->encryption}});
+    return result;
+}
+
+QString scanText(const QList<Network *> &networks)
+{
+    constexpr int weakest = Network::wifi_States_Connect_0;
+    constexpr int bars = Network::wifi_States_Connect_4 - weakest + 1;
+    QStringList lines;
+    for (const Network *network : networks) {
+        const int strength = std::max(0, network->state - weakest + 1);
+        lines += QString(strength, QLatin1Char('#')).leftJustified(bars + 2)
+            + protection(*network).leftJustified(11) + network->ESSID;
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+int noInterface()
+{
+    return fail(QStringLiteral("there is no WiFi interface"));
+}
+
+int noSuchNetwork(const QString &essid)
+{
+    return fail(QStringLiteral("no network '%1' is known; see ktvctl wifi list").arg(essid));
+}
+
+int status(const Call &call)
+{
+    const int limit = milliseconds(call, "wait");
+    if (limit < 0)
+        return misuseOfTime();
+    Manager wifi;
+    std::unique_ptr<Network> network(wifi.getWiFi_Info());
+    if (limit > 0 && network->state < Network::wifi_States_Connect_0) {
+        QEventLoop loop;
+        QObject::connect(&wifi, &KTV_Connection::WiFi_DetailState_Change, &loop,
+                         [&network, &loop](Network *fresh) {
+                             network.reset(fresh);
+                             if (fresh->state >= Network::wifi_States_Connect_0)
+                                 loop.quit();
+                         });
+        QTimer::singleShot(limit, &loop, &QEventLoop::quit);
+        wifi.DetailInfoScan(true);
+        loop.exec();
+        wifi.DetailInfoScan(false);
+    }
+    QJsonObject machine = connectionJson(*network);
+    machine.insert(QStringLiteral("interface"), wifi.getInterfaceName());
+    Rows rows;
+    const QPair<const char *, QString> lines[] = {
+        {"Interface", wifi.getInterfaceName()},
+        {"State", stateName(network->state)},
+        {"Network", network->ESSID},
+        {"Address", network->address},
+        {"Mask", network->mask},
+        {"Broadcast", network->broadcast},
+    };
+    for (const auto &line : lines) {
+        if (!line.second.isEmpty())
+            rows.add(line.first, line.second);
+    }
+    call.print(machine, rows.text());
+    return Success;
+}
+
+int scan(const Call &call)
+{
+    Manager wifi;
+    Networks found;
+    QEventLoop loop;
+    QObject::connect(&wifi, &KTV_Connection::WiFi_Scan, &loop,
+                     [&found, &loop](QList<Network *> *networks) {
+                         found.reset(networks);
+                         loop.quit();
+                     });
+    if (!wifi.ScanNetwork(true))
+        return noInterface();
+    loop.exec();
+    wifi.ScanNetwork(false);
+    if (!found)
+        return fail(QStringLiteral("the scan tool does not answer"));
+    const QString text = scanText(*found);
+    call.print(scanJson(*found), text.isEmpty() ? QString() : text);
+    return Success;
+}
+
+int list(const Call &call)
+{
+    Manager wifi;
+    const Networks known(wifi.GetMyNetwork());
+    QJsonArray machine;
+    QStringList human;
+    for (const Network *network : qAsConst(*known)) {
+        machine.append(QJsonObject {{QStringLiteral("name"), network->ESSID},
+                                    {QStringLiteral("protected"), network->encryption}});
+        human += protection(*network).leftJustified(11) + network->ESSID;
+    }
+    call.print(machine, human.isEmpty() ? QString() : human.join(QLatin1Char('\n')));
+    return Success;
+}
+
+int add(const Call &call)
+{
+    const QString essid = call.argument(0);
+    QString key = call.argument(1);
+    if (key == QLatin1String("-"))
+        key = QTextStream(stdin).readLine();
+    if (essid.isEmpty())
+        return misuse(QStringLiteral("a network has a name"));
+    if (!key.isEmpty() && (key.size() < 8 || key.size() > 63))
+        return misuse(QStringLiteral("a pass phrase has 8 to 63 characters"));
+    Manager wifi;
+    return wifi.AddNetwork(essid, key) ? Success
+                                       : fail(QStringLiteral("the network cannot be stored"));
+}
+
+int remove(const Call &call)
+{
+    Manager wifi;
+    if (!wifi.knows(call.argument(0)))
+        return noSuchNetwork(call.argument(0));
+    return wifi.DeleteNetwork(call.argument(0))
+        ? Success
+        : fail(QStringLiteral("the network cannot be removed"));
+}
+
+int prefer(const Call &call)
+{
+    Manager wifi;
+    if (!wifi.knows(call.argument(0)))
+        return noSuchNetwork(call.argument(0));
+    wifi.SetPreferedNetwork(call.argument(0));
+    return Success;
+}
+
+int power(const Call &call)
+{
+    const QString wish = call.argument(0);
+    if (wish != QLatin1String("on") && wish != QLatin1String("off"))
+        return misuse(QStringLiteral("power is switched on or off"));
+    Manager wifi;
+    if (wifi.getInterfaceName().isEmpty())
+        return noInterface();
+    KTV_Connection::_set_wifi_Enable_Avait(&wifi, wish == QLatin1String("on"));
+    const std::unique_ptr<const Network> network(wifi.getWiFi_Info());
+    call.print(connectionJson(*network), stateName(network->state));
+    return Success;
+}
+
+int watch(const Call &call)
+{
+    const int end = milliseconds(call, "seconds");
+    if (end < 0)
+        return misuseOfTime();
+    const SignalQuit quitOnSignal;
+    Manager wifi;
+    if (wifi.getInterfaceName().isEmpty())
+        return noInterface();
+    QObject context; // its place in this thread has the events queued
+    QObject::connect(&wifi, &KTV_Connection::WiFi_State_Change, &context, [&call](int state) {
+        printEvent(
+            call, "state",
+            {{QStringLiteral("state"), state}, {QStringLiteral("stateName"), stateName(state)}},
+            QStringLiteral("state   ") + stateName(state));
+    });
+    QObject::connect(&wifi, &KTV_Connection::WiFi_DetailState_Change, &context,
+                     [&call](Network *network) {
+                         const std::unique_ptr<const Network> owner(network);
+                         printEvent(call, "detail", connectionJson(*network),
+                                    QStringLiteral("detail  ") + connectionText(*network));
+                     });
+    QObject::connect(
+        &wifi, &KTV_Connection::WiFi_Scan, &context, [&call](QList<Network *> *networks) {
+            const Networks owner(networks);
+            const QJsonValue found = owner ? QJsonValue(scanJson(*owner)) : QJsonValue();
+            printEvent(call, "scan", {{QStringLiteral("networks"), found}},
+                       !owner ? QStringLiteral("scan    the tool does not answer")
+                              : QStringLiteral("scan    %1 networks in reach").arg(owner->size()));
+        });
+    wifi.DetailInfoScan(true);
+    if (call.isSet("scan"))
+        wifi.ScanNetwork(true);
+    runEventLoop(end);
+    return Success;
+}
+
+} // namespace
+
+Family wifiFamily()
+{
+    const auto seconds = QStringLiteral("N");
+    return {"wifi",
+            "WiFi. Every command begins as the interface does: it hands the known networks to the "
+            "supplicant, none preferred, and restarts it.",
+            {{"status",
+              "",
+              "print state, network and address",
+              status,
+              {{QStringLiteral("wait"), QStringLiteral("Wait up to N seconds for a connection."),
+                seconds}}},
+             {"scan", "", "print the networks in reach, weakest first", scan},
+             {"list", "", "print the known networks", list},
+             {"add", "NAME [KEY]",
+              "know a network, and prefer it; KEY - is read from a line of input", add},
+             {"delete", "NAME", "forget a known network", remove},
+             {"prefer", "NAME", "prefer a known network until the next command", prefer},
+             {"power", "on|off", "switch the interface", power},
+             {"watch",
+              "",
+              "print what is signalled, until SIGINT or SIGTERM",
+              watch,
+              {{QStringLiteral("seconds"), QStringLiteral("End after N seconds."), seconds},
+               {QStringLiteral("scan"), QStringLiteral("Scan every 10 seconds, too.")}}}}};
+}
