@@ -18,7 +18,9 @@ constexpr int tidyUpTime = 300; // ms from the polite signal to the other one
 /** A stopped child gets the chance to silence the speaker or to close its line. */
 void endPolitely(GroupProcess &process)
 {
-    if (process.state() == QProcess::NotRunning)
+    // Until its program is loaded the child has this process's signal handlers, and would run
+    // them: an interface that quits on SIGTERM would quit.
+    if (!process.waitForStarted(tidyUpTime))
         return;
     process.signalGroup(SIGTERM);
     process.waitForFinished(tidyUpTime);

@@ -283,7 +283,7 @@ void KTV_Connection::_updateSystem(const QString &preferred)
     _buildConfFile(preferred, networks.get());
 }
 
-void KTV_Connection::_restart()
+void KTV_Connection::_restart() const
 {
     const QString name = getInterfaceName();
     if (name.isEmpty())

@@ -166,7 +166,7 @@ private:
     QString _WPA_Passphrase(const QString &essid, const QString &passphrase);
     void _buildConfFile(const QString &preferred, QList<WiFi::Network *> *networks);
     void _updateSystem(const QString &preferred);
-    void _restart();
+    void _restart() const;
     // NOLINTEND(bugprone-reserved-identifier)
 
     class KTV_DATASOURCE_NO_EXPORT Private;

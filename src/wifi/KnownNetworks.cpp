@@ -173,7 +173,7 @@ NetworkList KnownNetworks::all() const
             network->encryption = query.value(QStringLiteral("NET_Encrypton")).toBool();
             network->key = query.value(QStringLiteral("NET_Key")).toString();
             networks->append(network.get());
-            network.release(); // the list's from here on
+            static_cast<void>(network.release()); // the list's from here on
         }
     } catch (const std::exception &exception) {
         log() << "GetMyNetwork: " << exception.what();

@@ -2,10 +2,8 @@
 
 #include <QString>
 
-namespace WiFi {
-
 /** The texts that the supplicant's configuration file is put together from. */
-namespace SupplicantConfiguration {
+namespace WiFi::SupplicantConfiguration {
 
 /** What the file begins with, an empty line at its end included. */
 QString header();
@@ -19,6 +17,4 @@ QString protectedNetwork(const QString &essid, const QString &passphrase);
 /** An entry with the line in it that puts it before all others. */
 QString preferred(const QString &entry);
 
-} // namespace SupplicantConfiguration
-
-} // namespace WiFi
+} // namespace WiFi::SupplicantConfiguration

@@ -4,10 +4,8 @@
 
 #include <QString>
 
-namespace WiFi {
-
 /** What the wireless tools print, read into records. Only the markers named are relied upon. */
-namespace ToolOutput {
+namespace WiFi::ToolOutput {
 
 /** The WiFi interface in a listing of interfaces, one a line; empty when there is none. */
 QString interfaceName(const QString &listing);
@@ -18,6 +16,4 @@ void readSignal(const QString &line, Network &network);
 /** The networks in the lines of "iwlist scan", one entry per name, weakest first. */
 NetworkList readScan(const QString &lines);
 
-} // namespace ToolOutput
-
-} // namespace WiFi
+} // namespace WiFi::ToolOutput
