@@ -5,7 +5,9 @@
 
 #include <cerrno>
 #include <csignal>
+#include <fcntl.h>
 #include <thread>
+#include <unistd.h>
 
 using Internal::CommandResult;
 using Internal::Waits;
@@ -26,6 +28,7 @@ private slots:
     void stopFlagEndsTheWait_data();
     void stopFlagEndsTheWait();
     void stopFlagSetBefore();
+    void stopReachesNoHandlerOfThisProcess();
     void endsInTimeDespiteAFlag();
     void detached();
 
@@ -144,6 +147,29 @@ void TstCommandRunner::stopFlagSetBefore()
     const std::atomic<bool> stop {true};
     QCOMPARE(Internal::runDirect("sleep 1000", {3000, Waits::Forever, &stop}).outcome,
              CommandResult::NotFinished);
+}
+
+void TstCommandRunner::stopReachesNoHandlerOfThisProcess()
+{
+    // A handler as of an interface that quits on SIGTERM: a forked child shares its pipe.
+    static int ends[2];
+    QVERIFY(::pipe2(ends, O_NONBLOCK) == 0);
+    const auto previous = std::signal(
+        SIGTERM, [](int) { [[maybe_unused]] const auto written = ::write(ends[1], "x", 1); });
+    for (int i = 0; i < 100; ++i) {
+        std::atomic<bool> stop {false};
+        std::thread stopper([&stop, i] {
+            std::this_thread::sleep_for(std::chrono::microseconds(20 * i)); // while it starts
+            stop = true;
+        });
+        Internal::runDirect("sleep 1000", {Waits::NoStartWait, 5000, &stop});
+        stopper.join();
+    }
+    std::signal(SIGTERM, previous);
+    char byte = 0;
+    QCOMPARE(::read(ends[0], &byte, 1), ssize_t(-1));
+    ::close(ends[0]);
+    ::close(ends[1]);
 }
 
 void TstCommandRunner::endsInTimeDespiteAFlag()
