@@ -213,8 +213,9 @@ void KTV_DataList::Private::addFactoryEntries(const ListFamily &family, QFile &f
 {
     Internal::Transaction transaction(database);
     QTextStream stream(&file);
-    while (!stream.atEnd()) {
-        const QVariantList columns = family.factoryEntry(stream.readLine());
+    // Not until the stream's end: one that cannot be read on never comes to it.
+    for (QString line = stream.readLine(); !line.isNull(); line = stream.readLine()) {
+        const QVariantList columns = family.factoryEntry(line);
         if (!columns.isEmpty() && insert(family, true, columns) == Added::Failed)
             return;
     }

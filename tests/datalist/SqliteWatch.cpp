@@ -1,5 +1,6 @@
 #include "SqliteWatch.h"
 
+#include <cerrno>
 #include <csignal>
 #include <dlfcn.h>
 #include <sqlite3.h>
@@ -14,6 +15,7 @@ QString s_fillCardOn;
 int s_syncs = 0;
 int s_changes = 0;
 int s_killAt = 0;
+int s_readsLeft = -1;
 
 /** The libraries' own function of that name. */
 template <typename Function> Function next(const char *name)
@@ -63,6 +65,11 @@ void fillCardOn(const QString &part)
     s_fillCardOn = part;
 }
 
+void failReadsAfter(int n)
+{
+    s_readsLeft = n;
+}
+
 void killBeforeChange(int n)
 {
     s_killAt = n == 0 ? 0 : s_changes + n;
@@ -86,6 +93,17 @@ int sqlite3_prepare16_v2(sqlite3 *database, const void *text, int bytes, sqlite3
         return SQLITE_FULL;
     }
     return original(database, text, bytes, statement, tail);
+}
+
+ssize_t read(int file, void *bytes, size_t size)
+{
+    static const auto original = next<decltype(&read)>("read");
+    if (s_readsLeft == 0) {
+        errno = EIO;
+        return -1;
+    }
+    s_readsLeft -= s_readsLeft > 0;
+    return original(file, bytes, size);
 }
 
 int fdatasync(int file)

@@ -23,6 +23,9 @@ void throwOn(const QString &part);
 /** Statements that contain @p part find the card full from now on; empty: none. */
 void fillCardOn(const QString &part);
 
+/** Reads of files fail after @p n more; below zero: they do not. */
+void failReadsAfter(int n);
+
 /** The process kills itself before its @p n-th change of a file from now on; 0: never. */
 void killBeforeChange(int n);
 /** Changes of files since the last clear(): writes, cuts, deletions and waits for the card. */

@@ -47,6 +47,7 @@ private slots:
     void exceptionWhileSeeding();
     void fullCardWhileCreating();
     void fullCardWhileSeeding();
+    void readErrorWhileSeeding();
 };
 
 void TstListStatements::init()
@@ -404,6 +405,20 @@ void TstListStatements::fullCardWhileSeeding()
     QCOMPARE(store->GetDefaultMaterialsCount(), 0);
     store->FillDefaultMaterials();
     QCOMPARE(store->GetDefaultMaterialsCount(), 3);
+}
+
+void TstListStatements::readErrorWhileSeeding()
+{
+    constexpr int lines = 2000; // more than is read at once
+    ListStore::writeManyDefaults("XX", 0);
+    ListStore::writeManyDefaults("PL", lines);
+    const auto store = ListStore::open("XX");
+    SqliteWatch::failReadsAfter(1);
+    store->SetLang("PL");
+    SqliteWatch::failReadsAfter(-1);
+    QCOMPARE(store->GetDefaultObiectTypCount(), 0);
+    store->SetLang("PL");
+    QCOMPARE(store->GetDefaultObiectTypCount(), lines);
 }
 
 KTV_METER_TEST_MAIN(TstListStatements)
