@@ -313,6 +313,8 @@ void TstKtvDataList::factoryMaterials_data()
     QTest::newRow("negative") << QByteArray("Carbon?-0.0005") << QStringList("Carbon|-0.0005");
     QTest::newRow("no question mark") << QByteArray("Copper 0.00393") << QStringList();
     QTest::newRow("two question marks") << QByteArray("Copper?0.00393?") << QStringList();
+    QTest::newRow("two question marks, a number last")
+        << QByteArray("Copper?pure?0.00393") << QStringList();
     QTest::newRow("no number") << QByteArray("Copper?") << QStringList();
     QTest::newRow("not a number") << QByteArray("Copper?much") << QStringList();
     QTest::newRow("decimal comma") << QByteArray("Copper?0,00393") << QStringList();

@@ -47,6 +47,7 @@ private slots:
     void exceptionWhileSeeding();
     void fullCardWhileCreating();
     void fullCardWhileSeeding();
+    void fullCardAtTheCommit();
     void readErrorWhileSeeding();
 };
 
@@ -405,6 +406,24 @@ void TstListStatements::fullCardWhileSeeding()
     QCOMPARE(store->GetDefaultMaterialsCount(), 0);
     store->FillDefaultMaterials();
     QCOMPARE(store->GetDefaultMaterialsCount(), 3);
+}
+
+void TstListStatements::fullCardAtTheCommit()
+{
+    ListStore::writeManyDefaults("PL", 3);
+    const auto store = ListStore::open();
+    SqliteWatch::fillCardOn("COMMIT");
+    QVERIFY(!store->AddObiectTyp("new"));
+    QVERIFY(!store->AddObiectName("new"));
+    QVERIFY(store->AddMaterial("new", 1)); // one statement, no transaction of its own
+    store->SetLang("PL");
+    cleanup();
+    QCOMPARE(store->GetDefaultObiectTypCount(), 0);
+    QCOMPARE(store->GetDefaultMaterialsCount(), 0);
+    store->SetLang("EN");
+    QCOMPARE(families().at(0).names(*store), QStringList("EN entry 0"));
+    QCOMPARE(families().at(1).names(*store), QStringList("EN entry 0"));
+    QVERIFY(store->AddObiectTyp("new"));
 }
 
 void TstListStatements::readErrorWhileSeeding()
