@@ -1,0 +1,166 @@
+#include "Context.h"
+
+#include "touch/Theme.h"
+
+#include <configuration/KTV_Configuration.h>
+#include <configuration/KTV_InterfaceConfig.h>
+#include <datasource/KTV_DataSource.h>
+#include <language/LangSerwis.h>
+#include <sound/Sound.h>
+#include <valuebox/NumericalValueBox.h>
+
+#include <QSettings>
+
+using ValueBox::NumericalValueBox;
+
+namespace {
+
+/** The measuring hardware that is simulated until somebody chooses another one. */
+const QLatin1String firstSerialNumber("CH20417");
+
+const QLatin1String darkKey("dark");
+const QLatin1String volumeKey("volume");
+constexpr int factoryVolume = 70; // percent
+
+} // namespace
+
+Context::Context(QObject *parent)
+    : QObject(parent)
+    , m_library(std::make_unique<KTV_DataSource>())
+    , m_own(std::make_unique<QSettings>(
+          m_library->getMainConfig()->get_mainInterfaceUserDataDirectory()
+              + QStringLiteral("panel.ini"),
+          QSettings::IniFormat))
+    , m_setup(*m_library)
+    , m_hardware(m_setup)
+{
+    m_library->setMeterSerialName(m_library->get_InterfaceConfig()->getValue(
+        KTV_InterfaceConfig::MAIN_MeterSN, firstSerialNumber));
+    takeTemperatureUnit();
+    takeTheme();
+    takeSounds();
+    m_setup.load();
+    connect(this, &Context::meterChanged, &m_hardware, &Hardware::stop);
+}
+
+Context::~Context() = default;
+
+QString Context::text(const Text &text) const
+{
+    return m_library->get_Lang()->getText(QLatin1String(text.section), QLatin1String(text.key),
+                                          QString::fromUtf8(text.english));
+}
+
+void Context::setLanguage(const QString &code)
+{
+    m_library->SetLang(code);
+    m_library->get_InterfaceConfig()->setValue(KTV_InterfaceConfig::MAIN_Lang, code);
+    emit textsChanged();
+    emit listsChanged();
+}
+
+void Context::setSerialNumber(const QString &serial)
+{
+    m_library->setMeterSerialName(serial);
+    emit meterChanged();
+    emit setupChanged();
+}
+
+ValueBox::TemperatureUnit Context::temperatureUnit() const
+{
+    return static_cast<ValueBox::TemperatureUnit>(m_library->get_InterfaceConfig()->getValue(
+        KTV_InterfaceConfig::MAIN_TemperatureUnit, ValueBox::Temp_Celsius));
+}
+
+void Context::setTemperatureUnit(ValueBox::TemperatureUnit unit)
+{
+    m_library->get_InterfaceConfig()->setValue(KTV_InterfaceConfig::MAIN_TemperatureUnit,
+                                               static_cast<int>(unit));
+    takeTemperatureUnit();
+    m_setup.refreshLimit();
+    emit textsChanged();
+    emit listsChanged();
+    emit setupChanged();
+}
+
+bool Context::isDark() const
+{
+    return m_own->value(darkKey, false).toBool();
+}
+
+void Context::setDark(bool dark)
+{
+    m_own->setValue(darkKey, dark);
+    takeTheme();
+}
+
+void Context::sound(Buzzer::BuzzerClass::Tone tone)
+{
+    if (isSoundOn())
+        m_library->Buzzer(tone, false);
+}
+
+bool Context::isSoundOn() const
+{
+    return m_library->get_InterfaceConfig()->getValue(KTV_InterfaceConfig::MAIN_OffSound, 0) == 0;
+}
+
+void Context::setSoundOn(bool on)
+{
+    m_library->get_InterfaceConfig()->setValue(KTV_InterfaceConfig::MAIN_OffSound, on ? 0 : 1);
+    takeSounds();
+}
+
+int Context::volume() const
+{
+    return m_own->value(volumeKey, factoryVolume).toInt();
+}
+
+void Context::setVolume(int percent)
+{
+    m_own->setValue(volumeKey, percent);
+    takeSounds();
+}
+
+bool Context::usesScreenKeyboard() const
+{
+    return m_library->get_InterfaceConfig()->getValue(KTV_InterfaceConfig::MAIN_UseScreenKeyboard,
+                                                      KTV_DataSource::TouchScreenEnable() ? 1 : 0)
+        != 0;
+}
+
+void Context::setUsesScreenKeyboard(bool used)
+{
+    m_library->get_InterfaceConfig()->setValue(KTV_InterfaceConfig::MAIN_UseScreenKeyboard,
+                                               used ? 1 : 0);
+}
+
+void Context::restoreFactorySettings()
+{
+    m_library->ClearToDefault();
+    m_own->clear();
+    takeTemperatureUnit();
+    takeTheme();
+    takeSounds();
+    m_setup.load();
+    emit textsChanged();
+    emit listsChanged();
+    emit setupChanged();
+}
+
+void Context::takeTemperatureUnit()
+{
+    NumericalValueBox::prepareStaticDefaultValue(temperatureUnit());
+}
+
+void Context::takeTheme()
+{
+    Theme::use(isDark() ? Theme::dark() : Theme::light());
+    emit themeChanged();
+}
+
+void Context::takeSounds()
+{
+    SoundNamespace::Sound::SoundEnable = isSoundOn();
+    m_mixer.setVolume(volume());
+}

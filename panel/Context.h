@@ -1,0 +1,84 @@
+#pragma once
+
+#include "Text.h"
+#include "meter/Hardware.h"
+#include "meter/Mixer.h"
+#include "meter/Setup.h"
+
+#include <sound/BuzzerClass.h>
+#include <valuebox/ValueTypes.h>
+
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+class KTV_DataSource;
+class QSettings;
+
+/**
+ * What every page is given: the library, the texts of the language in effect, the measurement
+ * that is set up, and word of whatever changes.
+ */
+class Context : public QObject
+{
+    Q_OBJECT
+public:
+    /** Starts the library as an interface does: serial number first, then the user's settings. */
+    explicit Context(QObject *parent = nullptr);
+    ~Context() override;
+
+    KTV_DataSource &library() const { return *m_library; }
+    Setup &setup() { return m_setup; }
+    Hardware &hardware() { return m_hardware; }
+
+    QString text(const Text &text) const;
+    /** Runs @p apply now and whenever the texts change, as long as @p receiver lives. */
+    template <typename Function> void keep(QObject *receiver, Function apply)
+    {
+        apply();
+        connect(this, &Context::textsChanged, receiver, apply);
+    }
+    /** Gives a widget its text, in whatever language comes into effect. */
+    template <typename Widget> void translate(Widget *widget, const Text &text)
+    {
+        keep(widget, [this, widget, text] { widget->setText(this->text(text)); });
+    }
+
+    void setLanguage(const QString &code);
+    /** As if the measuring hardware had reported another serial number. */
+    void setSerialNumber(const QString &serial);
+    ValueBox::TemperatureUnit temperatureUnit() const;
+    void setTemperatureUnit(ValueBox::TemperatureUnit unit);
+    bool isDark() const;
+    void setDark(bool dark);
+    /** Sounds a tone once, unless the user has switched the sounds off. */
+    void sound(Buzzer::BuzzerClass::Tone tone);
+    bool isSoundOn() const;
+    void setSoundOn(bool on);
+    /** Output volume in percent; the library sets it and cannot tell it. */
+    int volume() const;
+    void setVolume(int percent);
+    bool usesScreenKeyboard() const;
+    void setUsesScreenKeyboard(bool used);
+    /** Factory reset of everything that a user can change, the panel's own settings included. */
+    void restoreFactorySettings();
+
+signals:
+    void textsChanged(); ///< Language, or the unit of temperatures.
+    void meterChanged(); ///< Serial number, and with it perhaps the model.
+    void listsChanged();
+    void setupChanged();
+    void themeChanged();
+
+private:
+    void takeTemperatureUnit();
+    void takeTheme();
+    void takeSounds();
+
+    std::unique_ptr<KTV_DataSource> m_library;
+    std::unique_ptr<QSettings> m_own; ///< what the library has no key for
+    Setup m_setup;
+    Hardware m_hardware;
+    Mixer m_mixer;
+};

@@ -1,0 +1,64 @@
+#include "meter/Hardware.h"
+
+#include "meter/Setup.h"
+
+#include <limits>
+
+namespace {
+
+constexpr double alphaOfCopper = 0.00393; // what the object is made of, in 1/K
+
+/** Part by which a resistance at @p temperature exceeds that at the reference temperature. */
+double excess(double alpha, float temperature)
+{
+    return alpha * static_cast<double>(temperature - Setup::referenceTemperature);
+}
+
+} // namespace
+
+Hardware::Hardware(const Setup &setup, QObject *parent) : QObject(parent), m_setup(setup)
+{
+    connect(&m_timer, &QTimer::timeout, this, [this] { emit reading(measure()); });
+}
+
+void Hardware::start(int interval)
+{
+    m_random.seed(1);
+    m_timer.start(interval);
+}
+
+void Hardware::stop()
+{
+    if (!isRunning())
+        return;
+    m_timer.stop();
+    emit stopped();
+}
+
+float Hardware::measure()
+{
+    const TestObject &object = m_setup.object;
+    if (object.leads == TestObject::Open)
+        return std::numeric_limits<float>::quiet_NaN();
+    if (m_setup.kind() == Setup::Temperature)
+        return object.temperature * (1 + noise());
+
+    double value = static_cast<double>(object.inductance);
+    if (m_setup.kind() == Setup::Resistance)
+        value = static_cast<double>(object.resistance)
+            * (1 + excess(alphaOfCopper, object.temperature));
+    if (m_setup.isCompensated())
+        value /= 1 + excess(m_setup.alpha, object.temperature);
+    if (object.leads == TestObject::Reversed)
+        value = -value;
+    return static_cast<float>(value) * (1 + noise());
+}
+
+float Hardware::noise()
+{
+    // Three even draws: bell-shaped enough.
+    double sum = 0;
+    for (int draw = 0; draw < 3; ++draw)
+        sum += m_random.generateDouble() - 0.5;
+    return static_cast<float>(sum) * m_setup.object.noise / 100;
+}

@@ -1,0 +1,155 @@
+#include "pages/AboutPage.h"
+
+#include "touch/Buttons.h"
+#include "touch/Indicators.h"
+#include "touch/Theme.h"
+
+#include <configuration/KTV_Configuration.h>
+#include <counters/KTV_Liczniki.h>
+#include <datasource/KTV_DataSource.h>
+#include <tools/Tools.h>
+
+#include <QGridLayout>
+#include <QVBoxLayout>
+
+#include <memory>
+
+namespace {
+
+struct CounterRow
+{
+    KTV_Liczniki::Licznik counter;
+    Text caption;
+};
+
+const CounterRow counters[] = {
+    {KTV_Liczniki::Licznik_PomiarObiektowRezystancyjnych,
+     Text {"Panel", "countResistive", "Resistive objects"}},
+    {KTV_Liczniki::Licznik_PomiarObiektowIndukcyjnych,
+     Text {"Panel", "countInductive", "Inductive objects"}},
+    {KTV_Liczniki::Licznik_PomiarTemperaturySilnika,
+     Text {"Panel", "countTemperature", "Motor temperature"}},
+    {KTV_Liczniki::Licznik_RejestracjaObiektowRezystancyjnych,
+     Text {"Panel", "countRecordResistive", "Series, resistive"}},
+    {KTV_Liczniki::Licznik_RejestracjaObiektowIndukcyjnych,
+     Text {"Panel", "countRecordInductive", "Series, inductive"}},
+    {KTV_Liczniki::Licznik_AutomatycznyDoborMetody,
+     Text {"Panel", "countAutomatic", "Automatic selection"}},
+    {KTV_Liczniki::Licznik_Demagnetyzacja, Text {"Panel", "countDemagnetise", "Demagnetisations"}},
+};
+
+QLabel *heading(Context &context, const Text &text)
+{
+    auto *label = new QLabel;
+    label->setProperty("role", QStringLiteral("title"));
+    context.translate(label, text);
+    return label;
+}
+
+} // namespace
+
+AboutPage::AboutPage(Context &context)
+    : Page(context)
+    , m_card(label(QStringLiteral("about.card"), ""))
+    , m_disk(label(QStringLiteral("about.disk"), "quiet"))
+    , m_alert(label(QStringLiteral("about.alert"), "alarm"))
+    , m_gauge(new Gauge)
+{
+    auto *identity = new QGridLayout;
+    identity->setVerticalSpacing(6);
+    identity->setHorizontalSpacing(Theme::margin);
+    m_model = addFact(identity, Text {"About", "model", "Model"}, "about.model");
+    m_serial = addFact(identity, Text {"About", "serialNumber", "Serial number"}, "about.serial");
+    m_interface = addFact(identity, Text {"About", "interfaceVersion", "Interface version"},
+                          "about.interface");
+    m_system = addFact(identity, Text {"About", "systemVersion", "System version"}, "about.system");
+
+    auto *counts = new QGridLayout;
+    counts->setVerticalSpacing(4);
+    counts->setHorizontalSpacing(Theme::margin);
+    for (const CounterRow &row : counters) {
+        m_counters += addFact(
+            counts, row.caption,
+            qPrintable(QStringLiteral("about.counter.%1").arg(static_cast<int>(row.counter))));
+        m_counters.last()->setAlignment(Qt::AlignRight);
+    }
+
+    auto *left = new QVBoxLayout;
+    left->addWidget(heading(context, Text {"About", "title", "About the meter"}));
+    left->addLayout(identity);
+    left->addStretch(1);
+    auto *right = new QVBoxLayout;
+    right->addWidget(heading(context, Text {"About", "counters", "Measurements made"}));
+    right->addLayout(counts);
+    right->addStretch(1);
+    auto *upper = new QHBoxLayout;
+    upper->setSpacing(2 * Theme::margin);
+    upper->addLayout(left, 1);
+    upper->addLayout(right, 1);
+    column()->addLayout(upper, 1);
+
+    auto *cardRow = new QHBoxLayout;
+    cardRow->addWidget(heading(context, Text {"About", "disk", "Memory card"}));
+    cardRow->addStretch(1);
+    cardRow->addWidget(m_card);
+    column()->addLayout(cardRow);
+    column()->addWidget(m_gauge);
+    auto *check = new TouchButton(QStringLiteral("about.check"));
+    context.translate(check, Text {"Panel", "checkNow", "Check now"});
+    connect(check, &QPushButton::clicked, this, &AboutPage::enter);
+    auto *figures = new QHBoxLayout;
+    auto *texts = new QVBoxLayout;
+    texts->addWidget(m_disk);
+    texts->addWidget(m_alert);
+    figures->addLayout(texts, 1);
+    figures->addWidget(check);
+    column()->addLayout(figures);
+
+    connect(&context.library(), &KTV_DataSource::changeFreeSpaceAlert, this, &AboutPage::refresh);
+    connect(&context, &Context::meterChanged, this, &AboutPage::refresh);
+    context.keep(this, [this] { refresh(); });
+}
+
+QLabel *AboutPage::addFact(QGridLayout *grid, const Text &captionText, const char *name)
+{
+    QLabel *fact = label(QLatin1String(name), "");
+    const int row = grid->rowCount();
+    grid->addWidget(caption(captionText), row, 0);
+    grid->addWidget(fact, row, 1);
+    grid->setColumnStretch(1, 1);
+    return fact;
+}
+
+void AboutPage::enter()
+{
+    library().updateTimeDisk();
+    refresh();
+}
+
+void AboutPage::refresh()
+{
+    const KTV_Configuration *meter = library().getMainConfig();
+    m_model->setText(meter->get_MeterFullName());
+    m_serial->setText(meter->get_SerialNumber());
+    m_interface->setText(meter->get_InterfaceVersion());
+    m_system->setText(meter->get_SystemVersion());
+
+    const std::unique_ptr<QHash<KTV_Liczniki::Licznik, qint64>> counts(
+        library().getLiczniki()->getLiczniki());
+    for (int i = 0; i < m_counters.size(); ++i)
+        m_counters.at(i)->setText(QString::number(counts->value(counters[i].counter)));
+
+    m_card->setText(QERNTools::Tools::SD_Card_is_OK()
+                        ? QString()
+                        : context().text(Text {"Panel", "cardFault", "The card has a fault"}));
+    const std::unique_ptr<QERNTools::DiskInfo> disk(library().getDiskInfo());
+    m_disk->setText(QStringLiteral("%1 %2     %3 %4     %5 %6")
+                        .arg(context().text(Text {"About", "used", "Used"}), disk->usedText,
+                             context().text(Text {"About", "free", "Free"}), disk->freeText,
+                             context().text(Text {"About", "total", "Total"}), disk->totalText));
+    const bool isAlarm = library().getFreeSpaceAlert() > 0;
+    m_gauge->setPercent(disk->usedPercent, isAlarm);
+    m_alert->setText(
+        isAlarm ? context().text(Text {"Main", "cardFull", "The memory card is almost full"})
+                : QString());
+}

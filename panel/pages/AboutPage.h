@@ -1,0 +1,29 @@
+#pragma once
+
+#include "pages/Page.h"
+
+class Gauge;
+class QGridLayout;
+
+/** What this meter is, what it has measured, and how full its memory card is. */
+class AboutPage : public Page
+{
+    Q_OBJECT
+public:
+    explicit AboutPage(Context &context);
+    void enter() override;
+
+private:
+    QLabel *addFact(QGridLayout *grid, const Text &caption, const char *name);
+    void refresh();
+
+    QLabel *m_model;
+    QLabel *m_serial;
+    QLabel *m_interface;
+    QLabel *m_system;
+    QVector<QLabel *> m_counters;
+    QLabel *m_card;
+    QLabel *m_disk;
+    QLabel *m_alert;
+    Gauge *m_gauge;
+};

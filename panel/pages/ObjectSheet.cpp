@@ -1,0 +1,158 @@
+#include "pages/ObjectSheet.h"
+
+#include "Context.h"
+#include "touch/Buttons.h"
+
+#include <valuebox/NumericalValueBox.h>
+
+#include <QGridLayout>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+using ValueBox::NumericalValueBox;
+
+namespace {
+
+/** A quantity, its steps, and how it is shown. */
+struct QuantityRow
+{
+    Text name;
+    float TestObject::*value;
+    QVector<float> steps;
+    QString (*text)(Context &context, float value);
+};
+
+QString ohms(Context &, float value)
+{
+    return value < 1.F
+        ? NumericalValueBox::autoFormat(value, ValueBox::Unit_Ohm, ValueBox::Prefix_m, 4, true)
+        : NumericalValueBox::autoFormat(value, ValueBox::Unit_Ohm, ValueBox::Prefix_None, 4, true);
+}
+
+QString henries(Context &context, float value)
+{
+    return NumericalValueBox::autoFormat(value, ValueBox::Unit_None, ValueBox::Prefix_m, 2, true)
+        + context.text(Text {"Units", "henry", "H"});
+}
+
+QString percent(Context &context, float value)
+{
+    return NumericalValueBox::autoFormat(value, ValueBox::Unit_None, ValueBox::Prefix_None, 2, true)
+        + context.text(Text {"Units", "percent", "%"});
+}
+
+QString degrees(Context &, float value)
+{
+    return NumericalValueBox::formatTemperature(value);
+}
+
+const QVector<QuantityRow> &quantities()
+{
+    static const QVector<QuantityRow> rows {
+        {Text {"Measure", "resistance", "Resistance"},
+         &TestObject::resistance,
+         {0.0000534F, 0.0001867F, 0.0012347F, 0.0153F, 0.1786F, 1.2345F, 14.26F, 187.4F, 1650.F,
+          2500.F},
+         ohms},
+        {Text {"Panel", "inductance", "Inductance"},
+         &TestObject::inductance,
+         {0.0004F, 0.0153F, 0.87F, 12.5F, 150.F},
+         henries},
+        {Text {"Panel", "noise", "Noise"},
+         &TestObject::noise,
+         {0.F, 0.02F, 0.1F, 0.5F, 2.F},
+         percent},
+        {Text {"Measure", "objectTemperature", "Object temperature"},
+         &TestObject::temperature,
+         {-10.F, 0.F, 20.F, 23.5F, 40.F, 65.F, 90.F, 120.F},
+         degrees},
+    };
+    return rows;
+}
+
+const Text leadsTexts[] = {
+    Text {"Panel", "leadsConnected", "Leads connected"},
+    Text {"Panel", "leadsOpen", "Leads open"},
+    Text {"Panel", "leadsReversed", "Leads swapped"},
+};
+
+} // namespace
+
+ObjectSheet::ObjectSheet(Context &context, QWidget *somewhere)
+    : Sheet(context, somewhere)
+    , m_leads(new Choice(QStringLiteral("object.leads"), std::size(leadsTexts)))
+{
+    constexpr int sheetWidth = 680;
+    constexpr int stepWidth = 56;
+    addTitle(Text {"Panel", "object", "Simulated object"});
+    auto *grid = new QGridLayout;
+    for (int i = 0; i < quantities().size(); ++i) {
+        auto *value = new FieldButton(QStringLiteral("object.%1").arg(i));
+        value->setEnabled(true);
+        value->setAttribute(Qt::WA_TransparentForMouseEvents);
+        context.translate(value, quantities().at(i).name);
+        auto *less = new TouchButton(QStringLiteral("object.%1.less").arg(i));
+        less->setText(QStringLiteral("\u2212"));
+        auto *more = new TouchButton(QStringLiteral("object.%1.more").arg(i));
+        more->setText(QStringLiteral("+"));
+        less->setFixedWidth(stepWidth);
+        more->setFixedWidth(stepWidth);
+        connect(less, &QPushButton::clicked, this, [this, i] { step(i, -1); });
+        connect(more, &QPushButton::clicked, this, [this, i] { step(i, +1); });
+        const int left = (i % 2) * 3;
+        grid->addWidget(less, i / 2, left);
+        grid->addWidget(value, i / 2, left + 1);
+        grid->addWidget(more, i / 2, left + 2);
+        grid->setColumnStretch(left + 1, 1);
+        m_values += value;
+    }
+    card()->addLayout(grid);
+    for (size_t i = 0; i < std::size(leadsTexts); ++i)
+        context.translate(m_leads->part(static_cast<int>(i)), leadsTexts[i]);
+    connect(m_leads, &Choice::chosen, this, [this](int leads) {
+        this->context().setup().object.leads = static_cast<TestObject::Leads>(leads);
+        emit this->context().setupChanged();
+    });
+    card()->addWidget(m_leads);
+    auto *close = new TouchButton(QStringLiteral("sheet.ok"), TouchButton::Primary);
+    context.translate(close, Text {"Dialogs", "close", "Close"});
+    connect(close, &QPushButton::clicked, this, &ObjectSheet::finish);
+    card()->addWidget(close);
+    refresh();
+    open(sheetWidth);
+}
+
+QString ObjectSheet::summary(Context &context)
+{
+    const TestObject &object = context.setup().object;
+    if (object.leads != TestObject::Connected)
+        return context.text(leadsTexts[object.leads]);
+    const QString temperature = NumericalValueBox::formatTemperature(object.temperature);
+    if (context.setup().kind() == Setup::Temperature)
+        return temperature;
+    const bool isResistance = context.setup().kind() == Setup::Resistance;
+    return (isResistance ? ohms(context, object.resistance) : henries(context, object.inductance))
+        + QStringLiteral(", ") + temperature;
+}
+
+void ObjectSheet::refresh()
+{
+    const TestObject &object = context().setup().object;
+    for (int i = 0; i < m_values.size(); ++i) {
+        const QuantityRow &row = quantities().at(i);
+        m_values.at(i)->setValue(row.text(context(), object.*row.value));
+    }
+    m_leads->setCurrent(object.leads);
+}
+
+void ObjectSheet::step(int quantity, int direction)
+{
+    const QuantityRow &row = quantities().at(quantity);
+    float &value = context().setup().object.*row.value;
+    const int at = static_cast<int>(std::lower_bound(row.steps.cbegin(), row.steps.cend(), value)
+                                    - row.steps.cbegin());
+    value = row.steps.at(qBound(0, at + direction, row.steps.size() - 1));
+    refresh();
+    emit context().setupChanged();
+}

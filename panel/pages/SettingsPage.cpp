@@ -1,0 +1,94 @@
+#include "pages/SettingsPage.h"
+
+#include "pages/LanguageSheet.h"
+#include "touch/Buttons.h"
+#include "touch/Theme.h"
+
+#include <datasource/KTV_DataSource.h>
+#include <language/LangSerwis.h>
+
+#include <QGridLayout>
+#include <QVBoxLayout>
+
+namespace {
+
+/** By ValueBox::TemperatureUnit. */
+const Text temperatureUnits[] = {
+    Text {"Units", "celsius", "°C"},
+    Text {"Units", "fahrenheit", "°F"},
+    Text {"Units", "kelvin", "K"},
+};
+
+} // namespace
+
+SettingsPage::SettingsPage(Context &context)
+    : Page(context)
+    , m_language(new FieldButton(QStringLiteral("settings.language")))
+    , m_temperature(new Choice(QStringLiteral("settings.temperature"), std::size(temperatureUnits)))
+    , m_theme(new Choice(QStringLiteral("settings.theme"), 2))
+    , m_keyboard(new Choice(QStringLiteral("settings.keyboard"), 2))
+{
+    layOut();
+    connect(m_language, &QPushButton::clicked, this, [this] {
+        new LanguageSheet(this->context(), this, Text {"Settings", "language", "Language"});
+    });
+    connect(m_temperature, &Choice::chosen, this, [this](int unit) {
+        this->context().setTemperatureUnit(static_cast<ValueBox::TemperatureUnit>(unit));
+    });
+    connect(m_theme, &Choice::chosen, this,
+            [this](int theme) { this->context().setDark(theme == 1); });
+    connect(m_keyboard, &Choice::chosen, this,
+            [this](int choice) { this->context().setUsesScreenKeyboard(choice == 0); });
+    context.keep(this, [this] { refresh(); });
+}
+
+void SettingsPage::layOut()
+{
+    context().translate(m_language, Text {"Settings", "language", "Language"});
+    for (size_t unit = 0; unit < std::size(temperatureUnits); ++unit)
+        context().translate(m_temperature->part(static_cast<int>(unit)), temperatureUnits[unit]);
+    context().translate(m_theme->part(0), Text {"Panel", "light", "Light"});
+    context().translate(m_theme->part(1), Text {"Panel", "dark", "Dark"});
+    context().translate(m_keyboard->part(0), Text {"Panel", "onScreen", "On the screen"});
+    context().translate(m_keyboard->part(1), Text {"Panel", "connectedKeyboard", "Connected"});
+    auto *reset = new TouchButton(QStringLiteral("settings.reset"), TouchButton::Danger);
+    context().translate(reset, Text {"Settings", "factoryReset", "Restore factory settings"});
+    connect(reset, &QPushButton::clicked, this, [this] {
+        new ConfirmSheet(
+            context(), this,
+            Text {"Dialogs", "confirmReset", "All settings and lists will be lost. Go on?"},
+            Text {"Settings", "factoryReset", "Restore factory settings"},
+            [this] { context().restoreFactorySettings(); });
+    });
+
+    column()->addWidget(m_language);
+    auto *grid = new QGridLayout;
+    grid->setVerticalSpacing(12);
+    grid->setHorizontalSpacing(Theme::margin);
+    const struct
+    {
+        Text caption;
+        QWidget *choice;
+    } rows[] = {
+        {Text {"Settings", "temperatureUnit", "Temperature unit"}, m_temperature},
+        {Text {"Panel", "appearance", "Appearance"}, m_theme},
+        {Text {"Panel", "keyboard", "Keyboard"}, m_keyboard},
+    };
+    for (int row = 0; row < static_cast<int>(std::size(rows)); ++row) {
+        grid->addWidget(caption(rows[row].caption), row, 0);
+        grid->addWidget(rows[row].choice, row, 1);
+    }
+    grid->setColumnStretch(1, 1);
+    column()->addSpacing(Theme::gap);
+    column()->addLayout(grid);
+    column()->addStretch(1);
+    column()->addWidget(reset);
+}
+
+void SettingsPage::refresh()
+{
+    m_language->setValue(LanguageSheet::nameOf(library().get_Lang()->getCurrentLang()));
+    m_temperature->setCurrent(context().temperatureUnit());
+    m_theme->setCurrent(context().isDark() ? 1 : 0);
+    m_keyboard->setCurrent(context().usesScreenKeyboard() ? 0 : 1);
+}

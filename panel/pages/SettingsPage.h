@@ -1,0 +1,23 @@
+#pragma once
+
+#include "pages/Page.h"
+
+class Choice;
+class FieldButton;
+
+/** The user's settings. */
+class SettingsPage : public Page
+{
+    Q_OBJECT
+public:
+    explicit SettingsPage(Context &context);
+
+private:
+    void layOut();
+    void refresh();
+
+    FieldButton *m_language;
+    Choice *m_temperature;
+    Choice *m_theme;
+    Choice *m_keyboard;
+};

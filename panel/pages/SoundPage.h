@@ -1,0 +1,25 @@
+#pragma once
+
+#include "pages/Page.h"
+
+class Choice;
+class QSlider;
+
+/** Every tone to be heard, and how loud. */
+class SoundPage : public Page
+{
+    Q_OBJECT
+public:
+    explicit SoundPage(Context &context);
+
+    void leave() override;
+
+private:
+    void layOut();
+    void refresh();
+
+    Choice *m_switch;
+    QLabel *m_percent;
+    QSlider *m_volume;
+    bool m_isLooping = false;
+};

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "Context.h"
+#include "Window.h"
+#include "touch/Indicators.h"
+#include "touch/TouchList.h"
+#include "touches/Finger.h"
+
+#include "support/Meter.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QPushButton>
+#include <QtTest>
+
+/** The panel as it stands after its start, with a finger before it. */
+class PanelFixture
+{
+public:
+    PanelFixture() : window(context), finger(window) { window.show(); }
+
+    QString labelText(const char *name) const
+    {
+        const auto *label = finger.see<QLabel>(QLatin1String(name));
+        return label ? label->text() : QStringLiteral("(no such label)");
+    }
+    QString buttonText(const char *name) const
+    {
+        const auto *button = finger.see<QPushButton>(QLatin1String(name));
+        return button ? button->text() : QStringLiteral("(no such button)");
+    }
+    TouchList *list(const char *name) const { return finger.see<TouchList>(QLatin1String(name)); }
+    QStringList titles(const char *name) const
+    {
+        QStringList titles;
+        const TouchList *rows = list(name);
+        for (int i = 0; rows && i < rows->rowCount(); ++i)
+            titles += rows->row(i).title;
+        return titles;
+    }
+    bool isSheetOpen() const { return finger.find(QStringLiteral("sheet")); }
+    /** Touches a setting, and a row of the list that opens. */
+    bool pick(const char *button, const QString &title)
+    {
+        return finger.tap(QLatin1String(button))
+            && finger.tapRow(QStringLiteral("sheet.list"), title);
+    }
+    /** Touches several things in turn. @return name of the first that could not be; else empty */
+    QString tap(std::initializer_list<const char *> names)
+    {
+        for (const char *name : names)
+            if (!finger.tap(QLatin1String(name)))
+                return QLatin1String(name);
+        return QString();
+    }
+
+    Context context;
+    Window window;
+    Finger finger;
+};
+
+/** Touches things in turn; fails the test at the first that cannot be. */
+#define TAP(panel, ...) QCOMPARE((panel).tap({__VA_ARGS__}), QString())
+
+/** main() of a test program of the panel. */
+#define KTV_PANEL_TEST_MAIN(TestClass)                                                             \
+    int main(int argc, char *argv[])                                                               \
+    {                                                                                              \
+        if (!Meter::isInside())                                                                    \
+            return 1;                                                                              \
+        QApplication application(argc, argv);                                                      \
+        TestClass test;                                                                            \
+        return QTest::qExec(&test, argc, argv);                                                    \
+    }

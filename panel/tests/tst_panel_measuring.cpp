@@ -1,0 +1,308 @@
+#include "PanelFixture.h"
+
+#include "support/Volume.h"
+
+#include <configuration/KTV_Configuration.h>
+#include <counters/KTV_Liczniki.h>
+#include <datalist/KTV_DataList.h>
+#include <datasource/KTV_DataSource.h>
+
+#include <QDate>
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+const char clients[] = "/media/sdcard/Clients";
+
+QString measured(PanelFixture &panel)
+{
+    const auto *display = panel.finger.see<ValueDisplay>(QStringLiteral("measure.value"));
+    if (!display || !panel.finger.tap(QStringLiteral("measure.start")))
+        return QStringLiteral("(cannot be started)");
+    Finger::waitFor([&] { return panel.buttonText("measure.start") == QLatin1String("Start"); });
+    return display->value() + QLatin1Char('|') + display->verdict();
+}
+
+void measureWith(PanelFixture &panel, const TestObject &object)
+{
+    panel.context.setup().object = object;
+    emit panel.context.setupChanged();
+}
+
+TestObject objectOf(float ohms)
+{
+    TestObject object;
+    object.resistance = ohms;
+    object.noise = 0;
+    object.temperature = Setup::referenceTemperature;
+    return object;
+}
+
+/** A series of ten readings, quickly. */
+bool record(PanelFixture &panel)
+{
+    return panel.finger.tap(QStringLiteral("nav.Record"))
+        && panel.pick("record.count", QStringLiteral("10"))
+        && panel.finger.tap(QStringLiteral("record.start")) && Finger::waitFor([&] {
+               return panel.finger.find(QStringLiteral("record.save"))->isEnabled();
+           });
+}
+
+bool writeClient(PanelFixture &panel, const QString &name)
+{
+    return panel.finger.tap(QStringLiteral("record.client")) && panel.finger.type(name)
+        && panel.finger.tap(QStringLiteral("key.done"));
+}
+
+} // namespace
+
+/** The Measure and Record pages, by touches. */
+class TstPanelMeasuring : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void aMeasurementEndsAndIsCounted_data();
+    void aMeasurementEndsAndIsCounted();
+    void stoppedEarlyIsNotCounted();
+    void whatCannotBeShown_data();
+    void whatCannotBeShown();
+    void judgedByALimitWithATone_data();
+    void judgedByALimitWithATone();
+    void compensatedForAMaterial();
+    void currentsAreThoseOfTheModel();
+    void serialNumberChangesTheModelUnderWay();
+    void lastSettingComesBack();
+    void seriesIsSavedUnderASafeAndFreeName();
+    void seriesOnAFullCard();
+    void nameOfDotsStaysInItsDirectory();
+};
+
+void TstPanelMeasuring::init()
+{
+    for (const char *directory : {"/media/sdcard/UserData", "/media/sdcard/Log", clients}) {
+        QDir(QLatin1String(directory)).removeRecursively();
+        QDir().mkpath(QLatin1String(directory));
+    }
+    Meter::clearJournal();
+}
+
+void TstPanelMeasuring::aMeasurementEndsAndIsCounted_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("result");
+    QTest::addColumn<int>("counter");
+    QTest::newRow("resistance") << "measure.kind.0" << QStringLiteral("1.2347 m\u2126|Done")
+                                << int(KTV_Liczniki::Licznik_PomiarObiektowRezystancyjnych);
+    QTest::newRow("inductance") << "measure.kind.1" << QStringLiteral("15.300 mH|Done")
+                                << int(KTV_Liczniki::Licznik_PomiarObiektowIndukcyjnych);
+    QTest::newRow("temperature") << "measure.kind.2" << QStringLiteral("20.0 \u00B0C|Done")
+                                 << int(KTV_Liczniki::Licznik_PomiarTemperaturySilnika);
+}
+
+void TstPanelMeasuring::aMeasurementEndsAndIsCounted()
+{
+    QFETCH(QString, kind);
+    QFETCH(int, counter);
+    PanelFixture panel;
+    measureWith(panel, objectOf(0.0012347F));
+    QVERIFY(panel.finger.tap(kind));
+    QTEST(measured(panel), "result");
+    const KTV_Liczniki *counts = panel.context.library().getLiczniki();
+    QCOMPARE(counts->get_dictionary(static_cast<KTV_Liczniki::Licznik>(counter)), 1);
+    TAP(panel, "nav.About");
+    QCOMPARE(panel.labelText(qPrintable(QStringLiteral("about.counter.%1").arg(counter))),
+             QStringLiteral("1"));
+}
+
+void TstPanelMeasuring::stoppedEarlyIsNotCounted()
+{
+    PanelFixture panel;
+    TAP(panel, "measure.start");
+    QCOMPARE(panel.buttonText("measure.start"), QStringLiteral("Stop"));
+    TAP(panel, "measure.start");
+    QCOMPARE(panel.buttonText("measure.start"), QStringLiteral("Start"));
+    QCOMPARE(panel.context.library().getLiczniki()->get_dictionary(
+                 KTV_Liczniki::Licznik_PomiarObiektowRezystancyjnych),
+             0);
+}
+
+void TstPanelMeasuring::whatCannotBeShown_data()
+{
+    QTest::addColumn<float>("ohms");
+    QTest::addColumn<int>("leads");
+    QTest::addColumn<QString>("result");
+    QTest::newRow("above the range")
+        << 0.25F << int(TestObject::Connected) << QStringLiteral("> 199.99 m\u2126|Done");
+    QTest::newRow("below zero") << 0.001F << int(TestObject::Reversed)
+                                << QStringLiteral("< 0 \u03BC\u2126|Done");
+    QTest::newRow("missing") << 0.001F << int(TestObject::Open)
+                             << QStringLiteral("--- \u2126|Current lead is open");
+}
+
+void TstPanelMeasuring::whatCannotBeShown()
+{
+    QFETCH(float, ohms);
+    QFETCH(int, leads);
+    PanelFixture panel;
+    TestObject object = objectOf(ohms);
+    object.leads = static_cast<TestObject::Leads>(leads);
+    measureWith(panel, object);
+    QTEST(measured(panel), "result");
+}
+
+void TstPanelMeasuring::judgedByALimitWithATone_data()
+{
+    QTest::addColumn<float>("ohms");
+    QTest::addColumn<QString>("verdict");
+    QTest::addColumn<QString>("tone");
+    const QString pass = QStringLiteral("beep -f 1400 -l 100 -d 100 -r 3");
+    const QString fail = QStringLiteral("beep -f 2470 -l 600 -d 200 -r 2");
+    QTest::newRow("below") << 0.0009F << "Fail" << fail;
+    QTest::newRow("the lower bound itself") << 0.001F << "Pass" << pass;
+    QTest::newRow("between") << 0.0012F << "Pass" << pass;
+    QTest::newRow("the upper bound itself") << 0.0015F << "Pass" << pass;
+    QTest::newRow("above by the last digit shown") << 0.0015001F << "Fail" << fail;
+    QTest::newRow("above the range") << 0.25F << "Fail" << fail;
+}
+
+void TstPanelMeasuring::judgedByALimitWithATone()
+{
+    QFETCH(float, ohms);
+    QFETCH(QString, tone);
+    PanelFixture panel;
+    QVERIFY(panel.context.library().get_DataList()->AddLimit_R(
+        QStringLiteral("joint"), QStringLiteral("1.5 m\u2126"), QStringLiteral("1 m\u2126")));
+    measureWith(panel, objectOf(ohms));
+    QVERIFY(panel.pick("measure.limit", QStringLiteral("joint")));
+    QTEST(measured(panel).section(QLatin1Char('|'), 1), "verdict");
+    QVERIFY(Finger::waitFor([&] { return Meter::journal().contains(tone); }));
+}
+
+void TstPanelMeasuring::compensatedForAMaterial()
+{
+    PanelFixture panel;
+    TestObject object = objectOf(0.001F);
+    object.temperature = 120;
+    measureWith(panel, object);
+    QCOMPARE(measured(panel), QStringLiteral("1.3930 m\u2126|Done"));
+    QVERIFY(panel.pick("measure.compensation", QStringLiteral("Copper")));
+    // Its own temperature taken out, a copper object shows what it has at 20 degrees.
+    QCOMPARE(measured(panel), QStringLiteral("1.0000 m\u2126|Done"));
+}
+
+void TstPanelMeasuring::currentsAreThoseOfTheModel()
+{
+    PanelFixture panel;
+    TAP(panel, "measure.current");
+    QCOMPARE(panel.titles("sheet.list"),
+             QStringList({"1.0 mA", "10.0 mA", "0.10 A", "1.00 A", "10.0 A"}));
+    TAP(panel, "sheet.cancel");
+    QVERIFY(panel.pick("measure.meter", QStringLiteral("DW44019")));
+    QCOMPARE(panel.labelText("header.meter"), QStringLiteral("QERN KTV-4400   DW44019"));
+    QVERIFY(panel.pick("measure.current", QStringLiteral("200 A")));
+    measureWith(panel, objectOf(0.0005F));
+    QCOMPARE(measured(panel), QStringLiteral("500.0 \u03BC\u2126|Done"));
+}
+
+void TstPanelMeasuring::serialNumberChangesTheModelUnderWay()
+{
+    PanelFixture panel;
+    QVERIFY(panel.pick("measure.meter", QStringLiteral("DV42006")));
+    QVERIFY(panel.pick("measure.current", QStringLiteral("150 A")));
+    TAP(panel, "measure.start");
+    QVERIFY(panel.context.hardware().isRunning());
+
+    // The hardware reports another meter, which knows no such current.
+    panel.context.setSerialNumber(QStringLiteral("CH20417"));
+    QVERIFY(!panel.context.hardware().isRunning());
+    QCOMPARE(panel.buttonText("measure.start"), QStringLiteral("Start"));
+    QCOMPARE(panel.labelText("header.meter"), QStringLiteral("QERN KTV-420   CH20417"));
+    QCOMPARE(panel.context.setup().current, ValueBox::testI_10A);
+    QCOMPARE(panel.context.library().getLiczniki()->get_dictionary(
+                 KTV_Liczniki::Licznik_PomiarObiektowRezystancyjnych),
+             0);
+    measureWith(panel, objectOf(0.0012F));
+    QCOMPARE(measured(panel), QStringLiteral("1.2000 m\u2126|Done"));
+
+    panel.context.setSerialNumber(QStringLiteral("unknown"));
+    QCOMPARE(panel.labelText("header.meter"), QStringLiteral("QERN KTV-xxx   unknown"));
+}
+
+void TstPanelMeasuring::lastSettingComesBack()
+{
+    {
+        PanelFixture panel;
+        QVERIFY(panel.pick("measure.current", QStringLiteral("0.10 A")));
+        QVERIFY(panel.pick("measure.meter", QStringLiteral("JB20871")));
+        TAP(panel, "measure.kind.1");
+        QVERIFY(panel.pick("measure.current", QStringLiteral("1.00 A")));
+    }
+    PanelFixture panel;
+    QCOMPARE(panel.labelText("header.meter"), QStringLiteral("QERN PLX-420   JB20871"));
+    QCOMPARE(panel.context.setup().current, ValueBox::testI_100mA);
+    TAP(panel, "measure.kind.1");
+    QCOMPARE(panel.context.setup().current, ValueBox::testI_1A);
+}
+
+void TstPanelMeasuring::seriesIsSavedUnderASafeAndFreeName()
+{
+    PanelFixture panel;
+    measureWith(panel, objectOf(0.0012347F));
+    QVERIFY(record(panel));
+    QCOMPARE(panel.list("record.table")->rowCount(), 10);
+    QVERIFY(writeClient(panel, QStringLiteral("Yard 7/4: \"B\"")));
+    const QDir directory(QLatin1String(clients) + QStringLiteral("/Yard 7_4_ _B_"));
+    const QString date = QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd"));
+    for (const QString &name : {date + ".csv", date + "_1.csv"}) {
+        TAP(panel, "record.save");
+        QCOMPARE(panel.labelText("sheet.message"), directory.filePath(name));
+        TAP(panel, "sheet.ok");
+    }
+    QCOMPARE(directory.entryList(QDir::Files), QStringList({date + ".csv", date + "_1.csv"}));
+    const QList<QByteArray> lines = Meter::readFile(directory.filePath(date + ".csv")).split('\n');
+    QCOMPARE(lines.size(), 12); // a heading, ten readings, and what follows the last line feed
+    QCOMPARE(lines.first(), QByteArray("number,time,value,shown\r"));
+    QVERIFY(lines.at(10).startsWith("10,"));
+    QVERIFY(lines.at(10).endsWith(QStringLiteral(",0.0012347,\"1.2347 m\u2126\"\r").toUtf8()));
+    QCOMPARE(panel.context.library().getLiczniki()->get_dictionary(
+                 KTV_Liczniki::Licznik_RejestracjaObiektowRezystancyjnych),
+             1);
+}
+
+void TstPanelMeasuring::seriesOnAFullCard()
+{
+    PanelFixture panel;
+    Volume card(QLatin1String(clients), 40);
+    QVERIFY(record(panel));
+    QVERIFY(writeClient(panel, QStringLiteral("a")));
+    QCOMPARE(panel.labelText("header.alert"), QString());
+    card.fillUp();
+    TAP(panel, "record.save");
+    QCOMPARE(panel.labelText("sheet.message"), QStringLiteral("No space left on the memory card"));
+    TAP(panel, "sheet.ok");
+    QCOMPARE(panel.labelText("header.alert"), QStringLiteral("The memory card is almost full"));
+    const QDir directory(QLatin1String(clients) + QStringLiteral("/a"));
+    QCOMPARE(directory.entryList(QDir::Files), QStringList());
+
+    card.fill(4); // the series is still there, and so is room for it
+    TAP(panel, "record.save", "sheet.ok");
+    QCOMPARE(directory.entryList(QDir::Files).size(), 1);
+    QCOMPARE(panel.labelText("header.alert"), QString());
+}
+
+void TstPanelMeasuring::nameOfDotsStaysInItsDirectory()
+{
+    PanelFixture panel;
+    QVERIFY(record(panel));
+    QVERIFY(writeClient(panel, QStringLiteral("..")));
+    TAP(panel, "record.save");
+    QVERIFY(
+        panel.labelText("sheet.message").startsWith(QLatin1String("/media/sdcard/Clients/_../")));
+    QCOMPARE(QDir(QStringLiteral("/media/sdcard")).entryList({"*.csv"}), QStringList());
+}
+
+KTV_PANEL_TEST_MAIN(TstPanelMeasuring)
+
+#include "tst_panel_measuring.moc"

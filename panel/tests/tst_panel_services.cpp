@@ -1,0 +1,307 @@
+#include "PanelFixture.h"
+
+#include <datalist/KTV_DataList.h>
+#include <datasource/KTV_DataSource.h>
+#include <tools/Tools.h>
+
+#include <QDir>
+#include <QLineEdit>
+#include <QProcess>
+
+using QERNTools::Tools;
+
+/** The Lists, WiFi, USB and Sound pages, by touches. */
+class TstPanelServices : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+    void searchAsYouType();
+    void entriesOfEachList_data();
+    void entriesOfEachList();
+    void sameEntryTwice();
+    void factoryRowsCannotBeChanged();
+    void entriesThatAreRefused_data();
+    void entriesThatAreRefused();
+    void joinAndForgetANetwork();
+    void shortPassPhrase();
+    void withoutWifi();
+    void switchThePort_data();
+    void switchThePort();
+    void portThatCannotBeSwitched();
+    void tones();
+    void volume();
+};
+
+void TstPanelServices::init()
+{
+    const QString directory = QStringLiteral("/media/sdcard/UserData");
+    QDir(directory).removeRecursively();
+    QDir().mkpath(directory);
+    Meter::clearJournal();
+}
+
+void TstPanelServices::cleanup()
+{
+    Meter::setBehaviour(QStringLiteral("modprobe-usb-gadget"), QByteArray());
+}
+
+// --- lists
+
+void TstPanelServices::searchAsYouType()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.Lists", "lists.family.2", "lists.search");
+    const int all = panel.list("lists.list")->rowCount();
+    QVERIFY(panel.finger.type(QStringLiteral("a")));
+    const int some = panel.list("lists.list")->rowCount();
+    QVERIFY(some < all);
+    QVERIFY(panel.finger.type(QStringLiteral("luminium ")));
+    QCOMPARE(panel.titles("lists.list"), QStringList("Aluminium alloy AlMgSi"));
+    TAP(panel, "key.done", "lists.clear");
+    QCOMPARE(panel.list("lists.list")->rowCount(), all);
+}
+
+void TstPanelServices::entriesOfEachList_data()
+{
+    QTest::addColumn<QString>("family");
+    QTest::addColumn<QStringList>("values");
+    QTest::addColumn<QString>("detail");
+    QTest::newRow("object types") << "lists.family.0" << QStringList("aaa") << "";
+    QTest::newRow("object names") << "lists.family.1" << QStringList("aaa") << "";
+    QTest::newRow("materials") << "lists.family.2" << QStringList({"aaa", "0.0042"}) << "0.0042";
+    QTest::newRow("limits of resistance")
+        << "lists.family.3" << QStringList({"aaa", "1", "2.5"}) << "1 \u2026 2.5";
+    QTest::newRow("limits of temperature")
+        << "lists.family.4" << QStringList({"aaa", "-5", "80"}) << "-5 \u2026 80";
+    QTest::newRow("a limit at one side")
+        << "lists.family.3" << QStringList({"aaa", "", "2.5"}) << "2.5";
+}
+
+void TstPanelServices::entriesOfEachList()
+{
+    QFETCH(QString, family);
+    QFETCH(QStringList, values);
+    PanelFixture panel;
+    TAP(panel, "nav.Lists", qPrintable(family), "lists.add");
+    for (int i = 0; i < values.size(); ++i) {
+        QVERIFY(panel.finger.tap(QStringLiteral("sheet.line.%1").arg(i)));
+        QVERIFY(panel.finger.type(values.at(i)));
+    }
+    TAP(panel, "key.done");
+    QVERIFY(!panel.isSheetOpen());
+    QVERIFY(panel.finger.tapRow(QStringLiteral("lists.list"), QStringLiteral("aaa")));
+    QTEST(panel.list("lists.list")->chosenRow()->detail, "detail");
+
+    TAP(panel, "lists.rename", "sheet.line.0");
+    QVERIFY(panel.finger.type(QStringLiteral("b")));
+    TAP(panel, "key.done");
+    QVERIFY(panel.finger.tapRow(QStringLiteral("lists.list"), QStringLiteral("aaab")));
+    TAP(panel, "lists.delete", "sheet.cancel");
+    QVERIFY(panel.titles("lists.list").contains(QStringLiteral("aaab")));
+    TAP(panel, "lists.delete", "sheet.yes");
+    QVERIFY(!panel.titles("lists.list").contains(QStringLiteral("aaab")));
+}
+
+void TstPanelServices::sameEntryTwice()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.Lists", "lists.add");
+    QVERIFY(panel.finger.type(QStringLiteral("aaa")));
+    TAP(panel, "key.done", "lists.add");
+    QVERIFY(panel.finger.type(QStringLiteral("aaa")));
+    TAP(panel, "key.done");
+    QCOMPARE(panel.labelText("sheet.error"), QStringLiteral("This entry exists already"));
+    QCOMPARE(panel.titles("lists.list").count(QStringLiteral("aaa")), 1);
+}
+
+void TstPanelServices::factoryRowsCannotBeChanged()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.Lists", "lists.family.2");
+    QVERIFY(panel.finger.tapRow(QStringLiteral("lists.list"), QStringLiteral("Copper")));
+    QVERIFY(panel.list("lists.list")->chosenRow()->detail.endsWith(QLatin1String("factory")));
+    QVERIFY(!panel.finger.find(QStringLiteral("lists.rename"))->isEnabled());
+    QVERIFY(!panel.finger.find(QStringLiteral("lists.delete"))->isEnabled());
+}
+
+void TstPanelServices::entriesThatAreRefused_data()
+{
+    QTest::addColumn<QString>("family");
+    QTest::addColumn<QStringList>("values");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("no name") << "lists.family.0" << QStringList("") << "Enter a name";
+    QTest::newRow("material without a coefficient")
+        << "lists.family.2" << QStringList({"aaa", ""}) << "This is not a number";
+    QTest::newRow("limit that is no number")
+        << "lists.family.4" << QStringList({"aaa", "--", ""}) << "This is not a number";
+    QTest::newRow("limits the wrong way round")
+        << "lists.family.4" << QStringList({"aaa", "80", "5"})
+        << "The lower limit is above the upper one";
+}
+
+void TstPanelServices::entriesThatAreRefused()
+{
+    QFETCH(QString, family);
+    QFETCH(QStringList, values);
+    PanelFixture panel;
+    TAP(panel, "nav.Lists", qPrintable(family), "lists.add");
+    for (int i = 0; i < values.size(); ++i) {
+        QVERIFY(panel.finger.tap(QStringLiteral("sheet.line.%1").arg(i)));
+        QVERIFY(panel.finger.type(values.at(i)));
+    }
+    TAP(panel, "key.done");
+    QTEST(panel.labelText("sheet.error"), "error");
+    TAP(panel, "sheet.cancel");
+    QVERIFY(!panel.titles("lists.list").contains(QStringLiteral("aaa")));
+}
+
+// --- WiFi
+
+void TstPanelServices::joinAndForgetANetwork()
+{
+    const QString name = QStringLiteral("Substation North");
+    PanelFixture panel;
+    TAP(panel, "nav.WiFi");
+    QVERIFY(Finger::waitFor([&] { return panel.titles("wifi.list").contains(name); }));
+    QCOMPARE(panel.titles("wifi.list").first(), name); // the strongest first
+    QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
+    QVERIFY(!panel.finger.find(QStringLiteral("wifi.forget"))->isEnabled());
+    TAP(panel, "wifi.join");
+    QVERIFY(panel.finger.type(QStringLiteral("ohm-law-1827")));
+    TAP(panel, "key.done");
+    QVERIFY(Finger::waitFor(
+        [&] { return panel.labelText("wifi.details").contains(QLatin1String("192.168.44.100")); }));
+    QCOMPARE(panel.labelText("wifi.state"), QStringLiteral("Connected"));
+    QVERIFY(!panel.labelText("wifi.details").contains(QLatin1String(":192")));
+
+    QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
+    QCOMPARE(panel.list("wifi.list")->chosenRow()->detail, QStringLiteral("known"));
+    TAP(panel, "wifi.forget", "sheet.yes");
+    QVERIFY(Finger::waitFor([&] {
+        return panel.list("wifi.list")->chosenRow()
+            && panel.list("wifi.list")->chosenRow()->detail.isEmpty();
+    }));
+    QVERIFY(Finger::waitFor(
+        [&] { return panel.labelText("wifi.state") == QLatin1String("Not connected"); }));
+}
+
+void TstPanelServices::shortPassPhrase()
+{
+    const QString name = QStringLiteral("Substation North");
+    PanelFixture panel;
+    TAP(panel, "nav.WiFi");
+    QVERIFY(Finger::waitFor([&] { return panel.titles("wifi.list").contains(name); }));
+    QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
+    TAP(panel, "wifi.join");
+    QVERIFY(panel.finger.type(QStringLiteral("1234567")));
+    TAP(panel, "key.done");
+    QCOMPARE(panel.labelText("sheet.error"),
+             QStringLiteral("The pass phrase has 8 to 63 characters"));
+}
+
+void TstPanelServices::withoutWifi()
+{
+    // No adapter for "ls" to find, as when none is plugged in.
+    Meter::setBehaviour(QStringLiteral("ls"), "silent=1");
+    Meter::recordProgram(QStringLiteral("ls"));
+    {
+        PanelFixture panel;
+        TAP(panel, "nav.WiFi");
+        QCOMPARE(panel.labelText("wifi.note"), QStringLiteral("No WiFi adapter"));
+        QVERIFY(!panel.finger.find(QStringLiteral("wifi.power"))->isEnabled());
+        QVERIFY(!panel.finger.find(QStringLiteral("wifi.join"))->isEnabled());
+        QCOMPARE(panel.labelText("wifi.state"), QStringLiteral("Not connected"));
+        TAP(panel, "nav.Measure");
+    }
+    Meter::setBehaviour(QStringLiteral("ls"), QByteArray());
+    Meter::showProgram(QStringLiteral("ls"));
+}
+
+// --- USB
+
+void TstPanelServices::switchThePort_data()
+{
+    QTest::addColumn<QString>("choice");
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<int>("owner");
+    QTest::newRow("network") << "Network" << int(Tools::USB_RNDIS) << int(Tools::RS232_None);
+    QTest::newRow("console") << "Console" << int(Tools::USB_RS232) << int(Tools::RS232_Console);
+    QTest::newRow("hardware calibration")
+        << "Hardware calibration" << int(Tools::USB_RS232) << int(Tools::RS232_HardwareCalibration);
+    QTest::newRow("system calibration")
+        << "System calibration" << int(Tools::USB_RS232) << int(Tools::RS232_SystemCalibration);
+}
+
+void TstPanelServices::switchThePort()
+{
+    QFETCH(QString, choice);
+    PanelFixture panel;
+    TAP(panel, "nav.USB");
+    Meter::setBehaviour(QStringLiteral("modprobe-usb-gadget"), "delay=0.3");
+    int ticks = 0;
+    QTimer tick;
+    connect(&tick, &QTimer::timeout, this, [&] { ++ticks; });
+    // A touch while the page is still looking at the port does nothing yet.
+    QVERIFY(Finger::waitFor([&] {
+        return panel.finger.tapRow(QStringLiteral("usb.choices"), choice) && panel.isSheetOpen();
+    }));
+    tick.start(20);
+    QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
+    QVERIFY(ticks > 1); // the interface has been alive meanwhile
+    QCOMPARE(panel.list("usb.choices")->chosenRow()->title, choice);
+    QCOMPARE(panel.labelText("usb.note"), QString());
+    QTEST(int(Tools::detectCurrentMode()), "mode");
+    QTEST(int(Tools::getRS232_Function()), "owner");
+}
+
+void TstPanelServices::portThatCannotBeSwitched()
+{
+    PanelFixture panel;
+    QVERIFY(Tools::StartRS232());
+    TAP(panel, "nav.USB");
+    Meter::setBehaviour(QStringLiteral("modprobe-usb-gadget"), "stdout=no such device");
+    QVERIFY(Finger::waitFor([&] {
+        return panel.finger.tapRow(QStringLiteral("usb.choices"), QStringLiteral("Network"))
+            && panel.isSheetOpen();
+    }));
+    QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
+    QCOMPARE(panel.labelText("usb.note"), QStringLiteral("The port could not be switched"));
+}
+
+// --- sound
+
+void TstPanelServices::tones()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.Sound", "sound.tone.1");
+    const QString decline = QStringLiteral("beep -f 1400 -l 100 -d 0 -r 1");
+    QVERIFY(Finger::waitFor([&] { return Meter::journal().contains(decline); }));
+
+    TAP(panel, "sound.tone.8"); // repeated until it is silenced
+    const QString alarm = QStringLiteral("beep -f 2470 -l 600 -d 200 -r 2");
+    QVERIFY(Finger::waitFor([&] { return Meter::journal().count(alarm) > 1; }));
+    TAP(panel, "sound.stop");
+    QCOMPARE(Meter::processes(QStringLiteral("beep")), QStringList());
+
+    TAP(panel, "sound.switch.1");
+    Meter::clearJournal();
+    TAP(panel, "sound.tone.1", "nav.Lists", "nav.Sound", "sound.switch.0", "sound.tone.13");
+    QVERIFY(Finger::waitFor(
+        [&] { return Meter::journal().contains("beep -f 2470 -l 300 -d 0 -r 1"); }));
+    QVERIFY(!Meter::journal().contains(decline));
+}
+
+void TstPanelServices::volume()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.Sound", "sound.less", "sound.less");
+    QCOMPARE(panel.labelText("sound.percent"), QStringLiteral("50 %"));
+    QVERIFY(Finger::waitFor(
+        [] { return Meter::readFile(QStringLiteral("/run/meter/volume")).trimmed() == "50"; }));
+}
+
+KTV_PANEL_TEST_MAIN(TstPanelServices)
+
+#include "tst_panel_services.moc"

@@ -1,0 +1,321 @@
+#include "PanelFixture.h"
+
+#include "support/Volume.h"
+
+#include <configuration/KTV_InterfaceConfig.h>
+#include <datalist/KTV_DataList.h>
+#include <datasource/KTV_DataSource.h>
+#include <language/LangSerwis.h>
+
+#include <QDir>
+#include <QDirIterator>
+#include <QLineEdit>
+#include <QRegularExpression>
+#include <QSlider>
+#include <QTextBrowser>
+
+namespace {
+
+const char *const pages[] = {"nav.Measure", "nav.Record", "nav.Lists",    "nav.WiFi",
+                             "nav.USB",     "nav.Sound",  "nav.Settings", "nav.About"};
+
+/** Texts as the sources write them out. */
+QVector<QStringList> writtenTexts()
+{
+    static const QRegularExpression form(
+        QStringLiteral("Text\\s*\\{\\s*\"(\\w+)\",\\s*\"(\\w+)\",\\s*\"([^\"]*)\"\\s*\\}"));
+    QVector<QStringList> texts;
+    QDirIterator files(QStringLiteral(PANEL_SOURCES), {"*.cpp"}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString path = files.next();
+        if (path.contains(QLatin1String("/tests/")))
+            continue;
+        auto matches = form.globalMatch(QString::fromUtf8(Meter::readFile(path)));
+        while (matches.hasNext())
+            texts += matches.next().capturedTexts().mid(1);
+    }
+    return texts;
+}
+
+} // namespace
+
+/** The Settings, About and Help pages, and what goes for all pages: texts and touches. */
+class TstPanelSettings : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void everyTextStandsInEveryLanguage_data();
+    void everyTextStandsInEveryLanguage();
+    void languageChangesEverythingAtOnce_data();
+    void languageChangesEverythingAtOnce();
+    void keyboardOfTheLanguage();
+    void everythingCanBeTouchedAndRead_data();
+    void everythingCanBeTouchedAndRead();
+    void unitOfTemperatures();
+    void limitFollowsTheUnit();
+    void appearance();
+    void connectedKeyboard();
+    void factoryReset();
+    void firstStart();
+    void aboutTheMeter();
+    void alertOfTheCard();
+    void help();
+};
+
+void TstPanelSettings::init()
+{
+    const QString directory = QStringLiteral("/media/sdcard/UserData");
+    QDir(directory).removeRecursively();
+    QDir().mkpath(directory);
+}
+
+// --- texts
+
+void TstPanelSettings::everyTextStandsInEveryLanguage_data()
+{
+    QTest::addColumn<QString>("code");
+    for (const char *code : {"EN", "US", "PL", "DE"})
+        QTest::newRow(code) << code;
+}
+
+void TstPanelSettings::everyTextStandsInEveryLanguage()
+{
+    QFETCH(QString, code);
+    LangSerwis language(QStringLiteral("/home/root/Langs/"), KTV_Configuration::KTV_420);
+    QVERIFY(language.setLang(code));
+    QCOMPARE(language.getCurrentLang(), code);
+    const QVector<QStringList> texts = writtenTexts();
+    QVERIFY(texts.size() > 150);
+    QStringList missing;
+    for (const QStringList &text : texts) {
+        const QString there = language.getText(text.at(0), text.at(1), QString());
+        if (there.isEmpty() || (code == QLatin1String("EN") && there != text.at(2)))
+            missing += text.join(QLatin1Char('/'));
+    }
+    QCOMPARE(missing, QStringList());
+}
+
+void TstPanelSettings::languageChangesEverythingAtOnce_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("code");
+    QTest::addColumn<QString>("copper");
+    QTest::newRow("Polish") << "Polski"
+                            << "PL" << QStringLiteral("Mied\u017A");
+    QTest::newRow("German") << "Deutsch"
+                            << "DE"
+                            << "Kupfer";
+}
+
+void TstPanelSettings::languageChangesEverythingAtOnce()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, code);
+    PanelFixture panel;
+    // Every page has been seen, so every text has been made.
+    for (const char *page : pages)
+        TAP(panel, page);
+    TAP(panel, "nav.Settings");
+    QVERIFY(panel.pick("settings.language", name));
+
+    LangSerwis language(QStringLiteral("/home/root/Langs/"), KTV_Configuration::KTV_420);
+    QVERIFY(language.setLang(code));
+    const auto text = [&](const char *section, const char *key) {
+        return language.getText(QLatin1String(section), QLatin1String(key), QString());
+    };
+    QCOMPARE(panel.buttonText("nav.Measure"), text("Main", "measure"));
+    QCOMPARE(panel.buttonText("nav.About"), text("Panel", "about"));
+    QCOMPARE(panel.buttonText("settings.reset"), text("Settings", "factoryReset"));
+    TAP(panel, "nav.Measure");
+    QCOMPARE(panel.buttonText("measure.kind.0"), text("Measure", "resistance"));
+    TAP(panel, "nav.Lists", "lists.family.2");
+    QCOMPARE(panel.buttonText("lists.add"), text("Lists", "add"));
+    QTEST(panel.titles("lists.list").first(), "copper");
+    QVERIFY(panel.list("lists.list")->row(0).detail.endsWith(text("Panel", "factory")));
+    TAP(panel, "nav.USB");
+    QCOMPARE(panel.titles("usb.choices").first(), text("USB", "network"));
+    QCOMPARE(panel.context.library().get_InterfaceConfig()->getValue(KTV_InterfaceConfig::MAIN_Lang,
+                                                                     QString()),
+             code);
+}
+
+void TstPanelSettings::keyboardOfTheLanguage()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.Settings");
+    QVERIFY(panel.pick("settings.language", QStringLiteral("Polski")));
+    TAP(panel, "nav.Lists", "lists.add");
+    const QString text = QStringLiteral("\u0141\u0105cznik Nr 7!");
+    QVERIFY(panel.finger.type(text));
+    QCOMPARE(panel.finger.see<QLineEdit>(QStringLiteral("sheet.line.0"))->text(), text);
+    TAP(panel, "key.backspace", "key.done");
+    QVERIFY(panel.titles("lists.list").contains(text.chopped(1)));
+}
+
+// --- touches
+
+void TstPanelSettings::everythingCanBeTouchedAndRead_data()
+{
+    everyTextStandsInEveryLanguage_data();
+}
+
+void TstPanelSettings::everythingCanBeTouchedAndRead()
+{
+    QFETCH(QString, code);
+    PanelFixture panel;
+    panel.context.setLanguage(code);
+    QStringList problems;
+    for (const char *page : pages) {
+        TAP(panel, page);
+        for (const QAbstractButton *button : panel.window.findChildren<QAbstractButton *>()) {
+            if (!button->isVisible())
+                continue;
+            const QString what = QLatin1String(page) + QLatin1Char(' ') + button->objectName();
+            if (button->width() < 44 || button->height() < 44)
+                problems +=
+                    what + QStringLiteral(" is %1 x %2").arg(button->width()).arg(button->height());
+            if (button->fontMetrics().horizontalAdvance(button->text()) > button->width() - 4)
+                problems += what + QStringLiteral(" cannot be read whole: ") + button->text();
+        }
+    }
+    QCOMPARE(problems, QStringList());
+}
+
+// --- settings
+
+void TstPanelSettings::unitOfTemperatures()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.Settings", "settings.temperature.2", "nav.Measure", "measure.object");
+    // 23.5 degrees Celsius
+    const auto *temperature = panel.finger.find(QStringLiteral("object.3"));
+    QVERIFY(temperature);
+    TAP(panel, "sheet.ok", "measure.kind.2", "measure.start");
+    QVERIFY(Finger::waitFor([&] { return !panel.context.hardware().isRunning(); }));
+    QCOMPARE(panel.finger.see<ValueDisplay>(QStringLiteral("measure.value"))->value(),
+             QStringLiteral("296.5 K"));
+}
+
+void TstPanelSettings::limitFollowsTheUnit()
+{
+    PanelFixture panel;
+    QVERIFY(panel.context.library().get_DataList()->AddLimit_T(
+        QStringLiteral("winding"), QStringLiteral("30"), QStringLiteral("0")));
+    TAP(panel, "measure.kind.2");
+    QVERIFY(panel.pick("measure.limit", QStringLiteral("winding")));
+    TAP(panel, "nav.Settings", "settings.temperature.1", "nav.Measure", "measure.start");
+    QVERIFY(Finger::waitFor([&] { return !panel.context.hardware().isRunning(); }));
+    const auto *display = panel.finger.see<ValueDisplay>(QStringLiteral("measure.value"));
+    QCOMPARE(display->value(), QStringLiteral("74.0 \u00B0F"));
+    QCOMPARE(display->verdict(), QStringLiteral("Pass")); // 0 to 30 are 32 to 86
+}
+
+void TstPanelSettings::appearance()
+{
+    {
+        PanelFixture panel;
+        TAP(panel, "nav.Settings", "settings.theme.1");
+        QVERIFY(panel.window.grab().toImage().pixelColor(150, 300).lightness() < 60);
+    }
+    PanelFixture panel; // remembered
+    QVERIFY(panel.window.grab().toImage().pixelColor(150, 300).lightness() < 60);
+    TAP(panel, "nav.Settings", "settings.theme.0");
+    QVERIFY(panel.window.grab().toImage().pixelColor(150, 300).lightness() > 200);
+}
+
+void TstPanelSettings::connectedKeyboard()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.Settings", "settings.keyboard.1", "nav.Lists", "lists.add");
+    QVERIFY(!panel.finger.find(QStringLiteral("keyboard")));
+    QTest::keyClicks(panel.finger.find(QStringLiteral("sheet.line.0")), QStringLiteral("aaa"));
+    QTest::keyClick(panel.finger.find(QStringLiteral("sheet.line.0")), Qt::Key_Return);
+    QVERIFY(!panel.isSheetOpen());
+    QVERIFY(panel.titles("lists.list").contains(QStringLiteral("aaa")));
+}
+
+void TstPanelSettings::factoryReset()
+{
+    PanelFixture panel;
+    QVERIFY(panel.context.library().get_DataList()->AddObiectTyp(QStringLiteral("aaa")));
+    TAP(panel, "nav.Settings", "settings.temperature.1", "settings.theme.1", "settings.reset",
+        "sheet.cancel");
+    QCOMPARE(panel.context.temperatureUnit(), ValueBox::Temp_Fahrenheit);
+    TAP(panel, "settings.reset", "sheet.yes");
+    QCOMPARE(panel.context.temperatureUnit(), ValueBox::Temp_Celsius);
+    QVERIFY(!panel.context.isDark());
+    QVERIFY(panel.finger.see<QPushButton>(QStringLiteral("settings.temperature.0"))->isChecked());
+    TAP(panel, "nav.Lists");
+    QVERIFY(!panel.titles("lists.list").contains(QStringLiteral("aaa")));
+    QVERIFY(!panel.titles("lists.list").isEmpty());
+}
+
+void TstPanelSettings::firstStart()
+{
+    PanelFixture panel;
+    panel.window.welcome();
+    QCOMPARE(panel.titles("sheet.list"),
+             QStringList({"Deutsch", "English", "Polski", "English (US)"}));
+    QVERIFY(panel.finger.tapRow(QStringLiteral("sheet.list"), QStringLiteral("Deutsch")));
+    QCOMPARE(panel.buttonText("nav.Measure"), QStringLiteral("Messen"));
+}
+
+// --- about, help
+
+void TstPanelSettings::aboutTheMeter()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.About");
+    QCOMPARE(panel.labelText("about.model"), QStringLiteral("QERN KTV-420"));
+    QCOMPARE(panel.labelText("about.serial"), QStringLiteral("CH20417"));
+    QCOMPARE(panel.labelText("about.interface"), QStringLiteral("3.8.2 - 2.4.17"));
+    QCOMPARE(panel.labelText("about.system"), QStringLiteral("2.4.17"));
+    QCOMPARE(panel.labelText("about.card"), QString());
+    Meter::writeFile(QStringLiteral("/etc/korva/sdcard.error"), "1");
+    TAP(panel, "about.check");
+    QCOMPARE(panel.labelText("about.card"), QStringLiteral("The card has a fault"));
+    QFile::remove(QStringLiteral("/etc/korva/sdcard.error"));
+}
+
+void TstPanelSettings::alertOfTheCard()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.About");
+    QCOMPARE(panel.labelText("about.alert"), QString());
+    Volume card(QStringLiteral("/media/sdcard/Clients"), 100);
+    card.fill(85);
+    TAP(panel, "about.check");
+    QCOMPARE(panel.labelText("about.alert"), QStringLiteral("The memory card is almost full"));
+    QCOMPARE(panel.labelText("header.alert"), QStringLiteral("The memory card is almost full"));
+    QVERIFY(panel.labelText("about.disk").contains(QStringLiteral("Total 400.00 kB")));
+    card.fill(10);
+    TAP(panel, "about.check");
+    QCOMPARE(panel.labelText("header.alert"), QString());
+}
+
+void TstPanelSettings::help()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.Help");
+    QCOMPARE(panel.labelText("help.number"), QStringLiteral("1 / 2"));
+    const auto *text = panel.finger.see<QTextBrowser>(QStringLiteral("help.text"));
+    const QString first = text->toPlainText();
+    QVERIFY(first.startsWith(QLatin1String("Connecting the object")));
+    TAP(panel, "help.next");
+    QVERIFY(text->toPlainText() != first);
+    QVERIFY(!panel.finger.find(QStringLiteral("help.next"))->isEnabled());
+    panel.context.setLanguage(QStringLiteral("PL"));
+    QCOMPARE(panel.labelText("help.number"), QStringLiteral("1 / 2"));
+    QVERIFY(text->toPlainText() != first);
+    panel.context.setLanguage(QStringLiteral("EN"));
+    TAP(panel, "help.close", "nav.USB", "nav.Help");
+    QCOMPARE(text->toPlainText(), QStringLiteral("There is no help for this screen"));
+    TAP(panel, "nav.Help");
+    QVERIFY(panel.finger.find(QStringLiteral("usb.choices")));
+}
+
+KTV_PANEL_TEST_MAIN(TstPanelSettings)
+
+#include "tst_panel_settings.moc"

@@ -1,0 +1,95 @@
+#include "touch/Buttons.h"
+
+#include "touch/Theme.h"
+
+#include <QButtonGroup>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QVariant>
+
+namespace {
+
+/** By TouchButton::Role, as the style sheet calls them. */
+const char *const roleNames[] = {"plain", "primary", "danger", "navigation", "key"};
+
+} // namespace
+
+TouchButton::TouchButton(const QString &name, Role role, QWidget *parent) : QPushButton(parent)
+{
+    setObjectName(name);
+    setProperty("role", QString::fromLatin1(roleNames[role]));
+    setFocusPolicy(Qt::NoFocus);
+    setMinimumHeight(Theme::target);
+}
+
+FieldButton::FieldButton(const QString &name, QWidget *parent) : TouchButton(name, Plain, parent)
+{
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+}
+
+void FieldButton::setText(const QString &caption)
+{
+    m_caption = caption;
+    update();
+}
+
+void FieldButton::setValue(const QString &value)
+{
+    m_value = value;
+    update();
+}
+
+QSize FieldButton::sizeHint() const
+{
+    return {160, 60};
+}
+
+void FieldButton::paintEvent(QPaintEvent *event)
+{
+    QPushButton::paintEvent(event);
+    QPainter painter(this);
+    const QRect inside = rect().adjusted(12, 8, -12, -8);
+    QFont font = this->font();
+    const auto line = [&](const QString &text, int size, const QColor &colour, int alignment) {
+        font.setPixelSize(size);
+        painter.setFont(font);
+        painter.setPen(isEnabled() ? colour : Theme::current().line);
+        painter.drawText(inside, alignment,
+                         painter.fontMetrics().elidedText(text, Qt::ElideRight, inside.width()));
+    };
+    line(m_caption, 13, Theme::current().quiet, Qt::AlignLeft | Qt::AlignTop);
+    line(m_value, 17, Theme::current().text, Qt::AlignLeft | Qt::AlignBottom);
+}
+
+Choice::Choice(const QString &name, int count, QWidget *parent)
+    : QWidget(parent)
+    , m_group(new QButtonGroup(this))
+{
+    setObjectName(name);
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(Theme::gap);
+    for (int index = 0; index < count; ++index) {
+        auto *button = new TouchButton(name + QLatin1Char('.') + QString::number(index));
+        button->setCheckable(true);
+        button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        m_group->addButton(button, index);
+        m_parts += button;
+        layout->addWidget(button);
+    }
+    connect(m_group, &QButtonGroup::idClicked, this, &Choice::chosen);
+}
+
+int Choice::current() const
+{
+    return m_group->checkedId();
+}
+
+void Choice::setCurrent(int index)
+{
+    // An exclusive group cannot be left without a choice.
+    m_group->setExclusive(false);
+    for (int i = 0; i < m_parts.size(); ++i)
+        m_parts.at(i)->setChecked(i == index);
+    m_group->setExclusive(true);
+}

@@ -1,0 +1,233 @@
+#include "touch/Keyboard.h"
+
+#include "Context.h"
+#include "touch/Buttons.h"
+#include "touch/Theme.h"
+
+#include <datasource/KTV_DataSource.h>
+#include <language/LangSerwis.h>
+#include <valuebox/NumericalValueBox.h>
+
+#include <QPainter>
+#include <QStyle>
+#include <QVBoxLayout>
+
+using ValueBox::NumericalValueBox;
+
+namespace {
+
+constexpr int keyGap = 5;
+constexpr int keyHeight = 44;
+const QLatin1String keyboardName("keyboard");
+
+/** Prefixes offered behind a number of ohms. */
+constexpr ValueBox::UnitPrefixs ohmPrefixes[] = {ValueBox::Prefix_u, ValueBox::Prefix_m,
+                                                 ValueBox::Prefix_None, ValueBox::Prefix_k};
+
+QStringList characters(const QString &row)
+{
+    QStringList keys;
+    for (const QChar character : row)
+        keys += character;
+    return keys;
+}
+
+} // namespace
+
+// --- TextField
+
+TextField::TextField(const QString &name, Kind kind, QWidget *parent)
+    : QLineEdit(parent)
+    , m_kind(kind)
+{
+    setObjectName(name);
+    setMinimumHeight(Theme::target);
+    setContextMenuPolicy(Qt::NoContextMenu);
+    setProperty("isEmpty", true); // the style sheet greys what is asked for
+    connect(this, &QLineEdit::textChanged, this, [this](const QString &text) {
+        if (property("isEmpty").toBool() == text.isEmpty())
+            return;
+        setProperty("isEmpty", text.isEmpty());
+        style()->polish(this);
+    });
+    connect(this, &QLineEdit::returnPressed, this, &TextField::accepted);
+}
+
+void TextField::write()
+{
+    setFocus();
+    if (Keyboard *keyboard = Keyboard::of(this))
+        keyboard->open(this);
+}
+
+void TextField::mousePressEvent(QMouseEvent *event)
+{
+    QLineEdit::mousePressEvent(event);
+    write();
+}
+
+void TextField::hideEvent(QHideEvent *event)
+{
+    if (Keyboard *keyboard = Keyboard::of(this))
+        keyboard->close(this);
+    QLineEdit::hideEvent(event);
+}
+
+// --- Keyboard
+
+Keyboard::Keyboard(Context &context, QWidget *window) : QWidget(window), m_context(context)
+{
+    setObjectName(keyboardName);
+    hide();
+    connect(&context, &Context::textsChanged, this, [this] {
+        if (isVisible())
+            build();
+    });
+}
+
+Keyboard *Keyboard::of(const QWidget *widget)
+{
+    return widget->window()->findChild<Keyboard *>(keyboardName, Qt::FindDirectChildrenOnly);
+}
+
+void Keyboard::open(TextField *field)
+{
+    m_field = field;
+    m_isBig = false;
+    m_isRegional = false;
+    if (!m_context.usesScreenKeyboard())
+        return;
+    build();
+    show();
+    raise();
+    emit field->written();
+}
+
+void Keyboard::close(const TextField *field)
+{
+    if (!m_field || m_field != field)
+        return;
+    m_field->clearFocus();
+    emit m_field->finished();
+    m_field = nullptr;
+    hide();
+}
+
+void Keyboard::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), Theme::current().line);
+}
+
+QVector<QStringList> Keyboard::rows() const
+{
+    QVector<QStringList> rows;
+    if (m_field->kind() != TextField::Letters) {
+        rows += characters(QStringLiteral("1234567890"));
+        QStringList second = characters(QStringLiteral(".-"));
+        if (m_field->kind() == TextField::Resistance)
+            for (const ValueBox::UnitPrefixs prefix : ohmPrefixes)
+                second += QLatin1Char(' ') + NumericalValueBox::getUnitPrefix(prefix)
+                    + NumericalValueBox::getUnit(ValueBox::Unit_Ohm);
+        rows += second;
+        return rows;
+    }
+    const LangSerwis *language = m_context.library().get_Lang();
+    const QString layout = m_isRegional
+        ? (m_isBig ? language->getRegionalBigKeyboard() : language->getRegionalSmallKeyboard())
+        : (m_isBig ? language->getBigKeyboard() : language->getSmallKeyboard());
+    for (const QString &row : layout.split(QLatin1Char('|')))
+        rows += characters(row);
+    return rows;
+}
+
+void Keyboard::build()
+{
+    if (m_keys) {
+        m_keys->hide();
+        m_keys->deleteLater(); // one of its keys is being touched
+    }
+    m_keys = new QWidget(this);
+    m_keys->setObjectName(keyboardName);
+    auto *layout = new QVBoxLayout(m_keys);
+    layout->setContentsMargins(keyGap, keyGap, keyGap, keyGap);
+    layout->setSpacing(keyGap);
+    for (const QStringList &row : rows())
+        addTextRow(row);
+    addLastRow();
+    m_keys->show();
+    place();
+}
+
+void Keyboard::addTextRow(const QStringList &texts)
+{
+    auto *row = new QHBoxLayout;
+    row->setSpacing(keyGap);
+    for (const QString &text : texts) {
+        auto *key = new TouchButton(QStringLiteral("key.") + text.trimmed(), TouchButton::Key);
+        key->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        key->setMinimumHeight(keyHeight);
+        key->setText(text == QLatin1String("&") ? QStringLiteral("&&") : text.trimmed());
+        connect(key, &QPushButton::clicked, this, [this, text] {
+            if (m_field)
+                m_field->insert(text);
+        });
+        row->addWidget(key, 1);
+    }
+    static_cast<QVBoxLayout *>(m_keys->layout())->addLayout(row);
+}
+
+void Keyboard::addLastRow()
+{
+    auto *row = new QHBoxLayout;
+    row->setSpacing(keyGap);
+    const auto add = [&](const char *name, const QString &text, int stretch, auto action) {
+        auto *key = new TouchButton(QLatin1String(name), TouchButton::Key);
+        key->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        key->setMinimumHeight(keyHeight);
+        key->setText(text);
+        connect(key, &QPushButton::clicked, this, action);
+        row->addWidget(key, stretch);
+        return key;
+    };
+    if (m_field->kind() == TextField::Letters) {
+        QPushButton *shift = add("key.shift", QStringLiteral("\u21E7"), 2, [this] {
+            m_isBig = !m_isBig;
+            build();
+        });
+        shift->setCheckable(true);
+        shift->setChecked(m_isBig);
+        QPushButton *regional =
+            add("key.regional", m_context.library().get_Lang()->getCurrentLang(), 2, [this] {
+                m_isRegional = !m_isRegional;
+                build();
+            });
+        regional->setCheckable(true);
+        regional->setChecked(m_isRegional);
+        add("key.space", QString(), 6, [this] {
+            if (m_field)
+                m_field->insert(QStringLiteral(" "));
+        });
+    }
+    add("key.backspace", QStringLiteral("\u232B"), 2, [this] {
+        if (m_field)
+            m_field->backspace();
+    });
+    add("key.done", QStringLiteral("\u2713"), 3, [this] {
+        const QPointer<TextField> field = m_field;
+        if (!field)
+            return;
+        close(field);
+        if (field)
+            emit field->accepted();
+    })->setProperty("role", QStringLiteral("primary"));
+    static_cast<QVBoxLayout *>(m_keys->layout())->addLayout(row);
+}
+
+void Keyboard::place()
+{
+    const QSize window = parentWidget()->size();
+    const int height = m_keys->sizeHint().height();
+    setGeometry(0, window.height() - height, window.width(), height);
+    m_keys->setGeometry(rect());
+}

@@ -1,0 +1,223 @@
+#include "touch/Sheets.h"
+
+#include "Context.h"
+#include "touch/Buttons.h"
+#include "touch/Theme.h"
+
+#include <QFrame>
+#include <QLabel>
+#include <QPainter>
+#include <QProgressBar>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace {
+
+constexpr int sheetWidth = 560;
+constexpr int tallestList = 8; // rows
+constexpr Text cancelText = Text {"Dialogs", "cancel", "Cancel"};
+constexpr Text okText = Text {"Dialogs", "ok", "OK"};
+
+TouchButton *addButton(QHBoxLayout *row, Context &context, const char *name, const Text &text,
+                       TouchButton::Role role = TouchButton::Plain)
+{
+    auto *button = new TouchButton(QLatin1String(name), role);
+    context.translate(button, text);
+    row->addWidget(button);
+    return button;
+}
+
+} // namespace
+
+// --- Sheet
+
+Sheet::Sheet(Context &context, QWidget *somewhere)
+    : QWidget(somewhere->window())
+    , m_context(context)
+    , m_card(new QFrame(this))
+    , m_layout(new QVBoxLayout(m_card))
+{
+    setObjectName(QStringLiteral("sheet"));
+    m_card->setProperty("role", QStringLiteral("card"));
+    m_layout->setContentsMargins(Theme::margin, Theme::margin, Theme::margin, Theme::margin);
+    m_layout->setSpacing(12);
+}
+
+void Sheet::finish()
+{
+    hide();
+    setObjectName(QString()); // not found any more
+    deleteLater();
+}
+
+void Sheet::addTitle(const Text &title)
+{
+    auto *label = new QLabel;
+    label->setProperty("role", QStringLiteral("title"));
+    label->setWordWrap(true);
+    m_context.translate(label, title);
+    m_layout->addWidget(label);
+}
+
+void Sheet::open(int width, bool atTop)
+{
+    const QSize window = parentWidget()->size();
+    setGeometry(QRect(QPoint(), window));
+    m_card->setFixedWidth(width);
+    m_card->adjustSize();
+    const int top = atTop ? Theme::gap : (window.height() - m_card->height()) / 2;
+    m_card->move((window.width() - width) / 2, top);
+    show();
+    raise();
+}
+
+void Sheet::paintEvent(QPaintEvent *)
+{
+    constexpr int dimming = 130; // of 255
+    QPainter painter(this);
+    painter.fillRect(rect(), QColor(0, 0, 0, dimming));
+}
+
+// --- PickSheet
+
+PickSheet::PickSheet(Context &context, QWidget *somewhere, const Text &title,
+                     const QVector<TouchRow> &rows, int chosen,
+                     std::function<void(int index)> onChosen)
+    : Sheet(context, somewhere)
+{
+    addTitle(title);
+    auto *list = new TouchList(QStringLiteral("sheet.list"));
+    list->setRows(rows);
+    list->choose(chosen);
+    list->setFixedHeight(qBound(2, rows.size(), tallestList - 2) * Theme::target + 2);
+    card()->addWidget(list);
+    auto *buttons = new QHBoxLayout;
+    connect(addButton(buttons, context, "sheet.cancel", cancelText), &QPushButton::clicked, this,
+            &Sheet::finish);
+    card()->addLayout(buttons);
+    connect(list, &TouchList::chosen, this, [this, onChosen = std::move(onChosen)](int index) {
+        finish();
+        onChosen(index);
+    });
+    open(sheetWidth);
+}
+
+// --- ConfirmSheet
+
+ConfirmSheet::ConfirmSheet(Context &context, QWidget *somewhere, const Text &question,
+                           const Text &yes, std::function<void()> onYes)
+    : Sheet(context, somewhere)
+{
+    addTitle(question);
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(12);
+    connect(addButton(buttons, context, "sheet.cancel", cancelText), &QPushButton::clicked, this,
+            &Sheet::finish);
+    connect(addButton(buttons, context, "sheet.yes", yes, TouchButton::Danger),
+            &QPushButton::clicked, this, [this, onYes = std::move(onYes)] {
+                finish();
+                onYes();
+            });
+    card()->addLayout(buttons);
+    open(sheetWidth);
+}
+
+// --- MessageSheet
+
+MessageSheet::MessageSheet(Context &context, QWidget *somewhere, const Text &title,
+                           const QString &message)
+    : Sheet(context, somewhere)
+{
+    addTitle(title);
+    auto *label = new QLabel(message);
+    label->setObjectName(QStringLiteral("sheet.message"));
+    label->setWordWrap(true);
+    card()->addWidget(label);
+    auto *buttons = new QHBoxLayout;
+    connect(addButton(buttons, context, "sheet.ok", okText, TouchButton::Primary),
+            &QPushButton::clicked, this, &Sheet::finish);
+    card()->addLayout(buttons);
+    open(sheetWidth);
+}
+
+// --- FormSheet
+
+FormSheet::FormSheet(Context &context, QWidget *somewhere, const Text &title,
+                     const QVector<Field> &fields,
+                     std::function<QString(const QStringList &lines)> onAccepted)
+    : Sheet(context, somewhere)
+    , m_onAccepted(std::move(onAccepted))
+{
+    constexpr int formWidth = 720;
+    addTitle(title);
+    auto *row = new QHBoxLayout;
+    row->setSpacing(12);
+    for (const Field &field : fields) {
+        auto *column = new QVBoxLayout;
+        column->setSpacing(4);
+        auto *caption = new QLabel;
+        caption->setProperty("role", QStringLiteral("quiet"));
+        context.translate(caption, field.caption);
+        auto *line = new TextField(QStringLiteral("sheet.line.%1").arg(m_lines.size()), field.kind);
+        line->setText(field.value);
+        connect(line, &TextField::accepted, this, &FormSheet::accept);
+        column->addWidget(caption);
+        column->addWidget(line);
+        row->addLayout(column, m_lines.isEmpty() ? 2 : 1);
+        m_lines += line;
+    }
+    card()->addLayout(row);
+
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(12);
+    m_error = new QLabel;
+    m_error->setObjectName(QStringLiteral("sheet.error"));
+    m_error->setProperty("role", QStringLiteral("alarm"));
+    m_error->setWordWrap(true);
+    buttons->addWidget(m_error, 1);
+    connect(addButton(buttons, context, "sheet.cancel", cancelText), &QPushButton::clicked, this,
+            &Sheet::finish);
+    connect(addButton(buttons, context, "sheet.ok", okText, TouchButton::Primary),
+            &QPushButton::clicked, this, &FormSheet::accept);
+    card()->addLayout(buttons);
+    open(formWidth, true);
+    m_lines.first()->write();
+}
+
+void FormSheet::accept()
+{
+    QStringList lines;
+    for (const TextField *line : std::as_const(m_lines))
+        lines += line->text().trimmed();
+    const QString error = m_onAccepted(lines);
+    if (error.isEmpty())
+        finish();
+    else
+        m_error->setText(error);
+}
+
+// --- BusySheet
+
+BusySheet::BusySheet(Context &context, QWidget *somewhere, const Text &what)
+    : Sheet(context, somewhere)
+{
+    constexpr int tickInterval = 100; // ms
+    addTitle(what);
+    auto *bar = new QProgressBar;
+    bar->setRange(0, 0);
+    bar->setTextVisible(false);
+    card()->addWidget(bar);
+    auto *elapsed = new QLabel(context.text(Text {"Dialogs", "wait", "Please wait"}));
+    elapsed->setProperty("role", QStringLiteral("quiet"));
+    card()->addWidget(elapsed);
+    m_since.start();
+    connect(&m_tick, &QTimer::timeout, this, [this, &context, elapsed] {
+        elapsed->setText(QStringLiteral("%1  %2 %3")
+                             .arg(context.text(Text {"Dialogs", "wait", "Please wait"}))
+                             .arg(static_cast<double>(m_since.elapsed()) / 1000, 0, 'f', 1)
+                             .arg(context.text(Text {"Units", "second", "s"})));
+    });
+    m_tick.start(tickInterval);
+    open(sheetWidth);
+}
