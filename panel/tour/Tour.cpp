@@ -1,0 +1,324 @@
+#include "Tour.h"
+
+#include "Context.h"
+#include "touch/Buttons.h"
+#include "touch/Indicators.h"
+#include "touch/TouchList.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPixmap>
+#include <QTextDocument>
+#include <QTextStream>
+#include <QtTest>
+
+namespace {
+
+void print(const QString &line)
+{
+    QTextStream(stdout) << line << '\n';
+}
+
+} // namespace
+
+Tour::Tour(Context &context, QWidget &window, const QString &pictures)
+    : m_context(context)
+    , m_window(window)
+    , m_finger(window)
+    , m_pictures(pictures)
+    , m_hasPictures(!pictures.isEmpty())
+{
+    if (m_hasPictures)
+        QDir().mkpath(pictures);
+}
+
+bool Tour::take()
+{
+    begin();
+    lists();
+    measure();
+    record();
+    wifi();
+    usb();
+    sound();
+    settings();
+    about();
+    help();
+    return m_isWell;
+}
+
+// --- the tour
+
+void Tour::begin()
+{
+    if (m_finger.find(QStringLiteral("sheet.list"))) {
+        say(QStringLiteral("First start: the panel asks for the language"));
+        picture(QStringLiteral("welcome"));
+        check(m_finger.tapRow(QStringLiteral("sheet.list"), QStringLiteral("English")),
+              QStringLiteral("English"));
+    }
+    // The meter may have been used before.
+    tap(QStringLiteral("nav.Settings"));
+    pick(QStringLiteral("settings.language"), QStringLiteral("English"));
+    for (const char *choice : {"settings.temperature.0", "settings.theme.0", "settings.keyboard.0"})
+        tap(QLatin1String(choice));
+}
+
+void Tour::lists()
+{
+    tap(QStringLiteral("nav.Lists"));
+    tap(QStringLiteral("lists.family.2"));
+    tap(QStringLiteral("lists.search"));
+    check(m_finger.type(QStringLiteral("al")), QStringLiteral("the keyboard"));
+    const auto *list = m_finger.see<TouchList>(QStringLiteral("lists.list"));
+    say(QStringLiteral("Lists: \"al\" finds %1 materials, the first is %2")
+            .arg(list->rowCount())
+            .arg(list->rowCount() > 0 ? list->row(0).title : QString()));
+    picture(QStringLiteral("lists-search"));
+    tap(QStringLiteral("key.done"));
+    tap(QStringLiteral("lists.clear"));
+
+    tap(QStringLiteral("lists.family.3"));
+    const QString name = QStringLiteral("busbar joint");
+    bool isThere = false;
+    for (int i = 0; i < list->rowCount(); ++i)
+        isThere = isThere || list->row(i).title == name;
+    if (!isThere) {
+        tap(QStringLiteral("lists.add"));
+        check(m_finger.type(name), QStringLiteral("the name"));
+        tap(QStringLiteral("sheet.line.1"));
+        check(m_finger.type(QStringLiteral("1")), QStringLiteral("the lower limit"));
+        tap(QStringLiteral("key.m\u2126"));
+        tap(QStringLiteral("sheet.line.2"));
+        check(m_finger.type(QStringLiteral("1.5")), QStringLiteral("the upper limit"));
+        tap(QStringLiteral("key.m\u2126"));
+        picture(QStringLiteral("lists-add"));
+        tap(QStringLiteral("key.done"));
+    }
+    say(QStringLiteral("Lists: a limit of resistance, \"%1\"").arg(name));
+    tap(QStringLiteral("lists.family.2"));
+    picture(QStringLiteral("lists"));
+}
+
+void Tour::measure()
+{
+    tap(QStringLiteral("nav.Measure"));
+    pick(QStringLiteral("measure.meter"), QStringLiteral("CH20417"));
+    tap(QStringLiteral("measure.kind.0"));
+    pick(QStringLiteral("measure.compensation"), QStringLiteral("None"));
+    pick(QStringLiteral("measure.limit"), QStringLiteral("None"));
+    say(QStringLiteral("Measure: %1").arg(measureOnce()));
+    pick(QStringLiteral("measure.limit"), QStringLiteral("busbar joint"));
+    say(QStringLiteral("Measure: %1").arg(measureOnce()));
+    picture(QStringLiteral("measure"));
+    pick(QStringLiteral("measure.compensation"), QStringLiteral("Copper"));
+    say(QStringLiteral("Measure, as if at 20 °C: %1").arg(measureOnce()));
+    picture(QStringLiteral("measure-compensated"));
+    pick(QStringLiteral("measure.compensation"), QStringLiteral("None"));
+
+    tap(QStringLiteral("measure.object"));
+    tap(QStringLiteral("object.0.more"));
+    picture(QStringLiteral("object"));
+    tap(QStringLiteral("sheet.ok"));
+    say(QStringLiteral("Measure, another object: %1").arg(measureOnce()));
+    picture(QStringLiteral("measure-fail"));
+    for (int i = 0; i < 3; ++i) {
+        tap(QStringLiteral("measure.object"));
+        tap(i < 1 ? QStringLiteral("object.0.more") : QStringLiteral("object.leads.%1").arg(i));
+        if (i < 1)
+            tap(QStringLiteral("object.0.more"));
+        tap(QStringLiteral("sheet.ok"));
+        const char *const what[] = {"above the range", "leads open", "leads swapped"};
+        say(QStringLiteral("Measure, %1: %2").arg(QLatin1String(what[i]), measureOnce()));
+    }
+    tap(QStringLiteral("measure.object"));
+    tap(QStringLiteral("object.leads.0"));
+    for (int i = 0; i < 3; ++i)
+        tap(QStringLiteral("object.0.less"));
+    tap(QStringLiteral("sheet.ok"));
+    tap(QStringLiteral("measure.kind.1"));
+    say(QStringLiteral("Inductance: %1").arg(measureOnce()));
+    tap(QStringLiteral("measure.kind.2"));
+    say(QStringLiteral("Temperature: %1").arg(measureOnce()));
+    tap(QStringLiteral("measure.kind.0"));
+
+    pick(QStringLiteral("measure.meter"), QStringLiteral("DW44019"));
+    pick(QStringLiteral("measure.current"), QStringLiteral("200 A"));
+    say(QStringLiteral("Another meter, with 200 A: %1").arg(measureOnce()));
+    picture(QStringLiteral("measure-200A"));
+    pick(QStringLiteral("measure.meter"), QStringLiteral("CH20417"));
+}
+
+void Tour::record()
+{
+    tap(QStringLiteral("nav.Record"));
+    pick(QStringLiteral("record.count"), QStringLiteral("25"));
+    pick(QStringLiteral("record.interval"), QStringLiteral("0.2 s"));
+    tap(QStringLiteral("record.client"));
+    while (!m_finger.see<QLineEdit>(QStringLiteral("sheet.line.0"))->text().isEmpty())
+        tap(QStringLiteral("key.backspace"));
+    check(m_finger.type(QStringLiteral("Substation 7/4")), QStringLiteral("the client"));
+    picture(QStringLiteral("keyboard"));
+    tap(QStringLiteral("key.done"));
+    tap(QStringLiteral("record.start"));
+    check(Finger::waitFor([this] {
+              const QWidget *save = m_finger.find(QStringLiteral("record.save"));
+              return save && save->isEnabled();
+          }),
+          QStringLiteral("the series ends"));
+    picture(QStringLiteral("record"));
+    tap(QStringLiteral("record.save"));
+    const auto *message = m_finger.see<QLabel>(QStringLiteral("sheet.message"));
+    check(message, QStringLiteral("a series is saved"));
+    if (message)
+        say(QStringLiteral("Record: %1").arg(message->text()));
+    tap(QStringLiteral("sheet.ok"));
+}
+
+void Tour::wifi()
+{
+    tap(QStringLiteral("nav.WiFi"));
+    const auto list = [this] { return m_finger.see<TouchList>(QStringLiteral("wifi.list")); };
+    check(Finger::waitFor([&] { return list()->rowCount() > 1; }),
+          QStringLiteral("networks are found"));
+    const QString name = QStringLiteral("Substation North");
+    say(QStringLiteral("WiFi: %1 networks in reach").arg(list()->rowCount()));
+    check(m_finger.tapRow(QStringLiteral("wifi.list"), name), name);
+    tap(QStringLiteral("wifi.join"));
+    check(m_finger.type(QStringLiteral("ohm-law-1827")), QStringLiteral("the pass phrase"));
+    tap(QStringLiteral("key.done"));
+    const auto isConnected = [this] {
+        const auto *state = m_finger.see<QLabel>(QStringLiteral("wifi.state"));
+        return state && state->text() == m_context.text(Text {"WiFi", "connected", "Connected"});
+    };
+    check(Finger::waitFor(isConnected), QStringLiteral("joins"));
+    const auto *details = m_finger.see<QLabel>(QStringLiteral("wifi.details"));
+    QTextDocument text;
+    text.setHtml(details->text());
+    say(QStringLiteral("WiFi: connected, %1")
+            .arg(text.toPlainText()
+                     .split(QLatin1Char('\n'), Qt::SkipEmptyParts)
+                     .join(QLatin1Char(' '))));
+    picture(QStringLiteral("wifi"));
+}
+
+void Tour::usb()
+{
+    tap(QStringLiteral("nav.USB"));
+    const auto choose = [this](const QString &title) {
+        check(Finger::waitFor([&] {
+                  return m_finger.tapRow(QStringLiteral("usb.choices"), title)
+                      && m_finger.find(QStringLiteral("sheet"));
+              }),
+              title);
+        QTest::qWait(300);
+        picture(QStringLiteral("usb-switching"));
+        check(Finger::waitFor([this] { return !m_finger.find(QStringLiteral("sheet")); }),
+              QStringLiteral("the port is switched"));
+        const TouchRow *row = m_finger.see<TouchList>(QStringLiteral("usb.choices"))->chosenRow();
+        check(row && row->title == title, title);
+        say(QStringLiteral("USB: %1").arg(row ? row->title : QStringLiteral("nothing")));
+    };
+    choose(QStringLiteral("Hardware calibration"));
+    picture(QStringLiteral("usb"));
+    choose(QStringLiteral("Network"));
+}
+
+void Tour::sound()
+{
+    tap(QStringLiteral("nav.Sound"));
+    tap(QStringLiteral("sound.tone.6"));
+    tap(QStringLiteral("sound.less"));
+    say(QStringLiteral("Sound: volume %1")
+            .arg(m_finger.see<QLabel>(QStringLiteral("sound.percent"))->text()));
+    picture(QStringLiteral("sound"));
+    tap(QStringLiteral("sound.more"));
+}
+
+void Tour::settings()
+{
+    tap(QStringLiteral("nav.Settings"));
+    picture(QStringLiteral("settings"));
+    for (const char *language : {"Polski", "Deutsch", "English"}) {
+        pick(QStringLiteral("settings.language"), QLatin1String(language));
+        say(QStringLiteral("Settings: %1, so the first page is \"%2\"")
+                .arg(QLatin1String(language),
+                     m_finger.see<QPushButton>(QStringLiteral("nav.Measure"))->text()));
+        if (qstrcmp(language, "English") != 0) {
+            picture(QStringLiteral("settings-") + QLatin1String(language).left(2));
+            tap(QStringLiteral("nav.Measure"));
+            picture(QStringLiteral("measure-") + QLatin1String(language).left(2));
+            tap(QStringLiteral("nav.Settings"));
+        }
+    }
+    tap(QStringLiteral("settings.theme.1"));
+    tap(QStringLiteral("nav.Measure"));
+    say(QStringLiteral("Settings: dark; %1").arg(measureOnce()));
+    picture(QStringLiteral("measure-dark"));
+    tap(QStringLiteral("nav.Record"));
+    picture(QStringLiteral("record-dark"));
+    tap(QStringLiteral("nav.Settings"));
+    tap(QStringLiteral("settings.theme.0"));
+    tap(QStringLiteral("settings.reset"));
+    picture(QStringLiteral("settings-reset"));
+    tap(QStringLiteral("sheet.cancel"));
+}
+
+void Tour::about()
+{
+    tap(QStringLiteral("nav.About"));
+    say(QStringLiteral("About: %1, %2")
+            .arg(m_finger.see<QLabel>(QStringLiteral("about.model"))->text(),
+                 m_finger.see<QLabel>(QStringLiteral("about.disk"))->text().simplified()));
+    picture(QStringLiteral("about"));
+}
+
+void Tour::help()
+{
+    tap(QStringLiteral("nav.Measure"));
+    tap(QStringLiteral("nav.Help"));
+    say(QStringLiteral("Help: page %1")
+            .arg(m_finger.see<QLabel>(QStringLiteral("help.number"))->text()));
+    picture(QStringLiteral("help"));
+    tap(QStringLiteral("help.close"));
+}
+
+// --- tools
+
+void Tour::say(const QString &line) const
+{
+    print(line);
+}
+
+void Tour::check(bool isWell, const QString &what)
+{
+    if (isWell)
+        return;
+    print(QStringLiteral("*** cannot be touched, or does not happen: ") + what);
+    picture(QStringLiteral("stumbled"));
+    m_isWell = false;
+}
+
+void Tour::pick(const QString &button, const QString &title)
+{
+    tap(button);
+    check(m_finger.tapRow(QStringLiteral("sheet.list"), title), title);
+}
+
+void Tour::picture(const QString &name)
+{
+    if (!m_hasPictures)
+        return;
+    QTest::qWait(30);
+    m_window.grab().save(m_pictures.filePath(name + QStringLiteral(".png")));
+}
+
+QString Tour::measureOnce()
+{
+    tap(QStringLiteral("measure.start"));
+    const auto *display = m_finger.see<ValueDisplay>(QStringLiteral("measure.value"));
+    const QString measuring = m_context.text(Text {"Panel", "measuring", "Measuring"});
+    check(Finger::waitFor([&] { return display->verdict() != measuring; }),
+          QStringLiteral("the measurement ends"));
+    return display->value() + QStringLiteral("  ") + display->verdict();
+}

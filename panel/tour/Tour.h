@@ -1,0 +1,46 @@
+#pragma once
+
+#include "touches/Finger.h"
+
+#include <QDir>
+#include <QString>
+
+class Context;
+
+/** A person's way through the panel, from page to page, with a line for everything done. */
+class Tour
+{
+public:
+    /** @param pictures directory for the pictures; empty for none */
+    Tour(Context &context, QWidget &window, const QString &pictures);
+
+    /** @return whether everything could be touched and came out as it should */
+    bool take();
+
+private:
+    void begin();
+    void lists();
+    void measure();
+    void record();
+    void wifi();
+    void usb();
+    void sound();
+    void settings();
+    void about();
+    void help();
+
+    void say(const QString &line) const;
+    /** Complains when something did not go as it should. */
+    void check(bool isWell, const QString &what);
+    void tap(const QString &name) { check(m_finger.tap(name), name); }
+    void pick(const QString &button, const QString &title);
+    void picture(const QString &name);
+    QString measureOnce();
+
+    Context &m_context;
+    QWidget &m_window;
+    Finger m_finger;
+    QDir m_pictures;
+    bool m_hasPictures;
+    bool m_isWell = true;
+};
