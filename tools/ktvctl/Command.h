@@ -89,5 +89,6 @@ Family infoFamily();
 Family langFamily();
 Family listsFamily();
 Family settingsFamily();
+Family valueFamily();
 Family watchFamily();
 Family wifiFamily();
