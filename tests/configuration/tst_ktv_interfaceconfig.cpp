@@ -96,6 +96,7 @@ private slots:
     void firstOfDuplicateRowsCounts();
     void deleteValue_data();
     void deleteValue();
+    void failedStatementStopsNoOther();
     void restore();
 
     void existingFileIsUsedAsItIs();
@@ -389,6 +390,39 @@ void TstKtvInterfaceConfig::deleteValue()
     }
     QCOMPARE(Reader(path()).settings(), left);
     QCOMPARE(log.lines(), QStringList());
+}
+
+void TstKtvInterfaceConfig::failedStatementStopsNoOther()
+{
+    {
+        Config config(directory());
+        config.setValue(Config::MAIN_Lang, QStringLiteral("PL"));
+    }
+    const auto refuse = [this](const QString &what) {
+        const Reader reader(path());
+        reader.rows("DROP TRIGGER IF EXISTS refusal");
+        reader.rows("CREATE TRIGGER refusal BEFORE " + what
+                    + " ON CONFIG_STR BEGIN SELECT RAISE(ABORT, 'refused'); END");
+    };
+    const auto reason = QStringLiteral("refused Unable to fetch row");
+    refuse("DELETE");
+    {
+        Config config(directory());
+        const LogCapture log;
+        config.setValue(Config::MAIN_Lang, QStringLiteral("DE"));
+        config.deleteValue({Config::MAIN_Pin, Config::MAIN_Lang});
+        QCOMPARE(log.lines(),
+                 (QStringList {"setValue - DELETE:" + reason, "deleteValue:" + reason}));
+    }
+    QCOMPARE(Reader(path()).settings(), (QStringList {"MAIN_Lang|PL", "MAIN_Lang|DE"}));
+    refuse("INSERT");
+    {
+        Config config(directory());
+        const LogCapture log;
+        config.setValue(Config::MAIN_Lang, QStringLiteral("US"));
+        QCOMPARE(log.lines(), QStringList("setValue - INSERT: " + reason));
+    }
+    QCOMPARE(Reader(path()).settings(), QStringList());
 }
 
 void TstKtvInterfaceConfig::restore()

@@ -238,6 +238,8 @@ void TstNamedDatabase::missing()
     QCOMPARE(Internal::isMissing(path()), isMissing);
     QDir().mkdir(path("directory"));
     QCOMPARE(Internal::isMissing(path("directory")), false); // in the way, and not missing
+    const SocketFile socket(path("socket"));
+    QCOMPARE(Internal::isMissing(path("socket")), false); // although its size is 0
 }
 
 KTV_METER_TEST_MAIN(TstNamedDatabase)
