@@ -20,7 +20,8 @@ ktvctl settings list | sed 's/^/    /'
 [ "$(ktvctl settings get PRINT_Customer_Label)" = "$label" ]
 
 # In a meter of its own a reset would be final: here it is tried on a copy.
-cp /media/sdcard/UserData/interfaceConfig.db /tmp/kept.db
+copy=$(mktemp)
+cp /media/sdcard/UserData/interfaceConfig.db "$copy"
 ktvctl settings reset
 echo "After a factory reset: $(ktvctl settings list | wc -l) settings"
-cp /tmp/kept.db /media/sdcard/UserData/interfaceConfig.db
+cp "$copy" /media/sdcard/UserData/interfaceConfig.db
