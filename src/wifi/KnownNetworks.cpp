@@ -36,12 +36,11 @@ QStringList schema()
     };
 }
 
-/** Binds what a row holds, by position: name, whether protected, key. */
-void bindNetwork(QSqlQuery &query, const QString &essid, const QString &key)
+/** What a row holds, in the order of the placeholders: name, whether protected, key. */
+QVariantList columns(const QString &essid, const QString &key)
 {
-    query.bindValue(0, essid);
-    query.bindValue(1, !key.isEmpty());
-    query.bindValue(2, key.isEmpty() ? QStringLiteral("") : key); // a null text would be NULL
+    // A null text would be NULL.
+    return {essid, !key.isEmpty(), key.isEmpty() ? QStringLiteral("") : key};
 }
 
 bool failed(QLatin1String text, const QSqlError &error)
@@ -133,11 +132,11 @@ bool KnownNetworks::updateRow(int id, const QString &essid, const QString &key)
     {
         QSqlQuery query = m_database.query();
         // Kept: the last backtick is never closed, so the statement is refused.
-        query.prepare(QStringLiteral("UPDATE NETWORKS SET`NET_ESSID`=:NET_ESSID,`NET_Encrypton`="
-                                     ":NET_Encrypton,`NET_Key`=:NET_Key WHERE `NETk_1_ID=")
-                      + QString::number(id));
-        bindNetwork(query, essid, key);
-        if (!query.exec())
+        const QString statement =
+            QStringLiteral("UPDATE NETWORKS SET`NET_ESSID`=:NET_ESSID,`NET_Encrypton`="
+                           ":NET_Encrypton,`NET_Key`=:NET_Key WHERE `NETk_1_ID=")
+            + QString::number(id);
+        if (!Internal::execute(query, statement, columns(essid, key)))
             return failed(failure, query.lastError());
     }
     return transaction.commit() || failed(failure, m_database.lastError());
@@ -191,18 +190,19 @@ bool KnownNetworks::isOpenOrLog(QLatin1String text) const
 bool KnownNetworks::removeName(const QString &essid, QLatin1String failure) const
 {
     QSqlQuery query = m_database.query();
-    query.prepare(QStringLiteral("DELETE FROM NETWORKS WHERE `NET_ESSID`=:NET_ESSID"));
-    query.bindValue(QStringLiteral(":NET_ESSID"), essid);
-    return query.exec() || failed(failure, query.lastError());
+    return Internal::execute(
+               query, QStringLiteral("DELETE FROM NETWORKS WHERE `NET_ESSID`=:NET_ESSID"), {essid})
+        || failed(failure, query.lastError());
 }
 
 bool KnownNetworks::insert(const QString &essid, const QString &key) const
 {
     QSqlQuery query = m_database.query();
-    query.prepare(QStringLiteral("INSERT INTO NETWORKS (`NET_ESSID`,`NET_Encrypton`,`NET_Key`)"
-                                 "VALUES (:NET_ESSID,:NET_Encrypton,:NET_Key)"));
-    bindNetwork(query, essid, key);
-    return query.exec()
+    return Internal::execute(
+               query,
+               QStringLiteral("INSERT INTO NETWORKS (`NET_ESSID`,`NET_Encrypton`,`NET_Key`)"
+                              "VALUES (:NET_ESSID,:NET_Encrypton,:NET_Key)"),
+               columns(essid, key))
         || failed(QLatin1String("KTV_Connection::_AddWifiToDataBase: "), query.lastError());
 }
 

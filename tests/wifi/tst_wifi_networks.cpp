@@ -66,6 +66,20 @@ QStringList rows(const QString &file, const QString &table)
     return result;
 }
 
+/** Changes a file as another program would. */
+void change(const QString &file, const QStringList &statements)
+{
+    {
+        QSqlDatabase database =
+            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+        database.setDatabaseName(file);
+        database.open();
+        for (const QString &statement : statements)
+            QSqlQuery(statement, database);
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("other"));
+}
+
 QStringList known(KTV_Connection &connection)
 {
     QStringList result;
@@ -111,6 +125,9 @@ private slots:
     void addStoresRow();
     void addReplacesRow();
     void deleteRemovesRow();
+    void everyRowOfAName();
+    void missingTable();
+    void connectionOfTheDriver();
     void listIsTheCallers();
     void closedDatabase();
     void failedWriteChangesNothing();
@@ -178,14 +195,7 @@ void TstWifiNetworks::fileThatHoldsNothingIsCreated()
 
 void TstWifiNetworks::existingFileIsOpenedAsItIs()
 {
-    {
-        QSqlDatabase other =
-            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
-        other.setDatabaseName(database());
-        other.open();
-        QSqlQuery(QStringLiteral("CREATE TABLE Unrelated (x)"), other);
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("other"));
+    change(database(), {QStringLiteral("CREATE TABLE Unrelated (x)")});
     const auto wifi = manager();
     QCOMPARE(known(*wifi), QStringList()); // no table to read, and none is made
     QVERIFY(!wifi->AddNetwork(QStringLiteral("Lab"), QString()));
@@ -285,8 +295,57 @@ void TstWifiNetworks::deleteRemovesRow()
     QCOMPARE(Meter::journal().count(restart), 1);
     QVERIFY(wifi->DeleteNetwork(QStringLiteral("never stored")));
     QCOMPARE(Meter::journal().count(restart), 2);
+    QVERIFY(wifi->DeleteNetwork(QString()));
+    QCOMPARE(Meter::journal().count(restart), 3);
     wifi.reset();
     QCOMPARE(rows(database(), QStringLiteral("NETWORKS")), QStringList(QStringLiteral("1|Lab|0|")));
+}
+
+void TstWifiNetworks::everyRowOfAName()
+{
+    manager().reset();
+    change(database(),
+           {QStringLiteral("INSERT INTO NETWORKS VALUES (1,'Lab',0,''),(2,'Lab',1,'12345678'),"
+                           "(3,'Office',0,''),(4,'Office',0,'')")});
+    auto wifi = manager();
+    QCOMPARE(known(*wifi).size(), 4);
+    QVERIFY(wifi->AddNetwork(QStringLiteral("Office"), QString()));
+    QVERIFY(wifi->DeleteNetwork(QStringLiteral("Lab")));
+    wifi.reset();
+    QCOMPARE(rows(database(), QStringLiteral("NETWORKS")),
+             QStringList(QStringLiteral("3|Office|0|")));
+}
+
+void TstWifiNetworks::missingTable()
+{
+    manager().reset();
+    change(database(), {QStringLiteral("DROP TABLE NETWORKS")});
+    auto wifi = manager();
+    const LogCapture log;
+    QVERIFY(!wifi->AddNetwork(QStringLiteral("Lab"), QString()));
+    QVERIFY(!wifi->DeleteNetwork(QStringLiteral("Lab")));
+    QCOMPARE(log.lines().size(), 2);
+    for (const QString &line : log.lines())
+        QVERIFY2(line.startsWith(QLatin1String("_AddWifiToDataBase: no such table: NETWORKS")),
+                 qPrintable(line));
+}
+
+void TstWifiNetworks::connectionOfTheDriver()
+{
+    const QString name = QStringLiteral("WiFi");
+    auto wifi = manager();
+    QVERIFY(QSqlDatabase::contains(name));
+    {
+        const QSqlDatabase handle = QSqlDatabase::database(name, false);
+        QCOMPARE(handle.databaseName(), database());
+        QCOMPARE(handle.driverName(), QStringLiteral("QSQLITE"));
+        QCOMPARE(handle.connectOptions(),
+                 QStringLiteral("Version=3;Legacy Format=True; PRAGMA temp_store=memory;"
+                                "PRAGMA synchronous = FULL;PRAGMA journal_mode = DELETE;"
+                                "PRAGMA locking_mode=EXCLUSIVE;"));
+    }
+    wifi.reset();
+    QVERIFY(!QSqlDatabase::contains(name));
 }
 
 void TstWifiNetworks::listIsTheCallers()
@@ -308,6 +367,8 @@ void TstWifiNetworks::closedDatabase()
     QDir().mkpath(database()); // a folder in the file's place
     const auto wifi = manager();
     const LogCapture log;
+    QVERIFY(!wifi->AddNetwork(QString(), QString())); // what is refused does not get that far
+    QVERIFY(!wifi->AddNetwork(QStringLiteral("Lab"), characters(7)));
     QVERIFY(!wifi->AddNetwork(QStringLiteral("Lab"), QString()));
     QVERIFY(!wifi->DeleteNetwork(QStringLiteral("Lab")));
     QCOMPARE(log.lines(),
@@ -320,20 +381,12 @@ void TstWifiNetworks::failedWriteChangesNothing()
     auto wifi = manager();
     QVERIFY(wifi->AddNetwork(QStringLiteral("Lab"), QString()));
     wifi.reset();
-    {
-        QSqlDatabase other =
-            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
-        other.setDatabaseName(database());
-        other.open();
-        QSqlQuery(QStringLiteral("CREATE TRIGGER no_office BEFORE INSERT ON NETWORKS WHEN "
-                                 "NEW.NET_Key='12345678' BEGIN SELECT RAISE(ABORT, 'full'); END"),
-                  other);
-        QSqlQuery(QStringLiteral("CREATE TRIGGER no_delete BEFORE DELETE ON NETWORKS WHEN "
-                                 "OLD.NET_ESSID='Kept' BEGIN SELECT RAISE(ABORT, 'kept'); END"),
-                  other);
-        QSqlQuery(QStringLiteral("INSERT INTO NETWORKS VALUES (7,'Kept',0,'')"), other);
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("other"));
+    change(database(),
+           {QStringLiteral("CREATE TRIGGER no_office BEFORE INSERT ON NETWORKS WHEN "
+                           "NEW.NET_Key='12345678' BEGIN SELECT RAISE(ABORT, 'full'); END"),
+            QStringLiteral("CREATE TRIGGER no_delete BEFORE DELETE ON NETWORKS WHEN "
+                           "OLD.NET_ESSID='Kept' BEGIN SELECT RAISE(ABORT, 'kept'); END"),
+            QStringLiteral("INSERT INTO NETWORKS VALUES (7,'Kept',0,'')")});
     wifi = manager();
     const QByteArray file = Meter::readFile(supplicantFile);
     Meter::clearJournal();
