@@ -1,5 +1,7 @@
 #include "wifi/Workers_p.h"
 
+#include "internal/BackgroundWork_p.h"
+
 #include <QtConcurrent>
 
 #include <algorithm>
@@ -15,10 +17,14 @@ constexpr int mostOutstanding = 2;
 Workers::Workers(KTV_Connection *connection)
     : m_connection(connection)
     , m_stopping(std::make_shared<std::atomic<bool>>(false))
-{ }
+{
+    // A tool that hangs neither holds up a process that leaves nor stays behind.
+    Internal::stopBeforeLeaving(this, [this] { stop(); });
+}
 
 Workers::~Workers()
 {
+    Internal::forgetBeforeLeaving(this);
     stop();
 }
 
@@ -33,6 +39,7 @@ void Workers::start(Kind kind, Work work)
     m_futures.erase(std::remove_if(m_futures.begin(), m_futures.end(),
                                    [](const QFuture<void> &one) { return one.isFinished(); }),
                     m_futures.end());
+    *m_stopping = false; // the process has not left after all
     ++m_outstanding.at(kind);
     m_futures.append(QtConcurrent::run(perform, this, kind, work));
 }

@@ -11,7 +11,7 @@ namespace WiFi {
 
 class KTV_Connection;
 
-/** Set once, when a manager ends; outlives the manager. */
+/** Set when a manager ends, or the process is about to leave; outlives the manager. */
 using StopFlag = std::shared_ptr<std::atomic<bool>>;
 
 /**

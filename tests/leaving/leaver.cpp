@@ -1,9 +1,13 @@
+#include "support/Meter.h"
+
 #include <datasource/KTV_DataSource.h>
 #include <sound/BuzzerClass.h>
 #include <tools/Tools.h>
+#include <wifi/KTV_Connection.h>
 
 #include <QCoreApplication>
 #include <QProcess>
+#include <QThread>
 #include <QThreadPool>
 
 #include <csignal>
@@ -24,6 +28,18 @@ bool startTone(KTV_Configuration::MeterModels model, BuzzerClass::Tone tone, boo
     return Sound::process || BuzzerClass::future.isRunning();
 }
 
+/** Polls the state with a tool that never ends, and that nothing but leaving limits. */
+bool startWifiPoll()
+{
+    auto *const connection = new WiFi::KTV_Connection(QStringLiteral("/tmp/"));
+    Meter::setBehaviour(QStringLiteral("ls"), "hang=1");
+    Meter::clearJournal();
+    connection->onStatusTime();
+    while (Meter::journal().isEmpty())
+        QThread::msleep(10);
+    return true;
+}
+
 using Start = bool (*)();
 const std::map<std::string, Start> starts {
     {"bridge", [] { return Tools::StartHardwareCalibrationMode(); }},
@@ -32,6 +48,7 @@ const std::map<std::string, Start> starts {
      [] { return startTone(KTV_Configuration::KTV_420, BuzzerClass::Tone_Melody, false); }},
     {"sample",
      [] { return startTone(KTV_Configuration::KTV_4200, BuzzerClass::Tone_Melody, false); }},
+    {"wifi", startWifiPoll},
     {"loop", [] { return startTone(KTV_Configuration::KTV_4200, BuzzerClass::Tone_Alarm, true); }},
 };
 

@@ -13,6 +13,8 @@ private slots:
     void initTestCase();
     void leaves_data();
     void leaves();
+    void leavesWifi_data();
+    void leavesWifi();
     void dies();
     void isFreeToStartAgain();
 
@@ -38,7 +40,7 @@ std::unique_ptr<QProcess> TstLeaving::start(const QString &what, const QString &
 QStringList TstLeaving::leftBehind()
 {
     QStringList all;
-    for (const char *program : {"leaver", "socat", "beep", "aplay", "cat"})
+    for (const char *program : {"leaver", "socat", "beep", "aplay", "cat", "ls"})
         all += Meter::processes(program);
     return all;
 }
@@ -68,6 +70,29 @@ void TstLeaving::leaves()
         QVERIFY2(leaver->exitCode() == 0, qPrintable(leaver->arguments().first()));
     }
     // The loudspeaker's program notices the end of its player on its own.
+    QTRY_COMPARE(leftBehind(), QStringList());
+}
+
+void TstLeaving::leavesWifi_data()
+{
+    QTest::addColumn<QString>("how");
+    for (const char *how : {"application deleted", "application kept", "exit"})
+        QTest::newRow(how) << how;
+}
+
+void TstLeaving::leavesWifi()
+{
+    QFETCH(QString, how);
+    Meter::recordProgram("ls");
+    Meter::setBehaviour("ls", "stdout=eth0"); // no interface: each poll looks for one
+    const auto leaver = start("wifi", how);
+    const bool isOver = leaver->waitForFinished(30000);
+    leaver->kill();
+    Meter::setBehaviour("ls", "");
+    Meter::showProgram("ls");
+    QVERIFY(isOver);
+    QCOMPARE(leaver->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(leaver->exitCode(), 0);
     QTRY_COMPARE(leftBehind(), QStringList());
 }
 
