@@ -12,7 +12,6 @@
 #include <QFile>
 #include <QMetaMethod>
 #include <QTextStream>
-#include <QThread>
 #include <QTimer>
 
 using Internal::log;
@@ -87,6 +86,7 @@ public:
     static void carryOutPowerWishes(KTV_Connection *connection);
     QString answer(const QString &command) const;
     void read(Network &network) const;
+    void dropEndedScanTimer();
 
     KnownNetworks known;
     const QString configurationFile =
@@ -100,7 +100,7 @@ public:
     QTimer *detailTimer = nullptr;
     QTimer *scanTimer = nullptr;
     std::atomic<bool> isDetailed {false}; ///< whether the detail timer exists
-    std::atomic<bool> isScanning {false}; ///< whether the scan timer exists
+    std::atomic<bool> isScanning {false}; ///< off before the timer when a worker ends scanning
     PowerWish powerWish;
 
     Workers workers;
@@ -419,21 +419,29 @@ void KTV_Connection::check_wifiDetailState_Avait(KTV_Connection *connection)
 
 bool KTV_Connection::ScanNetwork(bool on)
 {
-    if (on && !d->scanTimer) {
+    if (on && !d->isScanning) {
         if (getInterfaceName().isEmpty())
             return false;
+        d->dropEndedScanTimer();
         d->scanTimer = new QTimer(this);
         d->isScanning = true;
         connect(d->scanTimer, &QTimer::timeout, this, &KTV_Connection::onScanNetwokTime);
         onScanNetwokTime();
         d->scanTimer->start(scanInterval);
-    } else if (!on && d->scanTimer) {
+    } else if (!on) {
         d->isScanning = false;
-        d->scanTimer->stop();
-        d->scanTimer->deleteLater();
-        d->scanTimer = nullptr;
+        d->dropEndedScanTimer();
     }
     return true;
+}
+
+void KTV_Connection::Private::dropEndedScanTimer()
+{
+    if (isScanning || !scanTimer)
+        return;
+    scanTimer->stop();
+    scanTimer->deleteLater();
+    scanTimer = nullptr;
 }
 
 bool KTV_Connection::isScanMode() const
@@ -462,15 +470,14 @@ void KTV_Connection::check_wifiScan_Avait(KTV_Connection *connection)
         return;
     if (!result.finished()) {
         log() << "iwlist - not respond!";
+        // Off before it is told: who hears of it may switch scanning on again, and that lasts.
+        data.isScanning = false;
         emit connection->WiFi_Scan(nullptr);
         if (*stopping)
             return;
-        // A timer is stopped on its own thread only.
-        const auto connectionType = QThread::currentThread() == connection->thread()
-            ? Qt::DirectConnection
-            : Qt::QueuedConnection;
-        QMetaObject::invokeMethod(
-            connection, [connection] { connection->ScanNetwork(false); }, connectionType);
+        // A timer is stopped on its own thread only: queued unless this is it.
+        QMetaObject::invokeMethod(connection,
+                                  [connection] { connection->d->dropEndedScanTimer(); });
         return;
     }
     NetworkList networks = ToolOutput::readScan(result.output);

@@ -42,7 +42,9 @@ public:
     explicit KTV_Connection(const QString &directory, QObject *parent = nullptr);
     /**
      * Ends the commands of workers under way and waits for the workers, which takes some
-     * hundredths of a second. Nothing is emitted from then on; a signal that already waits in a
+     * hundredths of a second, or 300 ms and more for a tool that does not heed SIGTERM. What
+     * set_wifi_Enable() was asked for is carried out first, within 3000 ms, twice when a newer
+     * wish waits. Nothing is emitted from then on; a signal that already waits in a
      * receiver's event queue is still delivered.
      */
     ~KTV_Connection() override;
@@ -104,7 +106,7 @@ public:
     /**
      * Switches scanning on (one scan at once, then every 10000 ms) or off. A scan under way
      * when scanning is switched off ends without a signal; a scan tool that does not answer
-     * within 5000 ms switches scanning off.
+     * within 5000 ms switches scanning off, and a receiver of that null list may switch it on.
      * @return false when there is no interface to scan with
      */
     bool ScanNetwork(bool on);

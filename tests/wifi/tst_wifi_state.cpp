@@ -8,6 +8,7 @@
 #include <QThreadPool>
 #include <QtTest>
 
+#include <algorithm>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -29,6 +30,10 @@ private slots:
     void readingWithoutInterface();
     void interfaceIsLookedForAgain();
 
+    void commandLines();
+    void timers();
+    void timersWithoutInterface();
+
     void firstStateIsKnownAtOnce();
     void stateChange();
     void stateOnATimer();
@@ -49,6 +54,7 @@ private slots:
     void scanOnATimer();
     void scanThatDoesNotAnswer_data();
     void scanThatDoesNotAnswer();
+    void scanSwitchedOnByItsReceiver();
     void scanSwitchedOffMeanwhile();
     void scanWithoutInterface();
     void scanOfInterfaceThatIsDown();
@@ -97,6 +103,8 @@ void TstWifiState::reading_data()
     const QByteArray level("stdout=     Link Quality=50/70  Signal level=-72 dBm");
     const QByteArray hang("hang=1");
     QTest::newRow("down") << QByteArray("stdout=lo        Link") << lab << level << 1 << "";
+    QTest::newRow("line of another interface first")
+        << QByteArray("stdout=p2p-wlan0-0 Link\\nwlan0     Link") << lab << level << 1 << "";
     QTest::newRow("up") << up << QByteArray("silent=1\nexit=255") << level << 2 << "";
     QTest::newRow("associated") << up << lab << level << 3 << "Lab";
     QTest::newRow("connected") << address << lab << level << 5 << "Lab";
@@ -162,6 +170,73 @@ void TstWifiState::interfaceIsLookedForAgain()
     Tools::print("ls", "eth0");
     wifi->findWifiInterfaceName();
     QCOMPARE(wifi->getInterfaceName(), QString());
+}
+
+/** A recorded shell shows the lines that it is given, to the last blank. */
+void TstWifiState::commandLines()
+{
+    const auto wifi = manager();
+    Tools::connected();
+    Tools::record(QStringLiteral("sh"));
+    const auto shellLines = [] {
+        QStringList lines = Meter::journal().filter(QRegularExpression(QStringLiteral("^sh ")));
+        Meter::clearJournal();
+        return lines;
+    };
+    shellLines();
+    delete wifi->getWiFi_Info();
+    QCOMPARE(shellLines(),
+             QStringList({QStringLiteral("sh -c ifconfig | grep -e \"wlan0\""),
+                          QStringLiteral("sh -c iwgetid wlan0 -r"),
+                          QStringLiteral("sh -c ifconfig wlan0 | grep -e \"inet \""),
+                          QStringLiteral("sh -c iwconfig wlan0 | grep \"Signal level=\"")}));
+    KTV_Connection::check_wifiScan_Avait(wifi.get());
+    QCOMPARE(shellLines(),
+             QStringList(QStringLiteral("sh -c iwlist wlan0 scan |grep -e \"Cell\" -e \"ESSID\" "
+                                        "-e \"Signal level\" -e \"Encryption key\"")));
+    wifi->findWifiInterfaceName();
+    QCOMPARE(shellLines(), QStringList(QStringLiteral("sh -c ls /sys/class/net | grep \"wlan0\"")));
+}
+
+void TstWifiState::timers()
+{
+    const auto wifi = manager();
+    const auto intervals = [&wifi] {
+        QVector<int> result;
+        for (const QTimer *timer : wifi->findChildren<QTimer *>()) {
+            if (timer->isActive())
+                result += timer->interval();
+        }
+        std::sort(result.begin(), result.end());
+        return result;
+    };
+    QCOMPARE(intervals(), QVector<int> {5000});
+    wifi->DetailInfoScan(true);
+    QCOMPARE(intervals(), QVector<int> {1000}); // in place of the state's
+    QVERIFY(wifi->ScanNetwork(true));
+    QCOMPARE(intervals(), QVector<int>({1000, 10000}));
+    wifi->DetailInfoScan(false);
+    QCOMPARE(intervals(), QVector<int>({5000, 10000}));
+    wifi->DetailInfoScan(false);
+    QVERIFY(wifi->ScanNetwork(false));
+    QCOMPARE(intervals(), QVector<int> {5000});
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(wifi->findChildren<QTimer *>().size(), 1);
+}
+
+void TstWifiState::timersWithoutInterface()
+{
+    Tools::print("ls", "wlan0");
+    const auto wifi = manager();
+    QVERIFY(wifi->ScanNetwork(true));
+    wifi->DetailInfoScan(true);
+    Tools::print("ls", "eth0");
+    wifi->findWifiInterfaceName();
+    QVERIFY(wifi->ScanNetwork(true)); // it is on already
+    wifi->DetailInfoScan(false);
+    QVERIFY(!wifi->isDetailInfoScan());
+    QVERIFY(wifi->ScanNetwork(false));
+    QVERIFY(!wifi->ScanNetwork(true));
 }
 
 void TstWifiState::firstStateIsKnownAtOnce()
@@ -439,6 +514,30 @@ void TstWifiState::scanThatDoesNotAnswer()
     QTRY_VERIFY(!wifi->isScanMode());
     // No warning about a timer of another thread either.
     QCOMPARE(log.lines(), QStringList(QStringLiteral("iwlist - not respond!")));
+}
+
+void TstWifiState::scanSwitchedOnByItsReceiver()
+{
+    const auto wifi = manager();
+    Tools::hang("iwlist");
+    QObject receiver;
+    QVector<bool> wasOn;
+    int scanned = -1;
+    connect(wifi.get(), &KTV_Connection::WiFi_Scan, &receiver, [&](QList<Network *> *networks) {
+        if (!networks) {
+            wasOn += wifi->isScanMode();
+            Tools::print("iwlist", "Cell 01\\nESSID:\"Lab\"\\n");
+            QVERIFY(wifi->ScanNetwork(true));
+            return;
+        }
+        scanned = networks->size();
+        qDeleteAll(*networks);
+        delete networks;
+    });
+    QVERIFY(wifi->ScanNetwork(true));
+    QTRY_COMPARE_WITH_TIMEOUT(scanned, 1, 9000);
+    QCOMPARE(wasOn, QVector<bool> {false});
+    QVERIFY(wifi->isScanMode()); // what the failed scan has left behind does not end this one
 }
 
 void TstWifiState::scanSwitchedOffMeanwhile()
