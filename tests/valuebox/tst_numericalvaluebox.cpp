@@ -41,6 +41,8 @@ private slots:
     void textsBeforeTheyAreFilled();
     void customTexts_data();
     void customTexts();
+    void customTextsBelowZero_data();
+    void customTextsBelowZero();
     void textsEditedBetween();
     void anyDigitsAndPrefix();
     void manyValues();
@@ -50,6 +52,7 @@ private slots:
     void unknownMethodHasNoRows();
     void firstOfTwoSetsWins();
     void setWithoutRows();
+    void rowBelowZero();
     void noRowsAtAll();
     void rowIndexOutOfRange();
 
@@ -371,6 +374,39 @@ void TstNumericalValueBox::customTexts()
     NumericalValueBox::tableRound_R = tableBefore;
 }
 
+void TstNumericalValueBox::customTextsBelowZero_data()
+{
+    QTest::addColumn<QString>("unit");
+    QTest::addColumn<QString>("prefix");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("words") << "Ohm"
+                           << "milli"
+                           << "< 0 milliOhm";
+    QTest::newRow("blanks are simplified") << " Ohm "
+                                           << "m "
+                                           << "< 0 m Ohm";
+    QTest::newRow("a hyphen stays") << "O-hm"
+                                    << "m"
+                                    << "< 0 mO-hm";
+    QTest::newRow("hyphens make it missing") << "Oh---m"
+                                             << "m"
+                                             << "---";
+    QTest::newRow("hyphens across both") << "-Ohm"
+                                         << "m--"
+                                         << "---";
+}
+
+void TstNumericalValueBox::customTextsBelowZero()
+{
+    QFETCH(QString, unit);
+    QFETCH(QString, prefix);
+    QFETCH(QString, text);
+    NumericalValueBox::unitString[Unit_Ohm] = unit;
+    NumericalValueBox::prefixString[Prefix_m] = prefix;
+    const NumericalValueBox box(-0.005F, Unit_Ohm, Prefix_m, 1);
+    QCOMPARE(box.toString(), text);
+}
+
 void TstNumericalValueBox::textsEditedBetween()
 {
     NumericalValueBox box(0.0125F, Unit_Ohm, Prefix_m, 1);
@@ -533,6 +569,19 @@ void TstNumericalValueBox::setWithoutRows()
     }
 }
 
+void TstNumericalValueBox::rowBelowZero()
+{
+    Round_Current_I set(testI_20A, nullptr);
+    set.items.append(new RoundItem(-1.5F, 1, 0));
+    NumericalValueBox::tableRound_R = {&set};
+    NumericalValueBox box(Unit_V, Round_R);
+    box.setRealValue(0, testI_20A);
+    QCOMPARE(box.toString(), QStringLiteral("> -1.5 V"));
+    QCOMPARE(box.getFormatedValue(), -1.5F);
+    set.items.first()->maximum = -0.04F; // the number after a marker keeps its sign
+    QCOMPARE(box.toString(), QStringLiteral("> -0.0 V"));
+}
+
 void TstNumericalValueBox::noRowsAtAll()
 {
     NumericalValueBox box(Unit_Ohm, Round_R);
@@ -622,6 +671,14 @@ void TstNumericalValueBox::debugLines()
         box.toString();
         QCOMPARE(log.lines(), QStringList("NumericalValueBox::toString()") + text.lines);
     }
+
+    Round_Current_I empty(testI_30A, nullptr); // a set in use, only without rows
+    NumericalValueBox::tableRound_R.append(&empty);
+    box.setRealValue(1, testI_30A);
+    log.clear();
+    box.toString();
+    QCOMPARE(log.lines(),
+             QStringList({"NumericalValueBox::toString()", "NumericalValueBox::toString()= ---"}));
 }
 
 void TstNumericalValueBox::silentWithoutTheFlag()

@@ -213,6 +213,8 @@ void TstValueFormats::fixedFormat_data()
         << 1.5F << Unit_V << Prefix_None << -1 << false << "1.500000 V";
     QTest::newRow("large") << 1e20F << Unit_V << Prefix_None << 1 << true
                            << "100000002004087734272 V";
+    QTest::newRow("large whole numbers are not trimmed either")
+        << 687194767360.F << Unit_V << Prefix_None << 0 << true << "687194767360 V";
 }
 
 void TstValueFormats::fixedFormat()
