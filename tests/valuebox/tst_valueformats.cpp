@@ -251,6 +251,7 @@ void TstValueFormats::inductionCurrent_data()
     QTest::newRow("negative") << -2.F << "-2000.00 mA";
     QTest::newRow("minus infinite") << -infinity << "-inf mA";
     QTest::newRow("inside") << 0.0056789F << "5.7 mA";
+    QTest::newRow("scaled in single precision") << 0.000625F << "0.63 mA"; // a tie, then
 }
 
 void TstValueFormats::inductionCurrent()
