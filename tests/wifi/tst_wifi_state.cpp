@@ -405,20 +405,24 @@ void TstWifiState::powerThatDoesNotAnswer()
 
 void TstWifiState::lastPowerWishCounts()
 {
+    const QString up = QStringLiteral("ifconfig wlan0 up");
+    const QString down = QStringLiteral("ifconfig wlan0 down");
+    const auto calls = [] {
+        return Meter::journal().filter(
+            QRegularExpression(QStringLiteral("^ifconfig wlan0 (up|down)$")));
+    };
     const auto wifi = manager();
     Meter::clearJournal();
     Tools::delay("ifconfig", "0.3");
+    wifi->set_wifi_Enable(true);
+    QTRY_COMPARE(calls(), QStringList(up)); // it is under way
     for (int i = 0; i < 20; ++i)
         wifi->set_wifi_Enable(i % 2 == 0);
-    wifi->set_wifi_Enable(true);
     QVERIFY(poolIsIdle());
-    const QStringList calls =
-        Meter::journal().filter(QRegularExpression(QStringLiteral("^ifconfig wlan0 (up|down)$")));
-    QCOMPARE(calls.last(), QStringLiteral("ifconfig wlan0 up"));
-    QVERIFY(calls.size() <= 3);
-    wifi->set_wifi_Enable(false); // and a later one is heard again
+    QCOMPARE(calls(), QStringList({up, down}));
+    wifi->set_wifi_Enable(true); // and a later one is heard again
     QVERIFY(poolIsIdle());
-    QVERIFY(Meter::journal().contains(QStringLiteral("ifconfig wlan0 down")));
+    QCOMPARE(calls(), QStringList({up, down, up}));
 }
 
 void TstWifiState::powerRefreshesDetails()
