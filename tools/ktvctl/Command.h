@@ -80,6 +80,7 @@ struct Family
     std::vector<Verb> verbs;
 };
 
+Family beepFamily();
 Family countersFamily();
 Family diskFamily();
 Family filenameFamily();
@@ -89,6 +90,8 @@ Family infoFamily();
 Family langFamily();
 Family listsFamily();
 Family settingsFamily();
+Family soundFamily();
+Family usbFamily();
 Family valueFamily();
 Family watchFamily();
 Family wifiFamily();

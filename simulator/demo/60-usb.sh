@@ -1,0 +1,62 @@
+#!/bin/bash
+# The USB port: network, console, calibration bridge, network
+set -euo pipefail
+computer=/run/meter/usb-host # the connected computer's end of the serial line
+hardware=/run/meter/hardware # the measuring hardware's
+
+tell() {
+    printf '  %-42s ' "$1"
+}
+
+# exchange LINE FROM TO: writes a line on one side and reads it on the other
+exchange() {
+    local received
+    exec 5<>"$2" 6<>"$3"
+    printf '%s\n' "$1" >&5
+    IFS= read -r -t 5 received <&6
+    exec 5>&- 6>&-
+    printf '%s\n' "${received##*$'\e[6n'}" # the console's last prompt may still be on the line
+}
+
+tell 'to the network:' && ktvctl usb set network
+tell 'to a serial line with a console:' && ktvctl usb set serial console
+
+tell 'the computer types "hostname", and reads:'
+exec 5<>"$computer"
+printf 'hostname\r' >&5
+answer=
+while IFS= read -r -t 5 line <&5; do
+    line=${line//[$'\r\e']/}
+    if [ "$line" = "$(hostname)" ]; then
+        answer=$line
+        break
+    fi
+done
+exec 5>&-
+[ -n "$answer" ] || {
+    echo "nothing"
+    exit 1
+}
+echo "$answer"
+
+tell 'to the calibration bridge:'
+exec 7< <(exec ktvctl usb set serial bridge)
+bridge=$!
+IFS= read -r -t 60 state <&7
+echo "$state"
+tell 'computer to hardware:' && exchange 'CAL? 100A' "$computer" "$hardware"
+tell 'hardware to computer:' && exchange 'CAL 0.99998' "$hardware" "$computer"
+tell 'the bridge breaks, and comes back as:'
+before=$(pgrep -x socat)
+killall socat
+until now=$(pgrep -x socat) && [ "$now" != "$before" ]; do
+    sleep 0.1
+done
+echo "process $now instead of $before"
+sleep 0.5
+tell 'computer to hardware again:' && exchange 'CAL? 10A' "$computer" "$hardware"
+kill -INT "$bridge"
+wait "$bridge" || true
+tell 'bridges left when its program has ended:' && { pgrep -cx socat || true; }
+
+tell 'back to the network:' && ktvctl usb set network

@@ -1,0 +1,208 @@
+#include "support/Meter.h"
+
+#include <QProcess>
+#include <QtTest>
+
+#include <csignal>
+
+/** ktvctl usb, sound and beep, as typed. */
+class TstKtvctlUsbSound : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+
+    void commands_data();
+    void commands();
+    void json();
+    void portThatDoesNotObey();
+    void bridgeRunsUntilASignal();
+    void sampleIsHeard();
+    void loopEndsByAStop();
+    void toneOfTheModel_data();
+    void toneOfTheModel();
+    void soundOff_data();
+    void soundOff();
+
+private:
+    struct Answer
+    {
+        int code = -1;
+        QString out;
+        QString error;
+    };
+    static Answer ktvctl(const QString &words);
+    static QStringList calls(const QString &program)
+    {
+        return Meter::journal().filter(QRegularExpression('^' + program + ' '));
+    }
+    const QString description = QStringLiteral("/home/root/globalInfo.xml");
+    const QByteArray deviceDescription = Meter::readFile(description);
+};
+
+TstKtvctlUsbSound::Answer TstKtvctlUsbSound::ktvctl(const QString &words)
+{
+    QProcess process;
+    process.start(KTVCTL, QProcess::splitCommand(words));
+    Answer answer;
+    if (process.waitForFinished(30000) && process.exitStatus() == QProcess::NormalExit)
+        answer.code = process.exitCode();
+    answer.out = QString::fromUtf8(process.readAllStandardOutput());
+    answer.error = QString::fromUtf8(process.readAllStandardError());
+    return answer;
+}
+
+void TstKtvctlUsbSound::init()
+{
+    Meter::recordProgram("aplay");
+    QProcess::execute("modprobe-usb-gadget", {"g_ether"});
+    Meter::clearJournal();
+}
+
+void TstKtvctlUsbSound::cleanup()
+{
+    Meter::writeFile(description, deviceDescription);
+    Meter::setBehaviour("modprobe-usb-gadget", {});
+    QProcess::execute("systemctl", {"stop", "busybox.getty@ttyGS0.service"});
+    Meter::showProgram("aplay");
+}
+
+void TstKtvctlUsbSound::commands_data()
+{
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("out");
+    QTest::addColumn<QString>("error");
+    const auto row = [](const char *words, int code, const char *out, const char *error = "") {
+        QTest::newRow(words) << code << out << error;
+    };
+    row("usb status", 0, "network\n");
+    row("usb set network", 0, "network\n");
+    row("usb set serial", 0, "serial, owned by nobody\n");
+    row("usb set serial console", 0, "serial, owned by console\n");
+    const char *mode = "ktvctl: a mode is 'serial' or 'network'\n";
+    row("usb set none", 2, "", mode);
+    row("usb set NETWORK", 2, "", mode);
+    const char *owner =
+        "ktvctl: a serial line is owned by 'nobody', 'bridge', 'mactool' or 'console'\n";
+    row("usb set serial somebody", 2, "", owner);
+    row("usb set network console", 2, "", owner);
+    const char *time = "ktvctl: a time is a number of seconds, 1 to 86400\n";
+    row("usb set serial bridge --seconds 0", 2, "", time);
+    row("sound play error_short", 0, "");
+    row("sound play SOUND_ERROR_SHORT", 0, "");
+    row("sound loop error_short --seconds 1", 0, "");
+    row("sound play none", 1, "", "ktvctl: no sample 'none'\n");
+    row("sound play empty", 1, "", "ktvctl: no sample 'empty'\n");
+    row("sound loop intro --seconds x", 2, "", time);
+    row("sound stop", 0, "");
+    row("sound volume 30", 0, "");
+    row("sound volume loud", 2, "", "ktvctl: a volume is a number of percent\n");
+    row("beep 1", 0, "");
+    row("beep 0", 0, "");
+    row("beep 1 --loop --seconds 1", 0, "");
+    row("beep 15", 2, "", "ktvctl: a tone is a number, 0 to 14\n");
+    row("beep x", 2, "", "ktvctl: a tone is a number, 0 to 14\n");
+    row("beep 1 --seconds -1", 2, "", time);
+}
+
+void TstKtvctlUsbSound::commands()
+{
+    const Answer answer = ktvctl(QTest::currentDataTag());
+    QTEST(answer.out, "out");
+    // The programs themselves complain, too.
+    QFETCH(QString, error);
+    QVERIFY2(answer.error.contains(error), qPrintable(answer.error));
+    QFETCH(int, code);
+    QVERIFY2(answer.code == code, qPrintable(answer.error));
+}
+
+void TstKtvctlUsbSound::json()
+{
+    QCOMPARE(ktvctl("usb status --json").out, "{\"mode\":\"network\"}\n");
+    QCOMPARE(ktvctl("usb set serial --json").out, "{\"mode\":\"serial\",\"owner\":\"nobody\"}\n");
+    QVERIFY(ktvctl("sound list --json").out.startsWith("[\"SOUND_DELETED_BANK\",\"SOUND_ERROR\""));
+}
+
+void TstKtvctlUsbSound::portThatDoesNotObey()
+{
+    Meter::setBehaviour("modprobe-usb-gadget", "noise=careful");
+    const Answer answer = ktvctl("usb set serial");
+    QCOMPARE(answer.code, 1);
+    QVERIFY(answer.error.contains("ktvctl: the port is not as it should be"));
+}
+
+void TstKtvctlUsbSound::bridgeRunsUntilASignal()
+{
+    QProcess bridge;
+    bridge.start(KTVCTL, {"usb", "set", "serial", "bridge"});
+    QVERIFY(bridge.waitForReadyRead(30000));
+    QCOMPARE(bridge.readAllStandardOutput(), QByteArray("serial, owned by bridge\n"));
+    QCOMPARE(Meter::processes("socat").size(), 1);
+    ::kill(pid_t(bridge.processId()), SIGTERM);
+    QVERIFY(bridge.waitForFinished());
+    QCOMPARE(bridge.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(bridge.exitCode(), 0);
+    QCOMPARE(Meter::processes("socat"), QStringList());
+}
+
+void TstKtvctlUsbSound::sampleIsHeard()
+{
+    QDir("/run/meter/audio").removeRecursively();
+    QDir().mkpath("/run/meter/audio");
+    QCOMPARE(ktvctl("sound play set_accept").code, 0);
+    const QByteArray sample = Meter::readFile("/etc/wav/SOUND_SET_ACCEPT.raw");
+    QCOMPARE(Meter::readFile("/run/meter/audio/0001.raw").left(sample.size()), sample);
+}
+
+void TstKtvctlUsbSound::loopEndsByAStop()
+{
+    QProcess loop;
+    loop.start(KTVCTL, {"sound", "loop", "intro"});
+    QTRY_COMPARE(Meter::processes("aplay").size(), 1);
+    QCOMPARE(ktvctl("sound stop").code, 0);
+    QTRY_COMPARE(Meter::processes("aplay"), QStringList());
+    ::kill(pid_t(loop.processId()), SIGINT); // its shell may be out of reach: see "sound stop"
+    QVERIFY(loop.waitForFinished());
+    QCOMPARE(Meter::processes("cat"), QStringList());
+}
+
+void TstKtvctlUsbSound::toneOfTheModel_data()
+{
+    QTest::addColumn<QString>("serial");
+    QTest::addColumn<QStringList>("beeps");
+    QTest::addColumn<QStringList>("samples");
+    QTest::newRow("beeps") << "CH1" << QStringList("beep -f 1400 -l 100 -d 0 -r 1")
+                           << QStringList();
+    QTest::newRow("samples") << "DV1" << QStringList()
+                             << QStringList("aplay -t raw -f S16_LE -r 44100 "
+                                            "/etc/wav/SOUND_SET_DECLINE.raw");
+}
+
+void TstKtvctlUsbSound::toneOfTheModel()
+{
+    QFETCH(QString, serial);
+    QCOMPARE(ktvctl("beep 1 --serial " + serial).code, 0);
+    QTEST(calls("beep"), "beeps");
+    QTEST(calls("aplay"), "samples");
+}
+
+void TstKtvctlUsbSound::soundOff_data()
+{
+    QTest::addColumn<QString>("words");
+    for (const char *words : {"beep 1", "sound play intro", "sound loop intro"})
+        QTest::newRow(words) << words;
+}
+
+void TstKtvctlUsbSound::soundOff()
+{
+    QFETCH(QString, words);
+    Meter::writeFile(description, "<info><_soundOff Value=\"true\"/></info>");
+    const Answer answer = ktvctl(words);
+    QCOMPARE(answer.code, 1);
+    QCOMPARE(answer.error, "ktvctl: the device has its sound switched off\n");
+    QCOMPARE(Meter::journal(), QStringList());
+}
+
+KTV_METER_TEST_MAIN(TstKtvctlUsbSound)
+#include "tst_ktvctl_usb_sound.moc"
