@@ -149,8 +149,8 @@ void EndlessWork::start(const std::function<void()> &work)
 {
     stopBeforeLeaving(this, [this] { stop(); });
     const auto thread = std::make_shared<ExtraThread>();
-    // Held until the future is stored: a run waits here, for it would take the empty future
-    // that may still be in its place for a cancelled one.
+    // Held until the future is stored: a run that asks for it waits so long, for it would take
+    // the empty one that may still be in its place for a cancelled one.
     const std::lock_guard<std::mutex> gate(m_handOver);
     int generation = 0;
     {
@@ -158,7 +158,6 @@ void EndlessWork::start(const std::function<void()> &work)
         generation = m_generation;
     }
     m_handle = QtConcurrent::run([this, thread, work, generation] {
-        const QFuture<void> stored = handle();
         const Run run(*this, generation);
         if (run.hasBegun())
             work();
@@ -176,7 +175,7 @@ void EndlessWork::stop()
     if (m_beforeStop)
         m_beforeStop();
     QFuture<void> latest = handle();
-    latest.cancel(); // one that still waits for a thread does not begin
+    latest.cancel();
     {
         std::unique_lock<std::mutex> lock(m_mutex);
         ++m_generation;

@@ -107,6 +107,7 @@ void TstBackgroundWork::stopKeepsWaitingRunsFromBeginning()
     work.start([&begun] { ++begun; });
     work.stop();
     QVERIFY(handle.isFinished());
+    QVERIFY(handle.isCanceled());
     release.release(2);
     QThreadPool::globalInstance()->waitForDone();
     QCOMPARE(begun.load(), 0);
