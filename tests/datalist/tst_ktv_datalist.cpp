@@ -423,16 +423,17 @@ void TstKtvDataList::factoryResetWithoutDeletion()
 {
     const auto store = ListStore::open();
     QVERIFY(store->AddObiectTyp("kept"));
-    store->freeDB();
     const QByteArray before = Meter::readFile(ListStore::file);
     QFile::setPermissions(QString(ListStore::userData),
                           QFileDevice::ReadOwner | QFileDevice::ExeOwner);
     const bool isReset = store->RestoreFabricalSetting();
     const bool isAdded = store->AddObiectTyp("refused");
+    const Rows found = families().front().get(*store, true, true, "", 0);
     QFile::setPermissions(QString(ListStore::userData),
                           QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     QVERIFY(!isReset);
     QVERIFY(!isAdded);
+    QVERIFY(!found); // closed
     QCOMPARE(Meter::readFile(ListStore::file), before);
     QVERIFY(store->Open());
     QCOMPARE(families().front().names(*store), QStringList("kept"));
