@@ -11,6 +11,7 @@
 #include <QVariant>
 
 #include <exception>
+#include <utility>
 
 using Internal::ListFamily;
 using Internal::log;
@@ -148,10 +149,10 @@ template <typename Operation> auto guarded(Operation operation) -> decltype(oper
 class KTV_DataList::Private
 {
 public:
-    Private(const QString &userData, const QString &languages)
+    Private(const QString &userData, QString languages)
         : directory(userData)
         , path(userData + QStringLiteral("dataList.db"))
-        , languagesDirectory(languages)
+        , languagesDirectory(std::move(languages))
     { }
 
     void setLanguage(const QString &code);

@@ -323,8 +323,7 @@ int remove(const PickList &list, const Call &call)
 
 QCommandLineOption option(const char *name, const char *description, const char *value = "")
 {
-    return QCommandLineOption(QLatin1String(name), QLatin1String(description),
-                              QLatin1String(value));
+    return {QLatin1String(name), QLatin1String(description), QLatin1String(value)};
 }
 
 /** Runs what a verb does on the list of that index. */
