@@ -20,7 +20,8 @@ inline double powerOfTen(int exponent)
         1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9};
     if (exponent < -largest || exponent > largest)
         return std::pow(10.0, exponent);
-    return powers[std::size_t(exponent + largest)];
+    const int index = exponent + largest;
+    return powers[std::size_t(index)];
 }
 
 /** Value divided by 10^prefix in double precision, as single precision. */
@@ -79,7 +80,7 @@ private:
     }();
 
     static int countDigits(quint64 number);
-    static QChar digit(quint64 value) { return QChar(ushort('0' + value)); }
+    static QChar digit(quint64 value) { return QLatin1Char(char('0' + value)); }
 
     quint64 m_digits;
     int m_decimals;

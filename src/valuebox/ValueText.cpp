@@ -6,6 +6,7 @@
 
 #include <QStringBuilder>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -30,11 +31,9 @@ const QLatin1String underRange("< 0 ");
 /** Whether a unit or prefix can stand in a text without being simplified or taken for a sign. */
 bool isPlain(QStringView text)
 {
-    for (const QChar character : text) {
-        if (character == QLatin1Char('-') || Internal::isSpace(character))
-            return false;
-    }
-    return true;
+    return std::all_of(text.begin(), text.end(), [](QChar character) {
+        return character != QLatin1Char('-') && !Internal::isSpace(character);
+    });
 }
 
 /** A value that rounds to zero is never shown as negative. */

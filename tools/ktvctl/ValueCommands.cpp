@@ -94,7 +94,7 @@ QString read(const Call &call, FormatRequest &request)
         return QStringLiteral("--method knows %1").arg(wordList(methodWords));
     request.method = *method;
     request.isNegativeAllowed = call.isSet("negative");
-    const QString problem = prepareTables(call);
+    QString problem = prepareTables(call);
     if (!problem.isEmpty())
         return problem;
     if (call.isSet("current")) {
