@@ -201,7 +201,7 @@ bool KTV_DataSource::FirstStart()
     QFile marker(QStringLiteral("/etc/korva/system-boot.status"));
     if (!marker.exists() || !marker.open(QIODevice::ReadOnly))
         return false;
-    const bool isFirst = marker.readAll().startsWith('1');
+    const bool isFirst = QString::fromUtf8(marker.readAll()).startsWith(QLatin1Char('1'));
     marker.close();
     if (isFirst)
         marker.remove();

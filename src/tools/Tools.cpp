@@ -117,7 +117,8 @@ bool Tools::SD_Card_is_OK()
         QFile file(QStringLiteral("/etc/korva/sdcard.error"));
         if (!file.exists())
             return true;
-        return file.open(QIODevice::ReadOnly | QIODevice::Text) && file.readAll().startsWith('0');
+        return file.open(QIODevice::ReadOnly | QIODevice::Text)
+            && QString::fromUtf8(file.readAll()).startsWith(QLatin1Char('0'));
     } catch (const std::exception &exception) {
         log() << "Tools::SD_Card_is_OK(): " << exception.what();
         return false;

@@ -488,6 +488,9 @@ void TstKtvDataSource::firstStart_data()
     QTest::newRow("1 and a line end") << QByteArray("1\n") << true;
     QTest::newRow("1 and more") << QByteArray("10 installed") << true;
     QTest::newRow("1 and NUL") << QByteArray("1\0002", 3) << true;
+    QTest::newRow("1 after a byte order mark") << QByteArray("\xEF\xBB\xBF"
+                                                             "1")
+                                               << true;
     QTest::newRow("0") << QByteArray("0\n") << false;
     QTest::newRow("empty") << QByteArray("") << false;
     QTest::newRow("blank before it") << QByteArray(" 1") << false;
