@@ -216,7 +216,8 @@ check "the console answers on the serial line" inside '
     head -n 1 /dev/ttyGS0 >/tmp/line & reader=$!
     echo "after the console" >/run/meter/usb-host; wait $reader; grep -q after /tmp/line'
 check "mactool stays until it is killed" inside '
-    mactool & ps | grep -q "[m]actool"; killall mactool; soon fails pgrep mactool'
+    is_listed() { ps | grep -q "[m]actool"; }
+    mactool & soon is_listed; killall mactool; soon fails pgrep mactool'
 
 echo "--- WiFi"
 
@@ -285,7 +286,8 @@ check "aplay is real, plays in real time, and what it played is kept" inside '
     [ $took -ge 700 ] && [ $took -le 5000 ]
     cmp -n "$(stat -c %s /etc/wav/SOUND_ERROR.raw)" /etc/wav/SOUND_ERROR.raw /run/meter/audio/0001.raw'
 check "a player that is killed is gone at once, the next sound is its own" inside '
-    aplay -q -t raw -f S16_LE -r 44100 /etc/wav/intro.raw & sleep 0.4; killall aplay
+    aplay -q -t raw -f S16_LE -r 44100 /etc/wav/intro.raw &
+    soon test -s /run/meter/audio/0001.raw; killall aplay
     aplay -q -t raw -f S16_LE -r 44100 /etc/wav/SOUND_SET_ACCEPT.raw
     [ "$(stat -c %s /run/meter/audio/0001.raw)" -lt 100000 ]
     cmp -n "$(stat -c %s /etc/wav/SOUND_SET_ACCEPT.raw)" /etc/wav/SOUND_SET_ACCEPT.raw /run/meter/audio/0002.raw'
@@ -302,7 +304,7 @@ check "amixer keeps the volume" inside '
 check "beep lasts as long as its tone, and ends when killed" inside '
     start=$(milliseconds); beep -f 440 -l 150 -d 50 -r 2; took=$(($(milliseconds) - start))
     [ $took -ge 400 ] && [ $took -le 5000 ]
-    beep -f 440 -l 20000 -d 0 -r 1 & beeping=$!; sleep 0.1; killall beep; fails wait $beeping'
+    beep -f 440 -l 20000 -d 0 -r 1 & beeping=$!; soon pgrep beep; killall beep; fails wait $beeping'
 
 echo "--- the image"
 
