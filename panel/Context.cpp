@@ -36,6 +36,8 @@ Context::Context(QObject *parent)
 {
     m_library->setMeterSerialName(m_library->get_InterfaceConfig()->getValue(
         KTV_InterfaceConfig::MAIN_MeterSN, firstSerialNumber));
+    if (m_library->getMainConfig()->get_MeterModel() == KTV_Configuration::MeterModels_NaN)
+        m_library->setMeterSerialName(firstSerialNumber); // nothing can be measured without one
     takeTemperatureUnit();
     takeTheme();
     takeSounds();
@@ -148,7 +150,7 @@ void Context::restoreFactorySettings()
     emit setupChanged();
 }
 
-void Context::takeTemperatureUnit()
+void Context::takeTemperatureUnit() const
 {
     NumericalValueBox::prepareStaticDefaultValue(temperatureUnit());
 }

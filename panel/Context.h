@@ -72,7 +72,7 @@ signals:
     void themeChanged();
 
 private:
-    void takeTemperatureUnit();
+    void takeTemperatureUnit() const;
     void takeTheme();
     void takeSounds();
 

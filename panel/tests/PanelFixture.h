@@ -62,6 +62,15 @@ public:
 /** Touches things in turn; fails the test at the first that cannot be. */
 #define TAP(panel, ...) QCOMPARE((panel).tap({__VA_ARGS__}), QString())
 
+#ifdef __SANITIZE_ADDRESS__
+/** What Qt itself never deletes: its offscreen platform's screen, and a few bytes a scroller. */
+extern "C" const char *__lsan_default_suppressions()
+{
+    return "leak:QScreen::QScreen\nleak:QPlatformScreen\nleak:handleScreenAdded\n"
+           "leak:libqoffscreen\nleak:QScroller::grabGesture\n";
+}
+#endif
+
 /** main() of a test program of the panel. */
 #define KTV_PANEL_TEST_MAIN(TestClass)                                                             \
     int main(int argc, char *argv[])                                                               \

@@ -74,6 +74,7 @@ private slots:
     void currentsAreThoseOfTheModel();
     void serialNumberChangesTheModelUnderWay();
     void lastSettingComesBack();
+    void startsAsAMeterThatMeasures();
     void seriesIsSavedUnderASafeAndFreeName();
     void seriesOnAFullCard();
     void nameOfDotsStaysInItsDirectory();
@@ -244,6 +245,16 @@ void TstPanelMeasuring::lastSettingComesBack()
     QCOMPARE(panel.context.setup().current, ValueBox::testI_100mA);
     TAP(panel, "measure.kind.1");
     QCOMPARE(panel.context.setup().current, ValueBox::testI_1A);
+}
+
+void TstPanelMeasuring::startsAsAMeterThatMeasures()
+{
+    {
+        PanelFixture panel;
+        panel.context.setSerialNumber(QStringLiteral("AA0000")); // kept, and of no model
+    }
+    PanelFixture panel;
+    QCOMPARE(panel.labelText("header.meter"), QStringLiteral("QERN KTV-420   CH20417"));
 }
 
 void TstPanelMeasuring::seriesIsSavedUnderASafeAndFreeName()

@@ -14,6 +14,12 @@
 
 namespace {
 
+/** Thrown when something cannot be touched, or does not come out as it should. */
+struct Stumble
+{
+    QString what;
+};
+
 void print(const QString &line)
 {
     QTextStream(stdout) << line << '\n';
@@ -34,17 +40,17 @@ Tour::Tour(Context &context, QWidget &window, const QString &pictures)
 
 bool Tour::take()
 {
-    begin();
-    lists();
-    measure();
-    record();
-    wifi();
-    usb();
-    sound();
-    settings();
-    about();
-    help();
-    return m_isWell;
+    try {
+        for (const auto part :
+             {&Tour::begin, &Tour::lists, &Tour::measure, &Tour::record, &Tour::wifi, &Tour::usb,
+              &Tour::sound, &Tour::settings, &Tour::about, &Tour::help})
+            (this->*part)();
+    } catch (const Stumble &stumble) {
+        print(QStringLiteral("The tour stumbles: ") + stumble.what);
+        picture(QStringLiteral("stumbled"));
+        return false;
+    }
+    return true;
 }
 
 // --- the tour
@@ -189,7 +195,9 @@ void Tour::wifi()
     tap(QStringLiteral("key.done"));
     const auto isConnected = [this] {
         const auto *state = m_finger.see<QLabel>(QStringLiteral("wifi.state"));
-        return state && state->text() == m_context.text(Text {"WiFi", "connected", "Connected"});
+        const auto *details = m_finger.see<QLabel>(QStringLiteral("wifi.details"));
+        return state && !m_finger.find(QStringLiteral("sheet")) && !details->text().isEmpty()
+            && state->text() == m_context.text(Text {"WiFi", "connected", "Connected"});
     };
     check(Finger::waitFor(isConnected), QStringLiteral("joins"));
     const auto *details = m_finger.see<QLabel>(QStringLiteral("wifi.details"));
@@ -292,11 +300,8 @@ void Tour::say(const QString &line) const
 
 void Tour::check(bool isWell, const QString &what)
 {
-    if (isWell)
-        return;
-    print(QStringLiteral("*** cannot be touched, or does not happen: ") + what);
-    picture(QStringLiteral("stumbled"));
-    m_isWell = false;
+    if (!isWell)
+        throw Stumble {what};
 }
 
 void Tour::pick(const QString &button, const QString &title)

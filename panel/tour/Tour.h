@@ -30,8 +30,8 @@ private:
     void help();
 
     void say(const QString &line) const;
-    /** Complains when something did not go as it should. */
-    void check(bool isWell, const QString &what);
+    /** Ends the tour when something did not go as it should. */
+    static void check(bool isWell, const QString &what);
     void tap(const QString &name) { check(m_finger.tap(name), name); }
     void pick(const QString &button, const QString &title);
     void picture(const QString &name);
@@ -42,5 +42,4 @@ private:
     Finger m_finger;
     QDir m_pictures;
     bool m_hasPictures;
-    bool m_isWell = true;
 };

@@ -6,8 +6,8 @@ export QT_LOGGING_RULES='*.debug=false' # the library's own lines are for develo
 
 if [ -n "${KTV_DISPLAY-}" ]; then
     echo "The panel is open; close its window to go on."
-    QT_QPA_PLATFORM=$KTV_DISPLAY ktvpanel
-else
-    ktvpanel-tour ${KTV_PICTURES:+--pictures "$KTV_PICTURES"} &&
-        echo "${KTV_PICTURES:+Pictures: $KTV_PICTURES}"
+    QT_QPA_PLATFORM=$KTV_DISPLAY ktvpanel && exit
+    echo "The display of this machine cannot be used."
 fi
+ktvpanel-tour ${KTV_PICTURES:+--pictures "$KTV_PICTURES"} &&
+    echo "${KTV_PICTURES:+Pictures: $KTV_PICTURES}"
