@@ -64,6 +64,8 @@ private slots:
     void singleToneIsDroppedWhileAnotherSounds();
     void repeatedToneReplacesWhatPlays();
     void silence();
+    void silenceEndsATuneBetweenItsSteps_data();
+    void silenceEndsATuneBetweenItsSteps();
     void silenceWithoutATone();
     void toneOutsideTheTable();
     void missingBeep();
@@ -281,6 +283,30 @@ void TstBuzzer::silence()
     QVERIFY(BuzzerClass::future.isCanceled());
     QCOMPARE(Meter::journal(), QStringList({longBeep, "killall beep", "killall beep"}));
     QCOMPARE(log.lines(), QStringList("BuzzerClass::Beep tone empty"));
+}
+
+void TstBuzzer::silenceEndsATuneBetweenItsSteps_data()
+{
+    QTest::addColumn<bool>("loop");
+    QTest::newRow("single") << false;
+    QTest::newRow("repeated") << true;
+}
+
+void TstBuzzer::silenceEndsATuneBetweenItsSteps()
+{
+    QFETCH(bool, loop);
+    Meter::replaceProgram("beep", "until [ -e /tmp/step-over ]; do sleep 0.01; done");
+    BuzzerClass::Beep(tone(9), loop); // three steps
+    QTRY_COMPARE(beeps().size(), 1);
+    std::thread other([] { BuzzerClass::Beep(tone(0), false); });
+    const bool isCancelled = QTest::qWaitFor([] { return BuzzerClass::future.isCanceled(); });
+    Meter::writeFile("/tmp/step-over", {});
+    other.join();
+    QVERIFY(QFile::remove("/tmp/step-over"));
+    QVERIFY(isCancelled);
+    QVERIFY(BuzzerClass::future.isFinished());
+    QCOMPARE(Meter::journal(),
+             QStringList({"beep -f 750 -l 100 -d 100 -r 1", "killall beep", "killall beep"}));
 }
 
 void TstBuzzer::silenceWithoutATone()

@@ -62,6 +62,10 @@ const QString once = QStringLiteral("aplay -t raw -f S16_LE -r 44100 ");
 
 void TstSound::initTestCase()
 {
+    QVERIFY(Sound::SoundEnable); // before anything else
+    QVERIFY(!Sound::pernamentOFF);
+    QVERIFY(!Sound::_isLoop);
+    QVERIFY(!Sound::process);
     for (const char *program : {"aplay", "sh", "pkill", "killall", "kill", "cat"})
         Meter::recordProgram(program);
 }

@@ -80,6 +80,7 @@ private slots:
     void workerWithoutWish();
     void doesNotEnd();
     void cannotBeKilled();
+    void bridgeThatStaysComesBackNoMore();
     void listIsAskedForUntilItComes();
     void switchesBetweenBridgeAndNetwork();
 
@@ -210,7 +211,10 @@ void TstCalibrationBridge::doesNotStart()
     else
         Meter::replaceProgram("socat", socat);
     const LogCapture log;
+    QElapsedTimer pause;
+    pause.start();
     QVERIFY(!Tools::StartHardwareCalibrationMode());
+    QVERIFY(pause.elapsed() >= 5000); // the bridge gets this time to come up
     QCOMPARE(log.lines(), QStringList("Tools::StartHardwareCalibrationMode(): socat no run!"));
     QVERIFY(!Tools::isCalibrationModeActive);
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
@@ -246,7 +250,10 @@ void TstCalibrationBridge::doesNotEnd()
 {
     Meter::replaceProgram("ps", "echo socat /dev/ttyGS0 /dev/ttycommunication");
     const LogCapture log;
+    QElapsedTimer pause;
+    pause.start();
     QVERIFY(!Tools::StopAllRS232Function());
+    QVERIFY(pause.elapsed() >= 2000 + 6 * 500);
     QCOMPARE(Meter::journal().filter(listBridge).size(), 1 + 7);
     QCOMPARE(log.lines(),
              QStringList("Tools::StopAllRS232Function():StopHardwareCalibrationMode false"));
@@ -262,6 +269,21 @@ void TstCalibrationBridge::cannotBeKilled()
     QCOMPARE(Meter::journal(), QStringList("killall socat"));
     QCOMPARE(log.lines(),
              QStringList("Tools::StopHardwareCalibrationMode(): killall socat no finished!"));
+}
+
+void TstCalibrationBridge::bridgeThatStaysComesBackNoMore()
+{
+    Meter::replaceProgram("socat", "trap '' TERM; while :; do sleep 0.05; done");
+    const LogCapture log;
+    QVERIFY(Tools::StartHardwareCalibrationMode());
+    QVERIFY(!Tools::StopHardwareCalibrationMode());
+    QVERIFY(!Tools::isCalibrationModeActive);
+    QVERIFY(Tools::asyncSocatRuner.isRunning());
+    QVERIFY(Tools::asyncSocatRuner.isCanceled());
+    QCOMPARE(bridges().size(), 1);
+    kill();
+    QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
+    QCOMPARE(log.lines(), QStringList());
 }
 
 void TstCalibrationBridge::listIsAskedForUntilItComes()

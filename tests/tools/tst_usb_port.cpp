@@ -92,7 +92,9 @@ private slots:
     void nothingToSwitch();
     void switchMode_data();
     void switchMode();
+    void switchThatEndsInNothing();
     void switchOwner();
+    void ownerThatStaysKeepsTheLine();
     void stopAllNamesWhatItCouldNotStop();
 
 private:
@@ -460,7 +462,10 @@ void TstUsbPort::calibrationTool()
 {
     setUp(Tools::USB_RS232);
     const LogCapture log;
+    QElapsedTimer pause;
+    pause.start();
     QVERIFY(Tools::StartSystemCalibrationMode());
+    QVERIFY(pause.elapsed() >= 3000); // the tool gets this time to come up
     QCOMPARE(lineCalls.size(), 2);
     QCOMPARE(calls(), QStringList({"mactool", listTool}));
     QCOMPARE(Tools::getRS232_Function(), Tools::RS232_SystemCalibration);
@@ -494,7 +499,10 @@ void TstUsbPort::calibrationToolDoesNotEnd()
 {
     Meter::replaceProgram("ps", "echo '  99 root      0:00 mactool'");
     const LogCapture log;
+    QElapsedTimer pause;
+    pause.start();
     QVERIFY(!Tools::StopSystemsCalibrationMode());
+    QVERIFY(pause.elapsed() >= 2000 + 6 * 500);
     QCOMPARE(listCalls().size(), 7);
     QCOMPARE(log.lines(), QStringList());
 }
@@ -566,6 +574,9 @@ void TstUsbPort::switchMode_data()
         << Tools::USB_RNDIS << Tools::USB_RS232 << Tools::RS232_Function(9) << QByteArray()
         << Tools::USB_RNDIS << QStringList(loadSerial) + detection + detection + fallback
         << QStringList({"Tools::SetUSBMode: setRS232Mode2 = false", fallbackLine});
+    QTest::newRow("none to an unowned line")
+        << Tools::USB_None << Tools::USB_RS232 << none << QByteArray() << Tools::USB_RS232
+        << QStringList(loadSerial) + detection << QStringList();
     QTest::newRow("serial gadget fails")
         << Tools::USB_RNDIS << Tools::USB_RS232 << console << QByteArray("careful")
         << Tools::USB_RNDIS << QStringList(loadSerial) + fallback
@@ -600,6 +611,18 @@ void TstUsbPort::switchMode()
     QTEST(Tools::getCurrentMode(), "after");
 }
 
+void TstUsbPort::switchThatEndsInNothing()
+{
+    Meter::hideProgram("modprobe-usb-gadget");
+    const LogCapture log;
+    const QString noGadget = "Tools::StartRNDIS(): modprobe-usb-gadget g_ether no started!";
+    QVERIFY(Tools::SetUSBMode(Tools::USB_RNDIS, Tools::RS232_None)); // told by the log alone
+    QCOMPARE(log.lines(),
+             QStringList({noGadget, "Tools::SetUSBMode: StartRNDIS = false", noGadget,
+                          "Tools::SetUSBMode:end: StartRNDIS = false"}));
+    QCOMPARE(Tools::getCurrentMode(), Tools::USB_None);
+}
+
 void TstUsbPort::switchOwner()
 {
     setUp(Tools::USB_RS232);
@@ -621,6 +644,17 @@ void TstUsbPort::switchOwner()
              QStringList({"Tools::SetUSBMode: setRS232Mode1 = false",
                           "Tools::SetUSBMode:end: StartRNDIS = true"}));
     QCOMPARE(Tools::getCurrentMode(), Tools::USB_RNDIS);
+}
+
+void TstUsbPort::ownerThatStaysKeepsTheLine()
+{
+    setUp(Tools::USB_RS232);
+    Meter::replaceProgram("ps", "echo '  99 root      0:00 mactool'");
+    Meter::setBehaviour("killall", "hang=1");
+    const LogCapture log;
+    QVERIFY(!Tools::setRS232Mode(Tools::RS232_Console));
+    QCOMPARE(calls(), QStringList({listBridge, listTool, listBridge, listTool, "killall mactool"}));
+    QCOMPARE(log.lines().last(), "Tools::StopAllRS232Function():StopSystemsCalibrationMode false");
 }
 
 void TstUsbPort::stopAllNamesWhatItCouldNotStop()
