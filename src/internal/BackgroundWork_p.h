@@ -25,8 +25,8 @@ void stopBackgroundWork();
  * Work on the global thread pool that may go on without end: a bridge, a repeating tone.
  *
  * A run takes no slot of the pool from anyone else, for on one core there is only one; it
- * begins only when its future has been stored; and it is over when stop() returns, which also
- * happens before the process leaves.
+ * learns its future only when that has been stored; and it is over when stop() returns, which
+ * also happens before the process leaves.
  */
 class EndlessWork
 {

@@ -60,7 +60,10 @@ public:
      */
     static void BuzzerClass_Initialiser(KTV_Configuration::MeterModels model, const QString &path,
                                         bool soundOff);
-    /** Ends what sounds and empties both tables. Blocks for up to half a second. */
+    /**
+     * Ends what sounds and empties both tables. Blocks for up to half a second, with a sample
+     * as Sound::KillProcess() does.
+     */
     static void BuzzerClass_Free();
 
     /**
