@@ -200,7 +200,8 @@ int main(int argc, char *argv[])
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
     const std::string text = "toString/KTV:3";
-    RatioReporter reporter({{text, "floor/to_chars+QString/KTV:3"},
+    RatioReporter reporter({{"toString/KTV:2", "floor/to_chars+QString/KTV:2"},
+                            {text, "floor/to_chars+QString/KTV:3"},
                             {text, "floor/to_chars+unit+QString/KTV:3"},
                             {text, "others/fmt"},
                             {text, "others/QString::number+concat"},
@@ -208,6 +209,7 @@ int main(int argc, char *argv[])
                             {text, "others/ICU"},
                             {text, "others/KFormat"},
                             {text, "others/rules_step_by_step"},
+                            {"parse/KTV:2", "floor/from_chars/KTV:2"},
                             {"parse/KTV:3", "floor/from_chars/KTV:3"},
                             {"construction", "constructionOfQObject"}});
     benchmark::RunSpecifiedBenchmarks(&reporter);

@@ -6,7 +6,6 @@
 
 #include <QStringBuilder>
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -31,9 +30,10 @@ const QLatin1String underRange("< 0 ");
 /** Whether a unit or prefix can stand in a text without being simplified or taken for a sign. */
 bool isPlain(QStringView text)
 {
-    return std::all_of(text.begin(), text.end(), [](QChar character) {
-        return character != QLatin1Char('-') && !Internal::isSpace(character);
-    });
+    int others = 0; // texts of one or two characters: counting is quicker than leaving early
+    for (const QChar character : text)
+        others += int(character == QLatin1Char('-') || Internal::isSpace(character));
+    return others == 0;
 }
 
 /** A value that rounds to zero is never shown as negative. */
