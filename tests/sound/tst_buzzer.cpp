@@ -410,10 +410,10 @@ void TstBuzzer::samplesOnSamplingModels()
         BuzzerClass::Beep(tone(code), false);
         expected += "aplay -t raw -f S16_LE -r 44100 /etc/wav/"
             + Sound::SampleToString(BuzzerClass::toneTranscode.value(tone(code))) + ".raw";
+        // The next one ends the player, which may not have got so far as the journal.
+        QTRY_COMPARE(Meter::journal().filter("aplay"), expected);
     }
     Sound::SoundEnable = true;
-    QTRY_COMPARE(Meter::journal().filter("aplay").size(), 14);
-    QCOMPARE(Meter::journal().filter("aplay"), expected);
     BuzzerClass::Beep(tone(0), false);
     QVERIFY(!Sound::process);
     QCOMPARE(beeps(), QStringList());
