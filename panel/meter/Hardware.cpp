@@ -43,7 +43,7 @@ float Hardware::measure()
     if (m_setup.kind() == Setup::Temperature)
         return object.temperature * (1 + noise());
 
-    double value = static_cast<double>(object.inductance);
+    auto value = static_cast<double>(object.inductance);
     if (m_setup.kind() == Setup::Resistance)
         value = static_cast<double>(object.resistance)
             * (1 + excess(alphaOfCopper, object.temperature));

@@ -61,7 +61,7 @@ QString Result::limitText(Context &context)
 {
     const Setup &setup = context.setup();
     if (setup.limitName.isEmpty())
-        return QString();
+        return {};
     QString text;
     if (!setup.lowLimit.isEmpty())
         text += QStringLiteral("\u2265 ") + setup.lowLimit;

@@ -129,7 +129,7 @@ void ListsPage::edit(bool isNew)
     new FormSheet(
         context(), this, isNew ? Text {"Lists", "add", "Add"} : Text {"Lists", "rename", "Rename"},
         fields, [this, isNew, id = entry.id](const QStringList &values) {
-            const QString problem = problemOf(values);
+            QString problem = problemOf(values);
             if (!problem.isEmpty())
                 return problem;
             if (isNew ? family().add(lists(), values) : family().update(lists(), id, values)) {
@@ -158,7 +158,7 @@ QString ListsPage::problemOf(const QStringList &values) const
     if (limits.size() == 2 && limits.at(0) > limits.at(1))
         return context().text(
             Text {"Lists", "lowAboveHigh", "The lower limit is above the upper one"});
-    return QString();
+    return {};
 }
 
 void ListsPage::remove()

@@ -128,7 +128,7 @@ QString ObjectSheet::summary(Context &context)
     const TestObject &object = context.setup().object;
     if (object.leads != TestObject::Connected)
         return context.text(leadsTexts[object.leads]);
-    const QString temperature = NumericalValueBox::formatTemperature(object.temperature);
+    QString temperature = NumericalValueBox::formatTemperature(object.temperature);
     if (context.setup().kind() == Setup::Temperature)
         return temperature;
     const bool isResistance = context.setup().kind() == Setup::Resistance;

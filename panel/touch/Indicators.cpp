@@ -216,13 +216,13 @@ void Plot::paintEvent(QPaintEvent *)
     if (present.isEmpty())
         return;
     const auto [low, high] = std::minmax_element(present.cbegin(), present.cend());
-    const double bottom = static_cast<double>(*low);
+    const auto bottom = static_cast<double>(*low);
     const double span = static_cast<double>(*high) - bottom;
     const double step = area.width() / std::max(1, m_values.size() - 1);
     QPainterPath path;
     bool isGap = true; // missing values interrupt the line
     for (int i = 0; i < m_values.size(); ++i) {
-        const double value = static_cast<double>(m_values.at(i));
+        const auto value = static_cast<double>(m_values.at(i));
         const double part = span > 0 ? (value - bottom) / span : 0.5;
         const QPointF point(area.left() + step * i, area.bottom() - area.height() * part);
         if (!std::isnan(value))

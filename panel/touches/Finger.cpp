@@ -6,6 +6,8 @@
 #include <QScroller>
 #include <QtTest>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int patience = 10000; // ms
@@ -84,10 +86,7 @@ bool Finger::drag(const QString &name, int pixels)
 
 bool Finger::type(const QString &text)
 {
-    for (const QChar key : text)
-        if (!typeKey(key))
-            return false;
-    return true;
+    return std::all_of(text.cbegin(), text.cend(), [this](QChar key) { return typeKey(key); });
 }
 
 bool Finger::typeKey(QChar key)

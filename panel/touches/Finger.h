@@ -20,11 +20,11 @@ public:
     /** Touches the middle of the visible widget of this name. @return whether there is one */
     bool tap(const QString &name);
     /** Touches the row of a list that has this title, scrolling it into view first. */
-    bool tapRow(const QString &list, const QString &title);
+    bool tapRow(const QString &name, const QString &title);
     /** Touches the keys of the keyboard on the screen, one after the other. */
     bool type(const QString &text);
     /** Draws the finger up the list, by some pixels. */
-    bool drag(const QString &list, int pixels);
+    bool drag(const QString &name, int pixels);
 
     /** The visible widget of this name, topmost card first; null when there is none. */
     QWidget *find(const QString &name) const;
