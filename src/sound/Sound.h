@@ -25,24 +25,24 @@ public:
     enum Sample : qint32
     {
         SOUND_Empty = 0, ///< silence
-        SOUND_DELETED_BANK = 1,
-        SOUND_ERROR = 2,
-        SOUND_ERROR_SHORT = 3,
-        SOUND_ESC_STOP_MEAS = 4,
-        SOUND_FUSE_TEST = 5,
-        SOUND_MEAS_END_WITH_FAIL = 6,
-        SOUND_MEAS_END_WITH_PASS = 7,
-        SOUND_MEM_WRITE = 8,
-        SOUND_Riso_CURRENT_LIMIT = 9,
-        SOUND_SET_ACCEPT = 10,
-        SOUND_SET_DECLINE = 11,
-        SOUND_USER_MUST_DECIDE = 12,
-        intro = 13,
-        sheep = 14
+        SOUND_DELETED_BANK = 1, ///< a bank of the memory was deleted
+        SOUND_ERROR = 2, ///< something went wrong
+        SOUND_ERROR_SHORT = 3, ///< the same, shorter
+        SOUND_ESC_STOP_MEAS = 4, ///< a measurement was stopped
+        SOUND_FUSE_TEST = 5, ///< a fuse is being tested
+        SOUND_MEAS_END_WITH_FAIL = 6, ///< a measurement ended outside its limits
+        SOUND_MEAS_END_WITH_PASS = 7, ///< a measurement ended within its limits
+        SOUND_MEM_WRITE = 8, ///< a result was stored
+        SOUND_Riso_CURRENT_LIMIT = 9, ///< the test current reached its limit
+        SOUND_SET_ACCEPT = 10, ///< an entry is taken
+        SOUND_SET_DECLINE = 11, ///< an entry is not taken
+        SOUND_USER_MUST_DECIDE = 12, ///< the user has to decide
+        intro = 13, ///< the start
+        sheep = 14 ///< a sheep
     };
     Q_ENUM(Sample)
 
-    explicit Sound(QObject *parent = nullptr);
+    explicit Sound(QObject *parent = nullptr); ///< Needed by nobody: all operations are static.
 
     /** Name of a sample, as its file has it; empty for an unknown one. */
     static QString SampleToString(Sound::Sample sample);
