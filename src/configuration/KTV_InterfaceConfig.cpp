@@ -19,14 +19,12 @@ constexpr int schemaVersion = 0;
 
 QStringList schema()
 {
-    return {
-        QStringLiteral("CREATE TABLE IF NOT EXISTS Setting (SETk_1_ID INTEGER UNIQUE PRIMARY KEY,"
-                       "SET_Key VARCHAR(255),SET_Value VARCHAR(255))"),
-        QStringLiteral("INSERT INTO Setting (SET_Key, SET_Value) VALUES ('Version',")
-            + QString::number(schemaVersion) + QLatin1Char(')'),
-        QStringLiteral("CREATE TABLE IF NOT EXISTS CONFIG_STR (CONk_1_ID INTEGER UNIQUE PRIMARY "
-                       "KEY,CON_Key VARCHAR(255),CON_Value VARCHAR(255))"),
-    };
+    return Internal::versionTable(schemaVersion)
+        + QStringList {
+            QStringLiteral(
+                "CREATE TABLE IF NOT EXISTS CONFIG_STR (CONk_1_ID INTEGER UNIQUE PRIMARY "
+                "KEY,CON_Key VARCHAR(255),CON_Value VARCHAR(255))"),
+        };
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "datalist/ListFamily_p.h"
 
+#include "internal/NamedDatabase_p.h"
+
 namespace Internal {
 
 namespace {
@@ -161,25 +163,26 @@ QString ListFamily::select(const QString &languageCode, Rows rows, bool hasFilte
 
 QStringList listSchema()
 {
-    return {
-        QStringLiteral("CREATE TABLE IF NOT EXISTS Setting (SETk_1_ID INTEGER UNIQUE PRIMARY KEY,"
-                       "SET_Key VARCHAR(255),SET_Value VARCHAR(255))"),
-        QStringLiteral("INSERT INTO Setting (SET_Key, SET_Value) VALUES ('Version',")
-            + QString::number(schemaVersion) + QLatin1Char(')'),
-        QStringLiteral("CREATE TABLE IF NOT EXISTS OBIECT_TYP (OBTk_1_ID INTEGER UNIQUE PRIMARY "
-                       "KEY,OBT_Lang VARCHAR(2),OBT_ReadOnly BOOL,OBT_Value VARCHAR(255))"),
-        QStringLiteral("CREATE TABLE IF NOT EXISTS OBIECT_NAME (OBNk_1_ID INTEGER UNIQUE PRIMARY "
-                       "KEY,OBN_Lang VARCHAR(2),OBN_ReadOnly BOOL,OBN_Value VARCHAR(255))"),
-        QStringLiteral("CREATE TABLE IF NOT EXISTS MATERIALS (MATk_1_ID INTEGER UNIQUE PRIMARY "
-                       "KEY,MAT_Lang VARCHAR(2),MAT_ReadOnly BOOL,MAT_Name VARCHAR(255),"
-                       "MAT_Alpha REAL)"),
-        QStringLiteral("CREATE TABLE IF NOT EXISTS LIMITS_R (LIMk_1_ID INTEGER UNIQUE PRIMARY KEY,"
-                       "LIM_Lang VARCHAR(2),LIM_Name VARCHAR(255),LIM_HighLimit VARCHAR(255),"
-                       "LIM_LoLimit VARCHAR(255))"),
-        QStringLiteral("CREATE TABLE IF NOT EXISTS LIMITS_T (LIMk_1_ID INTEGER UNIQUE PRIMARY KEY,"
-                       "LIM_Lang VARCHAR(2),LIM_Name VARCHAR(255),LIM_HighLimit VARCHAR(255),"
-                       "LIM_LoLimit VARCHAR(255))"),
-    };
+    return versionTable(schemaVersion)
+        + QStringList {
+            QStringLiteral(
+                "CREATE TABLE IF NOT EXISTS OBIECT_TYP (OBTk_1_ID INTEGER UNIQUE PRIMARY "
+                "KEY,OBT_Lang VARCHAR(2),OBT_ReadOnly BOOL,OBT_Value VARCHAR(255))"),
+            QStringLiteral(
+                "CREATE TABLE IF NOT EXISTS OBIECT_NAME (OBNk_1_ID INTEGER UNIQUE PRIMARY "
+                "KEY,OBN_Lang VARCHAR(2),OBN_ReadOnly BOOL,OBN_Value VARCHAR(255))"),
+            QStringLiteral("CREATE TABLE IF NOT EXISTS MATERIALS (MATk_1_ID INTEGER UNIQUE PRIMARY "
+                           "KEY,MAT_Lang VARCHAR(2),MAT_ReadOnly BOOL,MAT_Name VARCHAR(255),"
+                           "MAT_Alpha REAL)"),
+            QStringLiteral(
+                "CREATE TABLE IF NOT EXISTS LIMITS_R (LIMk_1_ID INTEGER UNIQUE PRIMARY KEY,"
+                "LIM_Lang VARCHAR(2),LIM_Name VARCHAR(255),LIM_HighLimit VARCHAR(255),"
+                "LIM_LoLimit VARCHAR(255))"),
+            QStringLiteral(
+                "CREATE TABLE IF NOT EXISTS LIMITS_T (LIMk_1_ID INTEGER UNIQUE PRIMARY KEY,"
+                "LIM_Lang VARCHAR(2),LIM_Name VARCHAR(255),LIM_HighLimit VARCHAR(255),"
+                "LIM_LoLimit VARCHAR(255))"),
+        };
 }
 
 } // namespace Internal

@@ -116,6 +116,16 @@ bool execute(QSqlQuery &query, const QString &statement, const QVariantList &val
     return query.exec();
 }
 
+QStringList versionTable(int version)
+{
+    return {
+        QStringLiteral("CREATE TABLE IF NOT EXISTS Setting (SETk_1_ID INTEGER UNIQUE PRIMARY KEY,"
+                       "SET_Key VARCHAR(255),SET_Value VARCHAR(255))"),
+        QStringLiteral("INSERT INTO Setting (SET_Key, SET_Value) VALUES ('Version',")
+            + QString::number(version) + QLatin1Char(')'),
+    };
+}
+
 void createSchema(NamedDatabase &database, const QStringList &statements)
 {
     bool canBeKept = true;

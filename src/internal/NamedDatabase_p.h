@@ -81,6 +81,9 @@ private:
  */
 bool execute(QSqlQuery &query, const QString &statement, const QVariantList &values = {});
 
+/** The statements that every store's schema begins with: a table that holds its version. */
+QStringList versionTable(int version);
+
 /**
  * Runs the statements of a new file in one transaction, so that a battery pulled meanwhile, or a
  * card that fills up, leaves a file that still counts as missing. A failing statement is logged

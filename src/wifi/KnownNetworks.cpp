@@ -26,14 +26,12 @@ QString connectionName()
 
 QStringList schema()
 {
-    return {
-        QStringLiteral("CREATE TABLE IF NOT EXISTS Setting (SETk_1_ID INTEGER UNIQUE PRIMARY KEY,"
-                       "SET_Key VARCHAR(255),SET_Value VARCHAR(255))"),
-        QStringLiteral("INSERT INTO Setting (SET_Key, SET_Value) VALUES ('Version',")
-            + QString::number(schemaVersion) + QLatin1Char(')'),
-        QStringLiteral("CREATE TABLE IF NOT EXISTS NETWORKS (NETk_1_ID INTEGER UNIQUE PRIMARY KEY,"
-                       "NET_ESSID VARCHAR(255),NET_Encrypton int,NET_Key VARCHAR(255))"),
-    };
+    return Internal::versionTable(schemaVersion)
+        + QStringList {
+            QStringLiteral(
+                "CREATE TABLE IF NOT EXISTS NETWORKS (NETk_1_ID INTEGER UNIQUE PRIMARY KEY,"
+                "NET_ESSID VARCHAR(255),NET_Encrypton int,NET_Key VARCHAR(255))"),
+        };
 }
 
 /** What a row holds, in the order of the placeholders: name, whether protected, key. */
