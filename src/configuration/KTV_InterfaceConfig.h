@@ -13,9 +13,9 @@
  * Each key is stored under its enumerator name, integers as decimal text. Defaults are not
  * stored; every reader gives its own. A file that cannot be opened is replaced by an empty one.
  *
- * One instance at a time, used from one thread: the connection's name is process-wide and the
- * file is locked for the object's life. A write returns when the card has it (tens of
- * milliseconds on an SD card); on a file locked by another process a call may block for 5 s.
+ * One instance at a time, used from one thread: the connection's name is process-wide. A write
+ * returns when the card has it (tens of milliseconds on an SD card). The file is this process's;
+ * while another one writes it, a call may block for 5 s and then fail.
  */
 class KTV_DATASOURCE_EXPORT KTV_InterfaceConfig : public QObject
 {
@@ -51,6 +51,7 @@ public:
      * @param directory prefix of the file's path; ends in "/"
      */
     explicit KTV_InterfaceConfig(const QString &directory, QObject *parent = nullptr);
+    /** Closes the file; what was stored is on the card already. */
     ~KTV_InterfaceConfig() override;
 
     /**
