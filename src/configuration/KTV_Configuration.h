@@ -25,7 +25,7 @@ public:
     /** Meter models; unknown until a serial number is set. */
     enum MeterModels : qint32
     {
-        MeterModels_NaN = 0,
+        MeterModels_NaN = 0, ///< no serial number yet, or one of no known model
         KTV_410 = 1,
         KTV_420 = 2,
         KTV_4200 = 3,

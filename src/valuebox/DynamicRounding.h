@@ -12,7 +12,9 @@ namespace ValueBox::DynamicRounding {
 /** One row of a rounding table. */
 struct RoundItem
 {
+    /** A row for nothing above zero: no decimals, no prefix. */
     constexpr RoundItem() = default;
+    /** A row of these three fields. */
     constexpr RoundItem(float maximumValue, qint32 decimals, qint32 powerOfTen)
         : maximum(maximumValue)
         , digits(decimals)

@@ -185,15 +185,17 @@ public:
     static TemperatureUnit _tUnit; ///< Temperature unit last given with the texts.
     static KTV_Configuration::MeterModels currentMeter; ///< Model last given.
 
-    /** @name Rounding tables
-     * Empty at first. Row sets are never freed, so that a value keeps the rows it was given
-     * when the tables are filled anew.
-     * @{ */
+    /**
+     * Rounding table of resistances, a row set for each test current; empty at first. Row sets
+     * are never freed, so that a value keeps the rows it was given when a table is filled anew.
+     */
     static QList<DynamicRounding::Round_Current_I *> tableRound_R;
+    /** Rounding table of inductances. */
     static QList<DynamicRounding::Round_Current_I *> tableRound_L;
+    /** Rounding table of temperature-compensated resistances. */
     static QList<DynamicRounding::Round_Current_I *> tableRound_R_TempCompensation;
+    /** Rounding table of temperature-compensated inductances. */
     static QList<DynamicRounding::Round_Current_I *> tableRound_L_TempCompensation;
-    /** @} */
 
 private:
     class KTV_DATASOURCE_NO_EXPORT Private;

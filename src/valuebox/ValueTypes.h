@@ -8,11 +8,11 @@ namespace ValueBox {
 /** Base units. */
 enum Units : qint32
 {
-    Unit_None = 0,
-    Unit_A = 1,
-    Unit_V = 2,
+    Unit_None = 0, ///< a number without unit
+    Unit_A = 1, ///< ampere
+    Unit_V = 2, ///< volt
     Unit_Temperature = 3, ///< its text follows the temperature unit
-    Unit_Ohm = 4
+    Unit_Ohm = 4 ///< ohm
 };
 
 /** Unit prefixes; the value is the power of ten. */

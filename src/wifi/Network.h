@@ -34,6 +34,7 @@ public:
     };
     Q_ENUM(wifiStates)
 
+    /** A network without a name, neither protected nor in reach. */
     Network();
     ~Network() override;
 
