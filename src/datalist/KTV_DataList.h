@@ -29,7 +29,6 @@
  * process every statement may block for 5 s. A failed operation leaves the rows as they were.
  * No failure is thrown.
  */
-// NOLINTBEGIN(bugprone-reserved-identifier)
 class KTV_DATASOURCE_EXPORT KTV_DataList : public QObject
 {
     Q_OBJECT
@@ -166,4 +165,3 @@ private:
     class KTV_DATASOURCE_NO_EXPORT Private;
     const std::unique_ptr<Private> d;
 };
-// NOLINTEND(bugprone-reserved-identifier)

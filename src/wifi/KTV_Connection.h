@@ -25,8 +25,8 @@ namespace WiFi {
  * thread get them queued. Of a record handed out by signal the receiver becomes the owner; one
  * that nobody is connected for is deleted. Connect at most one receiver that takes records.
  *
- * One instance at a time: the connection's name is process-wide and the file is locked for the
- * object's life.
+ * One instance at a time: the connection's name is process-wide. The file is this process's;
+ * while another one writes it, what concerns the known networks may block for 5 s more.
  */
 class KTV_DATASOURCE_EXPORT KTV_Connection : public QObject
 {
@@ -158,7 +158,6 @@ signals:
     void WiFi_Scan(QList<WiFi::Network *> *networks);
 
 private:
-    // NOLINTBEGIN(bugprone-reserved-identifier): names of long standing
     bool _Open();
     bool _CreateNew();
     void _freeDB();
@@ -169,7 +168,6 @@ private:
     void _buildConfFile(const QString &preferred, QList<WiFi::Network *> *networks);
     void _updateSystem(const QString &preferred);
     void _restart() const;
-    // NOLINTEND(bugprone-reserved-identifier)
 
     class KTV_DATASOURCE_NO_EXPORT Private;
     const std::unique_ptr<Private> d;
