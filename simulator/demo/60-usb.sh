@@ -8,6 +8,15 @@ tell() {
     printf '  %-42s ' "$1"
 }
 
+# has_lines PROCESS: whether it has both serial lines open
+has_lines() {
+    local file count=0
+    for file in "/proc/$1/fd/"*; do
+        [[ $(readlink "$file") != /dev/pts/* ]] || count=$((count + 1))
+    done
+    [ $count -ge 2 ]
+}
+
 # exchange LINE FROM TO: writes a line on one side and reads it on the other
 exchange() {
     local received
@@ -53,7 +62,9 @@ until now=$(pgrep -x socat) && [ "$now" != "$before" ]; do
     sleep 0.1
 done
 echo "process $now instead of $before"
-sleep 0.5
+until has_lines "$now"; do
+    sleep 0.1
+done
 tell 'computer to hardware again:' && exchange 'CAL? 10A' "$computer" "$hardware"
 kill -INT "$bridge"
 wait "$bridge" || true

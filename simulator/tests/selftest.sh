@@ -98,7 +98,7 @@ gone() {
     return 1
 }
 ends_with_command() {
-    "$meter_run" -- sh -c "setsid sleep 7654$$ >/dev/null 2>&1 & setsid mactool & sleep 0.2; pgrep sleep"
+    "$meter_run" -- sh -c "setsid sleep 7654$$ >/dev/null 2>&1 & setsid mactool & until pgrep sleep && pgrep mactool; do usleep 10000; done"
     gone "^sleep 7654$$"
 }
 check "no process is left when the command ends" ends_with_command
