@@ -120,7 +120,7 @@ void TstCalibrationBridge::cleanup()
 
 void TstCalibrationBridge::kill()
 {
-    QProcess::execute("/usr/bin/killall", {"-KILL", "socat"});
+    QProcess::execute("busybox", {"killall", "-KILL", "socat"});
 }
 
 bool TstCalibrationBridge::carries(const QByteArray &data)

@@ -127,7 +127,7 @@ void TstUsbPort::cleanup()
     for (const char *program : {"ps", "modprobe-usb-gadget", "systemctl", "ifconfig", "killall"})
         Meter::setBehaviour(program, {});
     QProcess::execute("systemctl", {"stop", "busybox.getty@ttyGS0.service"});
-    QProcess::execute("/usr/bin/killall", {"-q", "-KILL", "mactool"});
+    QProcess::execute("busybox", {"killall", "-q", "-KILL", "mactool"});
     Meter::recordProgram("killall");
 }
 
