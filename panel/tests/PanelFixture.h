@@ -45,6 +45,15 @@ public:
         return finger.tap(QLatin1String(button))
             && finger.tapRow(QStringLiteral("sheet.list"), title);
     }
+    /** Types each value into its line of the sheet. @return whether every line could be touched */
+    bool fill(const QStringList &values)
+    {
+        for (int line = 0; line < values.size(); ++line)
+            if (!finger.tap(QStringLiteral("sheet.line.%1").arg(line))
+                || !finger.type(values.at(line)))
+                return false;
+        return true;
+    }
     /** Touches several things in turn. @return name of the first that could not be; else empty */
     QString tap(std::initializer_list<const char *> names)
     {
@@ -72,12 +81,4 @@ extern "C" const char *__lsan_default_suppressions()
 #endif
 
 /** main() of a test program of the panel. */
-#define KTV_PANEL_TEST_MAIN(TestClass)                                                             \
-    int main(int argc, char *argv[])                                                               \
-    {                                                                                              \
-        if (!Meter::isInside())                                                                    \
-            return 1;                                                                              \
-        QApplication application(argc, argv);                                                      \
-        TestClass test;                                                                            \
-        return QTest::qExec(&test, argc, argv);                                                    \
-    }
+#define KTV_PANEL_TEST_MAIN(TestClass) KTV_METER_TEST_MAIN_OF(QApplication, TestClass)

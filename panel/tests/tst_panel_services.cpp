@@ -85,10 +85,7 @@ void TstPanelServices::entriesOfEachList()
     QFETCH(QStringList, values);
     PanelFixture panel;
     TAP(panel, "nav.Lists", qPrintable(family), "lists.add");
-    for (int i = 0; i < values.size(); ++i) {
-        QVERIFY(panel.finger.tap(QStringLiteral("sheet.line.%1").arg(i)));
-        QVERIFY(panel.finger.type(values.at(i)));
-    }
+    QVERIFY(panel.fill(values));
     TAP(panel, "key.done");
     QVERIFY(!panel.isSheetOpen());
     QVERIFY(panel.finger.tapRow(QStringLiteral("lists.list"), QStringLiteral("aaa")));
@@ -147,10 +144,7 @@ void TstPanelServices::entriesThatAreRefused()
     QFETCH(QStringList, values);
     PanelFixture panel;
     TAP(panel, "nav.Lists", qPrintable(family), "lists.add");
-    for (int i = 0; i < values.size(); ++i) {
-        QVERIFY(panel.finger.tap(QStringLiteral("sheet.line.%1").arg(i)));
-        QVERIFY(panel.finger.type(values.at(i)));
-    }
+    QVERIFY(panel.fill(values));
     TAP(panel, "key.done");
     QTEST(panel.labelText("sheet.error"), "error");
     TAP(panel, "sheet.cancel");

@@ -1,7 +1,7 @@
 #include "ListStore.h"
+#include "support/Ktvctl.h"
 #include "support/Meter.h"
 
-#include <QProcess>
 #include <QtTest>
 
 /** The pick lists from the command line. */
@@ -77,23 +77,19 @@ void TstKtvctlLists::story_data()
 void TstKtvctlLists::story()
 {
     QFETCH(QStringList, arguments);
-    QProcess ktvctl;
-    ktvctl.start(KTVCTL, QStringList("lists") + arguments);
-    QVERIFY(ktvctl.waitForFinished());
-    QTEST(QString::fromUtf8(ktvctl.readAllStandardOutput()), "output");
-    QTEST(ktvctl.exitCode(), "exitCode");
-    QCOMPARE(ktvctl.readAllStandardError().isEmpty(), ktvctl.exitCode() == 0);
+    const Answer answer = ktvctl(QStringList("lists") + arguments);
+    QTEST(answer.out, "output");
+    QTEST(answer.code, "exitCode");
+    QCOMPARE(answer.error.isEmpty(), answer.code == 0);
 }
 
 void TstKtvctlLists::closedStore()
 {
     QVERIFY(QFile::remove(ListStore::file));
     QVERIFY(QDir().mkpath(ListStore::file));
-    QProcess ktvctl;
-    ktvctl.start(KTVCTL, {"lists", "types", "list"});
-    QVERIFY(ktvctl.waitForFinished());
-    QCOMPARE(ktvctl.exitCode(), 1);
-    QVERIFY(ktvctl.readAllStandardError().contains("/media/sdcard/UserData/"));
+    const Answer answer = typed("lists types list");
+    QCOMPARE(answer.code, 1);
+    QVERIFY(answer.error.contains("/media/sdcard/UserData/"));
 }
 
 KTV_METER_TEST_MAIN(TstKtvctlLists)

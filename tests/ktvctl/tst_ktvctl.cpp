@@ -1,11 +1,9 @@
+#include "support/Ktvctl.h"
 #include "support/Meter.h"
 #include "support/Volume.h"
 
 #include <QDir>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QtTest>
 
 #include <csignal>
@@ -19,31 +17,6 @@ const QString logFiles = QStringLiteral("/media/sdcard/Log/");
 const QString languages = QStringLiteral("/home/root/Langs/");
 const QString helpPages = QStringLiteral("/home/root/Help/");
 const QString settingsFile = userData + "interfaceConfig.db";
-
-/** What came of a call. */
-struct Answer
-{
-    int code = -1;
-    QString out;
-    QString error;
-};
-
-Answer ktvctl(const QStringList &words)
-{
-    QProcess process;
-    process.start(program, words);
-    Answer answer;
-    if (process.waitForFinished(20000) && process.exitStatus() == QProcess::NormalExit)
-        answer.code = process.exitCode();
-    answer.out = QString::fromUtf8(process.readAllStandardOutput());
-    answer.error = QString::fromUtf8(process.readAllStandardError());
-    return answer;
-}
-
-QJsonValue parsed(const QString &line)
-{
-    return QJsonDocument::fromJson('[' + line.toUtf8() + ']').array().at(0);
-}
 
 /** The lines of a running watch, as they come. */
 class Watch
@@ -246,7 +219,7 @@ void TstKtvctl::json()
 {
     QFETCH(QString, words);
     QFETCH(QByteArray, value);
-    const Answer answer = ktvctl(QProcess::splitCommand(QString(words)) + QStringList("--json"));
+    const Answer answer = typed(words + " --json");
     QCOMPARE(answer.code, 0);
     QCOMPARE(answer.out.count('\n'), 1); // one line for a machine to read
     QCOMPARE(parsed(answer.out), parsed(QString::fromUtf8(value)));
@@ -351,7 +324,7 @@ void TstKtvctl::settingsWithoutACard()
     Meter::writeFile("/media/sdcard/UserData", "in the way");
     for (const char *words : {"settings get MAIN_Pin", "settings set MAIN_Pin 1", "settings list",
                               "settings delete MAIN_Pin", "settings reset", "lang set PL"}) {
-        const Answer answer = ktvctl(QProcess::splitCommand(QString(words)));
+        const Answer answer = typed(words);
         QCOMPARE(answer.code, 1);
         QCOMPARE(answer.out, QString());
         QVERIFY(answer.error.contains("cannot be used"));
@@ -404,7 +377,7 @@ void TstKtvctl::readersLeaveOtherServicesAlone()
 {
     QFETCH(QString, words);
     Meter::clearJournal();
-    QCOMPARE(ktvctl(QProcess::splitCommand(QString(words))).code, 0);
+    QCOMPARE(typed(words).code, 0);
     QCOMPARE(QDir(userData).entryList(QDir::Files), QStringList());
     QCOMPARE(QDir(logFiles).entryList(QDir::Files), QStringList());
     QCOMPARE(Meter::journal(), QStringList()); // no command of the system was run

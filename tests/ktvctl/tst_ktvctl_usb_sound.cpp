@@ -1,6 +1,6 @@
+#include "support/Ktvctl.h"
 #include "support/Meter.h"
 
-#include <QProcess>
 #include <QtTest>
 
 #include <csignal>
@@ -26,13 +26,6 @@ private slots:
     void soundOff();
 
 private:
-    struct Answer
-    {
-        int code = -1;
-        QString out;
-        QString error;
-    };
-    static Answer ktvctl(const QString &words);
     static QStringList calls(const QString &program)
     {
         return Meter::journal().filter(QRegularExpression('^' + program + ' '));
@@ -40,18 +33,6 @@ private:
     const QString description = QStringLiteral("/home/root/globalInfo.xml");
     const QByteArray deviceDescription = Meter::readFile(description);
 };
-
-TstKtvctlUsbSound::Answer TstKtvctlUsbSound::ktvctl(const QString &words)
-{
-    QProcess process;
-    process.start(KTVCTL, QProcess::splitCommand(words));
-    Answer answer;
-    if (process.waitForFinished(30000) && process.exitStatus() == QProcess::NormalExit)
-        answer.code = process.exitCode();
-    answer.out = QString::fromUtf8(process.readAllStandardOutput());
-    answer.error = QString::fromUtf8(process.readAllStandardError());
-    return answer;
-}
 
 void TstKtvctlUsbSound::init()
 {
@@ -108,7 +89,7 @@ void TstKtvctlUsbSound::commands_data()
 
 void TstKtvctlUsbSound::commands()
 {
-    const Answer answer = ktvctl(QTest::currentDataTag());
+    const Answer answer = typed(QTest::currentDataTag());
     QTEST(answer.out, "out");
     // The programs themselves complain, too.
     QFETCH(QString, error);
@@ -119,15 +100,15 @@ void TstKtvctlUsbSound::commands()
 
 void TstKtvctlUsbSound::json()
 {
-    QCOMPARE(ktvctl("usb status --json").out, "{\"mode\":\"network\"}\n");
-    QCOMPARE(ktvctl("usb set serial --json").out, "{\"mode\":\"serial\",\"owner\":\"nobody\"}\n");
-    QVERIFY(ktvctl("sound list --json").out.startsWith("[\"SOUND_DELETED_BANK\",\"SOUND_ERROR\""));
+    QCOMPARE(typed("usb status --json").out, "{\"mode\":\"network\"}\n");
+    QCOMPARE(typed("usb set serial --json").out, "{\"mode\":\"serial\",\"owner\":\"nobody\"}\n");
+    QVERIFY(typed("sound list --json").out.startsWith("[\"SOUND_DELETED_BANK\",\"SOUND_ERROR\""));
 }
 
 void TstKtvctlUsbSound::portThatDoesNotObey()
 {
     Meter::setBehaviour("modprobe-usb-gadget", "noise=careful");
-    const Answer answer = ktvctl("usb set serial");
+    const Answer answer = typed("usb set serial");
     QCOMPARE(answer.code, 1);
     QVERIFY(answer.error.contains("ktvctl: the port is not as it should be"));
 }
@@ -150,7 +131,7 @@ void TstKtvctlUsbSound::sampleIsHeard()
 {
     QDir("/run/meter/audio").removeRecursively();
     QDir().mkpath("/run/meter/audio");
-    QCOMPARE(ktvctl("sound play set_accept").code, 0);
+    QCOMPARE(typed("sound play set_accept").code, 0);
     const QByteArray sample = Meter::readFile("/etc/wav/SOUND_SET_ACCEPT.raw");
     QCOMPARE(Meter::readFile("/run/meter/audio/0001.raw").left(sample.size()), sample);
 }
@@ -160,7 +141,7 @@ void TstKtvctlUsbSound::loopEndsByAStop()
     QProcess loop;
     loop.start(KTVCTL, {"sound", "loop", "intro"});
     QTRY_COMPARE(Meter::processes("aplay").size(), 1);
-    QCOMPARE(ktvctl("sound stop").code, 0);
+    QCOMPARE(typed("sound stop").code, 0);
     QTRY_COMPARE(Meter::processes("aplay"), QStringList());
     ::kill(pid_t(loop.processId()), SIGINT); // its shell may be out of reach: see "sound stop"
     QVERIFY(loop.waitForFinished());
@@ -182,7 +163,7 @@ void TstKtvctlUsbSound::toneOfTheModel_data()
 void TstKtvctlUsbSound::toneOfTheModel()
 {
     QFETCH(QString, serial);
-    QCOMPARE(ktvctl("beep 1 --serial " + serial).code, 0);
+    QCOMPARE(typed("beep 1 --serial " + serial).code, 0);
     QTEST(calls("beep"), "beeps");
     QTEST(calls("aplay"), "samples");
 }
@@ -198,7 +179,7 @@ void TstKtvctlUsbSound::soundOff()
 {
     QFETCH(QString, words);
     Meter::writeFile(description, "<info><_soundOff Value=\"true\"/></info>");
-    const Answer answer = ktvctl(words);
+    const Answer answer = typed(words);
     QCOMPARE(answer.code, 1);
     QCOMPARE(answer.error, "ktvctl: the device has its sound switched off\n");
     QCOMPARE(Meter::journal(), QStringList());

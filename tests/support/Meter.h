@@ -36,12 +36,13 @@ void writeFile(const QString &path, const QByteArray &content);
 } // namespace Meter
 
 /** main() of a test program: refuses to run outside the simulated meter. */
-#define KTV_METER_TEST_MAIN(TestClass)                                                             \
+#define KTV_METER_TEST_MAIN(TestClass) KTV_METER_TEST_MAIN_OF(QCoreApplication, TestClass)
+#define KTV_METER_TEST_MAIN_OF(Application, TestClass)                                             \
     int main(int argc, char *argv[])                                                               \
     {                                                                                              \
         if (!Meter::isInside())                                                                    \
             return 1;                                                                              \
-        QCoreApplication application(argc, argv);                                                  \
+        Application application(argc, argv);                                                       \
         TestClass test;                                                                            \
         return QTest::qExec(&test, argc, argv);                                                    \
     }

@@ -1,11 +1,9 @@
 #include "Texts.h"
 
+#include "support/Ktvctl.h"
 #include "support/Meter.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QXmlStreamReader>
 #include <QtTest>
 
@@ -13,30 +11,14 @@ using namespace Texts;
 
 namespace {
 
-struct Answer
-{
-    int code = -1;
-    QString out;
-    QString error;
-};
-
 Answer value(const QStringList &words)
 {
-    QProcess process;
-    process.start(QStringLiteral(KTVCTL), QStringList("value") + words);
-    Answer answer;
-    if (process.waitForFinished(20000) && process.exitStatus() == QProcess::NormalExit)
-        answer.code = process.exitCode();
-    answer.out = QString::fromUtf8(process.readAllStandardOutput());
-    answer.error = QString::fromUtf8(process.readAllStandardError());
-    return answer;
+    return ktvctl(QStringList("value") + words);
 }
 
 QJsonValue json(const QStringList &words)
 {
-    return QJsonDocument::fromJson('[' + value(words + QStringList("--json")).out.toUtf8() + ']')
-        .array()
-        .at(0);
+    return parsed(value(words + QStringList("--json")).out);
 }
 
 } // namespace

@@ -14,12 +14,6 @@ inline QStringList names()
             QStringLiteral("sh")};
 }
 
-/** Has the calls of real programs written to the journal, and lets them be told what to do. */
-inline void record(const QString &program)
-{
-    QProcess::execute(QStringLiteral("meter-record"), {program});
-}
-
 inline void reset()
 {
     for (const QString &program : names()) {
@@ -27,8 +21,8 @@ inline void reset()
         Meter::showProgram(program);
     }
     QProcess::execute(QStringLiteral("ifconfig"), {QStringLiteral("wlan0"), QStringLiteral("up")});
-    record(QStringLiteral("ifconfig"));
-    record(QStringLiteral("ls"));
+    Meter::recordProgram(QStringLiteral("ifconfig"));
+    Meter::recordProgram(QStringLiteral("ls"));
     Meter::clearJournal();
 }
 

@@ -531,7 +531,7 @@ void TstWifiNetworks::toolFailure()
     if (behaviour.isEmpty()) {
         Meter::hideProgram(tool);
     } else {
-        QProcess::execute(QStringLiteral("meter-record"), {tool});
+        Meter::recordProgram(tool);
         Meter::setBehaviour(tool, behaviour);
     }
     auto wifi = manager();
@@ -556,7 +556,7 @@ void TstWifiNetworks::fileThatCannotBeOpened()
 
 void TstWifiNetworks::withoutInterfaceNothingIsRestarted()
 {
-    QProcess::execute(QStringLiteral("meter-record"), {QStringLiteral("ls")});
+    Meter::recordProgram(QStringLiteral("ls"));
     Meter::setBehaviour(QStringLiteral("ls"), "stdout=eth0\\nlo");
     auto wifi = manager();
     QCOMPARE(wifi->getInterfaceName(), QString());
@@ -568,7 +568,7 @@ void TstWifiNetworks::withoutInterfaceNothingIsRestarted()
 
 void TstWifiNetworks::neighbouringInterfaceNames()
 {
-    QProcess::execute(QStringLiteral("meter-record"), {QStringLiteral("ls")});
+    Meter::recordProgram(QStringLiteral("ls"));
     Meter::setBehaviour(QStringLiteral("ls"), "stdout=lo\\np2p-wlan0-0\\nwlan0\\nwlan0mon");
     const auto wifi = manager();
     QCOMPARE(wifi->getInterfaceName(), QStringLiteral("wlan0"));

@@ -177,7 +177,7 @@ void TstWifiState::commandLines()
 {
     const auto wifi = manager();
     Tools::connected();
-    Tools::record(QStringLiteral("sh"));
+    Meter::recordProgram(QStringLiteral("sh"));
     const auto shellLines = [] {
         QStringList lines = Meter::journal().filter(QRegularExpression(QStringLiteral("^sh ")));
         Meter::clearJournal();
