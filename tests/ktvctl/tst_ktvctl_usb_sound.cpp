@@ -63,7 +63,7 @@ void TstKtvctlUsbSound::commands_data()
     row("usb set serial console", 0, "serial, owned by console\n");
     const char *mode = "ktvctl: a mode is 'serial' or 'network'\n";
     row("usb set none", 2, "", mode);
-    row("usb set NETWORK", 2, "", mode);
+    row("usb set NETWORK", 0, "network\n");
     const char *owner =
         "ktvctl: a serial line is owned by 'nobody', 'bridge', 'mactool' or 'console'\n";
     row("usb set serial somebody", 2, "", owner);

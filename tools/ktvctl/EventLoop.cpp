@@ -41,6 +41,16 @@ void printEvent(const Call &call, const char *event, QJsonObject details, const 
         QCoreApplication::quit();
 }
 
+QCommandLineOption timeOption(const char *name, const char *description)
+{
+    return {QLatin1String(name), QLatin1String(description), QStringLiteral("N")};
+}
+
+QCommandLineOption secondsOption()
+{
+    return timeOption("seconds", "End after N seconds.");
+}
+
 int milliseconds(const Call &call, const char *option)
 {
     constexpr int longest = 24 * 60 * 60; // s

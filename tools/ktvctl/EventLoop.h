@@ -28,6 +28,10 @@ private:
 /** Prints one event; the loop ends when nobody reads on. */
 void printEvent(const Call &call, const char *event, QJsonObject details, const QString &human);
 
+/** An option in whole seconds. */
+QCommandLineOption timeOption(const char *name, const char *description);
+/** The option --seconds, after which a command ends. */
+QCommandLineOption secondsOption();
 /** Milliseconds of an option in whole seconds. @return 0 when left out, -1 when it is off */
 int milliseconds(const Call &call, const char *option);
 /** Says what such an option takes. @return UsageError */

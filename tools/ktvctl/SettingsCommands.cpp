@@ -28,30 +28,32 @@ int noSuchKey(const QString &name)
                 + Settings::names().join(QLatin1Char(' ')));
 }
 
-int get(const Call &call)
+/** Opens the settings and works on the one that the first argument names. */
+template <typename Work> int onSetting(const Call &call, Work work)
 {
     const auto key = keyOf(call.argument(0));
     if (!key)
         return noSuchKey(call.argument(0));
     Settings settings;
-    if (!settings.isOpen())
-        return settings.failure();
-    const QString value = settings.store().getValue(*key, call.argument(1));
-    if (value.isNull())
-        return fail(QStringLiteral("%1 is not set").arg(call.argument(0)));
-    call.print(value, value);
-    return Success;
+    return settings.isOpen() ? work(settings, *key) : settings.failure();
+}
+
+int get(const Call &call)
+{
+    return onSetting(call, [&call](Settings &settings, Key key) {
+        const QString value = settings.store().getValue(key, call.argument(1));
+        if (value.isNull())
+            return fail(QStringLiteral("%1 is not set").arg(call.argument(0)));
+        call.print(value, value);
+        return int(Success);
+    });
 }
 
 int set(const Call &call)
 {
-    const auto key = keyOf(call.argument(0));
-    if (!key)
-        return noSuchKey(call.argument(0));
-    Settings settings;
-    if (!settings.isOpen())
-        return settings.failure();
-    return settings.write(*key, call.argument(1)) ? Success : settings.failure();
+    return onSetting(call, [&call](Settings &settings, Key key) {
+        return settings.write(key, call.argument(1)) ? Success : settings.failure();
+    });
 }
 
 int remove(const Call &call)

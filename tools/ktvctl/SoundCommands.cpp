@@ -136,11 +136,6 @@ int beep(const Call &call)
     return Success;
 }
 
-QCommandLineOption secondsOption()
-{
-    return {QStringLiteral("seconds"), QStringLiteral("End after N seconds."), QStringLiteral("N")};
-}
-
 } // namespace
 
 Family soundFamily()

@@ -58,18 +58,15 @@ int watch(const Call &call)
 
 Family watchFamily()
 {
-    const auto seconds = QStringLiteral("N");
-    return {
-        "watch",
-        "Builds every service as the interface does. Unwise while the interface runs: the "
-        "start restarts the WiFi supplicant, and the end writes the counters and the serial "
-        "number.",
-        {{"",
-          "",
-          "print what the services signal, until SIGINT or SIGTERM",
-          watch,
-          {{QStringLiteral("seconds"), QStringLiteral("End after N seconds."), seconds},
-           {QStringLiteral("check"),
-            QStringLiteral("Check the disk now and every N seconds, not once a minute."), seconds},
-           serialOption("Serial number that the meter reports.")}}}};
+    return {"watch",
+            "Builds every service as the interface does. Unwise while the interface runs: the "
+            "start restarts the WiFi supplicant, and the end writes the counters and the serial "
+            "number.",
+            {{"",
+              "",
+              "print what the services signal, until SIGINT or SIGTERM",
+              watch,
+              {secondsOption(),
+               timeOption("check", "Check the disk now and every N seconds, not once a minute."),
+               serialOption("Serial number that the meter reports.")}}}};
 }

@@ -274,7 +274,6 @@ int watch(const Call &call)
 
 Family wifiFamily()
 {
-    const auto seconds = QStringLiteral("N");
     return {"wifi",
             "WiFi. Every command begins as the interface does: it hands the known networks to the "
             "supplicant, none preferred, and restarts it.",
@@ -282,8 +281,7 @@ Family wifiFamily()
               "",
               "print state, network and address",
               status,
-              {{QStringLiteral("wait"), QStringLiteral("Wait up to N seconds for a connection."),
-                seconds}}},
+              {timeOption("wait", "Wait up to N seconds for a connection.")}},
              {"scan", "", "print the networks in reach, weakest first", scan},
              {"list", "", "print the known networks", list},
              {"add", "NAME [KEY]",
@@ -295,6 +293,6 @@ Family wifiFamily()
               "",
               "print what is signalled, until SIGINT or SIGTERM",
               watch,
-              {{QStringLiteral("seconds"), QStringLiteral("End after N seconds."), seconds},
+              {secondsOption(),
                {QStringLiteral("scan"), QStringLiteral("Scan every 10 seconds, too.")}}}}};
 }
