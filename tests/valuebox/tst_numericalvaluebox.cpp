@@ -647,10 +647,12 @@ void TstNumericalValueBox::debugLines()
     box.setRealValue(0.123456789F);
     box.setRealValue(0.00123456F, testI_10A);
     box.setRealValue(1234567.F, 20);
+    box.setRealValue(-0.000025F, -1);
     QCOMPARE(log.lines(),
              QStringList({"NumericalValueBox::setRealValue:0.123457 testI_Index_enum:-1",
                           "NumericalValueBox::setRealValue:0.00123456 testI_Index_enum:10",
-                          "NumericalValueBox::setRealValue:1.23457e+06 testI_Index:20"}));
+                          "NumericalValueBox::setRealValue:1.23457e+06 testI_Index:20",
+                          "NumericalValueBox::setRealValue:-2.5e-05 testI_Index:-1"}));
 
     const struct
     {
@@ -664,11 +666,19 @@ void TstNumericalValueBox::debugLines()
          20,
          {"NumericalValueBox::toString()= --- [2] (1.23457)",
           "NumericalValueBox::toString()= ---"}},
+        {-0.000025F,
+         20,
+         {"NumericalValueBox::toString()= --- [2] (-2.5e-05)",
+          "NumericalValueBox::toString()= ---"}},
+        {-1, 10, {"NumericalValueBox::toString()= < 0 " + micro + ohm}},
     };
     for (const auto &text : texts) {
         box.setRealValue(text.value, text.current);
         log.clear();
         box.toString();
+        QCOMPARE(log.lines(), QStringList("NumericalValueBox::toString()") + text.lines);
+        log.clear();
+        box.getRealFormatedValue(); // reads the shown text
         QCOMPARE(log.lines(), QStringList("NumericalValueBox::toString()") + text.lines);
     }
 
@@ -695,7 +705,11 @@ void TstNumericalValueBox::silentWithoutTheFlag()
 void TstNumericalValueBox::metaObject()
 {
     NumericalValueBox box;
-    QCOMPARE(box.metaObject()->className(), "ValueBox::NumericalValueBox");
+    const QMetaObject *meta = box.metaObject();
+    QCOMPARE(meta->className(), "ValueBox::NumericalValueBox");
+    // Nothing of its own to connect to.
+    QCOMPARE(meta->methodCount(), QObject::staticMetaObject.methodCount());
+    QCOMPARE(meta->propertyCount(), QObject::staticMetaObject.propertyCount());
     QVERIFY(qobject_cast<NumericalValueBox *>(static_cast<QObject *>(&box)));
 }
 

@@ -40,6 +40,7 @@ private slots:
 
     void temperature_data();
     void temperature();
+    void temperatureInManySteps_data();
     void temperatureInManySteps();
     void temperatureResetsTheTexts();
     void missingTemperatureLeavesTheTexts();
@@ -154,6 +155,10 @@ void TstValueFormats::listsOfAnotherLength()
         QCOMPARE(NumericalValueBox::getTempUnit(), Temp_Fahrenheit); // taken all the same
     }
     // Each list stands for itself.
+    NumericalValueBox::prepareStaticCustomtValue({"1", "2", "3", "4"}, {"1"}, Temp_Celsius);
+    QCOMPARE(NumericalValueBox::getUnit(Unit_Ohm), QStringLiteral("4"));
+    QCOMPARE(NumericalValueBox::prefixString, prefixes);
+    NumericalValueBox::prepareStaticDefaultValue(Temp_Celsius);
     NumericalValueBox::prepareStaticCustomtValue({"1", "2", "3"}, {"1", "2", "3", "4", "5", "6"},
                                                  Temp_Celsius);
     QCOMPARE(NumericalValueBox::unitString, units);
@@ -390,24 +395,46 @@ void TstValueFormats::temperature()
     QCOMPARE(NumericalValueBox::formatTemperature(celsius), text);
 }
 
+void TstValueFormats::temperatureInManySteps_data()
+{
+    QTest::addColumn<int>("unit");
+    QTest::addColumn<double>("factor");
+    QTest::addColumn<double>("zeroCelsius");
+    QTest::newRow("Celsius") << 0 << 1. << 0.;
+    QTest::newRow("Fahrenheit") << 1 << 1.8 << 32.;
+    QTest::newRow("Kelvin") << 2 << 1. << 273.15;
+}
+
 void TstValueFormats::temperatureInManySteps()
 {
-    NumericalValueBox::prepareStaticDefaultValue(Temp_Kelvin);
+    QFETCH(int, unit);
+    QFETCH(double, factor);
+    QFETCH(double, zeroCelsius);
+    NumericalValueBox::prepareStaticDefaultValue(TemperatureUnit(unit));
     QRandomGenerator random(5);
-    const auto check = [](float celsius) {
+    const auto check = [=](float celsius) {
         const QString text = NumericalValueBox::formatTemperature(celsius);
-        const QString expected = PlainSteps::halfDegrees(float(double(celsius) + 273.15)) + " K";
+        const QString expected =
+            PlainSteps::halfDegrees(float(double(celsius) * factor + zeroCelsius)) + ' '
+            + NumericalValueBox::getUnit(Unit_Temperature);
         if (text != expected)
             qWarning("%.9g: %s", double(celsius), qPrintable(text + " for " + expected));
         return text == expected;
     };
+    const auto onScale = [=](float shown) { return float((double(shown) - zeroCelsius) / factor); };
     for (int step = -300000; step <= 300000; step += 7)
         QVERIFY(check(float(step) / 1000));
-    for (int i = 0; i < 50000; ++i) {
+    // Where the tenth, and with it the half degree, changes; and the floats beside it.
+    for (int twentieth = -10001; twentieth <= 10001; twentieth += 2) {
+        const float celsius = onScale(float(twentieth) / 20);
+        for (const float value : {previous(celsius), celsius, next(celsius)})
+            QVERIFY(check(value));
+    }
+    for (int i = 0; i < 30000; ++i) {
         const float wide =
             std::ldexp(float(random.generateDouble()) - 0.5F, int(random.bounded(60)));
         QVERIFY(check(wide));
-        QVERIFY(check(wide - 273.15F));
+        QVERIFY(check(onScale(wide)));
     }
 }
 
