@@ -131,17 +131,19 @@ public:
     /**
      * Voltage drop across the object, with ranges fixed by the test current. @param u in volts.
      * @param limited whether the current's own upper limit holds, else 10 V
+     * @return "< 0 V" below zero; "> 10.000 V" from the limit on and for NaN
      */
     static QString formatDeltaU(float u, testI current, bool limited);
     /**
-     * A temperature in the unit in use, rounded down to half a degree: "20.5 °C". Puts the texts
-     * of units and prefixes back to their defaults. @param celsius NaN or infinite: "--- °C"
+     * A temperature in the unit in use, rounded to one decimal and then down to half a degree,
+     * below zero to a whole one: "20.5 °C", "-4.0 °C". Puts the texts of units and prefixes back
+     * to their defaults. @param celsius NaN or infinite: "--- °C", and the texts stay
      */
     static QString formatTemperature(float celsius);
 
     /**
-     * Reads a text as toString() writes it. Where several texts end the unit, the longest
-     * counts; of equal texts the one with the smallest code.
+     * Reads a text as toString() writes it; of three parts the first is a marker. Where several
+     * texts end the unit, the longest counts; of equal texts the one with the smallest code.
      * @param value in the base unit; NaN when there is no number
      * @param precision characters after the number's decimal point
      * @param unit,prefix set when the text has a unit part; untouched otherwise, as is the unit
@@ -164,7 +166,7 @@ public:
      */
     static testI roundTestIValue(float amperes);
 
-    /** Takes the default texts of units and prefixes, and the temperature unit. */
+    /** Takes the default texts of units and prefixes, and the temperature unit with its text. */
     static void prepareStaticDefaultValue(TemperatureUnit unit);
     /**
      * Takes texts of the caller's: units A, V, temperature, ohm (four) and prefixes G, M, k, m,
@@ -182,8 +184,8 @@ public:
 
     static QHash<Units, QString> unitString; ///< Texts of the units; empty at first.
     static QHash<UnitPrefixs, QString> prefixString; ///< Texts of the prefixes; empty at first.
-    static TemperatureUnit _tUnit; ///< Temperature unit last given with the texts.
-    static KTV_Configuration::MeterModels currentMeter; ///< Model last given.
+    static TemperatureUnit _tUnit; ///< Last given with the texts; Celsius at first.
+    static KTV_Configuration::MeterModels currentMeter; ///< Last given; MeterModels_NaN at first.
 
     /**
      * Rounding table of resistances, a row set for each test current; empty at first. Row sets
