@@ -4,6 +4,7 @@
 #include "internal/NamedDatabase_p.h"
 #include "internal/log_p.h"
 #include "valuebox/NumericalValueBox.h"
+#include "valuebox/Temperature_p.h"
 
 #include <QDir>
 #include <QFile>
@@ -43,30 +44,10 @@ private:
     std::unique_ptr<QList<Element *>> m_list = std::make_unique<QList<Element *>>();
 };
 
-/** From the temperature unit in effect to the stored degrees Celsius, and back. */
-struct Scale
-{
-    double (*toCelsius)(double);
-    double (*fromCelsius)(double);
-};
-
-constexpr double kelvinOfZeroCelsius = 273.15;
-constexpr Scale fahrenheit {[](double value) { return (value - 32) * 0.5555555555555556; },
-                            [](double value) { return value * 1.8 + 32; }};
-constexpr Scale kelvin {[](double value) { return value - kelvinOfZeroCelsius; },
-                        [](double value) { return value + kelvinOfZeroCelsius; }};
-
 /** Null while temperatures are shown as they are stored. */
-const Scale *scaleInEffect()
+const Internal::TemperatureScale *scaleInEffect()
 {
-    switch (ValueBox::NumericalValueBox::getTempUnit()) {
-    case ValueBox::Temp_Fahrenheit:
-        return &fahrenheit;
-    case ValueBox::Temp_Kelvin:
-        return &kelvin;
-    default:
-        return nullptr;
-    }
+    return Internal::temperatureScale(ValueBox::NumericalValueBox::getTempUnit());
 }
 
 QString converted(const QString &limit, double (*convert)(double))
@@ -83,7 +64,7 @@ QString converted(const QString &limit, double (*convert)(double))
 
 QVariantList storedColumns(const ListFamily &family, QVariantList columns)
 {
-    const Scale *scale = family.isTemperature ? scaleInEffect() : nullptr;
+    const auto *scale = family.isTemperature ? scaleInEffect() : nullptr;
     for (int i = 1; scale && i < columns.size(); ++i)
         columns[i] = converted(columns.at(i).toString(), scale->toCelsius);
     return columns;
@@ -91,7 +72,7 @@ QVariantList storedColumns(const ListFamily &family, QVariantList columns)
 
 QString shownLimit(const ListFamily &family, const QString &limit)
 {
-    const Scale *scale = family.isTemperature ? scaleInEffect() : nullptr;
+    const auto *scale = family.isTemperature ? scaleInEffect() : nullptr;
     return scale ? converted(limit, scale->fromCelsius) : limit;
 }
 

@@ -1,5 +1,6 @@
 #include "valuebox/NumericalValueBox.h"
 #include "valuebox/NumericalValueBox_p.h"
+#include "valuebox/Temperature_p.h"
 #include "valuebox/TextParts_p.h"
 
 #include <QStringBuilder>
@@ -13,19 +14,11 @@ using Internal::TextParts;
 
 namespace {
 
+/** A temperature in the unit that shows it. */
 float converted(float celsius, TemperatureUnit unit)
 {
-    constexpr double fahrenheitPerCelsius = 1.8;
-    constexpr double fahrenheitAtFreezing = 32;
-    constexpr double kelvinAtFreezing = 273.15;
-    switch (unit) {
-    case Temp_Fahrenheit:
-        return float(double(celsius) * fahrenheitPerCelsius + fahrenheitAtFreezing);
-    case Temp_Kelvin:
-        return float(double(celsius) + kelvinAtFreezing);
-    default:
-        return celsius;
-    }
+    const auto *scale = Internal::temperatureScale(unit);
+    return scale ? float(scale->fromCelsius(double(celsius))) : celsius;
 }
 
 /**
@@ -69,3 +62,32 @@ QString NumericalValueBox::formatTemperature(float celsius)
 }
 
 } // namespace ValueBox
+
+namespace Internal {
+
+namespace {
+
+constexpr double kelvinOfZeroCelsius = 273.15;
+constexpr double fahrenheitOfZeroCelsius = 32;
+
+constexpr TemperatureScale fahrenheit {
+    [](double celsius) { return celsius * 1.8 + fahrenheitOfZeroCelsius; },
+    [](double value) { return (value - fahrenheitOfZeroCelsius) * 0.5555555555555556; }};
+constexpr TemperatureScale kelvin {[](double celsius) { return celsius + kelvinOfZeroCelsius; },
+                                   [](double value) { return value - kelvinOfZeroCelsius; }};
+
+} // namespace
+
+const TemperatureScale *temperatureScale(ValueBox::TemperatureUnit unit)
+{
+    switch (unit) {
+    case ValueBox::Temp_Fahrenheit:
+        return &fahrenheit;
+    case ValueBox::Temp_Kelvin:
+        return &kelvin;
+    default:
+        return nullptr;
+    }
+}
+
+} // namespace Internal
