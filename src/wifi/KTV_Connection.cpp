@@ -386,8 +386,13 @@ void KTV_Connection::check_wifiState_Avait(KTV_Connection *connection)
         connection->findWifiInterfaceName();
         return;
     }
+    const auto details = data.myNetwork.get();
     const std::unique_ptr<const Network> fresh(connection->getWiFi_Info());
-    if (!*data.stopping && data.state.exchange(fresh->state) != fresh->state)
+    // Details told meanwhile may be newer, and an old state after them would stay: details are
+    // told only when they differ from the last.
+    if (*data.stopping || data.myNetwork.get() != details)
+        return;
+    if (data.state.exchange(fresh->state) != fresh->state)
         emit connection->WiFi_State_Change(fresh->state);
 }
 

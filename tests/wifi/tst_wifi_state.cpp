@@ -41,6 +41,7 @@ private slots:
     void detailOnATimer();
     void detailWithoutInterface();
     void workersAtOnce();
+    void stateOlderThanDetails();
 
     void power_data();
     void power();
@@ -351,6 +352,27 @@ void TstWifiState::workersAtOnce()
     QCOMPARE(inbox.details().size(), 1);
     QVERIFY(inbox.states().size() <= 2);
     QVERIFY(wifi->get_wifi_Enable());
+}
+
+void TstWifiState::stateOlderThanDetails()
+{
+    const auto wifi = manager();
+    const Inbox inbox(*wifi);
+    Tools::connected();
+    Meter::setBehaviour(QStringLiteral("iwconfig"),
+                        "delay=0.5\nstdout=Link Quality=50/70  Signal level=-40 dBm");
+    Meter::clearJournal();
+    wifi->onStatusTime();
+    QTRY_COMPARE(Meter::journal().filter(QStringLiteral("iwconfig")).size(), 1); // it is slow
+    Tools::print("ifconfig", "wlan0     Link encap:Ethernet");
+    KTV_Connection::check_wifiDetailState_Avait(wifi.get());
+    QCOMPARE(inbox.order(), QByteArray("sd"));
+    QVERIFY(poolIsIdle());
+    QCOMPARE(inbox.states(), QVector<int> {Network::wifi_States_Connecting});
+    Tools::idle();
+    wifi->onStatusTime(); // the next one is heard
+    QVERIFY(poolIsIdle());
+    QCOMPARE(inbox.states().last(), int(Network::wifi_States_ON));
 }
 
 void TstWifiState::power_data()
