@@ -22,11 +22,14 @@ namespace WiFi {
  * Threads: the object belongs to the interface's thread, and so do all its operations except
  * the workers. Slow tools run in workers on the global thread pool, at most two of a kind at a
  * time. The signals of a worker are emitted on its pool thread, so receivers in the interface's
- * thread get them queued. Of a record handed out by signal the receiver becomes the owner; one
- * that nobody is connected for is deleted. Connect at most one receiver that takes records.
+ * thread get them queued.
  *
- * One instance at a time: the connection's name is process-wide. The file is this process's;
- * while another one writes it, what concerns the known networks may block for 5 s more.
+ * Records: of one that a signal hands out the receiver becomes the owner. With nobody connected
+ * it is deleted. Connect at most one receiver that takes records. One that goes while a signal
+ * waits in its thread's event queue leaves that signal's records behind.
+ *
+ * One instance at a time in a process: the database connection's name is process-wide. While
+ * another process writes the file, what concerns the known networks may block for 5 s more.
  */
 class KTV_DATASOURCE_EXPORT KTV_Connection : public QObject
 {
@@ -36,8 +39,10 @@ public:
      * Finds the interface, opens the known networks (creating the file when it is missing),
      * hands them to the supplicant, reads the state once and polls it every 5000 ms from then
      * on. Blocks as long as the tools need: up to 1000 ms per protected network, the restart of
-     * the supplicant without limit, and up to 4000 ms for the state.
-     * @param directory prefix of the database's path, used unchanged; ends in "/"
+     * the supplicant without limit, and up to 4000 ms for the state. A database that cannot be
+     * opened is logged; no network is known then, and none can be added.
+     * @param directory prefix of the database's path, used unchanged; ends in "/". Created when
+     *        it is missing, its parent is not.
      */
     explicit KTV_Connection(const QString &directory, QObject *parent = nullptr);
     /**
@@ -46,6 +51,9 @@ public:
      * set_wifi_Enable() was asked for is carried out first, within 3000 ms, twice when a newer
      * wish waits. Nothing is emitted from then on; a signal that already waits in a
      * receiver's event queue is still delivered.
+     *
+     * Delete the object on its own thread only: a slot that is connected directly runs on the
+     * thread of a worker, and there this would wait for that worker without end.
      */
     ~KTV_Connection() override;
 
@@ -58,6 +66,7 @@ public:
      * Stores a network in place of an earlier one of that name, and prefers it: rewrites the
      * supplicant's file and restarts the supplicant. Blocks up to 1000 ms per protected network,
      * and for the restart.
+     * @param essid name; letter case counts
      * @param key pass phrase of 8 to 63 characters; empty for an open network
      * @return false, with nothing changed, for an empty name, a key of another length, or when
      *         the database cannot be written
@@ -104,9 +113,10 @@ public:
     bool isDetailInfoScan() const; ///< Whether detail polling is on.
 
     /**
-     * Switches scanning on (one scan at once, then every 10000 ms) or off. A scan under way
-     * when scanning is switched off ends without a signal; a scan tool that does not answer
-     * within 5000 ms switches scanning off, and a receiver of that null list may switch it on.
+     * Switches scanning on (one scan at once, then every 10000 ms) or off. The results
+     * of a scan under way when scanning is switched off are dropped. A scan tool that does not
+     * answer within 5000 ms switches scanning off; WiFi_Scan() tells so even if it was off
+     * already, and its receiver may switch scanning on again.
      * @return false when there is no interface to scan with
      */
     bool ScanNetwork(bool on);
@@ -142,9 +152,9 @@ public:
     static void _set_wifi_Enable_Avait(KTV_Connection *connection, bool on);
 
 public slots:
-    void onStatusTime(); ///< Starts one reading of the state.
-    void onStatusDetailTime(); ///< Starts one reading of the details.
-    void onScanNetwokTime(); ///< Starts one scan.
+    void onStatusTime(); ///< Starts one reading of the state, unless two are outstanding.
+    void onStatusDetailTime(); ///< Starts one reading of the details, unless two are outstanding.
+    void onScanNetwokTime(); ///< Starts one scan, unless two are outstanding.
 
 signals:
     /** The state (a WiFi::Network::wifiStates) has changed, or in detail mode any detail. */
@@ -153,7 +163,8 @@ signals:
     void WiFi_DetailState_Change(WiFi::Network *network);
     /**
      * A scan has ended: the networks in reach, one entry per name, weakest first; null when the
-     * scan tool failed. The receiver owns the list and its records.
+     * scan tool failed. Names are as the tool prints them, with "\\xC3\\x96" for what is not ASCII.
+     * The receiver owns the list and its records.
      */
     void WiFi_Scan(QList<WiFi::Network *> *networks);
 
