@@ -24,6 +24,11 @@ private slots:
     void init();
     void cleanup();
 
+    void orderOfSignals();
+    void construction_data();
+    void construction();
+    void slowToolsAreWaitedFor();
+
     void reading_data();
     void reading();
     void readingKeepsTheColon();
@@ -45,8 +50,8 @@ private slots:
 
     void power_data();
     void power();
-    void powerThatDoesNotAnswer_data();
-    void powerThatDoesNotAnswer();
+    void powerToolIsLogged_data();
+    void powerToolIsLogged();
     void lastPowerWishCounts();
     void powerRefreshesDetails();
     void powerWithoutInterface();
@@ -91,6 +96,53 @@ void TstWifiState::cleanup()
     QThreadPool::globalInstance()->setMaxThreadCount(4);
 }
 
+void TstWifiState::orderOfSignals()
+{
+    const QMetaObject &meta = KTV_Connection::staticMetaObject;
+    QList<QByteArray> methods;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+        methods += meta.method(i).methodSignature();
+    QCOMPARE(methods,
+             QList<QByteArray>({"WiFi_State_Change(int)", "WiFi_DetailState_Change(WiFi::Network*)",
+                                "WiFi_Scan(QList<WiFi::Network*>*)", "onStatusTime()",
+                                "onStatusDetailTime()", "onScanNetwokTime()"}));
+}
+
+void TstWifiState::construction_data()
+{
+    QTest::addColumn<QByteArray>("interfaces");
+    QTest::addColumn<QStringList>("commands");
+    const QStringList look {QStringLiteral("ls /sys/class/net")};
+    QTest::newRow("supplicant before state") << QByteArray("wlan0")
+                                             << look
+            + QStringList {QStringLiteral("systemctl restart wpa_supplicant@wlan0"),
+                           QStringLiteral("ifconfig"), QStringLiteral("iwgetid wlan0 -r")};
+    QTest::newRow("no interface is looked for again") << QByteArray("eth0") << look + look;
+}
+
+void TstWifiState::construction()
+{
+    QFETCH(QByteArray, interfaces);
+    Tools::print("ls", interfaces);
+    const auto wifi = manager();
+    QTEST(Meter::journal(), "commands");
+    QVERIFY(!wifi->get_wifi_Enable());
+    QVERIFY(!wifi->isDetailInfoScan());
+    QVERIFY(!wifi->isScanMode());
+}
+
+/** Those that have no limit: the list of interfaces and the supplicant's restart. */
+void TstWifiState::slowToolsAreWaitedFor()
+{
+    const QString isRestarted = QStringLiteral("/tmp/restarted");
+    Tools::delay("ls", "1.1");
+    Meter::setBehaviour(QStringLiteral("systemctl"), QByteArray());
+    Meter::replaceProgram(QStringLiteral("systemctl"), "pause 1.1\n: >/tmp/restarted");
+    const auto wifi = manager();
+    QCOMPARE(wifi->getInterfaceName(), QStringLiteral("wlan0"));
+    QVERIFY(QFile::remove(isRestarted));
+}
+
 void TstWifiState::reading_data()
 {
     QTest::addColumn<QByteArray>("ifconfig");
@@ -117,6 +169,7 @@ void TstWifiState::reading_data()
     QTest::newRow("iwconfig hangs") << address << lab << hang << 2 << "Lab";
     QTest::newRow("blanks around the name")
         << address << QByteArray("stdout=  a  b  ") << level << 5 << "a  b";
+    QTest::newRow("a blank line is a name") << address << QByteArray("stdout=") << level << 5 << "";
 }
 
 void TstWifiState::reading()
@@ -212,13 +265,16 @@ void TstWifiState::timers()
         return result;
     };
     QCOMPARE(intervals(), QVector<int> {5000});
+    const auto *const statusTimer = wifi->findChild<QTimer *>();
     wifi->DetailInfoScan(true);
     QCOMPARE(intervals(), QVector<int> {1000}); // in place of the state's
     QVERIFY(wifi->ScanNetwork(true));
     QCOMPARE(intervals(), QVector<int>({1000, 10000}));
     wifi->DetailInfoScan(false);
     QCOMPARE(intervals(), QVector<int>({5000, 10000}));
+    QTRY_VERIFY(statusTimer->remainingTime() < 4500);
     wifi->DetailInfoScan(false);
+    QVERIFY(statusTimer->remainingTime() < 4500); // it has not begun anew
     QVERIFY(wifi->ScanNetwork(false));
     QCOMPARE(intervals(), QVector<int> {5000});
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -290,12 +346,17 @@ void TstWifiState::detailChange()
     QCOMPARE(network->ESSID, QStringLiteral("Lab"));
     QCOMPARE(network->state, int(Network::wifi_States_Connect_2));
     QCOMPARE(network->address, QStringLiteral(":10.1.2.3"));
+    QCOMPARE(network->mask, QStringLiteral("255.255.255.0"));
+    QCOMPARE(network->broadcast, QStringLiteral("10.1.2.255"));
     QCOMPARE(network->thread(), wifi->thread());
     QVERIFY(wifi->get_wifi_Enable());
 
+    Tools::print("ifconfig",
+                 "wlan0     Link encap:Ethernet\\n"
+                 "          inet addr:10.1.2.3  Bcast:10.1.255.255  Mask:255.255.0.0\\n");
     wifi->onStatusDetailTime();
     QVERIFY(poolIsIdle());
-    QCOMPARE(inbox.count(), 2); // nothing has changed
+    QCOMPARE(inbox.count(), 2); // nothing has changed that counts
 
     Tools::connected("Lab", "10.1.2.4");
     KTV_Connection::check_wifiDetailState_Avait(wifi.get());
@@ -318,6 +379,8 @@ void TstWifiState::detailOnATimer()
     wifi->DetailInfoScan(true);
     wifi->DetailInfoScan(true);
     QVERIFY(wifi->isDetailInfoScan());
+    QVERIFY(poolIsIdle());
+    QCOMPARE(inbox.count(), 0); // the first reading comes with the timer
     QTRY_COMPARE(inbox.order(), QByteArray("sd"));
     wifi->DetailInfoScan(false);
     QVERIFY(!wifi->isDetailInfoScan());
@@ -402,27 +465,42 @@ void TstWifiState::power()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void TstWifiState::powerThatDoesNotAnswer_data()
+void TstWifiState::powerToolIsLogged_data()
 {
     QTest::addColumn<bool>("on");
-    QTest::addColumn<QString>("line");
+    QTest::addColumn<QByteArray>("behaviour"); // none: the tool is missing
+    QTest::addColumn<QStringList>("lines");
+    QTest::addColumn<QVector<int>>("states"); // read anew in any case
+    const QByteArray hang("noise=wlan0 is busy\nhang=1");
+    const QString printed = QStringLiteral("set_wifiPower: wlan0 is busy\n");
+    const QVector<int> off {Network::wifi_States_OFF};
     // The texts are crossed.
-    QTest::newRow("off") << false << "ifconfig up - not respond!";
-    QTest::newRow("on") << true << "ifconfig down - not respond!";
+    const QString offFailed = QStringLiteral("ifconfig up - not respond!");
+    const QString onFailed = QStringLiteral("ifconfig down - not respond!");
+    QTest::newRow("off hangs") << false << hang << QStringList({offFailed, printed}) << off;
+    QTest::newRow("on hangs") << true << hang << QStringList({onFailed, printed}) << off;
+    QTest::newRow("off is missing") << false << QByteArray() << QStringList(offFailed) << off;
+    QTest::newRow("on is missing") << true << QByteArray() << QStringList(onFailed) << off;
+    QTest::newRow("prints and ends")
+        << true << QByteArray("stdout=wlan0 is busy") << QStringList(printed) << QVector<int>();
 }
 
-void TstWifiState::powerThatDoesNotAnswer()
+void TstWifiState::powerToolIsLogged()
 {
     QFETCH(bool, on);
-    QFETCH(QString, line);
+    QFETCH(QByteArray, behaviour);
+    const QString tool = QStringLiteral("ifconfig");
     const auto wifi = manager();
     const Inbox inbox(*wifi);
-    Meter::setBehaviour(QStringLiteral("ifconfig"), "noise=wlan0 is busy\nhang=1");
+    if (behaviour.isEmpty())
+        Meter::hideProgram(tool);
+    else
+        Meter::setBehaviour(tool, behaviour);
     const LogCapture log;
     wifi->set_wifi_Enable(on);
     QVERIFY(poolIsIdle());
-    QCOMPARE(log.lines(), QStringList({line, QStringLiteral("set_wifiPower: wlan0 is busy\n")}));
-    QCOMPARE(inbox.states(), QVector<int> {Network::wifi_States_OFF}); // refreshed all the same
+    QTEST(log.lines(), "lines");
+    QTEST(inbox.states(), "states");
 }
 
 void TstWifiState::lastPowerWishCounts()

@@ -243,6 +243,7 @@ void TstWifiToolOutput::signalLevel_data()
     QTest::addColumn<int>("state");
     QTest::newRow("usual") << "   Link Quality=50/70  Signal level=-60 dBm  \n" << 6;
     QTest::newRow("weakest") << "Link Quality=1/70  Signal level=-99 dBm" << 4;
+    QTest::newRow("the last level counts") << "Signal level=-40 dBm  Noise level=-92 dBm" << 4;
     QTest::newRow("no number counts as 0 dBm") << "Signal level=60/100" << 8;
     QTest::newRow("marker missing") << "Link Quality=50/70 level=-60 dBm" << 2;
     QTest::newRow("nothing") << "" << 2;
@@ -289,6 +290,9 @@ void TstWifiToolOutput::scan_data()
     QTest::newRow("no level line") << "Cell 01\nESSID:\"Lab\"" << QStringList("Lab 1");
     QTest::newRow("level without a unit")
         << "Cell 01\nQuality:3  Signal level=-62\nESSID:\"Lab\"" << QStringList("Lab 6");
+    QTest::newRow("the last level of a line counts")
+        << "Cell 01\nQuality=1/70  Signal level=-40 dBm  Noise level=-92 dBm\nESSID:\"Lab\""
+        << QStringList("Lab 4");
     QTest::newRow("no equals sign") << "Cell 01\nQuality 5\nESSID:\"Lab\"" << QStringList("Lab 1");
     QTest::newRow("quotation marks go, escapes stay")
         << one("-60", "off", "a\"b\\x00\\xC5\\\\") << QStringList("ab\\x00\\xC5\\\\ 6");
