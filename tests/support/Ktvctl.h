@@ -13,11 +13,13 @@ struct Answer
     QString error;
 };
 
-/** Calls ktvctl; ktv_add_test(... KTVCTL) says where it is. */
-inline Answer ktvctl(const QStringList &words)
+/** Calls ktvctl and types @p input; ktv_add_test(... KTVCTL) says where it is. */
+inline Answer ktvctl(const QStringList &words, const QByteArray &input = {})
 {
     QProcess process;
     process.start(QStringLiteral(KTVCTL), words);
+    process.write(input);
+    process.closeWriteChannel();
     Answer answer;
     if (process.waitForFinished(30000) && process.exitStatus() == QProcess::NormalExit)
         answer.code = process.exitCode();

@@ -1,0 +1,217 @@
+#include "support/Ktvctl.h"
+#include "support/Meter.h"
+
+#include <QtTest>
+
+#include <csignal>
+
+/** ktvctl wifi among access points, as typed. */
+class TstKtvctlWifi : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+
+    void calls_data();
+    void calls();
+    void withoutInterface_data();
+    void withoutInterface();
+    void scanToolThatDoesNotAnswer();
+
+    void networksAreKept();
+    void passPhraseFromInput();
+    void statusWaitsForAConnection();
+    void power();
+    void watchPrintsSignals_data();
+    void watchPrintsSignals();
+
+private:
+    static Answer wifi(const QStringList &words, const QByteArray &input = {})
+    {
+        return ktvctl(QStringList("wifi") + words, input);
+    }
+    /** The same for words without blanks. @return standard output; empty unless all went well */
+    static QString output(const QString &words);
+    static QByteArray preferred();
+};
+
+QString TstKtvctlWifi::output(const QString &words)
+{
+    const Answer answer = wifi(words.split(' '));
+    return answer.code == 0 && answer.error.isEmpty() ? answer.out : QString();
+}
+
+/** The line before the preference in what the supplicant was given, if there is one. */
+QByteArray TstKtvctlWifi::preferred()
+{
+    const QList<QByteArray> lines =
+        Meter::readFile("/etc/wpa_supplicant/wpa_supplicant-wlan0.conf").split('\n');
+    const int line = lines.indexOf("\tpriority=100");
+    return line < 0 ? QByteArray() : lines.at(line - 1);
+}
+
+void TstKtvctlWifi::init()
+{
+    QFile::remove("/media/sdcard/UserData/wifi.db");
+    QProcess::execute("ifconfig", {"wlan0", "up"});
+    Meter::writeFile("/run/meter/behaviour/wpa_supplicant", "associate=0.1\naddress=0.1\n");
+    Meter::writeFile("/run/meter/radio",
+                     "-45\tLab\tohm-law-1827\tsubnet=10.20.30\n"
+                     "-75\tGuest\t-\tsubnet=10.9.8\n");
+}
+
+void TstKtvctlWifi::cleanup()
+{
+    Meter::setBehaviour("ls", {});
+    Meter::setBehaviour("iwlist", {});
+    Meter::showProgram("ls");
+}
+
+void TstKtvctlWifi::calls_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("out");
+    QTest::addColumn<QString>("error");
+    const auto row = [](const QStringList &words, int code, const char *out,
+                        const char *error = "") {
+        QTest::newRow(qPrintable(words.join(' '))) << words << code << out << error;
+    };
+    row({"status"}, 0, "Interface: wlan0\nState:     ON\n");
+    row({"status", "--json"}, 0,
+        "{\"address\":\"\",\"broadcast\":\"\",\"interface\":\"wlan0\",\"mask\":\"\","
+        "\"name\":\"\",\"state\":2,\"stateName\":\"ON\"}\n");
+    row({"scan"}, 0, "##     open       Guest\n#####  protected  Lab\n");
+    row({"scan", "--json"}, 0,
+        "[{\"name\":\"Guest\",\"protected\":false,\"state\":5},"
+        "{\"name\":\"Lab\",\"protected\":true,\"state\":8}]\n");
+    row({"list"}, 0, "");
+    row({"list", "--json"}, 0, "[]\n");
+    row({"add", "Lab", "12345678"}, 0, "");
+    const char *unknown = "ktvctl: no network 'Lab' is known; see ktvctl wifi list\n";
+    row({"delete", "Lab"}, 1, "", unknown);
+    row({"prefer", "Lab"}, 1, "", unknown);
+    row({"add", ""}, 2, "", "ktvctl: a network has a name\n");
+    const char *passPhrase = "ktvctl: a pass phrase has 8 to 63 characters\n";
+    row({"add", "Lab", "1234567"}, 2, "", passPhrase);
+    row({"add", "Lab", QString(64, 'k')}, 2, "", passPhrase);
+    row({"power", "ON"}, 2, "", "ktvctl: power is switched on or off\n");
+    const char *time = "ktvctl: a time is a number of seconds, 1 to 86400\n";
+    row({"status", "--wait", "0"}, 2, "", time);
+    row({"watch", "--seconds", "x"}, 2, "", time);
+    row({"watch", "--seconds", "3"}, 0, "state   ON\ndetail  ON\n");
+}
+
+void TstKtvctlWifi::calls()
+{
+    QFETCH(QStringList, words);
+    const Answer answer = wifi(words);
+    QTEST(answer.error, "error");
+    QTEST(answer.out, "out");
+    QTEST(answer.code, "code");
+}
+
+void TstKtvctlWifi::withoutInterface_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("out");
+    for (const char *words : {"scan", "power on", "watch"})
+        QTest::newRow(words) << QString(words).split(' ') << 1 << "";
+    QTest::newRow("status") << QStringList("status") << 0 << "State: NAN\n";
+    QTest::newRow("add") << QStringList({"add", "Guest"}) << 0 << "";
+}
+
+void TstKtvctlWifi::withoutInterface()
+{
+    Meter::recordProgram("ls");
+    Meter::setBehaviour("ls", "stdout=eth0");
+    QFETCH(QStringList, words);
+    QFETCH(int, code);
+    const Answer answer = wifi(words);
+    QCOMPARE(answer.error, QString(code == 0 ? "" : "ktvctl: there is no WiFi interface\n"));
+    QTEST(answer.out, "out");
+    QCOMPARE(answer.code, code);
+}
+
+void TstKtvctlWifi::scanToolThatDoesNotAnswer()
+{
+    Meter::setBehaviour("iwlist", "hang=1");
+    const Answer answer = wifi({"scan"});
+    QCOMPARE(answer.error, "ktvctl: the scan tool does not answer\n");
+    QCOMPARE(answer.out, QString());
+    QCOMPARE(answer.code, 1);
+}
+
+void TstKtvctlWifi::networksAreKept()
+{
+    QCOMPARE(wifi({"add", "Guest"}).code, 0);
+    QCOMPARE(preferred(), QByteArray("\tkey_mgmt=NONE"));
+    QCOMPARE(wifi({"add", "Lab", "ohm-law-1827"}).code, 0);
+    QVERIFY(preferred().startsWith("\tpsk="));
+    QCOMPARE(output("list"), "open       Guest\nprotected  Lab\n");
+    QCOMPARE(output("list --json"),
+             "[{\"name\":\"Guest\",\"protected\":false},{\"name\":\"Lab\",\"protected\":true}]\n");
+    QCOMPARE(preferred(), QByteArray()); // until the next command
+    QCOMPARE(wifi({"prefer", "Guest"}).code, 0);
+    QCOMPARE(preferred(), QByteArray("\tkey_mgmt=NONE"));
+    QCOMPARE(wifi({"delete", "Guest"}).code, 0);
+    QCOMPARE(output("list"), "protected  Lab\n");
+}
+
+void TstKtvctlWifi::passPhraseFromInput()
+{
+    QCOMPARE(wifi({"add", "Lab", "-"}, "1234567\n").code, 2);
+    QCOMPARE(wifi({"add", "Lab", "-"}, "ohm-law-1827\nmore\n").code, 0);
+    QVERIFY(output("status --wait 20").contains("Network:   Lab\n"));
+}
+
+void TstKtvctlWifi::statusWaitsForAConnection()
+{
+    QCOMPARE(wifi({"add", "Guest"}).code, 0);
+    QCOMPARE(output("status --wait 20"),
+             "Interface: wlan0\nState:     Connect_1\nNetwork:   Guest\nAddress:   :10.9.8.100\n"
+             "Mask:      255.255.255.0\nBroadcast: 10.9.8.255\n");
+}
+
+void TstKtvctlWifi::power()
+{
+    QCOMPARE(output("power off"), "OFF\n");
+    QCOMPARE(output("power on"), "ON\n");
+}
+
+void TstKtvctlWifi::watchPrintsSignals_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QByteArray>("scan");
+    QTest::addColumn<QByteArray>("detail");
+    QTest::newRow("text") << QStringList() << QByteArray("scan    2 networks in reach\n")
+                          << QByteArray("detail  Connect_4  Lab  :10.20.30.100\n");
+    QTest::newRow("JSON") << QStringList("--json")
+                          << QByteArray("{\"event\":\"scan\",\"networks\":[{\"name\":\"Guest\",")
+                          << QByteArray("{\"address\":\":10.20.30.100\",");
+}
+
+void TstKtvctlWifi::watchPrintsSignals()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QByteArray, scan);
+    QFETCH(QByteArray, detail);
+    QCOMPARE(wifi({"add", "Lab", "ohm-law-1827"}).code, 0);
+    QProcess watch;
+    watch.start(KTVCTL, QStringList({"wifi", "watch", "--scan"}) + options);
+    QByteArray out;
+    const auto hasPrinted = [&watch, &out](const QByteArray &text) {
+        out += watch.readAllStandardOutput();
+        return out.contains(text);
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(hasPrinted(scan) && hasPrinted(detail), 30000);
+    ::kill(pid_t(watch.processId()), SIGTERM);
+    QVERIFY(watch.waitForFinished(30000));
+    QCOMPARE(watch.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(watch.exitCode(), 0);
+}
+
+KTV_METER_TEST_MAIN(TstKtvctlWifi)
+#include "tst_ktvctl_wifi.moc"
