@@ -12,6 +12,7 @@
 #include <QVariant>
 
 #include <exception>
+#include <optional>
 #include <utility>
 
 using Internal::ListFamily;
@@ -140,7 +141,7 @@ public:
     void fillAll();
     void fill(const ListFamily &family);
     void addFactoryEntries(const ListFamily &family, QFile &file);
-    int countFactoryRows(const ListFamily &family) const;
+    std::optional<int> countFactoryRows(const ListFamily &family) const; ///< nothing: unknown
 
     Added insert(const ListFamily &family, bool readOnly, const QVariantList &columns);
     Added insertUnlessRefused(const ListFamily &family, bool readOnly, const QVariantList &columns);
@@ -175,7 +176,8 @@ void KTV_DataList::Private::fillAll()
 
 void KTV_DataList::Private::fill(const ListFamily &family)
 {
-    if (countFactoryRows(family) > 0)
+    const std::optional<int> count = countFactoryRows(family);
+    if (count.value_or(0) > 0)
         return;
     QFile file(languagesDirectory + language + QLatin1Char('/')
                + QLatin1String(family.factoryFile));
@@ -183,8 +185,9 @@ void KTV_DataList::Private::fill(const ListFamily &family)
         log() << "Nie znaleziono lub nie otwarto pliku: " << file.fileName();
         return;
     }
-    if (file.open(QIODevice::ReadOnly | QIODevice::Text))
-        addFactoryEntries(family, file);
+    // Unknown is not none: rows that a lock hid for a moment would be there twice.
+    if (count && file.open(QIODevice::ReadOnly | QIODevice::Text))
+        guarded([&] { addFactoryEntries(family, file); });
 }
 
 /**
@@ -205,16 +208,16 @@ void KTV_DataList::Private::addFactoryEntries(const ListFamily &family, QFile &f
         transaction.commit();
 }
 
-int KTV_DataList::Private::countFactoryRows(const ListFamily &family) const
+std::optional<int> KTV_DataList::Private::countFactoryRows(const ListFamily &family) const
 {
     if (!database.isOpen())
-        return 0;
-    return guarded([&] {
+        return std::nullopt;
+    return guarded([&]() -> std::optional<int> {
         QSqlQuery query = database.query();
         query.setForwardOnly(true);
-        const bool isKnown =
-            Internal::execute(query, family.countFactoryRows(language)) && query.next();
-        return isKnown ? query.value(0).toInt() : 0;
+        if (!Internal::execute(query, family.countFactoryRows(language)) || !query.next())
+            return std::nullopt;
+        return query.value(0).toInt();
     });
 }
 
@@ -387,7 +390,7 @@ void KTV_DataList::SetLang(const QString &language)
 
 int KTV_DataList::GetDefaultObiectTypCount()
 {
-    return d->countFactoryRows(Internal::objectTypes);
+    return d->countFactoryRows(Internal::objectTypes).value_or(0);
 }
 
 void KTV_DataList::FillDefaultObiectTyp()
@@ -397,7 +400,7 @@ void KTV_DataList::FillDefaultObiectTyp()
 
 int KTV_DataList::GetDefaultObiectNameCount()
 {
-    return d->countFactoryRows(Internal::objectNames);
+    return d->countFactoryRows(Internal::objectNames).value_or(0);
 }
 
 void KTV_DataList::FillDefaultObiectName()
@@ -407,7 +410,7 @@ void KTV_DataList::FillDefaultObiectName()
 
 int KTV_DataList::GetDefaultMaterialsCount()
 {
-    return d->countFactoryRows(Internal::materials);
+    return d->countFactoryRows(Internal::materials).value_or(0);
 }
 
 void KTV_DataList::FillDefaultMaterials()

@@ -25,9 +25,10 @@
  * order of their keys, the order in which they were added.
  *
  * One instance at a time, used from one thread: the connection's name is process-wide. A write
- * returns when the card has it (tens of milliseconds on an SD card); on a file locked by another
- * process every statement may block for 5 s. A failed operation leaves the rows as they were.
- * No failure is thrown.
+ * returns when the card has it (tens of milliseconds on an SD card). While another process holds
+ * a lock on the file, an operation fails after 5 s, the SQLite driver's own limit; Open(),
+ * SetLang() and the constructor, which look at three lists, after 15 s. A failed operation leaves
+ * the rows as they were. No failure is thrown.
  */
 class KTV_DATASOURCE_EXPORT KTV_DataList : public QObject
 {

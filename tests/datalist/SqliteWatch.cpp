@@ -16,6 +16,8 @@ int s_syncs = 0;
 int s_changes = 0;
 int s_killAt = 0;
 int s_readsLeft = -1;
+bool s_readsThrow = false;
+int s_lockWait = -1;
 
 /** The libraries' own function of that name. */
 template <typename Function> Function next(const char *name)
@@ -55,6 +57,11 @@ void clear()
     s_changes = 0;
 }
 
+int lockWait()
+{
+    return s_lockWait;
+}
+
 void throwOn(const QString &part)
 {
     s_throwOn = part;
@@ -68,6 +75,11 @@ void fillCardOn(const QString &part)
 void failReadsAfter(int n)
 {
     s_readsLeft = n;
+}
+
+void throwOnReads(bool on)
+{
+    s_readsThrow = on;
 }
 
 void killBeforeChange(int n)
@@ -95,9 +107,18 @@ int sqlite3_prepare16_v2(sqlite3 *database, const void *text, int bytes, sqlite3
     return original(database, text, bytes, statement, tail);
 }
 
+int sqlite3_busy_timeout(sqlite3 *database, int milliseconds)
+{
+    static const auto original = next<decltype(&sqlite3_busy_timeout)>("sqlite3_busy_timeout");
+    s_lockWait = milliseconds;
+    return original(database, 0);
+}
+
 ssize_t read(int file, void *bytes, size_t size)
 {
     static const auto original = next<decltype(&read)>("read");
+    if (s_readsThrow)
+        throw std::runtime_error("thrown by a read");
     if (s_readsLeft == 0) {
         errno = EIO;
         return -1;

@@ -17,6 +17,9 @@ QStringList statements();
 int syncs();
 void clear();
 
+/** How long a statement on a locked file was to wait, in milliseconds; here it does not wait. */
+int lockWait();
+
 /** Statements that contain @p part throw from now on; empty: none. */
 void throwOn(const QString &part);
 
@@ -25,6 +28,8 @@ void fillCardOn(const QString &part);
 
 /** Reads of files fail after @p n more; below zero: they do not. */
 void failReadsAfter(int n);
+/** Whether reads of files throw from now on, as if memory had run out on the way. */
+void throwOnReads(bool on);
 
 /** The process kills itself before its @p n-th change of a file from now on; 0: never. */
 void killBeforeChange(int n);

@@ -44,7 +44,10 @@ private slots:
     void exceptions_data();
     void exceptions();
     void exceptionWhileCreating();
+    void unknownCountSeedsNothing();
+    void exceptionWhileSeeding_data();
     void exceptionWhileSeeding();
+    void exceptionWhileReading();
     void fullCardWhileCreating();
     void fullCardWhileSeeding();
     void fullCardAtTheCommit();
@@ -351,10 +354,19 @@ void TstListStatements::exceptions()
     }
 }
 
+void TstListStatements::exceptionWhileSeeding_data()
+{
+    QTest::addColumn<QString>("part");
+    QTest::newRow("count") << "SELECT COUNT(*) FROM OBIECT_NAME WHERE `OBN_ReadOnly`";
+    QTest::newRow("duplicate test") << "SELECT COUNT(*) FROM OBIECT_NAME WHERE `OBN_Value`";
+    QTest::newRow("row") << "INSERT INTO OBIECT_NAME";
+}
+
 void TstListStatements::exceptionWhileSeeding()
 {
+    QFETCH(QString, part);
     ListStore::writeManyDefaults("EN", 3);
-    SqliteWatch::throwOn("INSERT INTO OBIECT_NAME");
+    SqliteWatch::throwOn(part);
     LogCapture log;
     const auto store = ListStore::open();
     SqliteWatch::throwOn(QString());
@@ -366,6 +378,21 @@ void TstListStatements::exceptionWhileSeeding()
     QCOMPARE(store->GetDefaultObiectNameCount(), 3);
 }
 
+void TstListStatements::exceptionWhileReading()
+{
+    ListStore::writeManyDefaults("PL", 3);
+    const auto store = ListStore::open();
+    SqliteWatch::throwOnReads(true);
+    LogCapture log;
+    store->SetLang("PL");
+    SqliteWatch::throwOnReads(false);
+    QCOMPARE(log.lines(),
+             QStringList({"thrown by a read", "thrown by a read", "thrown by a read"}));
+    QCOMPARE(store->GetDefaultObiectTypCount(), 0);
+    store->SetLang("PL");
+    QCOMPARE(store->GetDefaultObiectTypCount(), 3);
+}
+
 void TstListStatements::exceptionWhileCreating()
 {
     SqliteWatch::throwOn("TABLE IF NOT EXISTS LIMITS_R");
@@ -375,6 +402,16 @@ void TstListStatements::exceptionWhileCreating()
     QVERIFY(store->Open());
     QCOMPARE(store->GetDefaultObiectTypCount(), 1);
     QVERIFY(store->AddLimit_R("a", "1", "2"));
+}
+
+void TstListStatements::unknownCountSeedsNothing()
+{
+    const auto store = ListStore::open();
+    SqliteWatch::fillCardOn("SELECT COUNT(*) FROM MATERIALS");
+    store->FillDefaultMaterials();
+    QCOMPARE(store->GetDefaultMaterialsCount(), 0);
+    cleanup();
+    QCOMPARE(store->GetDefaultMaterialsCount(), 1); // not a second time
 }
 
 void TstListStatements::fullCardWhileCreating()
