@@ -47,8 +47,10 @@ class TstKtvDataList : public QObject
 private slots:
     void init();
 
+    void nothingForTheMetaObject();
     void newFile();
     void newFileOnceOnly();
+    void pathsAreGlued();
     void directoryIsCreatedOneLevel();
     void emptyFileIsCreatedAnew();
     void cutCreationIsRepeated();
@@ -57,6 +59,7 @@ private slots:
     void closedStore();
     void reopening();
     void connectionIsGivenBack();
+    void secondStoreTakesOver();
 
     void factoryTexts();
     void factoryMaterials_data();
@@ -65,6 +68,7 @@ private slots:
     void missingDefaultsAreLogged();
     void unreadableDefaults();
     void someFactoryRowsAreEnough();
+    void eachListOnItsOwn();
     void factoryReset();
     void factoryResetWithoutDeletion();
     void hostileLanguages_data();
@@ -123,6 +127,18 @@ const Family &TstKtvDataList::family() const
     return families().at(size_t(*index));
 }
 
+void TstKtvDataList::nothingForTheMetaObject()
+{
+    const QMetaObject &plain = QObject::staticMetaObject;
+    for (const QMetaObject *object :
+         {&KTV_DataList::staticMetaObject, &DataList_Element::staticMetaObject,
+          &MaterialList_Element::staticMetaObject, &LimitList_Element::staticMetaObject}) {
+        QCOMPARE(object->superClass(), &plain);
+        QCOMPARE(object->methodCount(), plain.methodCount());
+        QCOMPARE(object->propertyCount(), plain.propertyCount());
+    }
+}
+
 void TstKtvDataList::newFile()
 {
     delete ListStore::open().release();
@@ -150,9 +166,19 @@ void TstKtvDataList::newFile()
 void TstKtvDataList::newFileOnceOnly()
 {
     ListStore::open()->AddObiectTyp("kept");
+    ListStore::change("UPDATE Setting SET SET_Value=7"); // a version that nobody asks for
     const auto store = ListStore::open();
     QCOMPARE(families().front().names(*store), QStringList("kept"));
-    QCOMPARE(rows("SELECT SET_Key,SET_Value FROM Setting"), QStringList("Version|0"));
+    QCOMPARE(rows("SELECT SET_Key,SET_Value FROM Setting"), QStringList("Version|7"));
+}
+
+void TstKtvDataList::pathsAreGlued()
+{
+    Meter::writeFile(ListStore::languages + "preEN/default_obiectTyp.txt", "Motor\n");
+    const KTV_DataList store(ListStore::userData + "pre", ListStore::languages + "pre", "EN");
+    QCOMPARE(
+        rows("SELECT OBT_Lang,OBT_Value FROM OBIECT_TYP", ListStore::userData + "predataList.db"),
+        QStringList("EN|Motor"));
 }
 
 void TstKtvDataList::directoryIsCreatedOneLevel()
@@ -250,6 +276,14 @@ void TstKtvDataList::closedStore()
     store->freeDB();
     QVERIFY(store->Open());
     QCOMPARE(families().front().names(*store), QStringList("Motor"));
+
+    store->freeDB();
+    log.clear();
+    store->SetLang("PL");
+    QCOMPARE(log.lines(), allMissing("PL"));
+    writeDefaults("PL", "obiectTyp", "Silnik\n");
+    QVERIFY(store->Open());
+    QCOMPARE(families().front().names(*store), QStringList("Silnik"));
 }
 
 void TstKtvDataList::reopening()
@@ -262,6 +296,9 @@ void TstKtvDataList::reopening()
     QCOMPARE(families().front().names(*store), QStringList("kept"));
     QVERIFY(QFile::remove(ListStore::file));
     QVERIFY(store->Open());
+    QCOMPARE(families().front().names(*store), QStringList());
+    QVERIFY(store->AddObiectTyp("not kept"));
+    QVERIFY(store->CreateNew());
     QCOMPARE(families().front().names(*store), QStringList());
 }
 
@@ -287,9 +324,22 @@ void TstKtvDataList::connectionIsGivenBack()
     QCOMPARE(log.lines().filter("QSqlDatabasePrivate"), QStringList());
 }
 
+void TstKtvDataList::secondStoreTakesOver()
+{
+    auto first = ListStore::open();
+    LogCapture log;
+    const auto second = ListStore::open();
+    QVERIFY(!first->AddObiectTyp("lost"));
+    QVERIFY(!first->GetObiectTyp(true, true, "", 0));
+    QVERIFY(second->AddObiectTyp("kept"));
+    first.reset();
+    QVERIFY(second->AddObiectTyp("kept, too"));
+    QCOMPARE(families().front().names(*second), QStringList({"kept", "kept, too"}));
+}
+
 void TstKtvDataList::factoryTexts()
 {
-    writeDefaults("EN", "obiectTyp", "Transformer\n\nMotor\r\nTransformer\n  padded \nlast");
+    writeDefaults("EN", "obiectTyp", "Transformer\n\nMo\rtor\r\nTransformer\n  padded \n\r\nlast");
     writeDefaults("EN", "obiectName", "Transformer\n\u017b\u00f3\u0142w\n");
     const auto store = ListStore::open();
     QCOMPARE(
@@ -311,6 +361,10 @@ void TstKtvDataList::factoryMaterials_data()
     QTest::newRow("name is not trimmed") << QByteArray(" Tin ?1") << QStringList(" Tin |1");
     QTest::newRow("exponent") << QByteArray("Zinc?4.2e-3") << QStringList("Zinc|0.0042");
     QTest::newRow("negative") << QByteArray("Carbon?-0.0005") << QStringList("Carbon|-0.0005");
+    QTest::newRow("blanks at the number")
+        << QByteArray("Lead? 0.004 ") << QStringList("Lead|0.004");
+    QTest::newRow("a number that is none is kept as none")
+        << QByteArray("Copper?nan") << QStringList("Copper|");
     QTest::newRow("no question mark") << QByteArray("Copper 0.00393") << QStringList();
     QTest::newRow("two question marks") << QByteArray("Copper?0.00393?") << QStringList();
     QTest::newRow("two question marks, a number last")
@@ -392,10 +446,28 @@ void TstKtvDataList::someFactoryRowsAreEnough()
     }
     ListStore::change("DELETE FROM OBIECT_TYP WHERE OBT_Value='two'");
     writeDefaults("EN", "obiectTyp", "one\ntwo\nthree\n");
-    writeDefaults("EN", "obiectName", "factory name\n");
+    writeDefaults("EN", "obiectName", "the user's\nfactory name\n");
     const auto store = ListStore::open();
     QCOMPARE(families().at(0).names(*store), QStringList("one"));
     QCOMPARE(families().at(1).names(*store), QStringList({"the user's", "factory name"}));
+    QCOMPARE(store->GetDefaultObiectNameCount(), 1); // not the user's
+}
+
+void TstKtvDataList::eachListOnItsOwn()
+{
+    const auto store = ListStore::open();
+    ListStore::writeManyDefaults("EN", 1);
+    const auto counts = [&store] {
+        return QList<int> {store->GetDefaultObiectTypCount(), store->GetDefaultObiectNameCount(),
+                           store->GetDefaultMaterialsCount()};
+    };
+    QCOMPARE(counts(), QList<int>({0, 0, 0}));
+    store->FillDefaultMaterials();
+    QCOMPARE(counts(), QList<int>({0, 0, 1}));
+    store->FillDefaultObiectTyp();
+    QCOMPARE(counts(), QList<int>({1, 0, 1}));
+    store->FillDefaultObiectName();
+    QCOMPARE(counts(), QList<int>({1, 1, 1}));
 }
 
 void TstKtvDataList::factoryReset()
@@ -426,6 +498,7 @@ void TstKtvDataList::factoryResetWithoutDeletion()
     const QByteArray before = Meter::readFile(ListStore::file);
     QFile::setPermissions(QString(ListStore::userData),
                           QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    LogCapture log;
     const bool isReset = store->RestoreFabricalSetting();
     const bool isAdded = store->AddObiectTyp("refused");
     const Rows found = families().front().get(*store, true, true, "", 0);
@@ -434,6 +507,8 @@ void TstKtvDataList::factoryResetWithoutDeletion()
     QVERIFY(!isReset);
     QVERIFY(!isAdded);
     QVERIFY(!found); // closed
+    QVERIFY(QSqlDatabase::contains(connectionName));
+    QCOMPARE(log.lines(), QStringList());
     QCOMPARE(Meter::readFile(ListStore::file), before);
     QVERIFY(store->Open());
     QCOMPARE(families().front().names(*store), QStringList("kept"));
@@ -745,6 +820,9 @@ void TstKtvDataList::temperatures_data()
     QTest::newRow("Celsius, no number") << int(ValueBox::Temp_Celsius) << "warm"
                                         << "warm"
                                         << "warm";
+    QTest::newRow("a unit that nobody knows, as it stands") << 7 << "20.000"
+                                                            << "20.000"
+                                                            << "20.000";
     QTest::newRow("boiling") << int(ValueBox::Temp_Fahrenheit) << "212" << degF("100")
                              << degF("212");
     QTest::newRow("with its sign")
@@ -753,6 +831,8 @@ void TstKtvDataList::temperatures_data()
                                   << degF("100");
     QTest::newRow("rounded on the way")
         << int(ValueBox::Temp_Fahrenheit) << "0.01" << degF("-17.77") << degF("0.01");
+    QTest::newRow("computed with twice the digits")
+        << int(ValueBox::Temp_Fahrenheit) << "100037" << degF("55558.33") << degF("100036.99");
     QTest::newRow("where the scales meet")
         << int(ValueBox::Temp_Fahrenheit) << "-40" << degF("-40") << degF("-40");
     QTest::newRow("below the freezing point")
@@ -768,6 +848,9 @@ void TstKtvDataList::temperatures_data()
     QTest::newRow("kelvins") << int(ValueBox::Temp_Kelvin) << "300 K"
                              << "26.85 K"
                              << "300 K";
+    QTest::newRow("with a prefix") << int(ValueBox::Temp_Kelvin) << "0.3 kK"
+                                   << "26.85 K"
+                                   << "300 K";
 }
 
 void TstKtvDataList::temperatures()
