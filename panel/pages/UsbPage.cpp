@@ -27,6 +27,7 @@ const ChoiceRow choices[] = {
     {Tools::USB_RS232, Tools::RS232_SystemCalibration,
      Text {"USB", "systemCalibration", "System calibration"}},
 };
+constexpr int freeLine = 1; ///< the row above
 
 } // namespace
 
@@ -51,7 +52,8 @@ UsbPage::~UsbPage()
 
 void UsbPage::enter()
 {
-    m_note->clear();
+    m_hasFailed = false;
+    refresh();
     switchTo(-1);
 }
 
@@ -63,7 +65,11 @@ void UsbPage::switchTo(int choice)
     if (choice >= 0)
         m_busy = new BusySheet(context(), this, Text {"USB", "switching", "Switching the port"});
     m_work.setFuture(QtConcurrent::run([facade = &library(), choice] {
-        if (choice >= 0)
+        // Asked to give a line to nobody, the library frees it, and then falls back to the
+        // network: a line is taken from its owner in so many words.
+        if (choice == freeLine && facade->getUSB_Mode() == Tools::USB_RS232)
+            Tools::StopAllRS232Function();
+        else if (choice >= 0)
             facade->SetUSBMode(choices[choice].mode, choices[choice].owner);
         State state;
         state.mode = facade->getUSB_Mode();
@@ -78,13 +84,10 @@ void UsbPage::finished()
     if (m_busy)
         m_busy->finish();
     // The switching itself always calls itself a success.
-    const bool hasFailed = m_wanted >= 0 && choiceOf(m_state) != m_wanted;
-    m_note->setText(hasFailed
-                        ? context().text(Text {"USB", "failed", "The port could not be switched"})
-                        : QString());
+    m_hasFailed = m_wanted >= 0 && choiceOf(m_state) != m_wanted;
     if (m_wanted >= 0)
-        context().sound(hasFailed ? Buzzer::BuzzerClass::Tone_Error
-                                  : Buzzer::BuzzerClass::Tone_Saved);
+        context().sound(m_hasFailed ? Buzzer::BuzzerClass::Tone_Error
+                                    : Buzzer::BuzzerClass::Tone_Saved);
     refresh();
 }
 
@@ -100,6 +103,9 @@ void UsbPage::refresh()
     }
     m_choices->setRows(rows);
     m_choices->choose(choiceOf(m_state));
+    m_note->setText(m_hasFailed
+                        ? context().text(Text {"USB", "failed", "The port could not be switched"})
+                        : QString());
 }
 
 int UsbPage::choiceOf(const State &state)

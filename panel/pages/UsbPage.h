@@ -37,6 +37,7 @@ private:
     QPointer<BusySheet> m_busy;
     State m_state;
     int m_wanted = -1; ///< the choice that is being made; -1 while only looking
+    bool m_hasFailed = false;
     TouchList *m_choices;
     QLabel *m_note;
 };

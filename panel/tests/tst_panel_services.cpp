@@ -29,6 +29,7 @@ private slots:
     void withoutWifi();
     void switchThePort_data();
     void switchThePort();
+    void lineIsTakenFromItsOwner();
     void portThatCannotBeSwitched();
     void tones();
     void volume();
@@ -221,6 +222,7 @@ void TstPanelServices::switchThePort_data()
     QTest::addColumn<int>("mode");
     QTest::addColumn<int>("owner");
     QTest::newRow("network") << "Network" << int(Tools::USB_RNDIS) << int(Tools::RS232_None);
+    QTest::newRow("serial line") << "Free" << int(Tools::USB_RS232) << int(Tools::RS232_None);
     QTest::newRow("console") << "Console" << int(Tools::USB_RS232) << int(Tools::RS232_Console);
     QTest::newRow("hardware calibration")
         << "Hardware calibration" << int(Tools::USB_RS232) << int(Tools::RS232_HardwareCalibration);
@@ -250,6 +252,23 @@ void TstPanelServices::switchThePort()
     QTEST(int(Tools::getRS232_Function()), "owner");
 }
 
+void TstPanelServices::lineIsTakenFromItsOwner()
+{
+    PanelFixture panel;
+    QVERIFY(Tools::StartRS232());
+    QVERIFY(Tools::setRS232Mode(Tools::RS232_Console));
+    TAP(panel, "nav.USB");
+    QVERIFY(Finger::waitFor([&] {
+        return panel.finger.tapRow(QStringLiteral("usb.choices"), QStringLiteral("Free"))
+            && panel.isSheetOpen();
+    }));
+    QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
+    QCOMPARE(panel.list("usb.choices")->chosenRow()->title, QStringLiteral("Free"));
+    QCOMPARE(panel.labelText("usb.note"), QString());
+    QCOMPARE(Tools::detectCurrentMode(), Tools::USB_RS232);
+    QCOMPARE(Tools::getRS232_Function(), Tools::RS232_None);
+}
+
 void TstPanelServices::portThatCannotBeSwitched()
 {
     PanelFixture panel;
@@ -262,6 +281,8 @@ void TstPanelServices::portThatCannotBeSwitched()
     }));
     QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
     QCOMPARE(panel.labelText("usb.note"), QStringLiteral("The port could not be switched"));
+    panel.context.setLanguage(QStringLiteral("DE"));
+    QCOMPARE(panel.labelText("usb.note"), QStringLiteral("Umschalten fehlgeschlagen"));
 }
 
 // --- sound
