@@ -8,6 +8,7 @@
 #include <wifi/KTV_Connection.h>
 #include <wifi/Network.h>
 
+#include <QCoreApplication>
 #include <QVBoxLayout>
 
 #include <memory>
@@ -55,6 +56,13 @@ WifiPage::WifiPage(Context &context)
             [this] { block([this, name = chosenName()] { connection().DeleteNetwork(name); }); });
     });
     context.keep(this, [this] { refresh(); });
+}
+
+WifiPage::~WifiPage()
+{
+    leave();
+    connection().disconnect(this);
+    QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
 }
 
 void WifiPage::layOut()
@@ -261,8 +269,11 @@ void WifiPage::join()
 void WifiPage::add(const QString &name, const QString &key)
 {
     block([this, name, key] {
-        if (!connection().AddNetwork(name, key))
-            context().sound(Buzzer::BuzzerClass::Tone_Error);
+        if (connection().AddNetwork(name, key))
+            return;
+        context().sound(Buzzer::BuzzerClass::Tone_Error);
+        new MessageSheet(context(), this, Text {"Dialogs", "error", "Error"},
+                         context().text(Text {"Dialogs", "failed", "The operation failed"}));
     });
 }
 

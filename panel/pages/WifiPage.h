@@ -20,6 +20,8 @@ class WifiPage : public Page
     Q_OBJECT
 public:
     explicit WifiPage(Context &context);
+    /** Takes what the library has already sent: nobody else would delete it. */
+    ~WifiPage() override;
 
     void enter() override;
     void leave() override;

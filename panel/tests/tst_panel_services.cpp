@@ -3,10 +3,13 @@
 #include <datalist/KTV_DataList.h>
 #include <datasource/KTV_DataSource.h>
 #include <tools/Tools.h>
+#include <wifi/KTV_Connection.h>
+#include <wifi/Network.h>
 
 #include <QDir>
 #include <QLineEdit>
-#include <QProcess>
+#include <QPointer>
+#include <QSemaphore>
 
 using QERNTools::Tools;
 
@@ -25,6 +28,10 @@ private slots:
     void entriesThatAreRefused_data();
     void entriesThatAreRefused();
     void joinAndForgetANetwork();
+    void preferANetwork();
+    void networkThatCannotBeStored();
+    void switchWifiOff();
+    void goneBeforeAScanIsTaken();
     void shortPassPhrase();
     void withoutWifi();
     void switchThePort_data();
@@ -161,6 +168,8 @@ void TstPanelServices::joinAndForgetANetwork()
     TAP(panel, "nav.WiFi");
     QVERIFY(Finger::waitFor([&] { return panel.titles("wifi.list").contains(name); }));
     QCOMPARE(panel.titles("wifi.list").first(), name); // the strongest first
+    QCOMPARE(panel.list("wifi.list")->row(0).bars, 4);
+    QVERIFY(panel.list("wifi.list")->row(1).bars < 4);
     QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
     QVERIFY(!panel.finger.find(QStringLiteral("wifi.forget"))->isEnabled());
     TAP(panel, "wifi.join");
@@ -180,6 +189,77 @@ void TstPanelServices::joinAndForgetANetwork()
     }));
     QVERIFY(Finger::waitFor(
         [&] { return panel.labelText("wifi.state") == QLatin1String("Not connected"); }));
+}
+
+void TstPanelServices::preferANetwork()
+{
+    PanelFixture panel;
+    WiFi::KTV_Connection *connection = panel.context.library().getConnection();
+    QVERIFY(connection->AddNetwork(QStringLiteral("North"), QStringLiteral("ohm-law-1827")));
+    QVERIFY(connection->AddNetwork(QStringLiteral("South"), QString())); // and preferred
+    const auto isPreferred = [](const char *name) {
+        const QByteArray file =
+            Meter::readFile(QStringLiteral("/etc/wpa_supplicant/wpa_supplicant-wlan0.conf"));
+        const QByteArray entry = file.mid(file.indexOf(QByteArray("ssid=\"") + name + '"'));
+        return entry.left(entry.indexOf('}')).contains("priority=");
+    };
+    QVERIFY(!isPreferred("North"));
+    TAP(panel, "nav.WiFi");
+    QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), QStringLiteral("North")));
+    TAP(panel, "wifi.prefer");
+    QVERIFY(panel.isSheetOpen()); // says that it takes its time
+    QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
+    QVERIFY(isPreferred("North"));
+    QVERIFY(!isPreferred("South"));
+}
+
+void TstPanelServices::networkThatCannotBeStored()
+{
+    const QString name = QStringLiteral("Workshop Guest");
+    PanelFixture panel;
+    TAP(panel, "nav.WiFi");
+    QVERIFY(Finger::waitFor([&] { return panel.titles("wifi.list").contains(name); }));
+    QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
+    QDir(QStringLiteral("/media/sdcard/UserData")).removeRecursively(); // the card is pulled
+    TAP(panel, "wifi.join"); // an open network: no pass phrase is asked for
+    QVERIFY(Finger::waitFor([&] { return panel.finger.find(QStringLiteral("sheet.message")); }));
+    QCOMPARE(panel.labelText("sheet.message"), QStringLiteral("The operation failed"));
+}
+
+void TstPanelServices::switchWifiOff()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.WiFi");
+    const auto offers = [&](const char *text) {
+        return Finger::waitFor(
+            [&] { return panel.buttonText("wifi.power") == QLatin1String(text); });
+    };
+    QVERIFY(offers("Switch WiFi off"));
+    TAP(panel, "wifi.power");
+    QVERIFY(offers("Switch WiFi on"));
+    TAP(panel, "wifi.power");
+    QVERIFY(offers("Switch WiFi off"));
+}
+
+void TstPanelServices::goneBeforeAScanIsTaken()
+{
+    QPointer<WiFi::Network> network;
+    {
+        PanelFixture panel;
+        QSemaphore sent;
+        WiFi::KTV_Connection *connection = panel.context.library().getConnection();
+        connect(
+            connection, &WiFi::KTV_Connection::WiFi_Scan, connection,
+            [&](const QList<WiFi::Network *> *networks) {
+                network = networks->first();
+                sent.release();
+            },
+            Qt::DirectConnection);
+        TAP(panel, "nav.WiFi");
+        QVERIFY(sent.tryAcquire(1, 15000)); // events have to wait meanwhile
+        QVERIFY(network);
+    }
+    QVERIFY(network.isNull());
 }
 
 void TstPanelServices::shortPassPhrase()
