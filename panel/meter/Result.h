@@ -17,7 +17,7 @@ struct Result
     /** @param value in ohms, henries or degrees Celsius; NaN for none */
     Result(Context &context, float value);
 
-    /** "0.1 mΩ … 2 mΩ"; empty without a limit. */
+    /** "≥ 0.1 mΩ   ≤ 2 mΩ", or one of the two; empty without a limit. */
     static QString limitText(Context &context);
 
     QString text;

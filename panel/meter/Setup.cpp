@@ -70,6 +70,7 @@ void Setup::load()
     limitName = stored.value(QLatin1String("limit")).toString();
     lowLimit = stored.value(QLatin1String("low")).toString();
     highLimit = stored.value(QLatin1String("high")).toString();
+    refreshCurrent();
     refreshLimit();
 }
 
@@ -82,6 +83,13 @@ void Setup::save() const
     };
     m_library.get_InterfaceConfig()->setValue(
         key(), QString::fromUtf8(QJsonDocument(stored).toJson(QJsonDocument::Compact)));
+}
+
+void Setup::refreshCurrent()
+{
+    const QList<ValueBox::testI> currents = testCurrents();
+    if (!currents.isEmpty() && !currents.contains(current))
+        current = currents.contains(ValueBox::testI_10A) ? ValueBox::testI_10A : currents.last();
 }
 
 void Setup::refreshLimit()

@@ -29,6 +29,8 @@ public:
     /** Takes the last setting of the kind that is chosen. */
     void load();
     void save() const;
+    /** Takes another current when the model, or compensation, lacks the one that is chosen. */
+    void refreshCurrent();
     /** Reads the chosen limit anew when it is one of temperature: it follows their unit. */
     void refreshLimit();
     void setKind(Kind kind);

@@ -97,7 +97,7 @@ MeasurePage::MeasurePage(Context &context)
         m_isMeasuring = false;
         refresh();
     });
-    connect(&context, &Context::setupChanged, this, &MeasurePage::forgetResult);
+    connect(&context, &Context::setupChanged, this, &MeasurePage::takeSetup);
     context.keep(this, [this] { refresh(); });
 }
 
@@ -177,19 +177,14 @@ void MeasurePage::forgetResult()
 {
     m_readings.clear();
     m_value = std::numeric_limits<float>::quiet_NaN();
-    takeSetup();
     refresh();
 }
 
 void MeasurePage::takeSetup()
 {
-    // Another model, or compensation, may lack the current that was chosen.
-    Setup &setup = context().setup();
-    const QList<ValueBox::testI> currents = setup.testCurrents();
-    if (!currents.isEmpty() && !currents.contains(setup.current))
-        setup.current =
-            currents.contains(ValueBox::testI_10A) ? ValueBox::testI_10A : currents.last();
-    setup.save();
+    context().setup().refreshCurrent();
+    context().setup().save();
+    forgetResult();
 }
 
 // --- showing

@@ -103,6 +103,12 @@ void RecordPage::layOut()
     column()->addLayout(buttons);
 }
 
+void RecordPage::enter()
+{
+    load(); // a factory reset may have taken the last setting away
+    refresh();
+}
+
 void RecordPage::leave()
 {
     if (m_isRecording)
@@ -294,7 +300,8 @@ void RecordPage::save()
         && file.flush() && file.commit();
     library().updateTimeDisk();
     if (!isSaved) {
-        fail(Tools::getFreeSpace(directory) < content.size()
+        const qint64 free = Tools::getFreeSpace(library().getMainConfig()->get_clientsDirectory());
+        fail(free >= 0 && free < content.size()
                  ? context().text(Text {"Record", "memoryFull", "No space left on the memory card"})
                  : context().text(Text {"Dialogs", "failed", "The operation failed"}));
         return;

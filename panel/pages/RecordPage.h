@@ -17,7 +17,7 @@ class RecordPage : public Page
 public:
     explicit RecordPage(Context &context);
 
-    void enter() override { refresh(); }
+    void enter() override;
     void leave() override;
 
 private:

@@ -2,6 +2,7 @@
 
 #include "Context.h"
 #include "Window.h"
+#include "touch/Buttons.h"
 #include "touch/Indicators.h"
 #include "touch/TouchList.h"
 #include "touches/Finger.h"
@@ -28,6 +29,11 @@ public:
     {
         const auto *button = finger.see<QPushButton>(QLatin1String(name));
         return button ? button->text() : QStringLiteral("(no such button)");
+    }
+    QString fieldValue(const char *name) const
+    {
+        const auto *field = finger.see<FieldButton>(QLatin1String(name));
+        return field ? field->value() : QStringLiteral("(no such field)");
     }
     TouchList *list(const char *name) const { return finger.see<TouchList>(QLatin1String(name)); }
     QStringList titles(const char *name) const

@@ -1,6 +1,7 @@
 #include "PanelFixture.h"
 
 #include "support/Volume.h"
+#include "touch/Theme.h"
 
 #include <configuration/KTV_Configuration.h>
 #include <counters/KTV_Liczniki.h>
@@ -70,13 +71,16 @@ private slots:
     void whatCannotBeShown();
     void judgedByALimitWithATone_data();
     void judgedByALimitWithATone();
+    void objectIsChangedByTouches();
     void compensatedForAMaterial();
     void currentsAreThoseOfTheModel();
     void serialNumberChangesTheModelUnderWay();
     void lastSettingComesBack();
     void startsAsAMeterThatMeasures();
+    void seriesIsSeenWhileItGrows();
     void seriesIsSavedUnderASafeAndFreeName();
     void seriesOnAFullCard();
+    void seriesWithoutAFolder();
     void nameOfDotsStaysInItsDirectory();
 };
 
@@ -181,6 +185,36 @@ void TstPanelMeasuring::judgedByALimitWithATone()
     QVERIFY(Finger::waitFor([&] { return Meter::journal().contains(tone); }));
 }
 
+void TstPanelMeasuring::objectIsChangedByTouches()
+{
+    PanelFixture panel;
+    QCOMPARE(panel.fieldValue("measure.object"), QStringLiteral("1.2347 m\u2126, 23.5 \u00B0C"));
+    TAP(panel, "measure.object", "object.0.more", "object.1.more", "object.2.less",
+        "object.3.less");
+    QCOMPARE(panel.fieldValue("object.0"), QStringLiteral("15.3 m\u2126"));
+    QCOMPARE(panel.fieldValue("object.1"), QStringLiteral("870 mH"));
+    QCOMPARE(panel.fieldValue("object.2"), QStringLiteral("0 %"));
+    QCOMPARE(panel.fieldValue("object.3"), QStringLiteral("20.0 \u00B0C"));
+    TAP(panel, "sheet.ok");
+    QCOMPARE(measured(panel), QStringLiteral("15.300 m\u2126|Done"));
+    TAP(panel, "measure.kind.1");
+    QCOMPARE(measured(panel), QStringLiteral("870.0 mH|Done"));
+    TAP(panel, "measure.kind.2");
+    QCOMPARE(measured(panel), QStringLiteral("20.0 \u00B0C|Done"));
+    TAP(panel, "measure.kind.0", "measure.object", "object.leads.1", "sheet.ok");
+    QCOMPARE(panel.fieldValue("measure.object"), QStringLiteral("Leads open"));
+    QCOMPARE(measured(panel), QStringLiteral("--- \u2126|Current lead is open"));
+
+    // Noise: the same value is not measured twice.
+    measureWith(panel, objectOf(0.0012347F));
+    TAP(panel, "measure.object", "object.2.more", "object.2.more", "object.2.more", "object.2.more",
+        "sheet.ok");
+    QVERIFY(record(panel));
+    QStringList values = panel.titles("record.table");
+    values.removeDuplicates();
+    QVERIFY(values.size() > 5);
+}
+
 void TstPanelMeasuring::compensatedForAMaterial()
 {
     PanelFixture panel;
@@ -251,10 +285,40 @@ void TstPanelMeasuring::startsAsAMeterThatMeasures()
 {
     {
         PanelFixture panel;
+        QVERIFY(panel.pick("measure.meter", QStringLiteral("DV42006")));
+        QVERIFY(panel.pick("measure.current", QStringLiteral("150 A")));
         panel.context.setSerialNumber(QStringLiteral("AA0000")); // kept, and of no model
     }
     PanelFixture panel;
     QCOMPARE(panel.labelText("header.meter"), QStringLiteral("QERN KTV-420   CH20417"));
+    QCOMPARE(panel.fieldValue("measure.current"), QStringLiteral("10.0 A"));
+}
+
+void TstPanelMeasuring::seriesIsSeenWhileItGrows()
+{
+    PanelFixture panel;
+    TAP(panel, "measure.kind.1", "nav.Record");
+    const auto accent = [&] {
+        const QImage plot = panel.finger.find(QStringLiteral("record.plot"))->grab().toImage();
+        int pixels = 0;
+        for (int y = 0; y < plot.height(); ++y)
+            for (int x = 0; x < plot.width(); ++x)
+                pixels += plot.pixelColor(x, y) == Theme::current().accent ? 1 : 0;
+        return pixels;
+    };
+    QCOMPARE(accent(), 0);
+    TAP(panel, "record.start");
+    QVERIFY(Finger::waitFor([&] { return panel.list("record.table")->rowCount() == 3; }));
+    QVERIFY(panel.context.hardware().isRunning());
+    QCOMPARE(panel.labelText("record.status"), QStringLiteral("3 / 25"));
+    QVERIFY(panel.titles("record.table").first().endsWith(QLatin1String(" mH")));
+    QVERIFY(accent() > 100); // a line across the plot
+    QVERIFY(!panel.finger.find(QStringLiteral("record.save"))->isEnabled());
+    TAP(panel, "record.start"); // enough
+    QVERIFY(panel.finger.find(QStringLiteral("record.save"))->isEnabled());
+    QCOMPARE(panel.context.library().getLiczniki()->get_dictionary(
+                 KTV_Liczniki::Licznik_RejestracjaObiektowIndukcyjnych),
+             1);
 }
 
 void TstPanelMeasuring::seriesIsSavedUnderASafeAndFreeName()
@@ -301,6 +365,16 @@ void TstPanelMeasuring::seriesOnAFullCard()
     TAP(panel, "record.save", "sheet.ok");
     QCOMPARE(directory.entryList(QDir::Files).size(), 1);
     QCOMPARE(panel.labelText("header.alert"), QString());
+}
+
+void TstPanelMeasuring::seriesWithoutAFolder()
+{
+    Meter::writeFile(QLatin1String(clients) + QStringLiteral("/a"), "a file in its place");
+    PanelFixture panel;
+    QVERIFY(record(panel));
+    QVERIFY(writeClient(panel, QStringLiteral("a")));
+    TAP(panel, "record.save");
+    QCOMPARE(panel.labelText("sheet.message"), QStringLiteral("The operation failed"));
 }
 
 void TstPanelMeasuring::nameOfDotsStaysInItsDirectory()

@@ -239,6 +239,10 @@ void TstPanelSettings::connectedKeyboard()
 void TstPanelSettings::factoryReset()
 {
     PanelFixture panel;
+    TAP(panel, "nav.Record", "record.client");
+    QVERIFY(panel.finger.type(QStringLiteral("a")));
+    TAP(panel, "key.done");
+    QCOMPARE(panel.fieldValue("record.client"), QStringLiteral("a"));
     QVERIFY(panel.context.library().get_DataList()->AddObiectTyp(QStringLiteral("aaa")));
     TAP(panel, "nav.Settings", "settings.temperature.1", "settings.theme.1", "settings.reset",
         "sheet.cancel");
@@ -250,6 +254,8 @@ void TstPanelSettings::factoryReset()
     TAP(panel, "nav.Lists");
     QVERIFY(!panel.titles("lists.list").contains(QStringLiteral("aaa")));
     QVERIFY(!panel.titles("lists.list").isEmpty());
+    TAP(panel, "nav.Record");
+    QCOMPARE(panel.fieldValue("record.client"), QStringLiteral("None"));
 }
 
 void TstPanelSettings::firstStart()

@@ -12,6 +12,17 @@ namespace {
 /** By TouchButton::Role, as the style sheet calls them. */
 const char *const roleNames[] = {"plain", "primary", "danger", "navigation", "key"};
 
+// Of a FieldButton, in pixels.
+constexpr int padding = 12;
+constexpr int captionSize = 13;
+constexpr int valueSize = 17;
+
+QFont sized(QFont font, int size)
+{
+    font.setPixelSize(size);
+    return font;
+}
+
 } // namespace
 
 TouchButton::TouchButton(const QString &name, Role role, QWidget *parent) : QPushButton(parent)
@@ -39,6 +50,11 @@ void FieldButton::setValue(const QString &value)
     update();
 }
 
+int FieldButton::captionWidth() const
+{
+    return QFontMetrics(sized(font(), captionSize)).horizontalAdvance(m_caption) + 2 * padding;
+}
+
 QSize FieldButton::sizeHint() const
 {
     return {160, 60};
@@ -48,17 +64,15 @@ void FieldButton::paintEvent(QPaintEvent *event)
 {
     QPushButton::paintEvent(event);
     QPainter painter(this);
-    const QRect inside = rect().adjusted(12, 8, -12, -8);
-    QFont font = this->font();
+    const QRect inside = rect().adjusted(padding, 8, -padding, -8);
     const auto line = [&](const QString &text, int size, const QColor &colour, int alignment) {
-        font.setPixelSize(size);
-        painter.setFont(font);
+        painter.setFont(sized(font(), size));
         painter.setPen(isEnabled() ? colour : Theme::current().line);
         painter.drawText(inside, alignment,
                          painter.fontMetrics().elidedText(text, Qt::ElideRight, inside.width()));
     };
-    line(m_caption, 13, Theme::current().quiet, Qt::AlignLeft | Qt::AlignTop);
-    line(m_value, 17, Theme::current().text, Qt::AlignLeft | Qt::AlignBottom);
+    line(m_caption, captionSize, Theme::current().quiet, Qt::AlignLeft | Qt::AlignTop);
+    line(m_value, valueSize, Theme::current().text, Qt::AlignLeft | Qt::AlignBottom);
 }
 
 Choice::Choice(const QString &name, int count, QWidget *parent)

@@ -32,6 +32,9 @@ public:
     /** The caption; named so for Context::translate(). */
     void setText(const QString &caption);
     void setValue(const QString &value);
+    QString caption() const { return m_caption; }
+    /** What the whole caption takes of the button's width, in pixels. */
+    int captionWidth() const;
     QString value() const { return m_value; }
     QSize sizeHint() const override;
 
