@@ -6,6 +6,7 @@
 #include <configuration/KTV_InterfaceConfig.h>
 #include <datasource/KTV_DataSource.h>
 #include <language/LangSerwis.h>
+#include <platform/PowerManager.h>
 #include <sound/Sound.h>
 #include <valuebox/NumericalValueBox.h>
 
@@ -21,6 +22,14 @@ const QLatin1String firstSerialNumber("CH20417");
 const QLatin1String darkKey("dark");
 const QLatin1String volumeKey("volume");
 constexpr int factoryVolume = 70; // percent
+const QLatin1String brightnessKey("brightness");
+constexpr int factoryBrightness = 50; // percent, as the library's factory reset sets it
+
+/** By the library's alert level, less one. */
+const Text cardAlerts[] = {
+    Text {"Panel", "cardFilling", "The memory card is filling up"},
+    Text {"Main", "cardFull", "The memory card is almost full"},
+};
 
 } // namespace
 
@@ -41,6 +50,7 @@ Context::Context(QObject *parent)
     takeTemperatureUnit();
     takeTheme();
     takeSounds();
+    takeBrightness();
     m_setup.load();
     connect(this, &Context::meterChanged, &m_hardware, &Hardware::stop);
 }
@@ -124,6 +134,17 @@ void Context::setVolume(int percent)
     takeSounds();
 }
 
+int Context::brightness() const
+{
+    return m_own->value(brightnessKey, factoryBrightness).toInt();
+}
+
+void Context::setBrightness(int percent)
+{
+    m_own->setValue(brightnessKey, percent);
+    takeBrightness();
+}
+
 bool Context::usesScreenKeyboard() const
 {
     return m_library->get_InterfaceConfig()->getValue(KTV_InterfaceConfig::MAIN_UseScreenKeyboard,
@@ -150,6 +171,12 @@ void Context::restoreFactorySettings()
     emit setupChanged();
 }
 
+QString Context::cardAlert() const
+{
+    const int level = m_library->getFreeSpaceAlert();
+    return level > 0 ? text(cardAlerts[level - 1]) : QString();
+}
+
 void Context::takeTemperatureUnit() const
 {
     NumericalValueBox::prepareStaticDefaultValue(temperatureUnit());
@@ -165,4 +192,9 @@ void Context::takeSounds()
 {
     SoundNamespace::Sound::SoundEnable = isSoundOn();
     m_mixer.setVolume(volume());
+}
+
+void Context::takeBrightness()
+{
+    m_library->getPowerManager()->SetBrightness(brightness());
 }

@@ -59,10 +59,19 @@ public:
     /** Output volume in percent; the library sets it and cannot tell it. */
     int volume() const;
     void setVolume(int percent);
+    /** Brightness of the display in percent; the library sets it and cannot tell it. */
+    int brightness() const;
+    void setBrightness(int percent);
     bool usesScreenKeyboard() const;
     void setUsesScreenKeyboard(bool used);
     /** Factory reset of everything that a user can change, the panel's own settings included. */
     void restoreFactorySettings();
+
+    /** Warning of a memory card that fills up, by the library's alert level; empty for none. */
+    QString cardAlert() const;
+    /** The last measured value as it was shown; empty before the first. */
+    QString lastResult() const { return m_lastResult; }
+    void setLastResult(const QString &text) { m_lastResult = text; }
 
 signals:
     void textsChanged(); ///< Language, or the unit of temperatures.
@@ -75,10 +84,12 @@ private:
     void takeTemperatureUnit() const;
     void takeTheme();
     void takeSounds();
+    void takeBrightness();
 
     std::unique_ptr<KTV_DataSource> m_library;
     std::unique_ptr<QSettings> m_own; ///< what the library has no key for
     Setup m_setup;
     Hardware m_hardware;
     Mixer m_mixer;
+    QString m_lastResult;
 };

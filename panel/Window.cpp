@@ -2,6 +2,7 @@
 
 #include "Context.h"
 #include "pages/AboutPage.h"
+#include "pages/AccessoriesPage.h"
 #include "pages/HelpPage.h"
 #include "pages/LanguageSheet.h"
 #include "pages/ListsPage.h"
@@ -57,6 +58,7 @@ const PageRow pages[] = {
     {"USB", Text {"Panel", "usb", "USB"}, make<UsbPage>},
     {"Sound", Text {"Panel", "sound", "Sound"}, make<SoundPage>},
     {"Settings", Text {"Main", "settings", "Settings"}, make<SettingsPage>},
+    {"Accessories", Text {"Panel", "accessories", "Accessories"}, make<AccessoriesPage>},
     {"About", Text {"Panel", "about", "About"}, make<AboutPage>},
 };
 
@@ -207,9 +209,7 @@ void Window::refreshHeader()
     const KTV_Configuration *meter = m_context.library().getMainConfig();
     m_meter->setText(meter->get_MeterFullName() + QStringLiteral("   ")
                      + meter->get_SerialNumber());
-    m_alert->setText(m_context.library().getFreeSpaceAlert() > 0 ? m_context.text(
-                         Text {"Main", "cardFull", "The memory card is almost full"})
-                                                                 : QString());
+    m_alert->setText(m_context.cardAlert());
     m_clock->setText(
         QTime::currentTime().toString(m_context.library().get_Lang()->getTimeFormat()));
 }

@@ -147,9 +147,6 @@ void AboutPage::refresh()
                         .arg(context().text(Text {"About", "used", "Used"}), disk->usedText,
                              context().text(Text {"About", "free", "Free"}), disk->freeText,
                              context().text(Text {"About", "total", "Total"}), disk->totalText));
-    const bool isAlarm = library().getFreeSpaceAlert() > 0;
-    m_gauge->setPercent(disk->usedPercent, isAlarm);
-    m_alert->setText(
-        isAlarm ? context().text(Text {"Main", "cardFull", "The memory card is almost full"})
-                : QString());
+    m_alert->setText(context().cardAlert());
+    m_gauge->setPercent(disk->usedPercent, !m_alert->text().isEmpty());
 }

@@ -21,7 +21,7 @@ HelpPage::HelpPage(Context &context)
     m_text->setObjectName(QStringLiteral("help.text"));
     m_text->setOpenLinks(false);
     m_text->document()->setDefaultStyleSheet(
-        QStringLiteral("h1 { font-size: 22px; } h2 { font-size: 18px; }"));
+        QStringLiteral("h1 { font-size: large; } h2 { font-size: medium; }"));
     m_text->setTextInteractionFlags(Qt::NoTextInteraction);
     scrollByFinger(m_text);
     column()->addWidget(m_text, 1);

@@ -166,6 +166,7 @@ void MeasurePage::finish()
     (library().getLiczniki()->*kinds[context().setup().kind()].count)();
     context().hardware().stop();
     const Result result(context(), m_value);
+    context().setLastResult(result.text);
     if (std::isnan(m_value))
         context().sound(BuzzerClass::Tone_Error_Measure);
     else if (result.verdict != Result::NotJudged)

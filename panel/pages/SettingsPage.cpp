@@ -2,6 +2,7 @@
 
 #include "pages/LanguageSheet.h"
 #include "touch/Buttons.h"
+#include "touch/PercentSlider.h"
 #include "touch/Theme.h"
 
 #include <datasource/KTV_DataSource.h>
@@ -11,6 +12,8 @@
 #include <QVBoxLayout>
 
 namespace {
+
+constexpr int leastBrightness = 10; // percent; whoever sets it must see where
 
 /** By ValueBox::TemperatureUnit. */
 const Text temperatureUnits[] = {
@@ -27,6 +30,7 @@ SettingsPage::SettingsPage(Context &context)
     , m_temperature(new Choice(QStringLiteral("settings.temperature"), std::size(temperatureUnits)))
     , m_theme(new Choice(QStringLiteral("settings.theme"), 2))
     , m_keyboard(new Choice(QStringLiteral("settings.keyboard"), 2))
+    , m_brightness(new PercentSlider(QStringLiteral("settings.brightness"), leastBrightness))
 {
     layOut();
     connect(m_language, &QPushButton::clicked, this, [this] {
@@ -39,6 +43,7 @@ SettingsPage::SettingsPage(Context &context)
             [this](int theme) { this->context().setDark(theme == 1); });
     connect(m_keyboard, &Choice::chosen, this,
             [this](int choice) { this->context().setUsesScreenKeyboard(choice == 0); });
+    connect(m_brightness, &PercentSlider::changed, &context, &Context::setBrightness);
     context.keep(this, [this] { refresh(); });
 }
 
@@ -73,6 +78,7 @@ void SettingsPage::layOut()
         {Text {"Settings", "temperatureUnit", "Temperature unit"}, m_temperature},
         {Text {"Panel", "appearance", "Appearance"}, m_theme},
         {Text {"Panel", "keyboard", "Keyboard"}, m_keyboard},
+        {Text {"Settings", "brightness", "Brightness"}, m_brightness},
     };
     for (int row = 0; row < static_cast<int>(std::size(rows)); ++row) {
         grid->addWidget(caption(rows[row].caption), row, 0);
@@ -91,4 +97,5 @@ void SettingsPage::refresh()
     m_temperature->setCurrent(context().temperatureUnit());
     m_theme->setCurrent(context().isDark() ? 1 : 0);
     m_keyboard->setCurrent(context().usesScreenKeyboard() ? 0 : 1);
+    m_brightness->setPercent(context().brightness());
 }

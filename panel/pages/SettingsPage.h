@@ -4,6 +4,7 @@
 
 class Choice;
 class FieldButton;
+class PercentSlider;
 
 /** The user's settings. */
 class SettingsPage : public Page
@@ -20,4 +21,5 @@ private:
     Choice *m_temperature;
     Choice *m_theme;
     Choice *m_keyboard;
+    PercentSlider *m_brightness;
 };

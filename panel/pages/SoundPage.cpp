@@ -1,21 +1,18 @@
 #include "pages/SoundPage.h"
 
 #include "touch/Buttons.h"
+#include "touch/PercentSlider.h"
 #include "touch/Theme.h"
 
 #include <datasource/KTV_DataSource.h>
 #include <sound/BuzzerClass.h>
 
 #include <QGridLayout>
-#include <QSlider>
 #include <QVBoxLayout>
 
 using Buzzer::BuzzerClass;
 
 namespace {
-
-constexpr int volumeStep = 10; // percent
-constexpr int stepWidth = 56;
 
 struct ToneRow
 {
@@ -27,10 +24,13 @@ struct ToneRow
 const ToneRow tones[] = {
     {BuzzerClass::Tone_Measure_Pass, false, Text {"Measure", "pass", "Pass"}},
     {BuzzerClass::Tone_Measure_Fail, false, Text {"Measure", "fail", "Fail"}},
+    {BuzzerClass::Tone_Series_Fail, false, Text {"Panel", "toneSeriesFail", "Series failed"}},
     {BuzzerClass::Tone_Question, false, Text {"Panel", "toneQuestion", "Question"}},
     {BuzzerClass::Tone_Decline, false, Text {"Panel", "toneDecline", "Decline"}},
+    {BuzzerClass::Tone_Decline_Short, false, Text {"Panel", "toneDeclineShort", "Short decline"}},
     {BuzzerClass::Tone_Error, false, Text {"Dialogs", "error", "Error"}},
     {BuzzerClass::Tone_Error_Measure, false, Text {"Panel", "toneMeasureError", "Measuring error"}},
+    {BuzzerClass::Tone_Error_Device, false, Text {"Panel", "toneDeviceError", "Device fault"}},
     {BuzzerClass::Tone_Fuse, false, Text {"Panel", "toneFuse", "Fuse test"}},
     {BuzzerClass::Tone_Saved, false, Text {"Panel", "toneSaved", "Saved"}},
     {BuzzerClass::Tone_Notice, false, Text {"Panel", "toneNotice", "Notice"}},
@@ -44,8 +44,7 @@ constexpr int toneColumns = 4;
 SoundPage::SoundPage(Context &context)
     : Page(context)
     , m_switch(new Choice(QStringLiteral("sound.switch"), 2))
-    , m_percent(label(QStringLiteral("sound.percent"), "title"))
-    , m_volume(new QSlider(Qt::Horizontal))
+    , m_volume(new PercentSlider(QStringLiteral("sound"), 0))
 {
     layOut();
     connect(m_switch, &Choice::chosen, this, [this](int index) {
@@ -53,10 +52,7 @@ SoundPage::SoundPage(Context &context)
         leave();
         refresh();
     });
-    connect(m_volume, &QSlider::valueChanged, this, [this](int percent) {
-        this->context().setVolume(percent);
-        m_percent->setText(QStringLiteral("%1 %").arg(percent));
-    });
+    connect(m_volume, &PercentSlider::changed, &context, &Context::setVolume);
     context.keep(this, [this] { refresh(); });
 }
 
@@ -69,10 +65,10 @@ void SoundPage::layOut()
     auto *grid = new QGridLayout;
     grid->setSpacing(Theme::gap);
     int index = 0;
-    const auto add = [&](TouchButton *button) {
+    const auto add = [&](TouchButton *button, int columns) {
         button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Expanding);
         button->setStyleSheet(QStringLiteral("font-size: 15px; padding: 0 4px;"));
-        grid->addWidget(button, index / toneColumns, index % toneColumns);
+        grid->addWidget(button, index / toneColumns, index % toneColumns, 1, columns);
         ++index;
     };
     for (const ToneRow &row : tones) {
@@ -85,7 +81,7 @@ void SoundPage::layOut()
             m_isLooping = row.isLoop;
             library().Buzzer(row.tone, row.isLoop);
         });
-        add(button);
+        add(button, 1);
     }
     auto *stop = new TouchButton(QStringLiteral("sound.stop"), TouchButton::Danger);
     context().translate(stop, Text {"Panel", "silence", "Silence"});
@@ -93,33 +89,13 @@ void SoundPage::layOut()
         m_isLooping = true;
         leave();
     });
-    add(stop);
+    add(stop, toneColumns - index % toneColumns); // the rest of its row
     column()->addLayout(grid, 1);
 
     auto *volume = new QHBoxLayout;
     volume->setSpacing(Theme::gap);
-    auto *less = new TouchButton(QStringLiteral("sound.less"));
-    less->setText(QStringLiteral("\u2212"));
-    auto *more = new TouchButton(QStringLiteral("sound.more"));
-    more->setText(QStringLiteral("+"));
-    for (TouchButton *button : {less, more})
-        button->setFixedWidth(stepWidth);
-    m_volume->setObjectName(QStringLiteral("sound.volume"));
-    m_volume->setRange(0, 100);
-    m_volume->setPageStep(volumeStep);
-    m_volume->setMinimumHeight(Theme::target);
-    m_volume->setFocusPolicy(Qt::NoFocus);
-    m_percent->setFixedWidth(76);
-    m_percent->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    connect(less, &QPushButton::clicked, this,
-            [this] { m_volume->setValue(m_volume->value() - volumeStep); });
-    connect(more, &QPushButton::clicked, this,
-            [this] { m_volume->setValue(m_volume->value() + volumeStep); });
     volume->addWidget(caption(Text {"Sound", "volume", "Volume"}));
-    volume->addWidget(less);
     volume->addWidget(m_volume, 1);
-    volume->addWidget(more);
-    volume->addWidget(m_percent);
     column()->addLayout(volume);
 }
 
@@ -133,8 +109,5 @@ void SoundPage::leave()
 void SoundPage::refresh()
 {
     m_switch->setCurrent(context().isSoundOn() ? 0 : 1);
-    const int percent = context().volume();
-    const QSignalBlocker blocker(m_volume);
-    m_volume->setValue(percent);
-    m_percent->setText(QStringLiteral("%1 %").arg(percent));
+    m_volume->setPercent(context().volume());
 }

@@ -3,7 +3,7 @@
 #include "pages/Page.h"
 
 class Choice;
-class QSlider;
+class PercentSlider;
 
 /** Every tone to be heard, and how loud. */
 class SoundPage : public Page
@@ -19,7 +19,6 @@ private:
     void refresh();
 
     Choice *m_switch;
-    QLabel *m_percent;
-    QSlider *m_volume;
+    PercentSlider *m_volume;
     bool m_isLooping = false;
 };

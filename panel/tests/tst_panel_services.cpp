@@ -9,11 +9,27 @@
 #include <QDir>
 #include <QLineEdit>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QSemaphore>
 
+using Buzzer::BuzzerClass;
 using QERNTools::Tools;
 
-/** The Lists, WiFi, USB and Sound pages, by touches. */
+namespace {
+
+const QString platform = QStringLiteral("/run/platform/");
+const QString stick = QStringLiteral("/media/usb/");
+
+bool measure(PanelFixture &panel)
+{
+    return panel.finger.tap(QStringLiteral("nav.Measure"))
+        && panel.finger.tap(QStringLiteral("measure.start"))
+        && Finger::waitFor([&] { return !panel.context.hardware().isRunning(); });
+}
+
+} // namespace
+
+/** The Lists, WiFi, USB, Sound and Accessories pages, by touches. */
 class TstPanelServices : public QObject
 {
     Q_OBJECT
@@ -40,6 +56,10 @@ private slots:
     void portThatCannotBeSwitched();
     void tones();
     void volume();
+    void labelOfTheLastResult();
+    void labelThatCannotBePrinted();
+    void codeBeforeTheReader();
+    void stickAndUpdates();
 };
 
 void TstPanelServices::init()
@@ -47,6 +67,8 @@ void TstPanelServices::init()
     const QString directory = QStringLiteral("/media/sdcard/UserData");
     QDir(directory).removeRecursively();
     QDir().mkpath(directory);
+    QDir(platform).removeRecursively();
+    QDir(stick).removeRecursively();
     Meter::clearJournal();
 }
 
@@ -370,7 +392,10 @@ void TstPanelServices::portThatCannotBeSwitched()
 void TstPanelServices::tones()
 {
     PanelFixture panel;
-    TAP(panel, "nav.Sound", "sound.tone.1");
+    TAP(panel, "nav.Sound");
+    for (int tone = BuzzerClass::Tone_Decline; tone <= BuzzerClass::Tone_Melody; ++tone)
+        QVERIFY(panel.finger.find(QStringLiteral("sound.tone.%1").arg(tone)));
+    TAP(panel, "sound.tone.1");
     const QString decline = QStringLiteral("beep -f 1400 -l 100 -d 0 -r 1");
     QVERIFY(Finger::waitFor([&] { return Meter::journal().contains(decline); }));
 
@@ -395,6 +420,73 @@ void TstPanelServices::volume()
     QCOMPARE(panel.labelText("sound.percent"), QStringLiteral("50 %"));
     QVERIFY(Finger::waitFor(
         [] { return Meter::readFile(QStringLiteral("/run/meter/volume")).trimmed() == "50"; }));
+}
+
+// --- accessories
+
+void TstPanelServices::labelOfTheLastResult()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.Accessories");
+    QCOMPARE(panel.labelText("accessories.result"), QStringLiteral("None"));
+    QVERIFY(!panel.finger.find(QStringLiteral("accessories.print"))->isEnabled());
+
+    QVERIFY(measure(panel));
+    const QString result = panel.finger.see<ValueDisplay>(QStringLiteral("measure.value"))->value();
+    TAP(panel, "nav.Accessories");
+    QCOMPARE(panel.labelText("accessories.result"), result);
+    TAP(panel, "accessories.print");
+    const QStringList lines =
+        QString::fromUtf8(Meter::readFile(platform + "label-1.txt")).split(QLatin1Char('\n'));
+    QCOMPARE(lines.size(), 4); // and nothing behind the last line feed
+    QCOMPARE(lines.at(0), QStringLiteral("QERN KTV-420  CH20417"));
+    const QRegularExpression time(QStringLiteral("^\\d\\d/\\d\\d/\\d{4} \\d\\d:\\d\\d$"));
+    QVERIFY2(time.match(lines.at(1)).hasMatch(), qPrintable(lines.at(1)));
+    QCOMPARE(lines.at(2), result);
+    QCOMPARE(panel.labelText("sheet.message"), lines.join(QLatin1Char('\n')));
+}
+
+void TstPanelServices::labelThatCannotBePrinted()
+{
+    PanelFixture panel;
+    QVERIFY(measure(panel));
+    QDir(platform).removeRecursively();
+    Meter::writeFile(platform.chopped(1), "in the way");
+    TAP(panel, "nav.Accessories", "accessories.print");
+    QCOMPARE(panel.labelText("sheet.message"), QStringLiteral("The operation failed"));
+    QFile::remove(platform.chopped(1));
+}
+
+void TstPanelServices::codeBeforeTheReader()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.Accessories", "accessories.scan");
+    QCOMPARE(panel.labelText("accessories.code"), QStringLiteral("No code before the reader"));
+    Meter::writeFile(platform + "qr-code", "Transformer 7\n");
+    TAP(panel, "accessories.scan");
+    QCOMPARE(panel.labelText("accessories.code"), QStringLiteral("Transformer 7"));
+}
+
+void TstPanelServices::stickAndUpdates()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.Accessories");
+    QCOMPARE(panel.labelText("accessories.noStick"), QStringLiteral("Insert a USB memory"));
+    QCOMPARE(panel.labelText("accessories.update"), QStringLiteral("No update was found"));
+
+    Meter::writeFile(stick + "report.csv", "x");
+    Meter::writeFile(stick + "3.9.update", "x");
+    TAP(panel, "accessories.check");
+    QCOMPARE(panel.titles("accessories.files"), QStringList({"3.9.update", "report.csv"}));
+    QVERIFY(panel.list("accessories.files")->row(0).isMarked);
+    QVERIFY(!panel.list("accessories.files")->row(1).isMarked);
+    QVERIFY(!panel.finger.find(QStringLiteral("accessories.noStick")));
+    QCOMPARE(panel.labelText("accessories.update"),
+             QStringLiteral("An update was found: 3.9.update"));
+    panel.context.setSerialNumber(QStringLiteral("DV42006")); // the library has a new updater
+    TAP(panel, "accessories.check");
+    QCOMPARE(panel.labelText("accessories.update"),
+             QStringLiteral("An update was found: 3.9.update"));
 }
 
 KTV_PANEL_TEST_MAIN(TstPanelServices)

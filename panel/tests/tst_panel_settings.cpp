@@ -6,18 +6,21 @@
 #include <datalist/KTV_DataList.h>
 #include <datasource/KTV_DataSource.h>
 #include <language/LangSerwis.h>
+#include <language/helpManager.h>
 
 #include <QDir>
 #include <QDirIterator>
 #include <QLineEdit>
 #include <QRegularExpression>
-#include <QSlider>
+#include <QScrollBar>
+#include <QSet>
 #include <QTextBrowser>
 
 namespace {
 
-const char *const pages[] = {"nav.Measure", "nav.Record", "nav.Lists",    "nav.WiFi",
-                             "nav.USB",     "nav.Sound",  "nav.Settings", "nav.About"};
+const char *const pages[] = {"nav.Measure",  "nav.Record",      "nav.Lists",
+                             "nav.WiFi",     "nav.USB",         "nav.Sound",
+                             "nav.Settings", "nav.Accessories", "nav.About"};
 
 /** Texts as the sources write them out. */
 QVector<QStringList> writtenTexts()
@@ -36,6 +39,68 @@ QVector<QStringList> writtenTexts()
             texts += matches.next().capturedTexts().mid(1);
     }
     return texts;
+}
+
+/** What stands on the screen in English, though the language in effect has other words for it. */
+QStringList untranslated(const PanelFixture &panel, const LangSerwis &language)
+{
+    QSet<QString> english;
+    QSet<QString> sameInBoth;
+    for (const QStringList &text : writtenTexts()) {
+        english += text.at(2);
+        if (language.getText(text.at(0), text.at(1), QString()) == text.at(2))
+            sameInBoth += text.at(2);
+    }
+    english -= sameInBoth;
+    QStringList found;
+    for (const QWidget *widget : panel.window.findChildren<QWidget *>()) {
+        QString text;
+        if (const auto *label = qobject_cast<const QLabel *>(widget))
+            text = label->text();
+        else if (const auto *field = qobject_cast<const FieldButton *>(widget))
+            text = field->caption();
+        else if (const auto *button = qobject_cast<const QAbstractButton *>(widget))
+            text = button->text();
+        if (english.contains(text))
+            found += text;
+    }
+    return found;
+}
+
+/** What is too small to be touched, or cannot be read whole, of what is on the screen. */
+QStringList problemsOf(const PanelFixture &panel, const QString &where)
+{
+    constexpr int fingertip = 44; // pixels
+    QStringList problems;
+    for (const QWidget *widget : panel.window.findChildren<QWidget *>()) {
+        if (!widget->isVisible())
+            continue;
+        const auto *button = qobject_cast<const QAbstractButton *>(widget);
+        const auto *field = qobject_cast<const FieldButton *>(widget);
+        const auto *label = qobject_cast<const QLabel *>(widget);
+        const bool isTouched = button || qobject_cast<const QAbstractSlider *>(widget)
+            || qobject_cast<const QLineEdit *>(widget);
+        if (!label && (!isTouched || qobject_cast<const QScrollBar *>(widget)))
+            continue;
+        const auto report = [&](const QString &problem) {
+            problems +=
+                where + QLatin1Char(' ') + widget->objectName() + QLatin1Char(' ') + problem;
+        };
+        const QPoint corner = widget->mapTo(&panel.window, QPoint());
+        if (!panel.window.rect().contains(QRect(corner, widget->size())))
+            report(QStringLiteral("leaves the screen"));
+        if (isTouched && (widget->width() < fingertip || widget->height() < fingertip))
+            report(QStringLiteral("is %1 x %2").arg(widget->width()).arg(widget->height()));
+        if (button && button->fontMetrics().horizontalAdvance(button->text()) > button->width() - 4)
+            report(QStringLiteral("cannot be read whole: ") + button->text());
+        if (field && field->captionWidth() > field->width())
+            report(QStringLiteral("cannot be read whole: ") + field->caption());
+        if (label && label->wordWrap() && label->heightForWidth(label->width()) > label->height())
+            report(QStringLiteral("is too low: ") + label->text());
+        if (label && !label->wordWrap() && label->sizeHint().width() > label->width())
+            report(QStringLiteral("is too narrow: ") + label->text());
+    }
+    return problems;
 }
 
 } // namespace
@@ -57,11 +122,15 @@ private slots:
     void limitFollowsTheUnit();
     void appearance();
     void connectedKeyboard();
+    void brightness();
     void factoryReset();
     void firstStart();
     void aboutTheMeter();
+    void alertOfTheCard_data();
     void alertOfTheCard();
     void help();
+    void helpOnEveryPage_data();
+    void helpOnEveryPage();
 };
 
 void TstPanelSettings::init()
@@ -94,7 +163,7 @@ void TstPanelSettings::everyTextStandsInEveryLanguage()
         if (there.isEmpty() || (code == QLatin1String("EN") && there != text.at(2)))
             missing += text.join(QLatin1Char('/'));
     }
-    QCOMPARE(missing, QStringList());
+    QCOMPARE(missing.join(QLatin1Char('\n')), QString());
 }
 
 void TstPanelSettings::languageChangesEverythingAtOnce_data()
@@ -125,6 +194,7 @@ void TstPanelSettings::languageChangesEverythingAtOnce()
     const auto text = [&](const char *section, const char *key) {
         return language.getText(QLatin1String(section), QLatin1String(key), QString());
     };
+    QCOMPARE(untranslated(panel, language).join(QLatin1Char('\n')), QString());
     QCOMPARE(panel.buttonText("nav.Measure"), text("Main", "measure"));
     QCOMPARE(panel.buttonText("nav.About"), text("Panel", "about"));
     QCOMPARE(panel.buttonText("settings.reset"), text("Settings", "factoryReset"));
@@ -165,22 +235,36 @@ void TstPanelSettings::everythingCanBeTouchedAndRead()
 {
     QFETCH(QString, code);
     PanelFixture panel;
+    QCOMPARE(panel.window.size(), QSize(800, 480));
     panel.context.setLanguage(code);
+    Volume card(QStringLiteral("/media/sdcard/Clients"), 100);
+    card.fill(85); // the alert takes room
+    panel.context.library().updateTimeDisk();
     QStringList problems;
     for (const char *page : pages) {
         TAP(panel, page);
-        for (const QAbstractButton *button : panel.window.findChildren<QAbstractButton *>()) {
-            if (!button->isVisible())
-                continue;
-            const QString what = QLatin1String(page) + QLatin1Char(' ') + button->objectName();
-            if (button->width() < 44 || button->height() < 44)
-                problems +=
-                    what + QStringLiteral(" is %1 x %2").arg(button->width()).arg(button->height());
-            if (button->fontMetrics().horizontalAdvance(button->text()) > button->width() - 4)
-                problems += what + QStringLiteral(" cannot be read whole: ") + button->text();
-        }
+        problems += problemsOf(panel, QLatin1String(page));
     }
-    QCOMPARE(problems, QStringList());
+    const struct
+    {
+        const char *page;
+        const char *opens;
+        const char *closes;
+    } sheets[] = {
+        {"nav.Measure", "measure.object", "sheet.ok"},
+        {"nav.Measure", "measure.current", "sheet.cancel"},
+        {"nav.Lists", "lists.add", "sheet.cancel"},
+        {"nav.Settings", "settings.reset", "sheet.cancel"},
+        {"nav.Settings", "nav.Help", "help.close"},
+    };
+    for (const auto &sheet : sheets) {
+        TAP(panel, sheet.page, sheet.opens);
+        problems += problemsOf(panel, QLatin1String(sheet.opens));
+        TAP(panel, sheet.closes);
+    }
+    QCOMPARE(problems.join(QLatin1Char('\n')), QString());
+    card.fill(0);
+    panel.context.library().updateTimeDisk();
 }
 
 // --- settings
@@ -236,6 +320,27 @@ void TstPanelSettings::connectedKeyboard()
     QVERIFY(panel.titles("lists.list").contains(QStringLiteral("aaa")));
 }
 
+void TstPanelSettings::brightness()
+{
+    const QString display = QStringLiteral("/run/platform/brightness");
+    {
+        PanelFixture panel;
+        TAP(panel, "nav.Settings", "settings.brightness.more");
+        QCOMPARE(panel.labelText("settings.brightness.percent"), QStringLiteral("60 %"));
+        QCOMPARE(Meter::readFile(display), QByteArray("60\n"));
+        QFile::remove(display);
+    }
+    PanelFixture panel; // remembered
+    QCOMPARE(Meter::readFile(display), QByteArray("60\n"));
+    TAP(panel, "nav.Settings");
+    for (int i = 0; i < 6; ++i)
+        TAP(panel, "settings.brightness.less");
+    QCOMPARE(Meter::readFile(display), QByteArray("10\n")); // never dark
+    TAP(panel, "settings.reset", "sheet.yes");
+    QCOMPARE(Meter::readFile(display), QByteArray("50\n"));
+    QCOMPARE(panel.labelText("settings.brightness.percent"), QStringLiteral("50 %"));
+}
+
 void TstPanelSettings::factoryReset()
 {
     PanelFixture panel;
@@ -285,17 +390,31 @@ void TstPanelSettings::aboutTheMeter()
     QFile::remove(QStringLiteral("/etc/korva/sdcard.error"));
 }
 
+void TstPanelSettings::alertOfTheCard_data()
+{
+    QTest::addColumn<int>("percent");
+    QTest::addColumn<QString>("alert");
+    QTest::newRow("first level") << 75 << "The memory card is filling up";
+    QTest::newRow("second level") << 85 << "The memory card is almost full";
+}
+
 void TstPanelSettings::alertOfTheCard()
 {
-    PanelFixture panel;
-    TAP(panel, "nav.About");
-    QCOMPARE(panel.labelText("about.alert"), QString());
+    QFETCH(int, percent);
     Volume card(QStringLiteral("/media/sdcard/Clients"), 100);
-    card.fill(85);
-    TAP(panel, "about.check");
-    QCOMPARE(panel.labelText("about.alert"), QStringLiteral("The memory card is almost full"));
-    QCOMPARE(panel.labelText("header.alert"), QStringLiteral("The memory card is almost full"));
-    QVERIFY(panel.labelText("about.disk").contains(QStringLiteral("Total 400.00 kB")));
+    {
+        PanelFixture panel;
+        TAP(panel, "nav.About");
+        QCOMPARE(panel.labelText("about.alert"), QString());
+        card.fill(percent);
+        TAP(panel, "about.check");
+        QTEST(panel.labelText("about.alert"), "alert");
+        QTEST(panel.labelText("header.alert"), "alert");
+        QVERIFY(panel.labelText("about.disk").contains(QStringLiteral("Total 400.00 kB")));
+    }
+    PanelFixture panel;
+    QTEST(panel.labelText("header.alert"), "alert");
+    TAP(panel, "nav.About");
     card.fill(10);
     TAP(panel, "about.check");
     QCOMPARE(panel.labelText("header.alert"), QString());
@@ -317,9 +436,33 @@ void TstPanelSettings::help()
     QVERIFY(text->toPlainText() != first);
     panel.context.setLanguage(QStringLiteral("EN"));
     TAP(panel, "help.close", "nav.USB", "nav.Help");
+    QVERIFY(text->toPlainText().startsWith(QLatin1String("The USB port")));
+    panel.context.setSerialNumber(QStringLiteral("unknown"));
     QCOMPARE(text->toPlainText(), QStringLiteral("There is no help for this screen"));
     TAP(panel, "nav.Help");
     QVERIFY(panel.finger.find(QStringLiteral("usb.choices")));
+}
+
+void TstPanelSettings::helpOnEveryPage_data()
+{
+    everyTextStandsInEveryLanguage_data();
+}
+
+void TstPanelSettings::helpOnEveryPage()
+{
+    QFETCH(QString, code);
+    PanelFixture panel;
+    QStringList missing;
+    for (const char *serial : {"JD10233", "CH20417", "DV42006"}) {
+        panel.context.setSerialNumber(QLatin1String(serial));
+        panel.context.setLanguage(code);
+        for (const char *page : pages) {
+            const QString topic = QString::fromLatin1(page).section(QLatin1Char('.'), 1);
+            if (!panel.context.library().getHelpManager()->HasHelp(topic))
+                missing += QLatin1String(serial) + QLatin1Char(' ') + topic;
+        }
+    }
+    QCOMPARE(missing.join(QLatin1Char('\n')), QString());
 }
 
 KTV_PANEL_TEST_MAIN(TstPanelSettings)

@@ -220,7 +220,7 @@ void Keyboard::addLastRow()
         close(field);
         if (field)
             emit field->accepted();
-    })->setProperty("role", QStringLiteral("primary"));
+    })->setProperty("role", QStringLiteral("lastKey"));
     static_cast<QVBoxLayout *>(m_keys->layout())->addLayout(row);
 }
 

@@ -37,7 +37,9 @@ QPushButton[role="navigation"] { background: transparent; border: none; border-r
     text-align: left; padding: 0 8px 0 16px; font-size: 15px; }
 QPushButton[role="navigation"]:checked { background: @background; color: @accent;
     border-left: 4px solid @accent; padding-left: 12px; font-weight: bold; }
-QPushButton[role="key"] { font-size: 20px; padding: 0; min-height: 42px; }
+QPushButton[role="key"], QPushButton[role="lastKey"] { font-size: 20px; padding: 0;
+    min-height: 42px; }
+QPushButton[role="lastKey"] { background: @accent; color: @onAccent; }
 QWidget#rail, QWidget#header { background: @surface; }
 QWidget#header QLabel { font-size: 15px; }
 QWidget#keyboard { background: @line; }

@@ -43,7 +43,7 @@ bool Tour::take()
     try {
         for (const auto part :
              {&Tour::begin, &Tour::lists, &Tour::measure, &Tour::record, &Tour::wifi, &Tour::usb,
-              &Tour::sound, &Tour::settings, &Tour::about, &Tour::help})
+              &Tour::sound, &Tour::settings, &Tour::accessories, &Tour::about, &Tour::help})
             (this->*part)();
     } catch (const Stumble &stumble) {
         print(QStringLiteral("The tour stumbles: ") + stumble.what);
@@ -148,10 +148,19 @@ void Tour::measure()
     say(QStringLiteral("Temperature: %1").arg(measureOnce()));
     tap(QStringLiteral("measure.kind.0"));
 
+    const auto stepResistance = [this](const char *button) {
+        tap(QStringLiteral("measure.object"));
+        tap(QLatin1String(button));
+        tap(QStringLiteral("sheet.ok"));
+    };
     pick(QStringLiteral("measure.meter"), QStringLiteral("DW44019"));
     pick(QStringLiteral("measure.current"), QStringLiteral("200 A"));
+    pick(QStringLiteral("measure.limit"), QStringLiteral("None"));
+    stepResistance("object.0.less");
     say(QStringLiteral("Another meter, with 200 A: %1").arg(measureOnce()));
     picture(QStringLiteral("measure-200A"));
+    stepResistance("object.0.more");
+    pick(QStringLiteral("measure.limit"), QStringLiteral("busbar joint"));
     pick(QStringLiteral("measure.meter"), QStringLiteral("CH20417"));
 }
 
@@ -270,6 +279,23 @@ void Tour::settings()
     tap(QStringLiteral("settings.reset"));
     picture(QStringLiteral("settings-reset"));
     tap(QStringLiteral("sheet.cancel"));
+}
+
+void Tour::accessories()
+{
+    tap(QStringLiteral("nav.Accessories"));
+    tap(QStringLiteral("accessories.scan"));
+    picture(QStringLiteral("accessories"));
+    const auto text = [this](const char *name) {
+        return m_finger.see<QLabel>(QLatin1String(name))->text();
+    };
+    say(QStringLiteral("Accessories: QR code \"%1\"; %2")
+            .arg(text("accessories.code"), text("accessories.update")));
+    tap(QStringLiteral("accessories.print"));
+    say(QStringLiteral("Accessories: a label, %1")
+            .arg(text("sheet.message").trimmed().replace(QLatin1Char('\n'), QLatin1String(" | "))));
+    picture(QStringLiteral("label"));
+    tap(QStringLiteral("sheet.ok"));
 }
 
 void Tour::about()

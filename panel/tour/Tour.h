@@ -26,6 +26,7 @@ private:
     void usb();
     void sound();
     void settings();
+    void accessories();
     void about();
     void help();
 

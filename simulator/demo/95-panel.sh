@@ -4,6 +4,11 @@ export XDG_RUNTIME_DIR=/run/user
 mkdir -p "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
 export QT_LOGGING_RULES='*.debug=false' # the library's own lines are for developers
 
+# Something for the accessories: a stick with an update, a code before the reader.
+mkdir -p /media/usb /run/platform
+: >/media/usb/KTV-3.9.0.update
+echo "Transformer T1" >/run/platform/qr-code
+
 if [ -n "${KTV_DISPLAY-}" ]; then
     echo "The panel is open; close its window to go on."
     QT_QPA_PLATFORM=$KTV_DISPLAY ktvpanel && exit

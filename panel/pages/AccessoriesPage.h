@@ -1,0 +1,36 @@
+#pragma once
+
+#include "pages/Page.h"
+
+class TouchButton;
+class TouchList;
+
+/**
+ * What can be connected to the meter: label printer, QR code reader, USB memory with updates. What
+ * these can do is the maker's business; the page uses what their workstation stand-ins offer.
+ */
+class AccessoriesPage : public Page
+{
+    Q_OBJECT
+public:
+    explicit AccessoriesPage(Context &context);
+
+    void enter() override { refresh(); }
+
+private:
+    void layOut();
+    void refresh();
+    void print();
+    QString labelText() const;
+
+    QLabel *m_result;
+    QLabel *m_code;
+    QLabel *m_update;
+    TouchButton *m_print;
+    TouchButton *m_scan;
+    TouchButton *m_check;
+    TouchList *m_files;
+    QLabel *m_noStick;
+    QString m_scanned;
+    bool m_isScanned = false;
+};
