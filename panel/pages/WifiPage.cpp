@@ -281,7 +281,6 @@ void WifiPage::block(const std::function<void()> &work)
 {
     auto *busy =
         new BusySheet(context(), this, Text {"Panel", "wifiChanging", "Changing the networks"});
-    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the sheet deletes itself
     QTimer::singleShot(paintTime, this, [this, busy, work] {
         work();
         busy->finish();

@@ -6,6 +6,8 @@
 #include <QFileInfo>
 #include <QtEndian>
 
+#include <utility>
+
 namespace Internal {
 
 namespace {
@@ -41,7 +43,7 @@ bool journalEmptiesDatabase(const QString &path)
 
 } // namespace
 
-NamedDatabase::NamedDatabase(const QString &connectionName) : m_connectionName(connectionName)
+NamedDatabase::NamedDatabase(QString connectionName) : m_connectionName(std::move(connectionName))
 { }
 
 NamedDatabase::~NamedDatabase()

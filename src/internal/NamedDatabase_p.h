@@ -17,7 +17,7 @@ namespace Internal {
 class NamedDatabase
 {
 public:
-    explicit NamedDatabase(const QString &connectionName);
+    explicit NamedDatabase(QString connectionName);
     ~NamedDatabase();
     Q_DISABLE_COPY_MOVE(NamedDatabase)
 
