@@ -1,9 +1,11 @@
 #include "internal/BackgroundWork_p.h"
 
 #include <QCoreApplication>
+#include <QThread>
 #include <QThreadPool>
 #include <QtConcurrentRun>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <utility>
@@ -109,31 +111,6 @@ void stopBackgroundWork()
     LeavingList::instance().stopAll();
 }
 
-/** Counts a run from its begin to its end, however it ends. */
-class EndlessWork::Run
-{
-public:
-    Run(EndlessWork &work, int generation) : m_work(work)
-    {
-        const std::lock_guard<std::mutex> lock(m_work.m_mutex);
-        m_hasBegun = generation == m_work.m_generation;
-        m_work.m_running += m_hasBegun;
-    }
-    ~Run()
-    {
-        const std::lock_guard<std::mutex> lock(m_work.m_mutex);
-        m_work.m_running -= m_hasBegun;
-        m_work.m_isOver.notify_all();
-    }
-    Q_DISABLE_COPY_MOVE(Run)
-
-    bool hasBegun() const { return m_hasBegun; }
-
-private:
-    EndlessWork &m_work;
-    bool m_hasBegun;
-};
-
 EndlessWork::EndlessWork(QFuture<void> &handle, std::function<void()> beforeStop)
     : m_handle(handle)
     , m_beforeStop(std::move(beforeStop))
@@ -152,16 +129,11 @@ void EndlessWork::start(const std::function<void()> &work)
     // Held until the future is stored: a run that asks for it waits so long, for it would take
     // the empty one that may still be in its place for a cancelled one.
     const std::lock_guard<std::mutex> gate(m_handOver);
-    int generation = 0;
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        generation = m_generation;
-    }
-    m_handle = QtConcurrent::run([this, thread, work, generation] {
-        const Run run(*this, generation);
-        if (run.hasBegun())
-            work();
-    });
+    m_runs.erase(std::remove_if(m_runs.begin(), m_runs.end(),
+                                [](const QFuture<void> &run) { return run.isFinished(); }),
+                 m_runs.end());
+    m_handle = QtConcurrent::run([thread, work] { work(); });
+    m_runs.push_back(m_handle);
 }
 
 QFuture<void> EndlessWork::handle() const
@@ -174,16 +146,24 @@ void EndlessWork::stop()
 {
     if (m_beforeStop)
         m_beforeStop();
-    QFuture<void> latest = handle();
-    latest.cancel();
+    std::vector<QFuture<void>> runs;
     {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        ++m_generation;
-        m_isStopping = true;
-        m_isOver.wait(lock, [this] { return m_running == 0; });
-        m_isStopping = false;
+        const std::lock_guard<std::mutex> gate(m_handOver);
+        runs = m_runs;
     }
-    latest.waitForFinished();
+    m_isStopping = true;
+    for (QFuture<void> &run : runs)
+        run.cancel();
+    for (QFuture<void> &run : runs)
+        run.waitForFinished();
+    m_isStopping = false;
+}
+
+void EndlessWork::rest(const QDeadlineTimer &end, const std::function<bool()> &isOver) const
+{
+    constexpr int step = 20; // ms
+    while (!end.hasExpired() && !m_isStopping && !isOver())
+        QThread::msleep(step);
 }
 
 } // namespace Internal

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QFuture>
 
 #include <atomic>
-#include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <vector>
 
 namespace Internal {
 
@@ -47,20 +48,20 @@ public:
 
     /** True while a run has to end as soon as it can. */
     const std::atomic<bool> &isStopping() const { return m_isStopping; }
-    /** Ends every run and waits for that. */
+    /** Ends every run and waits for that; those that have not begun do not begin any more. */
     void stop();
 
-private:
-    class Run;
+    /**
+     * For a run that has failed too soon to be repeated at once: sleeps until @p end, or until
+     * @p isOver or stop() has it end.
+     */
+    void rest(const QDeadlineTimer &end, const std::function<bool()> &isOver) const;
 
+private:
     QFuture<void> &m_handle;
     const std::function<void()> m_beforeStop;
-    mutable std::mutex m_handOver;
-
-    std::mutex m_mutex; ///< of the two counts
-    std::condition_variable m_isOver;
-    int m_running = 0;
-    int m_generation = 0; ///< runs of an earlier one do not begin any more
+    mutable std::mutex m_handOver; ///< of the futures, while they are stored and copied
+    std::vector<QFuture<void>> m_runs; ///< the latest one and those that may not have ended
     std::atomic<bool> m_isStopping {false};
 };
 

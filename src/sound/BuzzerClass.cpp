@@ -6,7 +6,7 @@
 #include "internal/log_p.h"
 #include "sound/ToneTables_p.h"
 
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 #include <QThread>
 
 #include <algorithm>
@@ -38,7 +38,6 @@ namespace {
 Internal::EndlessWork worker(BuzzerClass::future);
 
 constexpr qint64 shortestRepeat = 500; // ms, of a tone that cannot sound
-constexpr int pauseStep = 20; // ms
 constexpr Waits killallWaits {Waits::NoStartWait, 30000};
 
 const QString killBeep = QStringLiteral("killall beep");
@@ -95,15 +94,6 @@ qint64 soundingTime(const QList<BeepParameter> &steps)
     for (const BeepParameter &step : steps)
         time += qint64(step.length) * step.repeats;
     return time;
-}
-
-/** Waits after a tone that cannot have sounded, lest it be repeated without a pause. */
-void waitForNextRound(const QElapsedTimer &sinceStart, qint64 sounding, const QFuture<void> &self)
-{
-    if (sounding > 0 && sinceStart.elapsed() >= sounding)
-        return;
-    while (sinceStart.elapsed() < std::max(sounding, shortestRepeat) && !isOver(self))
-        QThread::msleep(pauseStep);
 }
 
 /** Ends what is beeping: the worker first, then what a step may have left. */
@@ -190,10 +180,11 @@ void BuzzerClass::_loopBeep(Tone tone)
     const QList<BeepParameter> steps = toneDefinition.value(tone);
     const qint64 sounding = soundingTime(steps);
     while (!isOver(self)) {
-        QElapsedTimer sinceStart;
-        sinceStart.start();
+        const QDeadlineTimer whole(sounding);
+        const QDeadlineTimer nextRound(std::max(sounding, shortestRepeat));
         play(steps, self);
-        waitForNextRound(sinceStart, sounding, self);
+        if (sounding == 0 || !whole.hasExpired()) // it cannot have sounded
+            worker.rest(nextRound, [&self] { return isOver(self); });
     }
 }
 

@@ -6,7 +6,7 @@
 #include "tools/SerialLine_p.h"
 #include "tools/Tools.h"
 
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 #include <QThread>
 
 using Internal::CommandResult;
@@ -28,15 +28,6 @@ Internal::EndlessWork bridge(Tools::asyncSocatRuner,
                              [] { storeShared(Tools::isCalibrationModeActive, false); });
 
 constexpr int shortestRun = 1000; // ms from one start of the bridge to the next
-constexpr int pauseStep = 20; // ms
-
-/** Waits after a bridge that broke down at once: it shall not be started without a pause. */
-void waitForNextStart(const QElapsedTimer &sinceStart, const QFuture<void> &self)
-{
-    while (sinceStart.elapsed() < shortestRun && loadShared(Tools::isCalibrationModeActive)
-           && !self.isCanceled() && !bridge.isStopping())
-        QThread::msleep(pauseStep);
-}
 
 void cancelRun()
 {
@@ -91,10 +82,10 @@ void Tools::socatProces_Avait()
     do {
         if (self.isCanceled() || bridge.isStopping() || !ConfigurePort())
             return;
-        QElapsedTimer sinceStart;
-        sinceStart.start();
+        const QDeadlineTimer nextStart(shortestRun); // not at once after a breakdown
         runDirect(bridgeCommand, {Waits::NoStartWait, Waits::Forever, &bridge.isStopping()});
-        waitForNextStart(sinceStart, self);
+        bridge.rest(nextStart,
+                    [&self] { return self.isCanceled() || !loadShared(isCalibrationModeActive); });
     } while (loadShared(isCalibrationModeActive));
 }
 

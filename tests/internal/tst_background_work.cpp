@@ -25,6 +25,8 @@ private slots:
     void stopKeepsWaitingRunsFromBeginning();
     void cancelledBeforeItBegins();
     void stopWithoutRuns();
+    void restEnds_data();
+    void restEnds();
     void stopsAllAtOnce();
 
 private:
@@ -134,6 +136,41 @@ void TstBackgroundWork::stopWithoutRuns()
     EndlessWork work(handle, [&calls] { ++calls; });
     work.stop();
     QCOMPARE(calls, 1);
+}
+
+void TstBackgroundWork::restEnds_data()
+{
+    QTest::addColumn<qint64>("time");
+    QTest::addColumn<bool>("isOver");
+    QTest::addColumn<bool>("isStopped");
+    const qint64 ever = -1;
+    QTest::newRow("in time") << qint64(100) << false << false;
+    QTest::newRow("when it is over") << ever << true << false;
+    QTest::newRow("when it is stopped") << ever << false << true;
+}
+
+void TstBackgroundWork::restEnds()
+{
+    QFETCH(qint64, time);
+    QFETCH(bool, isOver);
+    QFETCH(bool, isStopped);
+    EndlessWork work(handle);
+    std::atomic<bool> isResting {false};
+    std::atomic<qint64> rested {0};
+    work.start([&] {
+        QElapsedTimer timer;
+        timer.start();
+        work.rest(QDeadlineTimer(time), [&isResting, isOver] {
+            isResting = true;
+            return isOver;
+        });
+        rested = timer.elapsed();
+    });
+    QTRY_VERIFY(isResting);
+    if (isStopped)
+        work.stop();
+    handle.waitForFinished();
+    QVERIFY(rested >= time);
 }
 
 void TstBackgroundWork::stopsAllAtOnce()
