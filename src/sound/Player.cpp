@@ -14,17 +14,20 @@ namespace SoundNamespace {
 namespace {
 
 constexpr int startWait = 3000; // ms
+constexpr int mostComplaints = 20;
 constexpr int complaintsSize = 4096; // bytes, the least that a pipe can have
+
+bool canSound(const QString &file)
+{
+    return !QStandardPaths::findExecutable(QStringLiteral("aplay")).isEmpty()
+        && QFile::exists(file);
+}
 
 } // namespace
 
 Player::~Player()
 {
-    end();
-    for (const int pipeEnd : m_complaints) {
-        if (pipeEnd >= 0)
-            ::close(pipeEnd);
-    }
+    end(); // while its own slot can still be called
 }
 
 bool Player::launch(const QString &program, const QStringList &arguments)
@@ -64,26 +67,31 @@ void Player::discard()
     deleteLater();
 }
 
-bool Player::canRepeat(const QString &file)
+void Player::expectRepeats(const QString &file)
 {
-    return !QStandardPaths::findExecutable(QStringLiteral("aplay")).isEmpty()
-        && QFile::exists(file);
+    m_repeats = true;
+    m_canSound = canSound(file);
+    connect(this, &QProcess::readyReadStandardError, this, &Player::countComplaints);
 }
 
-void Player::blockComplaints()
+void Player::countComplaints()
 {
-    if (::pipe2(m_complaints, O_CLOEXEC) == 0)
-        ::fcntl(m_complaints[1], F_SETPIPE_SZ, complaintsSize);
+    // The player may remark on what it plays; cat speaks only when it fails.
+    m_complaints += readAllStandardError().count("cat: ");
+    if (m_complaints > mostComplaints)
+        signalGroup(SIGSTOP);
 }
 
 // Runs between fork and exec: plain system calls only.
 void Player::setupChildProcess()
 {
     GroupProcess::setupChildProcess();
-    if (m_complaints[1] < 0)
+    if (!m_repeats)
         return;
     ::signal(SIGPIPE, SIG_IGN); // so that a missing player, too, is something to complain about
-    ::dup2(m_complaints[1], STDERR_FILENO);
+    // In a thread without an event loop nobody counts: there a full pipe halts what complains.
+    if (!m_canSound)
+        ::fcntl(STDERR_FILENO, F_SETPIPE_SZ, complaintsSize);
 }
 
 } // namespace SoundNamespace

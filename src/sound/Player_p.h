@@ -13,6 +13,7 @@ namespace SoundNamespace {
 class Player : public Internal::GroupProcess
 {
 public:
+    /** Ends the player. */
     ~Player() override;
 
     /** Starts a program and waits for that, 3 s at most. */
@@ -22,23 +23,24 @@ public:
     /** Ends the player and deletes it, or has its own thread delete it. From any thread. */
     void discard();
 
-    /** Whether a sample can sound over and over: there is a program for it, and a file. */
-    static bool canRepeat(const QString &file);
     /**
-     * For a sample that cannot, whose shell would start one process after the other: what fails
-     * complains to a pipe that nobody empties, and soon waits there until it is killed. Before
-     * launch().
+     * For a shell that feeds @p file to a player over and over. Where that cannot sound, it would
+     * start one process after the other: after some complaints it is halted, until it is ended.
+     * Before launch().
      */
-    void blockComplaints();
+    void expectRepeats(const QString &file);
 
 protected:
     void setupChildProcess() override;
 
 private:
     bool isOwnThread() const;
+    void countComplaints();
 
     pid_t m_id = 0;
-    int m_complaints[2] = {-1, -1}; ///< the pipe's ends: to read from, to write to
+    bool m_repeats = false;
+    bool m_canSound = true; ///< as far as is known before
+    int m_complaints = 0;
 };
 
 } // namespace SoundNamespace

@@ -90,8 +90,7 @@ void Sound::_loopBeep(const QString &file)
 {
     KillProcess();
     Player *const player = newPlayer();
-    if (!Player::canRepeat(file))
-        player->blockComplaints();
+    player->expectRepeats(file);
     const QString line = QStringLiteral("while true; do cat ") + file
         + QStringLiteral("; done  | aplay -t raw -f S16_LE -r 44100");
     if (player->launch(QStringLiteral("sh"), {QStringLiteral("-c"), line}))

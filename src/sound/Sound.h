@@ -61,7 +61,8 @@ public:
     static void _beep(const QString &file);
     /**
      * Plays a file over and over. Blocks as Play() does. The path becomes part of a shell line,
-     * so it must hold nothing that a shell reads in its own way, and no blanks.
+     * so it must hold nothing that a shell reads in its own way, and no blanks. Where it cannot
+     * sound, for want of the file or of a player, the shell is halted after some tries.
      */
     static void _loopBeep(const QString &file);
 

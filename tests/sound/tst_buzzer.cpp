@@ -91,6 +91,9 @@ void TstBuzzer::initTestCase()
 {
     QCOMPARE(BuzzerClass::_pathtoWave, samples); // before anything else
     QVERIFY(BuzzerClass::toneDefinition.isEmpty());
+    QVERIFY(BuzzerClass::toneTranscode.isEmpty());
+    QVERIFY(!BuzzerClass::playWave);
+    QVERIFY(!BuzzerClass::pernamentOff);
     QVERIFY(BuzzerClass::future.isFinished());
     for (const char *program : {"aplay", "killall"})
         Meter::recordProgram(program);
@@ -210,6 +213,7 @@ void TstBuzzer::soundOff()
         BuzzerClass::BuzzerClass_Initialiser(model, samples, true);
         QVERIFY(BuzzerClass::pernamentOff);
         QVERIFY(Sound::pernamentOFF);
+        const QMutexLocker turn(&BuzzerClass::mutex); // a request that is ignored needs none
         for (int code = 0; code < 15; ++code) {
             BuzzerClass::Beep(tone(code), false);
             BuzzerClass::Beep(tone(code), true);
