@@ -241,6 +241,11 @@ check "join: first without an address, then with one; then the point is lost" in
     radio "-77\tLab\tohm-law-1827\n"; iwconfig wlan0 | grep -q "Signal level=-77 dBm"
     radio ""; soon no_link; soon fails address ".*"
     iwconfig wlan0 | grep -q "ESSID:off/any"'
+check "restarts at the same moment leave one supplicant" inside '
+    one_supplicant() { [ "$(pgrep -cx supplicant)" = 1 ]; }
+    configure true
+    for i in $(seq 8); do systemctl restart wpa_supplicant@wlan0 & done
+    wait; soon one_supplicant; systemctl status wpa_supplicant@wlan0 >/dev/null'
 check "a wrong pass phrase does not join, the next network does" inside '
     radio "-40\tLab\tright-phrase\n-60\tOpen\t-\tsubnet=10.1.2\n"
     configure sh -c "wpa_passphrase Lab wrong-phrase; printf \"network={\n\tssid=\\\"Open\\\"\n\tkey_mgmt=NONE\n}\n\""
