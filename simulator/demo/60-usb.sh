@@ -24,7 +24,7 @@ exchange() {
     printf '%s\n' "$1" >&5
     IFS= read -r -t 5 received <&6
     exec 5>&- 6>&-
-    printf '%s\n' "${received##*$'\e[6n'}" # the console's last prompt may still be on the line
+    printf '%s\n' "$received"
 }
 
 tell 'to the network:' && ktvctl usb set network
@@ -33,20 +33,18 @@ tell 'to a serial line with a console:' && ktvctl usb set serial console
 tell 'the computer types "hostname", and reads:'
 exec 5<>"$computer"
 printf 'hostname\r' >&5
-answer=
-while IFS= read -r -t 5 line <&5; do
-    line=${line//[$'\r\e']/}
-    if [ "$line" = "$(hostname)" ]; then
-        answer=$line
-        break
-    fi
+name=$(hostname)
+said=
+# Up to the prompt behind the answer: the shell ends each by asking where the cursor is.
+until [[ $said == *$'\n'"$name"$'\n'*$'\e[6n' ]]; do
+    IFS= read -r -t 5 -dn part <&5 || {
+        echo "nothing"
+        exit 1
+    }
+    said+=${part//$'\r'/$'\n'}n
 done
 exec 5>&-
-[ -n "$answer" ] || {
-    echo "nothing"
-    exit 1
-}
-echo "$answer"
+echo "$name"
 
 tell 'to the calibration bridge:'
 exec 7< <(exec ktvctl usb set serial bridge)
