@@ -137,7 +137,7 @@ public:
     static bool StopHardwareCalibrationMode();
     /** Starts the calibration tool, which goes on by itself, and looks for it: blocks for 3 s. */
     static bool StartSystemCalibrationMode();
-    /** Ends every calibration tool of the system; blocks for 2 to 5 s, 12 s at worst. */
+    /** Ends every calibration tool of the system; blocks for 2 to 5 s, 17 s at worst. */
     static bool StopSystemsCalibrationMode();
     /** Starts the login console on the serial line. Blocks for one command. */
     static bool StartRS232Console();
