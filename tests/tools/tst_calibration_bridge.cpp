@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <termios.h>
+#include <thread>
 #include <unistd.h>
 
 using QERNTools::Tools;
@@ -19,6 +20,7 @@ namespace {
 
 std::atomic<int> lineSettings {0}; ///< how often the line has been set up
 
+const QByteArray bridgeCommand = "socat /dev/ttyGS0 /dev/ttycommunication";
 const QString listBridge =
     QStringLiteral("sh -c ps | grep \"[s]ocat /dev/ttyGS0 /dev/ttycommunication\"");
 
@@ -111,6 +113,8 @@ void TstCalibrationBridge::init()
 void TstCalibrationBridge::cleanup()
 {
     Meter::setBehaviour("killall", {});
+    Meter::showProgram("killall");
+    Meter::recordProgram("killall");
     Meter::showProgram("ps");
     Meter::showProgram("socat");
     if (Tools::isCalibrationModeActive)
@@ -266,9 +270,11 @@ void TstCalibrationBridge::cannotBeKilled()
     const LogCapture log;
     QVERIFY(!Tools::StopHardwareCalibrationMode());
     QVERIFY(!Tools::isCalibrationModeActive);
+    Meter::hideProgram("killall");
+    QVERIFY(!Tools::StopHardwareCalibrationMode());
     QCOMPARE(Meter::journal(), QStringList("killall socat"));
-    QCOMPARE(log.lines(),
-             QStringList("Tools::StopHardwareCalibrationMode(): killall socat no finished!"));
+    const QString line = "Tools::StopHardwareCalibrationMode(): killall socat no finished!";
+    QCOMPARE(log.lines(), QStringList({line, line}));
 }
 
 void TstCalibrationBridge::bridgeThatStaysComesBackNoMore()
@@ -288,12 +294,29 @@ void TstCalibrationBridge::bridgeThatStaysComesBackNoMore()
 
 void TstCalibrationBridge::listIsAskedForUntilItComes()
 {
-    Meter::replaceProgram("ps", "[ ! -e /tmp/hung ] || exit 0; : >/tmp/hung; wait_for_ever");
+    // A shell that comes late: until then no list does, and each asking counts all the same.
+    constexpr int askings = 9; // more than a bridge that stays is given
+    QVERIFY(QDir().mkpath("/tmp/programs"));
+    QVERIFY(QFile::link("/run/meter/bin/killall", "/tmp/programs/killall"));
+    const QByteArray searchPath = qgetenv("PATH");
+    qputenv("PATH", "/tmp/programs");
     const LogCapture log;
-    QVERIFY(Tools::StopHardwareCalibrationMode());
-    QCOMPARE(Meter::journal().filter(listBridge).size(), 2);
-    QCOMPARE(log.lines(),
-             QStringList("Tools::StopHardwareCalibrationMode(): ps socat no finished!"));
+    std::thread late([&log] {
+        while (log.lines().size() < askings)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        Meter::writeFile("/tmp/programs/new",
+                         "#!/bin/sh\necho >>/tmp/asked\necho " + bridgeCommand + '\n');
+        QFile("/tmp/programs/new").setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+        QFile::rename("/tmp/programs/new", "/tmp/programs/sh");
+    });
+    const bool isOver = Tools::StopHardwareCalibrationMode();
+    late.join();
+    qputenv("PATH", searchPath);
+    QVERIFY(!isOver);
+    const QString line = "Tools::StopHardwareCalibrationMode(): ps socat no finished!";
+    QCOMPARE(log.lines().size(), askings);
+    QCOMPARE(log.lines().count(line), askings);
+    QCOMPARE(Meter::readFile("/tmp/asked"), QByteArray("\n")); // the first list decides
 }
 
 void TstCalibrationBridge::switchesBetweenBridgeAndNetwork()

@@ -7,6 +7,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -76,6 +77,7 @@ private slots:
     void networkGadgetFails_data();
     void networkGadgetFails();
     void lineSettings();
+    void lineIsNoControllingTerminal();
     void lineSettingsWithoutLine();
 
     void console();
@@ -122,13 +124,15 @@ void TstUsbPort::init()
 void TstUsbPort::cleanup()
 {
     qputenv("PATH", searchPath);
-    for (const char *program : {"ps", "modprobe-usb-gadget", "systemctl", "mactool", "killall"})
+    for (const char *program :
+         {"ps", "grep", "modprobe-usb-gadget", "systemctl", "mactool", "ifconfig", "killall"})
         Meter::showProgram(program);
     for (const char *program : {"ps", "modprobe-usb-gadget", "systemctl", "ifconfig", "killall"})
         Meter::setBehaviour(program, {});
     QProcess::execute("systemctl", {"stop", "busybox.getty@ttyGS0.service"});
     QProcess::execute("busybox", {"killall", "-q", "-KILL", "mactool"});
-    Meter::recordProgram("killall");
+    for (const QString &program : recorded)
+        Meter::recordProgram(program);
 }
 
 void TstUsbPort::setUp(Tools::USB_Mode mode)
@@ -193,8 +197,10 @@ void TstUsbPort::ownerWithoutSerialLine()
     const LogCapture log;
     QCOMPARE(Tools::getRS232_Function(), Tools::RS232_None);
     setUp(Tools::USB_RNDIS);
+    Meter::writeFile("/dev/ttyGS0", {}); // does not count beside a network
     QCOMPARE(Tools::getRS232_Function(), Tools::RS232_None);
     QVERIFY(Tools::StopAllRS232Function());
+    QFile::remove("/dev/ttyGS0");
     QCOMPARE(calls(), QStringList());
     QCOMPARE(log.lines(), QStringList());
 }
@@ -339,6 +345,9 @@ void TstUsbPort::networkGadgetFails_data()
     QTest::newRow("interface hangs")
         << QByteArray() << QByteArray("hang=1") << QStringList({loadNetwork, networkUp})
         << QStringList("Tools::StartRNDIS(): ifconfig usb0 up no finished!");
+    QTest::newRow("interface's program is missing")
+        << QByteArray() << QByteArray("missing") << QStringList(loadNetwork)
+        << QStringList("Tools::StartRNDIS(): ifconfig usb0 up no finished!");
     QTest::newRow("no interface appears") << QByteArray("nothing") << QByteArray()
                                           << QStringList({loadNetwork, networkUp}) << QStringList();
     QTest::newRow("gadget is missing")
@@ -356,7 +365,10 @@ void TstUsbPort::networkGadgetFails()
         Meter::replaceProgram("modprobe-usb-gadget", "exit 0");
     else
         Meter::setBehaviour("modprobe-usb-gadget", modprobe);
-    Meter::setBehaviour("ifconfig", ifconfig);
+    if (ifconfig == "missing")
+        Meter::hideProgram("ifconfig");
+    else
+        Meter::setBehaviour("ifconfig", ifconfig);
     const LogCapture log;
     QVERIFY(!Tools::StartRNDIS());
     QTEST(calls(), "commands");
@@ -392,12 +404,30 @@ void TstUsbPort::lineSettings()
     QCOMPARE(present.c_lflag, tcflag_t(0));
 }
 
+void TstUsbPort::lineIsNoControllingTerminal()
+{
+    setUp(Tools::USB_RS232);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::setsid(); // its first terminal would be its own, and a hang-up there end it
+        const bool isOpen = Tools::ConfigurePort();
+        ::_exit(isOpen && ::open("/dev/tty", O_RDWR) < 0 ? 0 : 1);
+    }
+    int status = -1;
+    QCOMPARE(::waitpid(child, &status, 0), child);
+    QCOMPARE(status, 0);
+}
+
 void TstUsbPort::lineSettingsWithoutLine()
 {
     QVERIFY(!Tools::ConfigurePort());
     QVERIFY(!Tools::StartRS232Console());
     QVERIFY(!Tools::StartSystemCalibrationMode());
     QCOMPARE(calls(), QStringList());
+
+    Meter::writeFile("/dev/ttyGS0", {});
+    QVERIFY(Tools::ConfigurePort()); // that a file takes no settings is not examined
+    QFile::remove("/dev/ttyGS0");
 }
 
 void TstUsbPort::console()
@@ -509,22 +539,30 @@ void TstUsbPort::calibrationToolDoesNotEnd()
 
 void TstUsbPort::calibrationToolListIsTakenAsFarAsItCame()
 {
-    // grep lets go of its line only at the end, so nothing has come: taken as ended.
-    Meter::replaceProgram("ps", "echo mactool; wait_for_ever");
+    // First the tool shows though the list does not end; then nothing comes within a second,
+    // which is taken as its end.
+    Meter::replaceProgram("grep",
+                          "[ ! -e /tmp/asked ] || pause 3\n"
+                          "echo mactool\n"
+                          "[ -e /tmp/asked ] || { : >/tmp/asked; wait_for_ever; }");
     const LogCapture log;
     QVERIFY(Tools::StopSystemsCalibrationMode());
-    QCOMPARE(listCalls().size(), 1);
+    QVERIFY(QFile::remove("/tmp/asked"));
+    QCOMPARE(listCalls().size(), 2);
     QCOMPARE(log.lines(), QStringList());
 }
 
 void TstUsbPort::calibrationToolWithoutKillall()
 {
-    Meter::setBehaviour("killall", "hang=1");
     const LogCapture log;
+    Meter::setBehaviour("killall", "hang=1");
     QVERIFY(!Tools::StopSystemsCalibrationMode());
     QCOMPARE(calls(), QStringList("killall mactool"));
-    QCOMPARE(log.lines(),
-             QStringList("Tools::StopSystemsCalibrationMode(): killall mactool no finished!"));
+    Meter::hideProgram("killall");
+    QVERIFY(!Tools::StopSystemsCalibrationMode());
+    QCOMPARE(calls(), QStringList("killall mactool"));
+    const QString line = "Tools::StopSystemsCalibrationMode(): killall mactool no finished!";
+    QCOMPARE(log.lines(), QStringList({line, line}));
 }
 
 void TstUsbPort::nothingToSwitch()
@@ -644,6 +682,7 @@ void TstUsbPort::switchOwner()
              QStringList({"Tools::SetUSBMode: setRS232Mode1 = false",
                           "Tools::SetUSBMode:end: StartRNDIS = true"}));
     QCOMPARE(Tools::getCurrentMode(), Tools::USB_RNDIS);
+    QCOMPARE(Meter::processes("mactool"), QStringList());
 }
 
 void TstUsbPort::ownerThatStaysKeepsTheLine()
