@@ -48,7 +48,7 @@ public:
     /**
      * Opens the file, closing it first when it is open, and adds the factory rows that the
      * language in effect lacks. A missing file is created.
-     * @return whether the store is open
+     * @return whether the store is open; a damaged file opens, too, and its operations fail
      */
     bool Open();
     /**
@@ -61,7 +61,10 @@ public:
     bool RestoreFabricalSetting();
     /** Closes the file and gives the connection back. Open() opens it again. */
     void freeDB();
-    /** Takes another language into effect, adding its factory rows unless it has some. */
+    /**
+     * Takes another language into effect, also while the store is closed, and adds its factory
+     * rows unless it has some. Each factory file that is missing is logged, every time.
+     */
     void SetLang(const QString &language);
 
     int GetDefaultObiectTypCount(); ///< Factory object types of the language; 0 on a failure.
@@ -140,7 +143,10 @@ public:
     bool AddLimit_R(const QString &name, const QString &high, const QString &low);
     /** As AddLimit_R(). */
     bool _AddLimit_R(const QString &name, const QString &high, const QString &low);
-    /** Changes a pair. @return whether the statement ran, also for an absent row */
+    /**
+     * Changes a pair.
+     * @return whether the statement ran: true also for an absent row; false for an empty name
+     */
     bool UpdateLimit_R(int id, const QString &name, const QString &high, const QString &low);
     /** Deletes a pair. @return whether the statement ran, also for an absent row */
     bool DeleteLimit_R(int id);

@@ -157,6 +157,7 @@ void TstNamedDatabase::commitThatCannotBeWritten()
     NamedDatabase database(QStringLiteral("one"));
     NamedDatabase reader(QStringLiteral("two"));
     QVERIFY(database.open(path()) && run(database, "CREATE TABLE t (x)"));
+    QVERIFY(run(database, "PRAGMA busy_timeout = 0"));
     QVERIFY(reader.open(path()));
     std::optional<Transaction> reading(std::in_place, reader);
     QCOMPARE(rows(reader), 0);
