@@ -96,6 +96,8 @@ void TstValueParsing::texts_data()
     QTest::newRow("three blanks, unit part empty")
         << "1.5   V" << true << 1.5F << 1 << untouchedUnit << Prefix_None;
     QTest::newRow("blanks around") << "  1.5 V\t\n" << true << 1.5F << 1 << Unit_V << Prefix_None;
+    QTest::newRow("blanks before") << "  1.5 V" << true << 1.5F << 1 << Unit_V << Prefix_None;
+    QTest::newRow("a line's end") << "1.5 V\n" << true << 1.5F << 1 << Unit_V << Prefix_None;
     QTest::newRow("missing value")
         << "---" << false << NaN << 0 << untouchedUnit << untouchedPrefix;
     QTest::newRow("missing value with a unit")
@@ -275,6 +277,16 @@ void TstValueParsing::numbersAreThoseOfQt()
             number.insert(number.size() - decimals, '.');
         if (i % 3 == 0)
             number.prepend('-');
+        if (!check(number))
+            QFAIL(qPrintable(number));
+    }
+    for (int i = 0; i < 40000; ++i) {
+        // A hair beside the middle of two floats: there every bit of a double counts.
+        const quint32 odd = 1U << 24U | random.generate() >> 8U | 1U;
+        const quint32 middle = odd << random.generate() % 3U;
+        const int zeros = int(random.generate() % 10U);
+        const QString number = QString::number(middle) + '.' + QString(zeros, '0')
+            + QString::number(1 + random.generate() % 9U);
         if (!check(number))
             QFAIL(qPrintable(number));
     }
