@@ -116,6 +116,7 @@ private slots:
     void settingsWithoutACard();
     void languageIsStoredOnlyWhenItLoads();
     void countersLast();
+    void countersWithoutACard();
     void firstStartIsConsumed();
     void readersLeaveOtherServicesAlone_data();
     void readersLeaveOtherServicesAlone();
@@ -396,6 +397,19 @@ void TstKtvctl::countersLast()
              QByteArray::fromHex("0000000000000002"));
 }
 
+void TstKtvctl::countersWithoutACard()
+{
+    QDir(logFiles).removeRecursively();
+    Meter::writeFile("/media/sdcard/Log", "in the way");
+    const Answer answer = ktvctl({"counters", "up", "Demagnetyzacja"});
+    QCOMPARE(answer.code, 1);
+    QCOMPARE(answer.out, QString());
+    QCOMPARE(answer.error,
+             QStringLiteral("ktvctl: the counters in '/media/sdcard/Log/' cannot be written; "
+                            "--verbose tells more\n"));
+    QFile::remove("/media/sdcard/Log");
+}
+
 void TstKtvctl::firstStartIsConsumed()
 {
     Meter::writeFile("/etc/korva/system-boot.status", "1\n");
@@ -410,7 +424,7 @@ void TstKtvctl::readersLeaveOtherServicesAlone_data()
     for (const char *words :
          {"info", "info --json", "disk", "filename valid x", "filename free /tmp x",
           "lang list --serial DV1", "lang text Main title --lang EN",
-          "help topics --lang EN --serial CH1"})
+          "help topics --lang EN --serial CH1", "counters show"})
         QTest::newRow(words) << words;
 }
 

@@ -22,9 +22,16 @@ QString logDirectory()
     return KTV_Configuration().get_logDirectory();
 }
 
+/** What the card has. Never destroyed, for its end would write the file. */
+const KTV_Liczniki &storedCounters()
+{
+    static const auto *const counters = new KTV_Liczniki(logDirectory());
+    return *counters;
+}
+
 int show(const Call &call)
 {
-    KTV_Liczniki counters(logDirectory());
+    const KTV_Liczniki &counters = storedCounters();
     QJsonObject machine;
     QStringList human;
     for (int i = 0; i < counterNames().keyCount(); ++i) {
@@ -41,12 +48,18 @@ int up(const Call &call)
 {
     bool ok = false;
     const QByteArray name = (prefix + call.argument(0)).toLatin1();
-    const int counter = counterNames().keyToValue(name.constData(), &ok);
+    const auto counter = KTV_Liczniki::Licznik(counterNames().keyToValue(name.constData(), &ok));
     if (!ok)
         return fail(QStringLiteral("no counter '%1'").arg(call.argument(0)));
-    KTV_Liczniki counters(logDirectory());
-    counters.up_dictionary(KTV_Liczniki::Licznik(counter));
-    const qint64 count = counters.get_dictionary(KTV_Liczniki::Licznik(counter));
+    qint64 count = 0;
+    {
+        KTV_Liczniki counters(logDirectory());
+        counters.up_dictionary(counter);
+        count = counters.get_dictionary(counter);
+    }
+    if (storedCounters().get_dictionary(counter) != count)
+        return fail(QStringLiteral("the counters in '%1' cannot be written; --verbose tells more")
+                        .arg(logDirectory()));
     call.print(count, QString::number(count));
     return Success;
 }
@@ -57,7 +70,8 @@ Family countersFamily()
 {
     return {
         "counters",
-        "Usage counters. Unwise while the interface runs: it writes its own counts when it "
-        "ends.",
+        "Usage counters. 'show' is safe at any time; 'up' is unwise while the interface runs, "
+        "which "
+        "writes its own counts when it ends.",
         {{"show", "", "print every counter", show}, {"up", "NAME", "add one to a counter", up}}};
 }
