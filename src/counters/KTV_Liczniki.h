@@ -36,7 +36,7 @@ public:
 
     /** Loads the counters. @param directory prefix of the file's path; ends in "/" */
     explicit KTV_Liczniki(const QString &directory, QObject *parent = nullptr);
-    /** Saves the counters. */
+    /** Saves the counters as SaveLiczniki() does. */
     ~KTV_Liczniki() override;
 
     void Up_Licznik_AutomatycznyDoborMetody(); ///< Counts one automatic selection.
@@ -63,7 +63,10 @@ public:
 
     /** Reads the file; counters that it lacks become 0, all of them when it is damaged. */
     void LoadLiczniki();
-    /** Replaces the file, creating its directory (one level) when that is missing. */
+    /**
+     * Replaces the file, creating its directory (one level) when that is missing. Blocks until
+     * the card has it. On a failure the old file stays.
+     */
     void SaveLiczniki();
 
 private:

@@ -78,13 +78,16 @@ public:
     PowerManager *getPowerManager() const; ///< Power manager.
 
     /**
-     * Switches the language of the texts, the pick lists and the help pages. The stored setting is
-     * the caller's business. setMeterSerialName() must have been called before.
+     * Switches the language of the texts, with the fallback of LangSerwis::setLang(), that of the
+     * pick lists to the one then in effect, and that of the help pages to @p code. The stored
+     * setting is the caller's business. setMeterSerialName() must have been called before. Blocks
+     * while the texts are read and, for a new language, its factory lists are written.
      */
     void SetLang(const QString &code);
     /**
      * Takes the meter's serial number and renews everything that depends on the model. Pointers
      * to the updater are void from then on; an earlier help manager lives on with the facade.
+     * Blocks no longer than it takes to look for two folders, and to create them.
      */
     void setMeterSerialName(const QString &serial);
     /**
@@ -112,13 +115,19 @@ public:
     /** Free-space alert level: 0, 1 (above 70 % used) or 2 (above 80 %). */
     int getFreeSpaceAlert() const;
 
-    /** Whether this is the first start after an installation; true once, then never again. */
+    /**
+     * Whether this is the first start after an installation; true once, for the mark is removed
+     * then. False also for a mark that cannot be read.
+     */
     static bool FirstStart();
     /** Whether the device has a touch screen. */
     static bool TouchScreenEnable();
 
 public slots:
-    /** Computes the alert level anew; the timer's handler, and free to be called directly. */
+    /**
+     * Computes the alert level anew; the timer's handler, and free to be called directly. A
+     * volume that cannot be examined counts as empty.
+     */
     void updateTimeDisk();
 
 signals:

@@ -81,11 +81,14 @@ public:
      */
     static QString findFreeFileName(const QString &directory, const QString &fileName);
 
-    /** @return new figures of the volume that holds @p path; the caller deletes them */
+    /**
+     * @return new figures of the volume that holds @p path; the caller deletes them. Where there
+     *         is none, free and total read "-1 B".
+     */
     static QERNTools::DiskInfo *getDiskInfo(const QString &path);
     /** Bytes available on the volume that holds @p path; -1 when there is none. */
     static qint64 getFreeSpace(const QString &path);
-    /** Used part of the volume in whole percent, cut off; 0 for a volume without size. */
+    /** Used part of the volume in whole percent, cut off; 0 for a volume without size or none. */
     static qint64 getUsedSpacePercent(const QString &path);
 
     /** Whether the system image has marked no fault of the memory card. */

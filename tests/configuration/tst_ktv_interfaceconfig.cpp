@@ -12,6 +12,7 @@
 #include <QSqlRecord>
 #include <QTemporaryDir>
 #include <QVariant>
+#include <QtEndian>
 #include <QtTest>
 
 #include <climits>
@@ -97,6 +98,7 @@ private slots:
     void deleteValue_data();
     void deleteValue();
     void failedStatementStopsNoOther();
+    void writesAreOneTransaction();
     void restore();
 
     void existingFileIsUsedAsItIs();
@@ -109,6 +111,7 @@ private slots:
     void closedStoreOpensOnIntegerRead();
     void readOnlyCard();
     void fullCard();
+    void fullCardAtCreation();
     void lockedFile();
     void leavesNothingRegistered();
 
@@ -425,6 +428,28 @@ void TstKtvInterfaceConfig::failedStatementStopsNoOther()
     QCOMPARE(Reader(path()).settings(), QStringList());
 }
 
+void TstKtvInterfaceConfig::writesAreOneTransaction()
+{
+    // SQLite counts a file's transactions in the file's head.
+    const auto transactions = [this] {
+        return qFromBigEndian<quint32>(Meter::readFile(path()).mid(24, 4).constData());
+    };
+    Config config(directory());
+    QCOMPARE(transactions(), 1U); // both tables and the version
+    config.setValue(Config::MAIN_Lang, QStringLiteral("DE"));
+    QCOMPARE(transactions(), 2U);
+    config.setValue(Config::MAIN_Lang, QStringLiteral("PL")); // a row goes, another one comes
+    QCOMPARE(transactions(), 3U);
+    config.setValue(Config::MAIN_Pin, 1);
+    QCOMPARE(transactions(), 4U);
+    config.deleteValue({Config::MAIN_Lang, Config::MAIN_Pin});
+    QCOMPARE(transactions(), 5U);
+    config.deleteValue({});
+    QCOMPARE(transactions(), 5U);
+    config.RestoreFabricalSetting();
+    QCOMPARE(transactions(), 1U);
+}
+
 void TstKtvInterfaceConfig::restore()
 {
     const LogCapture log;
@@ -642,6 +667,23 @@ void TstKtvInterfaceConfig::fullCard()
     config.setValue(Config::MAIN_Lang, QStringLiteral("PL"));
     QCOMPARE(config.getValue(Config::MAIN_Lang, QString()), QStringLiteral("PL"));
     QCOMPARE(log.lines(), QStringList());
+}
+
+void TstKtvInterfaceConfig::fullCardAtCreation()
+{
+    Volume card(directory());
+    card.fillUp();
+    const LogCapture log;
+    Config config(directory());
+    const auto full = QStringLiteral("database or disk is full Unable to fetch row");
+    QCOMPARE(log.lines(), // each statement has its try
+             (QStringList {full, "no such table: Setting Unable to execute statement", full}));
+    QVERIFY(config.CreateNew()); // what counts is that the file opens
+    QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("EN"));
+    card.fill(0);
+    QVERIFY(config.Open()); // the file without tables counts as missing
+    config.setValue(Config::MAIN_Lang, QStringLiteral("DE"));
+    QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("DE"));
 }
 
 void TstKtvInterfaceConfig::lockedFile()

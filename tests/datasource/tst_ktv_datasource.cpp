@@ -95,6 +95,7 @@ private slots:
     void orderOfConstruction();
     void orderOfDestruction();
     void everythingFailsInOrder();
+    void directoriesComeFromTheDescription();
 
     void startLanguage_data();
     void startLanguage();
@@ -218,6 +219,51 @@ void TstKtvDataSource::everythingFailsInOrder()
     QVERIFY(log.lines().contains("Liczniki create path error!!!"));
 }
 
+void TstKtvDataSource::directoriesComeFromTheDescription()
+{
+    const QString other = QStringLiteral("/media/sdcard/Other/");
+    QDir(other).removeRecursively();
+    Meter::writeFile("/home/root/globalInfo.xml",
+                     "<device><_clientsDirectory Value='/media/sdcard/Other/Clients/'/>"
+                     "<_logDirectory Value='/media/sdcard/Other/Log/'/>"
+                     "<_updateDirectory Value='/media/sdcard/Other/Update'/>"
+                     "<_mainInterfaceLangsDirectory Value='/media/sdcard/Other/Langs/'/>"
+                     "<_mainInterfaceUserDataDirectory Value='/media/sdcard/Other/UserData/'/>"
+                     "<_mainInterfaceUserHelpDirectory Value='/media/sdcard/Other/Help/'/>"
+                     "<_soundSamplePath Value='/media/sdcard/Other/wav/'/>"
+                     "<_soundOff Value='true'/></device>");
+    Meter::writeFile(other + "Langs/EN/EN.xml", language("other"));
+    Meter::writeFile(other + "Langs/EN/default_obiectTyp.txt", "one\ntwo\n");
+    Meter::writeFile(other + "Update/1.update", "x");
+    {
+        const Volume card(other + "Clients", 512);
+        KTV_Configuration::_meterModel = KTV_Configuration::KTV_4200; // one that plays samples
+        KTV_DataSource facade;
+        const auto &soundOff = Buzzer::BuzzerClass::pernamentOff;
+        const auto &samples = Buzzer::BuzzerClass::_pathtoWave;
+        for (const bool hasSerialNumber : {false, true}) {
+            QCOMPARE(facade.getUpdate()->updateFiles(), QStringList("1.update"));
+            QCOMPARE(samples, other + "wav/");
+            QVERIFY(soundOff);
+            Buzzer::BuzzerClass::BuzzerClass_Initialiser(KTV_Configuration::KTV_4200, {}, false);
+            if (!hasSerialNumber)
+                facade.setMeterSerialName("DV1");
+        }
+        QCOMPARE(facade.get_Lang()->getText("Main", "title", {}), QStringLiteral("other"));
+        QCOMPARE(facade.get_DataList()->GetDefaultObiectTypCount(), 2);
+        const std::unique_ptr<QERNTools::DiskInfo> figures(facade.getDiskInfo());
+        QCOMPARE(figures->totalText, QStringLiteral("2.00 MB"));
+    }
+    const auto filesOf = [](const QString &path) { return QDir(path).entryList(QDir::Files); };
+    QCOMPARE(filesOf(other + "UserData"),
+             (QStringList {"dataList.db", "interfaceConfig.db", "wifi.db"}));
+    QCOMPARE(filesOf(other + "Log"), QStringList("liczniki.bin"));
+    QVERIFY(QFileInfo(other + "Help/KTV_4200").isDir());
+    QCOMPARE(filesOf(userData), QStringList()); // nothing in the usual places
+    QVERIFY(!QFile::exists(countersFile));
+    QVERIFY(!QFile::exists(helpPages + "KTV_4200"));
+}
+
 void TstKtvDataSource::startLanguage_data()
 {
     QTest::addColumn<QString>("stored");
@@ -237,10 +283,16 @@ void TstKtvDataSource::startLanguage()
     QFETCH(QString, code);
     if (!stored.isNull())
         KTV_InterfaceConfig(userData).setValue(KTV_InterfaceConfig::MAIN_Lang, stored);
+    Meter::writeFile(languages + code + "/default_obiectTyp.txt", "one\ntwo\n");
+    Meter::writeFile(helpPages + "KTV_420/Main/a_" + code + ".html", "x");
     {
-        const KTV_DataSource facade;
+        KTV_DataSource facade;
         QCOMPARE(facade.get_Lang()->getCurrentLang(), code);
         QCOMPARE(facade.get_Lang()->getText("Main", "title", {}), code);
+        // Lists and help follow the language in effect, not the stored one.
+        QCOMPARE(facade.get_DataList()->GetDefaultObiectTypCount(), 2);
+        facade.setMeterSerialName("CH1");
+        QVERIFY(facade.getHelpManager()->HasHelp("Main"));
     }
     QCOMPARE(storedValue(KTV_InterfaceConfig::MAIN_Lang),
              stored.isNull() ? QStringLiteral("not set") : stored);
