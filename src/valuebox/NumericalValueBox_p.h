@@ -56,6 +56,9 @@ public:
     /** Text of a number shown with a row, after a marker. */
     QString rowText(QLatin1String marker, float number, const DynamicRounding::RoundItem &row,
                     bool isMinusShown) const;
+    /** The same with unit and prefix of any content, and with any number. */
+    QString simplifiedRowText(QLatin1String marker, float number,
+                              const DynamicRounding::RoundItem &row, bool isMinusShown) const;
 
     bool negativeAllowed = false;
     bool debug = false;

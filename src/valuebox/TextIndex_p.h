@@ -48,13 +48,8 @@ public:
     QStringView text(Key key)
     {
         update();
-        const QString *found = nullptr;
-        if (key >= lowest && key <= highest) {
-            found = m_direct[std::size_t(key - lowest)];
-        } else {
-            const auto entry = m_content.constFind(key);
-            found = entry == m_content.constEnd() ? nullptr : &*entry;
-        }
+        const bool isDirect = key >= lowest && key <= highest;
+        const QString *found = isDirect ? m_direct[std::size_t(key - lowest)] : searched(key);
         return found ? QStringView(*found) : QStringView();
     }
 
@@ -65,7 +60,8 @@ private:
             renew();
     }
 
-    void renew()
+    // Rare, and so kept out of the code that every text runs through.
+    Q_NEVER_INLINE void renew()
     {
         m_content = m_texts;
         m_entries.clear();
@@ -75,6 +71,12 @@ private:
             if (entry.key() >= lowest && entry.key() <= highest)
                 m_direct[std::size_t(entry.key() - lowest)] = &entry.value();
         }
+    }
+
+    Q_NEVER_INLINE const QString *searched(Key key) const
+    {
+        const auto entry = m_content.constFind(key);
+        return entry == m_content.constEnd() ? nullptr : &*entry;
     }
 
     const QHash<Key, QString> &m_texts;

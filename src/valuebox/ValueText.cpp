@@ -126,8 +126,14 @@ QString NumericalValueBox::Private::rowText(QLatin1String marker, float number,
             marker, isMinusShown && fixed->digits() != 0, *fixed, hasUnit, prefixText, unitText}
             .toString();
     }
+    return simplifiedRowText(marker, number, row, isMinusShown);
+}
+
+QString NumericalValueBox::Private::simplifiedRowText(QLatin1String marker, float number,
+                                                      const RoundItem &row, bool isMinusShown) const
+{
     QString text = marker + Internal::roundedText(number, row) + QLatin1Char(' ')
-        + prefixText.toString() + unitText.toString();
+        + getUnitPrefix(UnitPrefixs(row.prefix)) + getUnit(unit);
     if (isMinusShown)
         text.prepend(QLatin1Char('-'));
     if (text.contains(nothing()))
