@@ -89,7 +89,9 @@ void Player::setupChildProcess()
     if (!m_repeats)
         return;
     ::signal(SIGPIPE, SIG_IGN); // so that a missing player, too, is something to complain about
-    // In a thread without an event loop nobody counts: there a full pipe halts what complains.
+    // In a thread without an event loop nobody counts: there a full pipe halts what complains;
+    // and also after a crash of this process, because the child can read the pipe itself.
+    ::open("/proc/self/fd/2", O_RDONLY);
     if (!m_canSound)
         ::fcntl(STDERR_FILENO, F_SETPIPE_SZ, complaintsSize);
 }
