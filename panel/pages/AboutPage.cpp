@@ -148,5 +148,5 @@ void AboutPage::refresh()
                              context().text(Text {"About", "free", "Free"}), disk->freeText,
                              context().text(Text {"About", "total", "Total"}), disk->totalText));
     m_alert->setText(context().cardAlert());
-    m_gauge->setPercent(disk->usedPercent, !m_alert->text().isEmpty());
+    m_gauge->setPercent(disk->usedPercent, library().getFreeSpaceAlert() > 0);
 }

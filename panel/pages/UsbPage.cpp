@@ -27,7 +27,18 @@ const ChoiceRow choices[] = {
     {Tools::USB_RS232, Tools::RS232_SystemCalibration,
      Text {"USB", "systemCalibration", "System calibration"}},
 };
-constexpr int freeLine = 1; ///< the row above
+
+/** Brings the port into a choice. Blocks as KTV_DataSource::SetUSBMode() does. */
+void bring(const KTV_DataSource &facade, const ChoiceRow &choice)
+{
+    // Asked to give a line to nobody, the library frees it, and then falls back to the
+    // network: a line is taken from its owner in so many words.
+    if (choice.mode == Tools::USB_RS232 && choice.owner == Tools::RS232_None
+        && facade.getUSB_Mode() == Tools::USB_RS232)
+        Tools::StopAllRS232Function();
+    else
+        facade.SetUSBMode(choice.mode, choice.owner);
+}
 
 } // namespace
 
@@ -65,12 +76,8 @@ void UsbPage::switchTo(int choice)
     if (choice >= 0)
         m_busy = new BusySheet(context(), this, Text {"USB", "switching", "Switching the port"});
     m_work.setFuture(QtConcurrent::run([facade = &library(), choice] {
-        // Asked to give a line to nobody, the library frees it, and then falls back to the
-        // network: a line is taken from its owner in so many words.
-        if (choice == freeLine && facade->getUSB_Mode() == Tools::USB_RS232)
-            Tools::StopAllRS232Function();
-        else if (choice >= 0)
-            facade->SetUSBMode(choices[choice].mode, choices[choice].owner);
+        if (choice >= 0)
+            bring(*facade, choices[choice]);
         State state;
         state.mode = facade->getUSB_Mode();
         state.owner = facade->getRS_Mode();
