@@ -163,8 +163,8 @@ signals:
     void WiFi_DetailState_Change(WiFi::Network *network);
     /**
      * A scan has ended: the networks in reach, one entry per name, weakest first; null when the
-     * scan tool failed. Names are as the tool prints them, with "\\xC3\\x96" for what is not ASCII.
-     * The receiver owns the list and its records.
+     * scan tool failed. Names are as the tool prints them: what is not ASCII stands in escapes,
+     * and added like that the network is not joined. The receiver owns the list and its records.
      */
     void WiFi_Scan(QList<WiFi::Network *> *networks);
 
