@@ -1,8 +1,10 @@
 #include "sound/Player_p.h"
 
-#include <QFile>
+#include <QAbstractEventDispatcher>
+#include <QFileInfo>
 #include <QStandardPaths>
 #include <QThread>
+#include <QTimer>
 
 #include <csignal>
 #include <fcntl.h>
@@ -14,13 +16,14 @@ namespace SoundNamespace {
 namespace {
 
 constexpr int startWait = 3000; // ms
+constexpr int emptyTime = 300; // ms that an empty file is played over and over
 constexpr int mostComplaints = 20;
 constexpr int complaintsSize = 4096; // bytes, the least that a pipe can have
 
 bool canSound(const QString &file)
 {
     return !QStandardPaths::findExecutable(QStringLiteral("aplay")).isEmpty()
-        && QFile::exists(file);
+        && QFileInfo::exists(file);
 }
 
 } // namespace
@@ -72,6 +75,15 @@ void Player::expectRepeats(const QString &file)
     m_repeats = true;
     m_canSound = canSound(file);
     connect(this, &QProcess::readyReadStandardError, this, &Player::countComplaints);
+    // Of an empty file nothing complains.
+    const QFileInfo sample(file);
+    if (sample.isFile() && sample.size() == 0 && QAbstractEventDispatcher::instance())
+        QTimer::singleShot(emptyTime, this, &Player::halt);
+}
+
+void Player::halt()
+{
+    signalGroup(SIGSTOP);
 }
 
 void Player::countComplaints()
@@ -79,7 +91,7 @@ void Player::countComplaints()
     // The player may remark on what it plays; cat speaks only when it fails.
     m_complaints += readAllStandardError().count("cat: ");
     if (m_complaints > mostComplaints)
-        signalGroup(SIGSTOP);
+        halt();
 }
 
 // Runs between fork and exec: plain system calls only.

@@ -25,7 +25,7 @@ public:
 
     /**
      * For a shell that feeds @p file to a player over and over. Where that cannot sound, it would
-     * start one process after the other: after some complaints it is halted, until it is ended.
+     * start one process after the other: it is halted after some of them, until it is ended.
      * Before launch().
      */
     void expectRepeats(const QString &file);
@@ -35,6 +35,7 @@ protected:
 
 private:
     bool isOwnThread() const;
+    void halt();
     void countComplaints();
 
     pid_t m_id = 0;
