@@ -60,7 +60,7 @@ WifiPage::WifiPage(Context &context)
 
 WifiPage::~WifiPage()
 {
-    leave();
+    WifiPage::leave();
     connection().disconnect(this);
     QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
 }

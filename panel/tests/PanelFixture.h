@@ -66,7 +66,7 @@ public:
         for (const char *name : names)
             if (!finger.tap(QLatin1String(name)))
                 return QLatin1String(name);
-        return QString();
+        return {};
     }
 
     Context context;
