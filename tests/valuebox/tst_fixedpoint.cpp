@@ -133,7 +133,7 @@ void TstFixedPoint::nudgeReachesNoEighthDecimal()
     for (int i = 0; i < 300000; ++i) {
         // Around numbers of ten decimals that end in 5, small enough to have them.
         const quint64 units = random.generate64() % (quint64(1) << (4 + i % 32));
-        float value = float(double(units * 10 + 5) * 1e-10);
+        auto value = float(double(units * 10 + 5) * 1e-10);
         value = i % 3 == 0 ? value : (i % 3 == 1 ? next(value) : previous(value));
         if (i % 2 == 0)
             value = -value;
@@ -154,7 +154,7 @@ void TstFixedPoint::nudgeReachesTheNinthDecimal()
     QRandomGenerator random(15);
     int changed = 0;
     for (int i = 0; i < 100000; ++i) {
-        const float value = float(double((random.generate() % 2000000U) * 10U + 5U) * 1e-10);
+        const auto value = float(double((random.generate() % 2000000U) * 10U + 5U) * 1e-10);
         for (int decimals = 9; decimals <= 11; ++decimals) {
             const QString expected = PlainSteps::rounded(double(value), decimals);
             if (expected != QString::number(double(value), 'f', decimals))

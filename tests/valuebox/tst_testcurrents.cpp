@@ -87,7 +87,7 @@ void TstTestCurrents::nearestCode_data()
                   {143.F, 130, 140}, {154.F, 140, 150}, {165.F, 150, 160}, {176.F, 160, 170},
                   {187.F, 170, 180}, {198.F, 180, 190}, {209.F, 190, 200}, {220.F, 200, -1}};
     for (const auto &entry : bounds) {
-        const double bound = double(entry.bound);
+        const auto bound = double(entry.bound);
         QTest::addRow("just below %g A", bound) << previous(entry.bound) << entry.below;
         QTest::addRow("%g A, exclusive", bound) << entry.bound << entry.from;
         QTest::addRow("just above %g A", bound) << next(entry.bound) << entry.from;
