@@ -8,9 +8,8 @@ namespace Internal {
 
 namespace {
 
-// The files of a device hold some 10 to 100 kB, and a document takes up to 80 times its file's
-// memory: this is what a small device can spare.
-constexpr qint64 largestFile = Q_INT64_C(1024) * 1024;
+// The files of a device hold some 10 to 100 kB; a document takes up to 80 times its memory.
+constexpr qint64 largestFile = Q_INT64_C(4) * 1024 * 1024;
 // A document of some tens of thousands of levels overflows the stack when it is destroyed.
 constexpr int deepestNesting = 10000;
 // The parser descends at each bracket of a declaration, compares each entity with all others,

@@ -30,7 +30,7 @@ public:
 
     /**
      * Loads the language @p code, or "EN" when its file cannot be opened. A file that opens but
-     * does not parse, or is larger than 1 MiB, leaves the language in effect as it was. Blocks
+     * does not parse, or is larger than 4 MiB, leaves the language in effect as it was. Blocks
      * while the file is read.
      * @return whether a language was loaded, be it the fallback
      */
