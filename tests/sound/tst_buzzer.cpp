@@ -380,8 +380,10 @@ void TstBuzzer::manyThreadsAsk()
 {
     for (const auto model : {KTV_Configuration::KTV_420, KTV_Configuration::KTV_4400}) {
         BuzzerClass::BuzzerClass_Initialiser(model, samples, false);
+        constexpr int count = 4;
         std::vector<std::thread> callers;
-        for (int i = 0; i < 4; ++i) {
+        callers.reserve(count);
+        for (int i = 0; i < count; ++i) {
             callers.emplace_back([i] {
                 BuzzerClass::Beep(tone(1), i % 2 == 0);
                 BuzzerClass::Beep(tone(0), true);

@@ -100,7 +100,7 @@ QFile::Permissions othersRights(const QString &file)
 
 QString characters(int count)
 {
-    return QString(count, QLatin1Char('k'));
+    return {count, QLatin1Char('k')};
 }
 
 } // namespace
@@ -206,16 +206,17 @@ void TstWifiNetworks::existingFileIsOpenedAsItIs()
 
 void TstWifiNetworks::directoryWithoutSeparator()
 {
-    KTV_Connection(m_directory->path() + QStringLiteral("/User"));
+    std::make_unique<KTV_Connection>(m_directory->path() + QStringLiteral("/User")).reset();
     QVERIFY(QFile::exists(directory() + QStringLiteral("Userwifi.db")));
 }
 
 void TstWifiNetworks::missingDirectoryIsCreated()
 {
-    KTV_Connection(directory() + QStringLiteral("new/"));
+    std::make_unique<KTV_Connection>(directory() + QStringLiteral("new/")).reset();
     QVERIFY(QFile::exists(directory() + QStringLiteral("new/wifi.db")));
     const LogCapture log;
-    KTV_Connection(directory() + QStringLiteral("a/b/")); // one level only
+    std::make_unique<KTV_Connection>(directory() + QStringLiteral("a/b/"))
+        .reset(); // one level only
     QVERIFY(!QFile::exists(directory() + QStringLiteral("a")));
     QVERIFY(log.lines().contains(QStringLiteral("KTV_Connection - No open database :(true")));
 }
