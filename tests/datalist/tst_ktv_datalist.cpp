@@ -141,7 +141,7 @@ void TstKtvDataList::nothingForTheMetaObject()
 
 void TstKtvDataList::newFile()
 {
-    delete ListStore::open().release();
+    ListStore::open();
     QCOMPARE(rows("SELECT * FROM Setting"), QStringList("1|Version|0"));
     QCOMPARE(
         rows("SELECT sql FROM sqlite_master WHERE type='table' ORDER BY rowid"),

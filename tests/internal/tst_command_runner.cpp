@@ -117,8 +117,7 @@ CommandResult TstCommandRunner::runAndStop(const QString &script)
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         stop = true;
     });
-    const CommandResult result =
-        Internal::runShell(script, {Waits::NoStartWait, Waits::Forever, &stop});
+    CommandResult result = Internal::runShell(script, {Waits::NoStartWait, Waits::Forever, &stop});
     stopper.join();
     return result;
 }
