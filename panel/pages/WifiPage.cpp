@@ -9,8 +9,11 @@
 #include <wifi/Network.h>
 
 #include <QCoreApplication>
+#include <QRegularExpression>
+#include <QTextCodec>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <memory>
 
 using WiFi::KTV_Connection;
@@ -21,6 +24,34 @@ namespace {
 constexpr int detailsWidth = 250;
 /** Long enough for the sheet to be seen before the thread is kept. */
 constexpr int paintTime = 60; // ms
+
+/** A name's bytes: scans show what is not plain ASCII as the tool prints it, \xC3. */
+QByteArray unescaped(const QString &printed)
+{
+    static const QRegularExpression escape(QStringLiteral("\\\\x([0-9A-Fa-f]{2})"));
+    QByteArray bytes;
+    int end = 0;
+    for (auto escapes = escape.globalMatch(printed); escapes.hasNext();) {
+        const QRegularExpressionMatch match = escapes.next();
+        bytes += printed.midRef(end, match.capturedStart() - end).toUtf8();
+        bytes += char(match.capturedRef(1).toInt(nullptr, 16));
+        end = match.capturedEnd();
+    }
+    return bytes + printed.midRef(end).toUtf8();
+}
+
+/** A name as people know it, and as it is joined by; one that is no text stays as printed. */
+QString readable(const QString &printed)
+{
+    const QByteArray bytes = unescaped(printed);
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+    const QString name =
+        QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
+    const QVector<uint> characters = name.toUcs4();
+    const bool isText = state.invalidChars == 0 && state.remainingChars == 0
+        && std::all_of(characters.begin(), characters.end(), qOverload<uint>(&QChar::isPrint));
+    return isText ? name : printed;
+}
 
 } // namespace
 
@@ -126,7 +157,8 @@ void WifiPage::takeScan(QList<Network *> *networks)
     m_cells.clear();
     if (owned) {
         for (const Network *network : std::as_const(*owned))
-            m_cells.prepend({network->ESSID, network->state - Network::wifi_States_Connect_0,
+            m_cells.prepend({readable(network->ESSID),
+                             network->state - Network::wifi_States_Connect_0,
                              network->encryption}); // the weakest came first
         qDeleteAll(*owned);
     }

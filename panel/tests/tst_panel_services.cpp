@@ -44,6 +44,9 @@ private slots:
     void entriesThatAreRefused_data();
     void entriesThatAreRefused();
     void joinAndForgetANetwork();
+    void joinANetworkBeyondAscii();
+    void namesOfNetworks_data();
+    void namesOfNetworks();
     void preferANetwork();
     void networkThatCannotBeStored();
     void switchWifiOff();
@@ -211,6 +214,52 @@ void TstPanelServices::joinAndForgetANetwork()
     }));
     QVERIFY(Finger::waitFor(
         [&] { return panel.labelText("wifi.state") == QLatin1String("Not connected"); }));
+}
+
+void TstPanelServices::joinANetworkBeyondAscii()
+{
+    const QString name = QStringLiteral("Werkstatt K\u00F6ln");
+    PanelFixture panel;
+    TAP(panel, "nav.WiFi");
+    QVERIFY(Finger::waitFor([&] { return panel.titles("wifi.list").contains(name); }));
+    QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
+    TAP(panel, "wifi.join");
+    QVERIFY(panel.finger.type(QStringLiteral("Stromrichter2")));
+    TAP(panel, "key.done");
+    QVERIFY(Finger::waitFor([&] { return panel.labelText("wifi.details").contains(name); }));
+    QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
+    QCOMPARE(panel.list("wifi.list")->chosenRow()->detail, QStringLiteral("known"));
+    QCOMPARE(panel.titles("wifi.list").count(name), 1);
+}
+
+void TstPanelServices::namesOfNetworks_data()
+{
+    QTest::addColumn<QByteArray>("sent"); // as the radio world's file has it
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("letters of two and four bytes")
+        << QByteArray("\xC5\x81\xC4\x85ka \xF0\x9F\x94\x8C")
+        << QString::fromUtf8("\xC5\x81\xC4\x85ka \xF0\x9F\x94\x8C");
+    QTest::newRow("what looks like an escape")
+        << QByteArray("a\\\\x41b") << QStringLiteral("a\\x41b");
+    QTest::newRow("a backslash") << QByteArray("a\\\\b") << QStringLiteral("a\\b");
+    QTest::newRow("no UTF-8") << QByteArray("a\xFF") << QStringLiteral("a\\xFF");
+    QTest::newRow("cut within a letter") << QByteArray("a\xC3") << QStringLiteral("a\\xC3");
+    QTest::newRow("a line feed") << QByteArray("a\\nb") << QStringLiteral("a\\x0Ab");
+}
+
+void TstPanelServices::namesOfNetworks()
+{
+    QFETCH(QByteArray, sent);
+    QFETCH(QString, shown);
+    const QString radio = QStringLiteral("/run/meter/radio");
+    const QByteArray usual = Meter::readFile(radio);
+    Meter::writeFile(radio, "-50\t" + sent + "\t-\n");
+    PanelFixture panel;
+    TAP(panel, "nav.WiFi");
+    const bool isListed = Finger::waitFor([&] { return !panel.titles("wifi.list").isEmpty(); });
+    Meter::writeFile(radio, usual);
+    QVERIFY(isListed);
+    QCOMPARE(panel.titles("wifi.list"), QStringList(shown));
 }
 
 void TstPanelServices::preferANetwork()
