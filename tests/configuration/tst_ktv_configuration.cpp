@@ -161,7 +161,7 @@ void TstKtvConfiguration::unusableFile_data()
     row("entity bomb", content(Hostile::entityBomb()), QString());
     row("20001 levels", content(Hostile::nested(20001)),
         unloaded.arg("elements nested too deeply").arg(0).arg(0));
-    row("140000 levels", content(Hostile::nested(140000)),
+    row("200000 levels", content(Hostile::nested(200000)),
         unloaded.arg("elements nested too deeply").arg(0).arg(0));
     row("200000 levels, never closed", content(QByteArray("<x>").repeated(200000)),
         unloaded.arg("elements nested too deeply").arg(0).arg(0));

@@ -212,7 +212,7 @@ void TstLangSerwis::unusableFile_data()
     row("entity bomb", content(Hostile::entityBomb()), QString());
     row("20001 levels", content(Hostile::nested(20001)),
         "elements nested too deeply\n Row:0 Col:0");
-    row("140000 levels", content(Hostile::nested(140000)),
+    row("500000 levels", content(Hostile::nested(500000)),
         "elements nested too deeply\n Row:0 Col:0");
     row("huge", content(Hostile::huge()), "file too large\n Row:0 Col:0");
 }
