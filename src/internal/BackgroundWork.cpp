@@ -5,7 +5,6 @@
 #include <QThreadPool>
 #include <QtConcurrentRun>
 
-#include <algorithm>
 #include <map>
 #include <memory>
 #include <utility>
@@ -129,9 +128,7 @@ void EndlessWork::start(const std::function<void()> &work)
     // Held until the future is stored: a run that asks for it waits so long, for it would take
     // the empty one that may still be in its place for a cancelled one.
     const std::lock_guard<std::mutex> gate(m_handOver);
-    m_runs.erase(std::remove_if(m_runs.begin(), m_runs.end(),
-                                [](const QFuture<void> &run) { return run.isFinished(); }),
-                 m_runs.end());
+    dropFinished(m_runs);
     m_handle = QtConcurrent::run([thread, work] { work(); });
     m_runs.push_back(m_handle);
 }

@@ -3,6 +3,7 @@
 #include <QDeadlineTimer>
 #include <QFuture>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <mutex>
@@ -21,6 +22,14 @@ void forgetBeforeLeaving(const void *owner);
 
 /** Calls every registered stop at once, in the calling thread. */
 void stopBackgroundWork();
+
+/** Drops the futures of what has ended from a container. */
+template <typename Futures> void dropFinished(Futures &futures)
+{
+    futures.erase(std::remove_if(futures.begin(), futures.end(),
+                                 [](const QFuture<void> &one) { return one.isFinished(); }),
+                  futures.end());
+}
 
 /**
  * Work on the global thread pool that may go on without end: a bridge, a repeating tone.

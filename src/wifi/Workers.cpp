@@ -4,8 +4,6 @@
 
 #include <QtConcurrent>
 
-#include <algorithm>
-
 namespace WiFi {
 
 namespace {
@@ -36,9 +34,7 @@ void Workers::poll(Kind kind, Work work)
 
 void Workers::start(Kind kind, Work work)
 {
-    m_futures.erase(std::remove_if(m_futures.begin(), m_futures.end(),
-                                   [](const QFuture<void> &one) { return one.isFinished(); }),
-                    m_futures.end());
+    Internal::dropFinished(m_futures);
     *m_stopping = false; // the process has not left after all
     ++m_outstanding.at(kind);
     m_futures.append(QtConcurrent::run(perform, this, kind, work));
