@@ -102,9 +102,7 @@ void AccessoriesPage::print()
 {
     const QString text = labelText();
     if (library().getPrinter()->printLabel(text).isEmpty()) {
-        context().sound(BuzzerClass::Tone_Error);
-        new MessageSheet(context(), this, Text {"Dialogs", "error", "Error"},
-                         context().text(Text {"Dialogs", "failed", "The operation failed"}));
+        fail();
         return;
     }
     context().sound(BuzzerClass::Tone_Saved);

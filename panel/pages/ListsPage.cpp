@@ -138,7 +138,7 @@ void ListsPage::edit(bool isNew)
             }
             context().sound(BuzzerClass::Tone_Decline);
             return isNew ? context().text(Text {"Lists", "exists", "This entry exists already"})
-                         : context().text(Text {"Dialogs", "failed", "The operation failed"});
+                         : context().text(operationFailed);
         });
 }
 

@@ -25,6 +25,9 @@ protected:
     /** A small grey line whose text comes from the languages. */
     QLabel *caption(const Text &text);
     static QLabel *label(const QString &name, const char *role);
+    static const Text operationFailed;
+    /** Tells with a tone and a sheet that something did not work. */
+    void fail(const Text &message = operationFailed);
 
 private:
     Context &m_context;

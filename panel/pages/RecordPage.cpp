@@ -302,8 +302,8 @@ void RecordPage::save()
     if (!isSaved) {
         const qint64 free = Tools::getFreeSpace(library().getMainConfig()->get_clientsDirectory());
         fail(free >= 0 && free < content.size()
-                 ? context().text(Text {"Record", "memoryFull", "No space left on the memory card"})
-                 : context().text(Text {"Dialogs", "failed", "The operation failed"}));
+                 ? Text {"Record", "memoryFull", "No space left on the memory card"}
+                 : operationFailed);
         return;
     }
     context().sound(BuzzerClass::Tone_Saved);
@@ -325,10 +325,4 @@ QByteArray RecordPage::csv() const
         text += quoted(entry.text) + QLatin1String("\r\n");
     }
     return text.toUtf8();
-}
-
-void RecordPage::fail(const QString &message)
-{
-    context().sound(BuzzerClass::Tone_Error);
-    new MessageSheet(context(), this, Text {"Dialogs", "error", "Error"}, message);
 }

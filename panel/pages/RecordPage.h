@@ -41,7 +41,6 @@ private:
     void chooseCount();
     void save();
     QByteArray csv() const;
-    void fail(const QString &message);
 
     Plot *m_plot;
     TouchList *m_table;

@@ -301,11 +301,8 @@ void WifiPage::join()
 void WifiPage::add(const QString &name, const QString &key)
 {
     block([this, name, key] {
-        if (connection().AddNetwork(name, key))
-            return;
-        context().sound(Buzzer::BuzzerClass::Tone_Error);
-        new MessageSheet(context(), this, Text {"Dialogs", "error", "Error"},
-                         context().text(Text {"Dialogs", "failed", "The operation failed"}));
+        if (!connection().AddNetwork(name, key))
+            fail();
     });
 }
 

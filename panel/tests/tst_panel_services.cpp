@@ -27,6 +27,20 @@ bool measure(PanelFixture &panel)
         && Finger::waitFor([&] { return !panel.context.hardware().isRunning(); });
 }
 
+/** Opens the WiFi page, waits for a network to be in reach and touches it. */
+bool chooseNetwork(PanelFixture &panel, const QString &name)
+{
+    return panel.finger.tap(QStringLiteral("nav.WiFi"))
+        && Finger::waitFor([&] { return panel.titles("wifi.list").contains(name); })
+        && panel.finger.tapRow(QStringLiteral("wifi.list"), name);
+}
+
+bool typePassPhrase(PanelFixture &panel, const QString &passPhrase)
+{
+    return panel.finger.tap(QStringLiteral("wifi.join")) && panel.finger.type(passPhrase)
+        && panel.finger.tap(QStringLiteral("key.done"));
+}
+
 } // namespace
 
 /** The Lists, WiFi, USB, Sound and Accessories pages, by touches. */
@@ -190,16 +204,12 @@ void TstPanelServices::joinAndForgetANetwork()
 {
     const QString name = QStringLiteral("Substation North");
     PanelFixture panel;
-    TAP(panel, "nav.WiFi");
-    QVERIFY(Finger::waitFor([&] { return panel.titles("wifi.list").contains(name); }));
+    QVERIFY(chooseNetwork(panel, name));
     QCOMPARE(panel.titles("wifi.list").first(), name); // the strongest first
     QCOMPARE(panel.list("wifi.list")->row(0).bars, 4);
     QVERIFY(panel.list("wifi.list")->row(1).bars < 4);
-    QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
     QVERIFY(!panel.finger.find(QStringLiteral("wifi.forget"))->isEnabled());
-    TAP(panel, "wifi.join");
-    QVERIFY(panel.finger.type(QStringLiteral("ohm-law-1827")));
-    TAP(panel, "key.done");
+    QVERIFY(typePassPhrase(panel, QStringLiteral("ohm-law-1827")));
     QVERIFY(Finger::waitFor(
         [&] { return panel.labelText("wifi.details").contains(QLatin1String("192.168.44.100")); }));
     QCOMPARE(panel.labelText("wifi.state"), QStringLiteral("Connected"));
@@ -220,12 +230,8 @@ void TstPanelServices::joinANetworkBeyondAscii()
 {
     const QString name = QStringLiteral("Werkstatt K\u00F6ln");
     PanelFixture panel;
-    TAP(panel, "nav.WiFi");
-    QVERIFY(Finger::waitFor([&] { return panel.titles("wifi.list").contains(name); }));
-    QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
-    TAP(panel, "wifi.join");
-    QVERIFY(panel.finger.type(QStringLiteral("Stromrichter2")));
-    TAP(panel, "key.done");
+    QVERIFY(chooseNetwork(panel, name));
+    QVERIFY(typePassPhrase(panel, QStringLiteral("Stromrichter2")));
     QVERIFY(Finger::waitFor([&] { return panel.labelText("wifi.details").contains(name); }));
     QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
     QCOMPARE(panel.list("wifi.list")->chosenRow()->detail, QStringLiteral("known"));
@@ -288,9 +294,7 @@ void TstPanelServices::networkThatCannotBeStored()
 {
     const QString name = QStringLiteral("Workshop Guest");
     PanelFixture panel;
-    TAP(panel, "nav.WiFi");
-    QVERIFY(Finger::waitFor([&] { return panel.titles("wifi.list").contains(name); }));
-    QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
+    QVERIFY(chooseNetwork(panel, name));
     QDir(QStringLiteral("/media/sdcard/UserData")).removeRecursively(); // the card is pulled
     TAP(panel, "wifi.join"); // an open network: no pass phrase is asked for
     QVERIFY(Finger::waitFor([&] { return panel.finger.find(QStringLiteral("sheet.message")); }));
@@ -337,12 +341,8 @@ void TstPanelServices::shortPassPhrase()
 {
     const QString name = QStringLiteral("Substation North");
     PanelFixture panel;
-    TAP(panel, "nav.WiFi");
-    QVERIFY(Finger::waitFor([&] { return panel.titles("wifi.list").contains(name); }));
-    QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
-    TAP(panel, "wifi.join");
-    QVERIFY(panel.finger.type(QStringLiteral("1234567")));
-    TAP(panel, "key.done");
+    QVERIFY(chooseNetwork(panel, name));
+    QVERIFY(typePassPhrase(panel, QStringLiteral("1234567")));
     QCOMPARE(panel.labelText("sheet.error"),
              QStringLiteral("The pass phrase has 8 to 63 characters"));
 }
