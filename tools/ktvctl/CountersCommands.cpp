@@ -71,7 +71,6 @@ Family countersFamily()
     return {
         "counters",
         "Usage counters. 'show' is safe at any time; 'up' is unwise while the interface runs, "
-        "which "
-        "writes its own counts when it ends.",
+        "which writes its own counts when it ends.",
         {{"show", "", "print every counter", show}, {"up", "NAME", "add one to a counter", up}}};
 }
