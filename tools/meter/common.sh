@@ -69,7 +69,9 @@ install_packages() {
         sudo -v || die "as root, run: apt-get install ${missing[*]}"
     fi
     echo "      apt-get update"
-    logged packages-update "${root[@]}" apt-get update
+    # An index that has nothing to do with these packages may be out of reach: installing decides.
+    (logged packages-update "${root[@]}" apt-get update) ||
+        echo "      goes on with the package lists that are there"
     echo "      apt-get install"
     logged packages-install "${root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get install -y --no-install-recommends "${missing[@]}"
