@@ -5,16 +5,16 @@
 #include <cmath>
 
 using namespace ValueBox;
+using DynamicRounding::Round_Current_I;
 
 namespace {
 
-constexpr std::size_t runLength = 64;
-constexpr double lowest = 1e-6; // ohms or henries
+using Table = QList<Round_Current_I *>;
 
 struct Quantity
 {
     RoundMetods method;
-    const QList<DynamicRounding::Round_Current_I *> &table;
+    const Table &table;
 };
 
 const Quantity quantities[] = {
@@ -24,36 +24,73 @@ const Quantity quantities[] = {
     {Round_L_TempCompensation, NumericalValueBox::tableRound_L_TempCompensation},
 };
 
-} // namespace
-
-ValueSamples::ValueSamples(KTV_Configuration::MeterModels model)
+/** The same numbers in each run of the program. */
+QRandomGenerator &numbers()
 {
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+    static QRandomGenerator generator(42);
+    return generator;
+}
+
+void prepare(KTV_Configuration::MeterModels model)
+{
     NumericalValueBox::prepareStaticDefaultValue(Temp_Celsius);
     NumericalValueBox::SetCurrentMeter(model);
-    for (const Quantity &quantity : quantities)
-        m_boxes.push_back(std::make_unique<NumericalValueBox>(Unit_Ohm, quantity.method));
+}
 
-    QRandomGenerator random(42);
-    while (m_samples.size() < size) {
-        const auto kind = std::size_t(random.bounded(int(m_boxes.size())));
-        const auto &table = quantities[kind].table;
-        const auto *set = table.at(random.bounded(table.size()));
-        const double top = double(set->items.last()->maximum) * 1.1; // a few are above it
-        for (std::size_t i = 0; i < runLength; ++i) {
-            ValueSample sample {};
-            sample.box = m_boxes[kind].get();
-            sample.current = set->current;
-            sample.value = float(lowest * std::pow(top / lowest, random.generateDouble()));
-            sample.box->setRealValue(sample.value, sample.current);
-            const int index = qMin(sample.box->findBestRange(sample.value), set->items.size() - 1);
-            const auto *row = set->items.at(index);
-            sample.scaled =
-                float(double(qMin(sample.value, row->maximum)) / std::pow(10., row->prefix));
-            sample.digits = row->digits;
-            sample.unit = sample.box->_unitAndPrefixToString(UnitPrefixs(row->prefix));
-            sample.text = sample.box->toString();
-            m_samples.push_back(sample);
+} // namespace
+
+NumericalValueBox *ValueSamples::addBox(RoundMetods method)
+{
+    m_boxes.push_back(std::make_unique<NumericalValueBox>(Unit_Ohm, method));
+    return m_boxes.back().get();
+}
+
+void ValueSamples::add(NumericalValueBox *box, const Round_Current_I &set)
+{
+    constexpr double lowest = 1e-6; // ohms
+    const double top = double(set.items.last()->maximum) * 1.1; // a few are above it
+    ValueSample sample {};
+    sample.box = box;
+    sample.current = set.current;
+    sample.value = float(lowest * std::pow(top / lowest, numbers().generateDouble()));
+    box->setRealValue(sample.value, sample.current);
+    const int index = qMin(box->findBestRange(sample.value), set.items.size() - 1);
+    const auto *row = set.items.at(index);
+    sample.scaled = float(double(qMin(sample.value, row->maximum)) / std::pow(10., row->prefix));
+    sample.digits = row->digits;
+    sample.unit = box->_unitAndPrefixToString(UnitPrefixs(row->prefix));
+    sample.text = box->toString();
+    m_samples.push_back(sample);
+}
+
+ValueSamples ValueSamples::resistances(std::initializer_list<testI> currents)
+{
+    prepare(KTV_Configuration::KTV_420);
+    ValueSamples samples;
+    auto *box = samples.addBox(Round_R);
+    while (samples.m_samples.size() < size) {
+        const testI current = currents.begin()[numbers().bounded(int(currents.size()))];
+        for (const Round_Current_I *set : qAsConst(NumericalValueBox::tableRound_R)) {
+            if (set->current == current)
+                samples.add(box, *set);
         }
     }
+    return samples;
+}
+
+ValueSamples ValueSamples::recording()
+{
+    constexpr int runLength = 64;
+    prepare(KTV_Configuration::KTV_4200);
+    ValueSamples samples;
+    for (const Quantity &quantity : quantities)
+        samples.addBox(quantity.method);
+    while (samples.m_samples.size() < size) {
+        const auto kind = std::size_t(numbers().bounded(int(samples.m_boxes.size())));
+        const Table &table = quantities[kind].table;
+        const auto *set = table.at(numbers().bounded(table.size()));
+        for (int i = 0; i < runLength; ++i)
+            samples.add(samples.m_boxes[kind].get(), *set);
+    }
+    return samples;
 }

@@ -18,14 +18,17 @@ struct ValueSample
     QString text;
 };
 
-/**
- * What a recorder formats: runs of measurements with one current, of resistance and inductance,
- * plain and compensated, of any magnitude that the current measures, and some above it.
- */
+/** Measurements of any magnitude that their current measures, and some above it, over and over. */
 class ValueSamples
 {
 public:
-    explicit ValueSamples(KTV_Configuration::MeterModels model);
+    /** One box, resistances of a KTV-420 measured with one of these currents at a time. */
+    static ValueSamples resistances(std::initializer_list<ValueBox::testI> currents);
+    /**
+     * What a recorder formats: runs of measurements with one current, of resistance and
+     * inductance, plain and compensated, of a KTV-4200.
+     */
+    static ValueSamples recording();
 
     const ValueSample &next()
     {
@@ -33,8 +36,13 @@ public:
         return m_samples[m_next];
     }
 
-private:
     static constexpr std::size_t size = 4096;
+
+private:
+    ValueSamples() = default;
+    ValueBox::NumericalValueBox *addBox(ValueBox::RoundMetods method);
+    void add(ValueBox::NumericalValueBox *box,
+             const ValueBox::DynamicRounding::Round_Current_I &set);
 
     std::vector<std::unique_ptr<ValueBox::NumericalValueBox>> m_boxes;
     std::vector<ValueSample> m_samples;

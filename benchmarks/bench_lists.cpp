@@ -1,8 +1,9 @@
+#include "Comparison.h"
+
 #include <datalist/KTV_DataList.h>
 
 #include <benchmark/benchmark.h>
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -270,14 +271,5 @@ BENCHMARK(firstStart)->Arg(100)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char *argv[])
 {
-    const QCoreApplication application(argc, argv);
-    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &line) {
-        if (type == QtFatalMsg)
-            std::fputs(qPrintable(line), stderr);
-    });
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return benchmarkMain(argc, argv, [](Comparison &) {});
 }

@@ -1,217 +1,172 @@
-#include "AllocationCount.h"
-#include "RatioReporter.h"
+#include "Comparison.h"
+#include "ValueFormatters.h"
 #include "ValueSamples.h"
 
 #include <valuebox/NumericalValueBox.h>
 
 #include <benchmark/benchmark.h>
 
+#include <array>
 #include <charconv>
+#include <cstring>
 
 using namespace ValueBox;
 
 namespace {
 
-KTV_Configuration::MeterModels modelOf(const benchmark::State &state)
+/**
+ * The floor: a number's exact digits, worked out with integers by somebody who knows prefix and
+ * decimals, and one QString. No tables, no rules, no unit.
+ */
+QString digitsAndOneString(const ValueSample &sample)
 {
-    return KTV_Configuration::MeterModels(state.range(0));
+    quint32 bits = 0;
+    std::memcpy(&bits, &sample.scaled, sizeof bits);
+    static constexpr quint32 powers[] = {1, 10, 100, 1000, 10000};
+    const quint64 mantissa = (bits & 0x7FFFFFU) | 0x800000U;
+    const quint64 product = mantissa * powers[sample.digits];
+    const int shift = 150 - int(bits >> 23);
+    const quint64 number =
+        shift > 0 ? (product + (quint64(1) << (shift - 1))) >> shift : product << -shift;
+    QChar buffer[24];
+    QChar *const end = buffer + 24;
+    QChar *out = end;
+    auto rest = quint32(number);
+    for (int i = 0; i < sample.digits; ++i, rest /= 10)
+        *--out = QLatin1Char(char('0' + rest % 10));
+    if (sample.digits > 0)
+        *--out = QLatin1Char('.');
+    do {
+        *--out = QLatin1Char(char('0' + rest % 10));
+        rest /= 10;
+    } while (rest != 0);
+    return QString(out, int(end - out));
 }
 
-void bothFamilies(benchmark::internal::Benchmark *benchmark)
+/** Works on the samples one after another. */
+template <typename Work> auto withEach(ValueSamples samples, Work work)
 {
-    benchmark->ArgName("KTV");
-    benchmark->Arg(KTV_Configuration::KTV_420)->Arg(KTV_Configuration::KTV_4200);
+    return [samples = std::make_shared<ValueSamples>(std::move(samples)), work] {
+        benchmark::DoNotOptimize(work(samples->next()));
+    };
 }
 
-// --- the value box
-
-/** setRealValue() with a current, and toString(). */
-void toString(benchmark::State &state)
+QString textOfBox(const ValueSample &sample)
 {
-    ValueSamples samples(modelOf(state));
-    const AllocationCounter allocations(state);
-    for (auto _ : state) {
-        const ValueSample &sample = samples.next();
-        sample.box->setRealValue(sample.value, sample.current);
-        benchmark::DoNotOptimize(sample.box->toString());
-    }
+    sample.box->setRealValue(sample.value, sample.current);
+    return sample.box->toString();
 }
-BENCHMARK(toString)->Apply(bothFamilies);
 
-/** Texts without a number of the value's own: missing, negative, above the range, no rows. */
-void toStringOfNoNumber(benchmark::State &state)
+QString textOfNewBox(const ValueSample &sample)
 {
-    const ValueSamples samples(KTV_Configuration::KTV_420);
     NumericalValueBox box(Unit_Ohm, Round_R);
-    const float values[] = {std::numeric_limits<float>::quiet_NaN(), -1, 5, 0};
-    box.setRealValue(values[state.range(0)], state.range(0) == 3 ? testI_200A : testI_10A);
-    const AllocationCounter allocations(state);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(box.toString());
+    box.setRealValue(sample.value, sample.current);
+    return box.toString();
 }
-BENCHMARK(toStringOfNoNumber)->ArgName("case")->DenseRange(0, 3);
+
+void texts(Comparison &comparison)
+{
+    const auto oneCurrent = [] { return ValueSamples::resistances({testI_10A}); };
+    const auto threeCurrents = [] {
+        return ValueSamples::resistances({testI_10A, testI_1A, testI_100mA});
+    };
+    Comparison::Row row {"value \u2192 text, one box, rows of its current", 1.5};
+    row.allocations = 1;
+    comparison.compare(row, withEach(oneCurrent(), textOfBox),
+                       withEach(oneCurrent(), digitsAndOneString));
+    comparison.compare({"the same, three currents in random order"},
+                       withEach(threeCurrents(), textOfBox),
+                       withEach(threeCurrents(), digitsAndOneString));
+    comparison.compare({"the same, a new box for each value", 2.5},
+                       withEach(oneCurrent(), textOfNewBox),
+                       withEach(oneCurrent(), digitsAndOneString));
+    for (const ValueFormatter &formatter : valueFormatters())
+        comparison.compare({formatter.name}, withEach(ValueSamples::recording(), textOfBox),
+                           withEach(ValueSamples::recording(), formatter.format));
+}
 
 /** setRealValue() with a current, and the number that its text shows. */
-void getRealFormatedValue(benchmark::State &state)
+float shownNumber(const ValueSample &sample)
 {
-    ValueSamples samples(modelOf(state));
-    const AllocationCounter allocations(state);
-    for (auto _ : state) {
-        const ValueSample &sample = samples.next();
-        sample.box->setRealValue(sample.value, sample.current);
-        benchmark::DoNotOptimize(sample.box->getRealFormatedValue());
-    }
+    sample.box->setRealValue(sample.value, sample.current);
+    return sample.box->getRealFormatedValue();
 }
-BENCHMARK(getRealFormatedValue)->Apply(bothFamilies);
 
-void parse(benchmark::State &state)
+float parsedNumber(const ValueSample &sample)
 {
-    ValueSamples samples(modelOf(state));
-    const AllocationCounter allocations(state);
-    for (auto _ : state) {
-        float value = 0;
-        int precision = 0;
-        Units unit = Unit_None;
-        UnitPrefixs prefix = Prefix_None;
-        benchmark::DoNotOptimize(
-            NumericalValueBox::parse(samples.next().text, value, precision, unit, prefix));
-        benchmark::DoNotOptimize(value);
-    }
+    float value = 0;
+    int precision = 0;
+    Units unit = Unit_None;
+    UnitPrefixs prefix = Prefix_None;
+    NumericalValueBox::parse(sample.text, value, precision, unit, prefix);
+    return value;
 }
-BENCHMARK(parse)->Apply(bothFamilies);
 
-void formatTemperature(benchmark::State &state)
+/** The number that starts a text; nobody asks for its unit. */
+float leadingNumber(const ValueSample &sample)
 {
-    ValueSamples samples(KTV_Configuration::KTV_420);
-    const AllocationCounter allocations(state);
-    float celsius = -20;
-    for (auto _ : state) {
-        celsius = celsius > 150 ? -20 : celsius + 0.37F;
-        benchmark::DoNotOptimize(NumericalValueBox::formatTemperature(celsius));
-    }
+    std::array<char, 32> buffer {};
+    char *end = buffer.data();
+    for (const QChar character : sample.text)
+        *end++ = character.toLatin1();
+    const char *start = buffer.data() + (buffer[0] == '>' ? 2 : 0);
+    float value = 0;
+    std::from_chars(start, end, value);
+    return value;
 }
-BENCHMARK(formatTemperature);
 
-void autoFormat(benchmark::State &state)
+void numbers(Comparison &comparison)
 {
-    ValueSamples samples(KTV_Configuration::KTV_420);
-    const AllocationCounter allocations(state);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(NumericalValueBox::autoFormat(samples.next().value, Unit_Ohm,
-                                                               Prefix_m, 3, state.range(0) != 0));
+    comparison.compare({"text \u2192 value", 1.6},
+                       withEach(ValueSamples::recording(), parsedNumber),
+                       withEach(ValueSamples::recording(), leadingNumber));
+    comparison.compare({"value \u2192 value as it is shown"},
+                       withEach(ValueSamples::recording(), shownNumber),
+                       withEach(ValueSamples::recording(), leadingNumber));
 }
-BENCHMARK(autoFormat)->ArgName("trimZeros")->Arg(0)->Arg(1);
 
-void formatDeltaU(benchmark::State &state)
+void otherTexts(Comparison &comparison)
 {
-    ValueSamples samples(KTV_Configuration::KTV_420);
-    const AllocationCounter allocations(state);
-    for (auto _ : state) {
-        const ValueSample &sample = samples.next();
-        benchmark::DoNotOptimize(
-            NumericalValueBox::formatDeltaU(sample.value, sample.current, false));
-    }
+    const auto beside = [&comparison](const char *name, auto work) {
+        comparison.compare({name}, withEach(ValueSamples::recording(), work),
+                           withEach(ValueSamples::recording(), digitsAndOneString));
+    };
+    beside("temperature", [](const ValueSample &sample) {
+        return NumericalValueBox::formatTemperature(sample.value);
+    });
+    beside("autoFormat()", [](const ValueSample &sample) {
+        return NumericalValueBox::autoFormat(sample.value, Unit_Ohm, Prefix_m, 3, false);
+    });
+    beside("autoFormat() without zeros", [](const ValueSample &sample) {
+        return NumericalValueBox::autoFormat(sample.value, Unit_Ohm, Prefix_m, 3, true);
+    });
+    beside("voltage drop", [](const ValueSample &sample) {
+        return NumericalValueBox::formatDeltaU(sample.value, sample.current, false);
+    });
 }
-BENCHMARK(formatDeltaU);
 
-void construction(benchmark::State &state)
+void construction(Comparison &comparison)
 {
-    const AllocationCounter allocations(state);
-    for (auto _ : state) {
-        NumericalValueBox box(Unit_Ohm, Round_R);
-        benchmark::DoNotOptimize(&box);
-    }
+    comparison.compare(
+        {"a new box, beside a QObject"},
+        [] {
+            NumericalValueBox box(Unit_Ohm, Round_R);
+            benchmark::DoNotOptimize(&box);
+        },
+        [] {
+            QObject object;
+            benchmark::DoNotOptimize(&object);
+        });
 }
-BENCHMARK(construction);
-
-/** The least that an object of Qt costs. */
-void constructionOfQObject(benchmark::State &state)
-{
-    const AllocationCounter allocations(state);
-    for (auto _ : state) {
-        QObject object;
-        benchmark::DoNotOptimize(&object);
-    }
-}
-BENCHMARK(constructionOfQObject);
-
-// --- the floor
-
-/** The standard's conversion into a buffer and one QString: no tables, no rules, no unit. */
-void toStringFloor(benchmark::State &state)
-{
-    ValueSamples samples(modelOf(state));
-    const AllocationCounter allocations(state);
-    for (auto _ : state) {
-        const ValueSample &sample = samples.next();
-        char buffer[64];
-        char *end = std::to_chars(buffer, buffer + sizeof buffer, sample.scaled,
-                                  std::chars_format::fixed, sample.digits)
-                        .ptr;
-        benchmark::DoNotOptimize(QString::fromLatin1(buffer, int(end - buffer)));
-    }
-}
-BENCHMARK(toStringFloor)->Name("floor/to_chars+QString")->Apply(bothFamilies);
-
-/** The same with the unit, in the buffer's UTF-8. */
-void toStringWithUnitFloor(benchmark::State &state)
-{
-    ValueSamples samples(modelOf(state));
-    const QByteArray unit = " mOhm";
-    const AllocationCounter allocations(state);
-    for (auto _ : state) {
-        const ValueSample &sample = samples.next();
-        char buffer[64];
-        char *end = std::to_chars(buffer, buffer + sizeof buffer, sample.scaled,
-                                  std::chars_format::fixed, sample.digits)
-                        .ptr;
-        end = std::copy(unit.begin(), unit.end(), end);
-        benchmark::DoNotOptimize(QString::fromLatin1(buffer, int(end - buffer)));
-    }
-}
-BENCHMARK(toStringWithUnitFloor)->Name("floor/to_chars+unit+QString")->Apply(bothFamilies);
-
-/** The number alone: the text is at hand as characters, and nobody asks for its unit. */
-void parseFloor(benchmark::State &state)
-{
-    ValueSamples samples(modelOf(state));
-    std::vector<QByteArray> numbers;
-    for (int i = 0; i < 4096; ++i) {
-        QString text = samples.next().text;
-        numbers.push_back(text.remove(QStringLiteral("> ")).toUtf8());
-    }
-    std::size_t index = 0;
-    const AllocationCounter allocations(state);
-    for (auto _ : state) {
-        const QByteArray &number = numbers[index = (index + 1) & 4095U];
-        float value = 0;
-        benchmark::DoNotOptimize(
-            std::from_chars(number.constData(), number.constData() + number.size(), value).ptr);
-        benchmark::DoNotOptimize(value);
-    }
-}
-BENCHMARK(parseFloor)->Name("floor/from_chars")->Apply(bothFamilies);
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    const std::string text = "toString/KTV:3";
-    RatioReporter reporter({{"toString/KTV:2", "floor/to_chars+QString/KTV:2"},
-                            {text, "floor/to_chars+QString/KTV:3"},
-                            {text, "floor/to_chars+unit+QString/KTV:3"},
-                            {text, "others/fmt"},
-                            {text, "others/QString::number+concat"},
-                            {text, "others/libsigrok"},
-                            {text, "others/ICU"},
-                            {text, "others/KFormat"},
-                            {text, "others/rules_step_by_step"},
-                            {"parse/KTV:2", "floor/from_chars/KTV:2"},
-                            {"parse/KTV:3", "floor/from_chars/KTV:3"},
-                            {"construction", "constructionOfQObject"}});
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    return 0;
+    return benchmarkMain(argc, argv, [](Comparison &comparison) {
+        texts(comparison);
+        numbers(comparison);
+        otherTexts(comparison);
+        construction(comparison);
+    });
 }

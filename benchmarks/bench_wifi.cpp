@@ -1,7 +1,8 @@
 // What polling costs: processes, memory and descriptors. Runs in the simulated meter only.
+#include "Comparison.h"
+
 #include <wifi/KTV_Connection.h>
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -128,12 +129,9 @@ BENCHMARK_CAPTURE(poll, soak_detail, detail, Connected)
 int main(int argc, char *argv[])
 {
     if (!QFile::exists(QStringLiteral("/run/meter/inside"))) {
-        std::fputs("bench_wifi runs in the simulated meter only: ./meter bench wifi\n", stderr);
+        std::fputs("bench_wifi runs in the simulated meter only: ./meter bench --details wifi\n",
+                   stderr);
         return 1;
     }
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
-    const QCoreApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return benchmarkMain(argc, argv, [](Comparison &) {});
 }

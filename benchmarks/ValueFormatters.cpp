@@ -1,10 +1,6 @@
-// The same numbers through other formatters, as far as they were at hand when this was built.
-// They are told prefix and decimals; only the value box finds them out.
+#include "ValueFormatters.h"
 
-#include "AllocationCount.h"
-#include "ValueSamples.h"
-
-#include <benchmark/benchmark.h>
+#include <charconv>
 
 #ifdef HAVE_FMT
 #include <fmt/format.h>
@@ -23,12 +19,13 @@ using namespace ValueBox;
 
 namespace {
 
-template <typename Format> void run(benchmark::State &state, Format format)
+QString withToChars(const ValueSample &sample)
 {
-    ValueSamples samples(KTV_Configuration::KTV_4200);
-    const AllocationCounter allocations(state);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(format(samples.next()));
+    char buffer[64];
+    char *end = std::to_chars(buffer, buffer + sizeof buffer, sample.scaled,
+                              std::chars_format::fixed, sample.digits)
+                    .ptr;
+    return QString::fromLatin1(buffer, int(end - buffer));
 }
 
 /** The value box's rules, one after another, with the functions of QString. */
@@ -102,19 +99,26 @@ QString withSigrok(const ValueSample &sample)
 }
 #endif
 
-BENCHMARK_CAPTURE(run, step_by_step, stepByStep)->Name("others/rules_step_by_step");
-BENCHMARK_CAPTURE(run, number, numberAndConcatenation)->Name("others/QString::number+concat");
+} // namespace
+
+const std::vector<ValueFormatter> &valueFormatters()
+{
+    static const std::vector<ValueFormatter> all {
+        {"beside std::to_chars and one QString", withToChars},
+        {"beside QString::number() and its unit", numberAndConcatenation},
+        {"beside the rules one by one, with QString", stepByStep},
 #ifdef HAVE_FMT
-BENCHMARK_CAPTURE(run, fmt, withFmt)->Name("others/fmt");
+        {"beside fmt", withFmt},
 #endif
 #ifdef HAVE_ICU
-BENCHMARK_CAPTURE(run, icu, withIcu)->Name("others/ICU");
+        {"beside ICU", withIcu},
 #endif
 #ifdef HAVE_KFORMAT
-BENCHMARK_CAPTURE(run, kformat, withKFormat)->Name("others/KFormat");
+        {"beside KFormat", withKFormat},
 #endif
 #ifdef HAVE_SIGROK
-BENCHMARK_CAPTURE(run, sigrok, withSigrok)->Name("others/libsigrok");
+        {"beside libsigrok", withSigrok},
 #endif
-
-} // namespace
+    };
+    return all;
+}
