@@ -1,94 +1,130 @@
 #include "internal/XmlFile_p.h"
 
-#include <QIODevice>
+#include "internal/XmlDeclarations_p.h"
+
+#include <QBuffer>
 #include <QXmlDefaultHandler>
 #include <QXmlSimpleReader>
+
+#include <optional>
 
 namespace Internal {
 
 namespace {
 
-// The files of a device hold some 10 to 100 kB; a document takes up to 80 times its memory.
+// The files of a device hold some 10 to 100 kB, with some thousand texts.
 constexpr qint64 largestFile = Q_INT64_C(4) * 1024 * 1024;
+// A document takes up to 500 bytes a node, attributes included.
+constexpr int mostNodes = 120000;
 // A document of some tens of thousands of levels overflows the stack when it is destroyed.
 constexpr int deepestNesting = 10000;
-// The parser descends at each bracket of a declaration, compares each entity with all others,
-// and an entity may stand for 4096 characters, tags included. No real file comes near.
-constexpr int mostDeclared = 1000;
+// A document climbs from each new node to its root.
+constexpr qint64 mostSteps = 200 * 1000 * 1000;
 
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
 
-/** Stops the reader at the first element that lies too deep. */
-class DepthCheck : public QXmlDefaultHandler
+XmlError refusal(const char *reason)
+{
+    return {QString::fromLatin1(reason), 0, 0};
+}
+
+/** What the file holds, or why it is refused before it is parsed. */
+std::optional<XmlError> read(QIODevice &device, QString &text)
+{
+    if (!device.isOpen())
+        return std::nullopt;
+    device.setTextModeEnabled(false); // a byte of an encoded character is no line end
+    QByteArray bytes = device.read(largestFile + 1);
+    if (bytes.size() > largestFile)
+        return refusal("file too large");
+    // Piece by piece, as a document reads a device: an encoding holds from the piece that names it.
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QXmlInputSource source(&buffer);
+    text.reserve(bytes.size());
+    for (source.fetchData(); !source.data().isEmpty(); source.fetchData())
+        text += source.data();
+    if (declaresTooMuch(text))
+        return refusal("too many declarations");
+    return std::nullopt;
+}
+
+/** Stops the reader where a document would become too much for a device. */
+class Limiter : public QXmlDefaultHandler
 {
 public:
     bool startElement(const QString &, const QString &, const QString &,
-                      const QXmlAttributes &) override
+                      const QXmlAttributes &attributes) override
     {
-        return ++m_depth <= deepestNesting;
+        if (++m_depth > deepestNesting)
+            return refuse("elements nested too deeply");
+        return countNodes(1 + attributes.count());
     }
     bool endElement(const QString &, const QString &, const QString &) override
     {
         --m_depth;
         return true;
     }
+    bool characters(const QString &) override { return countNodes(1); }
+    bool comment(const QString &) override { return countNodes(1); }
+    bool processingInstruction(const QString &, const QString &) override { return countNodes(1); }
+    bool skippedEntity(const QString &) override { return countNodes(1); }
+    bool fatalError(const QXmlParseException &exception) override
+    {
+        if (!m_refused)
+            m_error = {exception.message(), exception.lineNumber(), exception.columnNumber()};
+        return true;
+    }
 
-    bool hasStopped() const { return m_depth > deepestNesting; }
+    bool hasRefused() const { return m_refused; }
+    const XmlError &error() const { return m_error; }
 
 private:
+    bool countNodes(int count)
+    {
+        m_nodes += count;
+        m_steps += m_depth;
+        return (m_nodes <= mostNodes && m_steps <= mostSteps) || refuse("too many elements");
+    }
+    bool refuse(const char *reason)
+    {
+        m_error = refusal(reason);
+        m_refused = true;
+        return false;
+    }
+
     int m_depth = 0;
+    int m_nodes = 0;
+    qint64 m_steps = 0;
+    bool m_refused = false;
+    XmlError m_error;
 };
 
-/** Reads with the parser of the document itself, so that both take the same texts. */
-bool isTooDeep(QXmlInputSource &source)
-{
-    DepthCheck check;
-    QXmlSimpleReader reader;
-    reader.setContentHandler(&check);
-    reader.parse(source);
-    return check.hasStopped();
-}
-
-/** Whether a document type brings declarations of its own. */
-bool hasDeclarations(const QString &text)
-{
-    return text.contains(QLatin1String("<!DOCTYPE"))
-        && (text.contains(QLatin1String("<!ENTITY")) || text.contains(QLatin1String("<!ELEMENT"))
-            || text.contains(QLatin1String("<!ATTLIST")));
-}
-
-/** What in the text would make the parser or the document die; null for a harmless one. */
-const char *dangerIn(const QByteArray &bytes)
+/** Parses as a document does. */
+bool parse(const QString &text, Limiter &handler)
 {
     QXmlInputSource source;
-    source.setData(bytes);
-    const QString text = source.data();
-    const bool declares = hasDeclarations(text);
-    if (declares
-        && text.count('(') + text.count('&') + text.count('%')
-                + text.count(QLatin1String("<!ENTITY"))
-            > mostDeclared)
-        return "too many declarations";
-    // Every real file comes down to a few thousand tags.
-    if ((declares || text.count('<') > deepestNesting) && isTooDeep(source))
-        return "elements nested too deeply";
-    return nullptr;
+    source.setData(text);
+    QXmlSimpleReader reader;
+    reader.setFeature(QStringLiteral("http://xml.org/sax/features/namespaces"), false);
+    reader.setFeature(QStringLiteral("http://xml.org/sax/features/namespace-prefixes"), true);
+    reader.setFeature(
+        QStringLiteral("http://trolltech.com/xml/features/report-whitespace-only-CharData"), false);
+    reader.setContentHandler(&handler);
+    reader.setLexicalHandler(&handler);
+    reader.setErrorHandler(&handler);
+    return reader.parse(source);
 }
 
 QT_WARNING_POP
 
-} // namespace
-
-bool parseXml(QIODevice &device, QDomDocument &document, XmlError &error)
+bool parseDocument(const QString &text, QDomDocument &document, XmlError &error)
 {
-    const QByteArray text = device.isOpen() ? device.read(largestFile + 1) : QByteArray();
-    if (text.size() > largestFile) {
-        error = {QStringLiteral("file too large"), 0, 0};
-        return false;
-    }
-    if (const char *const danger = dangerIn(text)) {
-        error = {QString::fromLatin1(danger), 0, 0};
+    Limiter limiter;
+    parse(text, limiter);
+    if (limiter.hasRefused()) {
+        error = limiter.error();
         return false;
     }
     QDomDocument parsed;
@@ -96,6 +132,18 @@ bool parseXml(QIODevice &device, QDomDocument &document, XmlError &error)
         return false;
     document = parsed;
     return true;
+}
+
+} // namespace
+
+bool parseXml(QIODevice &device, QDomDocument &document, XmlError &error)
+{
+    QString text;
+    if (const auto refused = read(device, text)) {
+        error = *refused;
+        return false;
+    }
+    return parseDocument(text, document, error);
 }
 
 } // namespace Internal

@@ -15,9 +15,9 @@ struct XmlError
 };
 
 /**
- * Parses what @p device holds. Refused as a parse error is a file too large, nested too deeply
- * for the document's recursive destruction, or with more declarations than the parser's stack,
- * time and memory bear.
+ * Parses what @p device holds, as QDomDocument parses the same device. Refused as a parse error is
+ * what would cost a device too much: a file too large, too many or too deep elements, too many
+ * declarations.
  * @return success; on failure @p document is untouched.
  */
 bool parseXml(QIODevice &device, QDomDocument &document, XmlError &error);

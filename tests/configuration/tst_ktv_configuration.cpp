@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QMetaEnum>
+#include <QTextCodec>
 #include <QtTest>
 
 #include <functional>
@@ -153,6 +154,8 @@ void TstKtvConfiguration::unusableFile_data()
     row("cut off", content("<a>\n <_logDirectory Value=\"/log/\"/>\n"),
         unloaded.arg("unexpected end of file").arg(3).arg(1));
     row("crossed tags", content("<a><b></a></b>"), unloaded.arg("tag mismatch").arg(1).arg(10));
+    row("behind lone carriage returns", content("<a>\r\r<b>\r</a>"),
+        unloaded.arg("tag mismatch").arg(4).arg(4));
     row("two roots", content("<a/><b/>"), unloaded.arg("unexpected character").arg(1).arg(6));
     row("only NUL bytes", content(QByteArray(4096, '\0')),
         unloaded.arg("error occurred while parsing element").arg(1).arg(1));
@@ -165,6 +168,10 @@ void TstKtvConfiguration::unusableFile_data()
         unloaded.arg("elements nested too deeply").arg(0).arg(0));
     row("200000 levels, never closed", content(QByteArray("<x>").repeated(200000)),
         unloaded.arg("elements nested too deeply").arg(0).arg(0));
+    row("deep and wide at once",
+        content(QByteArray("<x>").repeated(9999) + QByteArray("<y/>").repeated(1000000)
+                + QByteArray("</x>").repeated(9999)),
+        unloaded.arg("too many elements").arg(0).arg(0));
     row("huge", content(Hostile::huge()), unloaded.arg("file too large").arg(0).arg(0));
 }
 
@@ -253,6 +260,13 @@ void TstKtvConfiguration::textRules_data()
                                   << QStringLiteral("/é/");
     QTest::newRow("carriage returns") << "<device>\r\n" + one + "\r\n</device>\r\n"
                                       << "/one/";
+    const auto inUtf16 = [](const QString &text) {
+        return QTextCodec::codecForName("UTF-16")->fromUnicode(text);
+    };
+    QTest::newRow("carriage returns in UTF-16")
+        << inUtf16("<device>\r\n" + one + "\r\n</device>\r\n") << "/one/";
+    QTest::newRow("UTF-16 letter with a carriage return's byte")
+        << inUtf16(device(element("_logDirectory", "/č/"))) << QStringLiteral("/č/");
     QTest::newRow("unknown elements") << device("<unknown Value='x'/>" + one) << "/one/";
     QTest::newRow("9999 levels down")
         << QByteArray("<x>").repeated(9999) + one + QByteArray("</x>").repeated(9999) << "/one/";

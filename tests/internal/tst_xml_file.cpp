@@ -5,8 +5,32 @@
 #include "internal/XmlFile_p.h"
 
 #include <QBuffer>
+#include <QTemporaryFile>
 #include <QTextCodec>
 #include <QtTest>
+
+using Internal::XmlError;
+
+namespace {
+
+QByteArray inUtf16(const QString &text, const char *codec = "UTF-16")
+{
+    return QTextCodec::codecForName(codec)->fromUnicode(text);
+}
+
+/** The error of parsing the text; an empty message: none. */
+XmlError errorOf(QByteArray text)
+{
+    QBuffer buffer(&text);
+    buffer.open(QIODevice::ReadOnly);
+    QDomDocument document;
+    XmlError error;
+    if (!Internal::parseXml(buffer, document, error) && error.message.isEmpty())
+        error.message = "failed without a message";
+    return error;
+}
+
+} // namespace
 
 /** Parsing of files that may be anything. */
 class TstXmlFile : public QObject
@@ -19,6 +43,8 @@ private slots:
     void depth();
     void declarations_data();
     void declarations();
+    void weight_data();
+    void weight();
     void size();
     void failureKeepsTheDocument();
     void closedDevice();
@@ -50,24 +76,53 @@ void TstXmlFile::sameAsTheDocument_data()
     QTest::newRow("large, broken at its end") << "<a>" + many + "</b>";
     QTest::newRow("large, broken early") << "<a></b>" + many;
     QTest::newRow("entity bomb") << Hostile::entityBomb();
+
+    const QString crlf = QStringLiteral("<a>\r\n<S>\r\n<k value='\u010d\u0d0d'/></S></a>\r\n");
+    for (const char *codec : {"UTF-16", "UTF-16LE", "UTF-16BE", "UTF-32", "UTF-8"}) {
+        QTest::addRow("CR in %s", codec) << inUtf16(crlf, codec);
+        QTest::addRow("CR in %s, broken", codec) << inUtf16(crlf + '<', codec);
+    }
+    QTest::newRow("lone CR") << QByteArray("<a>\r<b>\r\r</b>\r <");
+    QTest::newRow("line ends in a text") << QByteArray("<a><S><k value='\r\n\r\t\n'/></S></a>");
+    QTest::newRow("encoding named late")
+        << "<?xml version='1.0'" + QByteArray(2000, ' ') + "encoding='UTF-16'?><a/>";
+    QTest::newRow("letters of two bytes, across pieces")
+        << "<a><S><k value='x" + QByteArray("\u010d").repeated(3000) + "'/></S></a>";
+    QTest::newRow("three bytes") << QByteArray("<a>");
+    QTest::newRow("NUL within") << QByteArray("<a>\0</a>", 8);
+    QTest::newRow("what a reader takes for an end")
+        << QByteArray("<a>\xef\xbf\xbe\xef\xbf\xbf</a>");
 }
 
+/** What QDomDocument makes of the same file, opened as text. */
 void TstXmlFile::sameAsTheDocument()
 {
     QFETCH(QByteArray, text);
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write(text);
+    const auto reopen = [&file] {
+        file.close();
+        return file.QFile::open(QIODevice::ReadOnly | QIODevice::Text);
+    };
     QDomDocument expected;
-    Internal::XmlError reason;
-    const bool ok = expected.setContent(text, &reason.message, &reason.line, &reason.column);
-    QBuffer buffer(&text);
-    QVERIFY(buffer.open(QIODevice::ReadOnly));
-    QDomDocument document;
-    Internal::XmlError error;
-    QCOMPARE(Internal::parseXml(buffer, document, error), ok);
-    QCOMPARE(error.message, reason.message);
-    QCOMPARE(error.line, reason.line);
-    QCOMPARE(error.column, reason.column);
-    if (ok)
-        QCOMPARE(document.toByteArray(), expected.toByteArray());
+    XmlError reason;
+    QVERIFY(reopen());
+    const bool ok = expected.setContent(&file, &reason.message, &reason.line, &reason.column);
+    const auto compareErrors = [&reason](const XmlError &error) {
+        QCOMPARE(error.message, reason.message);
+        QCOMPARE(error.line, reason.line);
+        QCOMPARE(error.column, reason.column);
+    };
+    {
+        QDomDocument document;
+        XmlError error;
+        QVERIFY(reopen());
+        QCOMPARE(Internal::parseXml(file, document, error), ok);
+        compareErrors(error);
+        if (ok)
+            QCOMPARE(document.toByteArray(), expected.toByteArray());
+    }
 }
 
 void TstXmlFile::depth_data()
@@ -95,12 +150,7 @@ void TstXmlFile::depth()
 {
     QFETCH(QByteArray, text);
     QFETCH(bool, ok);
-    QBuffer buffer(&text);
-    QVERIFY(buffer.open(QIODevice::ReadOnly));
-    QDomDocument document;
-    Internal::XmlError error;
-    QCOMPARE(Internal::parseXml(buffer, document, error), ok);
-    QCOMPARE(error.message, ok ? QString() : QStringLiteral("elements nested too deeply"));
+    QCOMPARE(errorOf(text).message, ok ? QString() : QStringLiteral("elements nested too deeply"));
 }
 
 void TstXmlFile::declarations_data()
@@ -119,14 +169,25 @@ void TstXmlFile::declarations_data()
     QTest::newRow("brackets of a declaration") << declared(brackets(1000)) << QString();
     QTest::newRow("too many of them") << declared(brackets(1001)) << tooMany;
     QTest::newRow("far too many") << declared(brackets(1000000)) << tooMany;
-    QTest::newRow("in UTF-16") << QTextCodec::codecForName("UTF-16")->fromUnicode(declared(
-        brackets(100000))) << tooMany;
+    QTest::newRow("in UTF-16") << inUtf16(declared(brackets(100000))) << tooMany;
     QTest::newRow("brackets of a text") << "<a>" + QByteArray(2000, '(') + "</a>" << QString();
     QTest::newRow("so, with a document type")
         << "<!DOCTYPE a><a>" + QByteArray(2000, '(') + "</a>" << QString();
     QTest::newRow("entities") << declared(text4k, QByteArray("&e;").repeated(999)) << QString();
     QTest::newRow("too many entities")
-        << declared(text4k, QByteArray("&e;").repeated(1000)) << tooMany;
+        << declared(text4k, QByteArray("&e;").repeated(1100)) << tooMany;
+    QTest::newRow("a short entity, often")
+        << declared("<!ENTITY e 'x'>", QByteArray("&e;").repeated(10000)) << QString();
+    QTest::newRow("one that may stand for more, as often")
+        << declared("<!ENTITY d 'x'><!ENTITY e '&d;'>", QByteArray("&e;").repeated(10000))
+        << tooMany;
+    QTest::newRow("texts with brackets, a percent sign and references")
+        << declared("<!ENTITY e 'x'>", QByteArray("Range % (min) &lt;(max) &#65;").repeated(600))
+        << QString();
+    QTest::newRow("a document type that only a comment names")
+        << "<!--<!DOCTYPE a>-->" + declared(brackets(1001)) << tooMany;
+    QTest::newRow("an end that only a text, a comment and an instruction hold")
+        << declared("<!ENTITY e ']>'><!-- ]> --><?p ]> ?>" + brackets(1001)) << tooMany;
     QTest::newRow("entities of an attribute")
         << "<!DOCTYPE a [" + text4k + "]><a b='" + QByteArray("&e;").repeated(900000) + "'/>"
         << tooMany;
@@ -141,12 +202,34 @@ void TstXmlFile::declarations()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, message);
-    QBuffer buffer(&text);
-    QVERIFY(buffer.open(QIODevice::ReadOnly));
-    QDomDocument document;
-    Internal::XmlError error;
-    QCOMPARE(Internal::parseXml(buffer, document, error), message.isEmpty());
-    QCOMPARE(error.message, message);
+    QCOMPARE(errorOf(text).message, message);
+}
+
+void TstXmlFile::weight_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<bool>("ok");
+    const auto row = [](const char *name, const QByteArray &node, int count, bool ok) {
+        QTest::newRow(name) << "<a>" + node.repeated(count) + "</a>" << ok;
+    };
+    row("elements", "<b/>", 119999, true);
+    row("too many", "<b/>", 120000, false);
+    row("elements with attributes", "<b c='' d=''/>", 39999, true);
+    row("too many of them", "<b c='' d=''/>", 40000, false);
+    row("too many comments", "<!---->", 120000, false);
+    row("too many instructions", "<?b?>", 120000, false);
+    row("too many texts", "t<b/>", 60000, false);
+    row("too many unknown entities", "&u;", 120000, false);
+    QTest::newRow("deep and wide at once") << QByteArray("<x>").repeated(9999)
+            + QByteArray("<y/>").repeated(30000) + QByteArray("</x>").repeated(9999)
+                                           << false;
+}
+
+void TstXmlFile::weight()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(bool, ok);
+    QCOMPARE(errorOf(text).message, ok ? QString() : QStringLiteral("too many elements"));
 }
 
 void TstXmlFile::size()
@@ -154,12 +237,7 @@ void TstXmlFile::size()
     for (const bool tooLarge : {false, true}) {
         QByteArray text = "<a><!--";
         text += QByteArray(4 * 1024 * 1024 + int(tooLarge) - text.size() - 7, 'x') + "--></a>";
-        QBuffer buffer(&text);
-        QVERIFY(buffer.open(QIODevice::ReadOnly));
-        QDomDocument document;
-        Internal::XmlError error;
-        QCOMPARE(Internal::parseXml(buffer, document, error), !tooLarge);
-        QCOMPARE(error.message, tooLarge ? QStringLiteral("file too large") : QString());
+        QCOMPARE(errorOf(text).message, tooLarge ? QStringLiteral("file too large") : QString());
     }
 }
 
@@ -170,7 +248,7 @@ void TstXmlFile::failureKeepsTheDocument()
     for (QByteArray text : {QByteArray("<a>"), Hostile::nested(30000), Hostile::huge()}) {
         QBuffer buffer(&text);
         QVERIFY(buffer.open(QIODevice::ReadOnly));
-        Internal::XmlError error;
+        XmlError error;
         QVERIFY(!Internal::parseXml(buffer, document, error));
         QCOMPARE(document.firstChildElement().tagName(), QStringLiteral("kept"));
     }
@@ -180,7 +258,7 @@ void TstXmlFile::closedDevice()
 {
     QBuffer closed;
     QDomDocument document;
-    Internal::XmlError error;
+    XmlError error;
     const LogCapture log;
     QVERIFY(!Internal::parseXml(closed, document, error));
     QCOMPARE(error.message, QStringLiteral("unexpected end of file"));
