@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QString>
 
 #include <algorithm>
@@ -14,6 +15,14 @@
 #include <malloc.h>
 #include <sys/resource.h>
 #include <vector>
+
+#if __has_include(<valgrind/callgrind.h>)
+#include <valgrind/callgrind.h>
+#else
+#define RUNNING_ON_VALGRIND false
+#define CALLGRIND_ZERO_STATS
+#define CALLGRIND_DUMP_STATS
+#endif
 
 namespace {
 
@@ -103,6 +112,33 @@ Plan planFor(const Comparison::Row &row, const Work &job, const Work &floor)
     }
 }
 
+/** Instructions of one call, on the average of many; the program runs under callgrind. */
+double instructions(const Comparison::Row &row, const Work &work)
+{
+    constexpr double timeOfCalls = 1; // seconds, about
+    constexpr long mostCalls = 4096;
+    takeTurn(row, work, 1); // loads what is loaded once
+    const double start = now(Comparison::WallTime);
+    takeTurn(row, work, 1);
+    const double time = now(Comparison::WallTime) - start;
+    const long calls = row.before ? 1 : qBound(1L, long(timeOfCalls / time), mostCalls);
+
+    static int dumps = 0;
+    if (row.before)
+        row.before();
+    CALLGRIND_ZERO_STATS;
+    work(calls);
+    CALLGRIND_DUMP_STATS;
+    QFile dump(qEnvironmentVariable("KTV_CALLGRIND_FILE") + QLatin1Char('.')
+               + QString::number(++dumps));
+    if (!dump.open(QIODevice::ReadOnly))
+        qFatal("callgrind has written no %s", qPrintable(dump.fileName()));
+    const QByteArray content = dump.readAll();
+    const QByteArray label = "\nsummary: ";
+    const int begin = content.indexOf(label) + label.size();
+    return content.mid(begin, content.indexOf('\n', begin) - begin).toDouble() / double(calls);
+}
+
 QByteArray timeText(double time)
 {
     struct Unit
@@ -162,6 +198,14 @@ void Comparison::print(const char *name, bool isAbove, const std::vector<QByteAr
 
 void Comparison::measure(const Row &row, const Work &job, const Work &floor)
 {
+    if (RUNNING_ON_VALGRIND) {
+        const double ofJob = instructions(row, job);
+        const double ofFloor = instructions(row, floor);
+        print(row.name, false,
+              {QByteArray::number(ofJob, 'f', 0), QByteArray::number(ofFloor, 'f', 0),
+               QByteArray::number(ofJob / ofFloor, 'f', 2), "-", "-"});
+        return;
+    }
     const Plan plan = planFor(row, job, floor);
     std::vector<double> jobTimes;
     std::vector<double> floorTimes;
