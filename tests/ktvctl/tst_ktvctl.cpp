@@ -114,6 +114,7 @@ private slots:
     void settingsLast();
     void settingsOfADamagedFile();
     void settingsWithoutACard();
+    void settingsThatAreNoFile();
     void languageIsStoredOnlyWhenItLoads();
     void countersLast();
     void countersWithoutACard();
@@ -125,6 +126,7 @@ private slots:
     void pulledBattery();
 
     void watchPrintsAlerts();
+    void watchTakesTheStoredSerialNumber();
     void watchEndsCleanly_data();
     void watchEndsCleanly();
 };
@@ -171,7 +173,11 @@ void TstKtvctl::calls_data()
     row("settings get MAIN_Pin none", 0, "none\n", "");
     row("settings list", 0, "", "");
     row("settings set MAIN_Pin -- -1", 0, "", "");
-    row("settings set MAIN_Pin -1", 2, "", "ktvctl: Unknown option '1'.\n");
+    row("settings set MAIN_Pin -1", 0, "", "");
+    row("settings set MAIN_Pin -x", 2, "", "ktvctl: Unknown option 'x'.\n");
+    row("--json settings get MAIN_Pin none", 0, "\"none\"\n", "");
+    row("--nonsense settings list", 2, "", "ktvctl: no command '--nonsense'; see ktvctl --help\n");
+    row("--version", 0, "ktvctl " KTV_VERSION "\n", "");
     row("settings delete MAIN_Pin Power_Time1", 0, "", "");
     row("settings reset", 0, "", "");
 
@@ -193,13 +199,16 @@ void TstKtvctl::calls_data()
     row("help topics --serial CH1", 0, "Main\n", "");
     row("help topics --serial CH1 --lang PL", 0, "Other\n", "");
     row("help topics --serial DW1", 0, "Third\n", "");
-    row("help topics", 0, "", "");
+    const QString noModel = "ktvctl: the meter has no serial number yet; give --serial\n";
+    row("help topics", 2, "", noModel);
+    row("help list Main", 2, "", noModel);
     row("help list Main --serial CH1", 0, folder + "Main/a_EN.html\n" + folder + "Main/b_EN.html\n",
         "");
     row("help list Other --serial CH1", 1, "", "ktvctl: no help page on 'Other'\n");
 
     row("counters up Demagnetyzacja", 0, "1\n", "");
-    row("counters up Nothing", 1, "", "ktvctl: no counter 'Nothing'\n");
+    row("counters up Nothing", 2, "",
+        "ktvctl: no counter 'Nothing'; the names are those of 'counters show'\n");
     row("filename valid a/b:c", 0, "a_b_c\n", "");
     row("filename free /media/sdcard/Clients report.pdf", 0, "report_1.pdf\n", "");
     row("filename free /media/sdcard/Clients/ report pdf", 0, "report_1.pdf\n", "");
@@ -235,7 +244,7 @@ void TstKtvctl::json_data()
     QTest::newRow("list") << "lang list" << QByteArray("[\"EN\",\"PL\",\"XX\"]");
     QTest::newRow("section") << "lang section Main"
                              << QByteArray(R"({"bare":"bare","title":"Title"})");
-    QTest::newRow("no topics") << "help topics" << QByteArray("[]");
+    QTest::newRow("no topics") << "help topics --serial DV1 --lang PL" << QByteArray("[]");
     QTest::newRow("topics") << "help topics --serial CH1" << QByteArray("[\"Main\"]");
     QTest::newRow("no settings") << "settings list" << QByteArray("{}");
     QTest::newRow("counter") << "counters up Demagnetyzacja" << QByteArray("1");
@@ -306,6 +315,7 @@ void TstKtvctl::verboseShowsTheLog()
     QCOMPARE(answer.code, 1);
     QVERIFY(answer.error.contains("LangSerwis::setLang(DE): No such file or directory: "
                                   "/home/root/Langs/DE/DE.xml\n"));
+    QCOMPARE(ktvctl(QStringList("--verbose") + words).error, answer.error);
     QVERIFY(!ktvctl(words).error.contains("LangSerwis"));
 }
 
@@ -325,6 +335,11 @@ void TstKtvctl::settingsLast()
     QCOMPARE(ktvctl({"settings", "set", "PRINT_Customer_Label", text}).code, 0);
     QCOMPARE(ktvctl({"settings", "set", "Power_Time1", "5"}).code, 0);
     QCOMPARE(ktvctl({"settings", "set", "Power_Time1", "7"}).code, 0);
+    for (const char *number : {"-5", "-.5"}) {
+        QCOMPARE(ktvctl({"settings", "set", "Power_Time2", number}).code, 0);
+        QCOMPARE(ktvctl({"settings", "get", "Power_Time2"}).out, number + QStringLiteral("\n"));
+    }
+    QCOMPARE(ktvctl({"settings", "delete", "Power_Time2"}).code, 0);
     QCOMPARE(ktvctl({"settings", "set", "MAIN_Pin", ""}).code, 0);
     QCOMPARE(ktvctl({"settings", "get", "PRINT_Customer_Label"}).out, text + '\n');
     QCOMPARE(ktvctl({"settings", "get", "MAIN_Pin", "default"}).out, QStringLiteral("\n"));
@@ -338,12 +353,12 @@ void TstKtvctl::settingsLast()
     QCOMPARE(ktvctl({"settings", "list"}).out, QString());
 
     const Answer answer = ktvctl({"settings", "delete", "Power_Time1", "Nothing"});
-    QCOMPARE(answer.code, 1);
+    QCOMPARE(answer.code, 2);
     QVERIFY(answer.error.startsWith(
         "ktvctl: no setting 'Nothing'; the names are: MAIN_Lang MAIN_UseScreenKeyboard "));
     QVERIFY(answer.error.endsWith(" Power_Time1 Power_Time2\n"));
-    QCOMPARE(ktvctl({"settings", "get", "0"}).code, 1);
-    QCOMPARE(ktvctl({"settings", "get", "MAIN_Lang|MAIN_Pin"}).code, 1);
+    QCOMPARE(ktvctl({"settings", "get", "0"}).code, 2);
+    QCOMPARE(ktvctl({"settings", "get", "MAIN_Lang|MAIN_Pin"}).code, 2);
 }
 
 void TstKtvctl::settingsOfADamagedFile()
@@ -356,6 +371,12 @@ void TstKtvctl::settingsOfADamagedFile()
     QCOMPARE(answer.error, reason);
     QCOMPARE(Meter::readFile(settingsFile), QByteArray(4096, 'x'));
     QCOMPARE(ktvctl({"lang", "set", "PL"}).error, reason);
+    for (const char *words : {"settings get MAIN_Pin", "settings list"}) {
+        const Answer read = typed(words);
+        QCOMPARE(read.code, 1);
+        QCOMPARE(read.error, "ktvctl: '" + settingsFile + "' cannot be read: it is no database\n");
+    }
+    QCOMPARE(Meter::readFile(settingsFile), QByteArray(4096, 'x'));
     QCOMPARE(ktvctl({"settings", "reset"}).code, 0);
     QCOMPARE(ktvctl({"settings", "set", "MAIN_Pin", "1"}).code, 0);
 }
@@ -364,8 +385,8 @@ void TstKtvctl::settingsWithoutACard()
 {
     QDir(userData).removeRecursively();
     Meter::writeFile("/media/sdcard/UserData", "in the way");
-    for (const char *words : {"settings get MAIN_Pin", "settings set MAIN_Pin 1", "settings list",
-                              "settings delete MAIN_Pin", "settings reset", "lang set PL"}) {
+    for (const char *words :
+         {"settings set MAIN_Pin 1", "settings delete MAIN_Pin", "settings reset", "lang set PL"}) {
         const Answer answer = typed(words);
         QCOMPARE(answer.code, 1);
         QCOMPARE(answer.out, QString());
@@ -373,6 +394,17 @@ void TstKtvctl::settingsWithoutACard()
     }
     QCOMPARE(ktvctl({"lang", "text", "Main", "title"}).out, QStringLiteral("Title\n"));
     QFile::remove("/media/sdcard/UserData");
+}
+
+void TstKtvctl::settingsThatAreNoFile()
+{
+    // The library would put an empty file in its place.
+    QProcess::execute("mkfifo", {settingsFile});
+    const Answer answer = typed("settings get MAIN_Pin");
+    QCOMPARE(answer.code, 1);
+    QCOMPARE(answer.error, "ktvctl: '" + settingsFile + "' cannot be read: it is no file\n");
+    QVERIFY(!QFileInfo(settingsFile).isFile());
+    QFile::remove(settingsFile);
 }
 
 void TstKtvctl::languageIsStoredOnlyWhenItLoads()
@@ -422,9 +454,9 @@ void TstKtvctl::readersLeaveOtherServicesAlone_data()
 {
     QTest::addColumn<QString>("words");
     for (const char *words :
-         {"info", "info --json", "disk", "filename valid x", "filename free /tmp x",
-          "lang list --serial DV1", "lang text Main title --lang EN",
-          "help topics --lang EN --serial CH1", "counters show"})
+         {"info", "info --json", "disk", "filename valid x", "filename free /tmp x", "lang list",
+          "lang text Main title", "lang section Main", "help topics --serial CH1", "counters show",
+          "settings list", "settings get MAIN_Pin none", "value currents"})
         QTest::newRow(words) << words;
 }
 
@@ -505,11 +537,22 @@ void TstKtvctl::watchPrintsAlerts()
     QCOMPARE(watch.end(), 0);
 }
 
+void TstKtvctl::watchTakesTheStoredSerialNumber()
+{
+    QCOMPARE(ktvctl({"settings", "set", "MAIN_MeterSN", "DW77"}).code, 0);
+    Watch watch({"--seconds", "1"});
+    QCOMPARE(watch.nextLine(), QStringLiteral("watching QERN KTV-4400, language EN"));
+    QCOMPARE(watch.nextLine(), QStringLiteral("stopped"));
+    QCOMPARE(watch.end(), 0);
+    QCOMPARE(ktvctl({"settings", "get", "MAIN_MeterSN"}).out, QStringLiteral("DW77\n"));
+}
+
 void TstKtvctl::watchEndsCleanly_data()
 {
     QTest::addColumn<int>("number");
     QTest::newRow("SIGINT") << SIGINT;
     QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGHUP") << SIGHUP;
     QTest::newRow("by itself") << 0;
 }
 

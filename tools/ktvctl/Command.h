@@ -13,7 +13,8 @@ enum ExitCode
 {
     Success = 0,
     Failure = 1,
-    UsageError = 2
+    UsageError = 2,
+    TimedOut = 3 ///< what was waited for has not come
 };
 
 /** What a user has typed, parsed. */
@@ -23,10 +24,10 @@ public:
     explicit Call(const QCommandLineParser &parser) : m_parser(parser) { }
 
     /** Positional argument; null where an optional one was left out. */
-    QString argument(int index) const { return m_parser.positionalArguments().value(index); }
-    QStringList arguments() const { return m_parser.positionalArguments(); }
+    QString argument(int index) const { return arguments().value(index); }
+    QStringList arguments() const;
     bool isSet(const char *option) const { return m_parser.isSet(QLatin1String(option)); }
-    QString option(const char *name) const { return m_parser.value(QLatin1String(name)); }
+    QString option(const char *name) const;
 
     /**
      * Prints the answer at once: @p machine with --json, else the lines of @p human; a null
@@ -57,6 +58,8 @@ QString yesOrNo(bool value);
 /** The option --serial. */
 QCommandLineOption serialOption(const char *description);
 
+/** Prints a remark on standard error. */
+void remark(const QString &text);
 /** Prints a reason on standard error. @return Failure */
 int fail(const QString &reason);
 /** The same for a call whose words are off. @return UsageError */

@@ -50,7 +50,8 @@ int up(const Call &call)
     const QByteArray name = (prefix + call.argument(0)).toLatin1();
     const auto counter = KTV_Liczniki::Licznik(counterNames().keyToValue(name.constData(), &ok));
     if (!ok)
-        return fail(QStringLiteral("no counter '%1'").arg(call.argument(0)));
+        return misuse(QStringLiteral("no counter '%1'; the names are those of 'counters show'")
+                          .arg(call.argument(0)));
     qint64 count = 0;
     {
         KTV_Liczniki counters(logDirectory());

@@ -7,6 +7,12 @@
 #include <cstdio>
 #include <unistd.h>
 
+namespace {
+
+constexpr std::array<int, 2> endingSignals {SIGINT, SIGTERM};
+
+} // namespace
+
 std::array<int, 2> SignalQuit::s_pipe {};
 
 SignalQuit::SignalQuit()
@@ -16,15 +22,19 @@ SignalQuit::SignalQuit()
     QObject::connect(&m_notifier.emplace(s_pipe[0], QSocketNotifier::Read),
                      &QSocketNotifier::activated, QCoreApplication::instance(),
                      &QCoreApplication::quit);
-    for (const int number : {SIGINT, SIGTERM})
+    for (const int number : endingSignals)
         std::signal(number, handle);
+    // Under nohup a closed terminal ends nothing.
+    if (std::signal(SIGHUP, handle) == SIG_IGN)
+        std::signal(SIGHUP, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN); // a reader that leaves ends the watch, too
 }
 
 SignalQuit::~SignalQuit()
 {
-    for (const int number : {SIGINT, SIGTERM})
+    for (const int number : endingSignals)
         std::signal(number, SIG_IGN); // the services end undisturbed
+    std::signal(SIGHUP, SIG_IGN);
 }
 
 void SignalQuit::handle(int)

@@ -10,7 +10,10 @@
 
 /** What the commands share that wait for events and print them. */
 
-/** Ends the event loop on SIGINT and SIGTERM, so that the services end in their order. */
+/**
+ * Ends the event loop on SIGINT, SIGTERM and, where the terminal closes or the connection drops,
+ * SIGHUP, so that the services end in their order.
+ */
 class SignalQuit
 {
 public:

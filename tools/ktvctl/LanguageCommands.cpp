@@ -47,8 +47,8 @@ int setLanguage(const Call &call)
     LangSerwis texts(languagesDirectory(), KTV_Configuration::MeterModels_NaN);
     if (!load(texts, call.argument(0)))
         return noLanguage(call.argument(0));
-    Settings settings;
-    return settings.isOpen() && settings.write(KTV_InterfaceConfig::MAIN_Lang, call.argument(0))
+    Settings settings(Settings::Writing);
+    return settings.isUsable() && settings.write(KTV_InterfaceConfig::MAIN_Lang, call.argument(0))
         ? Success
         : settings.failure();
 }
@@ -88,9 +88,17 @@ int printSection(const Call &call)
     return Success;
 }
 
+int unknownModel()
+{
+    return misuse(QStringLiteral("the meter has no serial number yet; give --serial"));
+}
+
 int listPages(const Call &call)
 {
-    const QERNTools::helpManager help(helpDirectory(), modelOf(call), languageOf(call));
+    const auto model = modelOf(call);
+    if (model == KTV_Configuration::MeterModels_NaN)
+        return unknownModel();
+    const QERNTools::helpManager help(helpDirectory(), model, languageOf(call));
     const std::unique_ptr<QStringList> pages(help.GetHelpFileList(call.argument(0)));
     if (pages->isEmpty())
         return fail(QStringLiteral("no help page on '%1'").arg(call.argument(0)));
@@ -109,6 +117,8 @@ QString modelFolder(KTV_Configuration::MeterModels model)
 int listTopics(const Call &call)
 {
     const auto model = modelOf(call);
+    if (model == KTV_Configuration::MeterModels_NaN)
+        return unknownModel();
     const QERNTools::helpManager help(helpDirectory(), model, languageOf(call));
     const QDir folder(helpDirectory() + QLatin1Char('/') + modelFolder(model));
     QStringList topics = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);

@@ -1,5 +1,6 @@
 #include "Command.h"
 #include "Settings.h"
+#include "StoreFile.h"
 
 #include <datalist/KTV_DataList.h>
 #include <language/LangSerwis.h>
@@ -196,6 +197,10 @@ template <typename Work> int onLists(const Call &call, Work work)
     if (!takeUnit(call))
         return misuse(QStringLiteral("--unit is celsius, fahrenheit or kelvin"));
     const KTV_Configuration meter;
+    const auto file = StoreFile::lookAt(meter.get_mainInterfaceUserDataDirectory()
+                                        + QStringLiteral("dataList.db"));
+    if (!file.problem.isNull())
+        return fail(file.problem);
     KTV_DataList lists(meter.get_mainInterfaceUserDataDirectory(),
                        meter.get_mainInterfaceLangsDirectory(), languageInEffect(call));
     if (!lists.Open()) // a constructor cannot tell
@@ -368,6 +373,7 @@ Family listsFamily()
     constexpr size_t count = 5;
     return {"lists",
             "The pick lists. Safe while the interface runs; a change waits while the other side "
-            "writes.",
+            "writes. Reading, too, creates a file that is missing and enters the factory rows of "
+            "a language that has none yet.",
             allVerbs(std::make_index_sequence<count>())};
 }

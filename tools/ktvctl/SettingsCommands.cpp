@@ -24,24 +24,24 @@ std::optional<Key> keyOf(const QString &name)
 
 int noSuchKey(const QString &name)
 {
-    return fail(QStringLiteral("no setting '%1'; the names are: ").arg(name)
-                + Settings::names().join(QLatin1Char(' ')));
+    return misuse(QStringLiteral("no setting '%1'; the names are: ").arg(name)
+                  + Settings::names().join(QLatin1Char(' ')));
 }
 
 /** Opens the settings and works on the one that the first argument names. */
-template <typename Work> int onSetting(const Call &call, Work work)
+template <typename Work> int onSetting(const Call &call, Settings::Purpose purpose, Work work)
 {
     const auto key = keyOf(call.argument(0));
     if (!key)
         return noSuchKey(call.argument(0));
-    Settings settings;
-    return settings.isOpen() ? work(settings, *key) : settings.failure();
+    Settings settings(purpose);
+    return settings.isUsable() ? work(settings, *key) : settings.failure();
 }
 
 int get(const Call &call)
 {
-    return onSetting(call, [&call](Settings &settings, Key key) {
-        const QString value = settings.store().getValue(key, call.argument(1));
+    return onSetting(call, Settings::Reading, [&call](Settings &settings, Key key) {
+        const QString value = settings.value(key, call.argument(1));
         if (value.isNull())
             return fail(QStringLiteral("%1 is not set").arg(call.argument(0)));
         call.print(value, value);
@@ -51,7 +51,7 @@ int get(const Call &call)
 
 int set(const Call &call)
 {
-    return onSetting(call, [&call](Settings &settings, Key key) {
+    return onSetting(call, Settings::Writing, [&call](Settings &settings, Key key) {
         return settings.write(key, call.argument(1)) ? Success : settings.failure();
     });
 }
@@ -66,26 +66,19 @@ int remove(const Call &call)
             return noSuchKey(name);
         keys += *key;
     }
-    Settings settings;
-    if (!settings.isOpen())
-        return settings.failure();
-    settings.store().deleteValue(keys);
-    for (const Key key : qAsConst(keys)) {
-        if (!settings.store().getValue(key, QString()).isNull())
-            return settings.failure();
-    }
-    return Success;
+    Settings settings(Settings::Writing);
+    return settings.isUsable() && settings.remove(keys) ? Success : settings.failure();
 }
 
 int list(const Call &call)
 {
-    Settings settings;
-    if (!settings.isOpen())
+    Settings settings(Settings::Reading);
+    if (!settings.isUsable())
         return settings.failure();
     QJsonObject machine;
     Rows human;
     for (int i = 0; i < keyNames().keyCount(); ++i) {
-        const QString value = settings.store().getValue(Key(keyNames().value(i)), QString());
+        const QString value = settings.value(Key(keyNames().value(i)));
         if (value.isNull())
             continue;
         machine.insert(QLatin1String(keyNames().key(i)), value);
@@ -97,8 +90,8 @@ int list(const Call &call)
 
 int reset(const Call &)
 {
-    Settings settings;
-    return settings.store().CreateNew() ? Success : settings.failure();
+    Settings settings(Settings::Writing);
+    return settings.reset() ? Success : settings.failure();
 }
 
 } // namespace
@@ -106,8 +99,9 @@ int reset(const Call &)
 Family settingsFamily()
 {
     return {"settings",
-            "The user's settings. Reading is safe at any time; writing is unwise while the "
-            "interface runs: it keeps what it has read, may hold the file locked for seconds, "
+            "The user's settings. Reading is safe at any time: a file that is missing or cannot be "
+            "read stays as it is. Writing is unwise while the interface runs: it keeps what it has "
+            "read, may hold the file locked for seconds, "
             "and after a reset writes into the file that was deleted.",
             {{"get", "KEY [DEFAULT]", "print a setting, or DEFAULT when it is not set", get},
              {"set", "KEY VALUE", "store a setting", set},

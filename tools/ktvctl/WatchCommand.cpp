@@ -1,5 +1,6 @@
 #include "Command.h"
 #include "EventLoop.h"
+#include "Settings.h"
 
 #include <configuration/KTV_Configuration.h>
 #include <datasource/KTV_DataSource.h>
@@ -31,9 +32,10 @@ int watch(const Call &call)
         return misuseOfTime();
 
     const SignalQuit quitOnSignal;
+    const QString serialNumber = serialNumberOf(call);
     KTV_DataSource meter;
-    if (call.isSet("serial"))
-        meter.setMeterSerialName(call.option("serial"));
+    if (!serialNumber.isNull()) // without one the end would store that of no meter in its place
+        meter.setMeterSerialName(serialNumber);
     QObject::connect(&meter, &KTV_DataSource::changeFreeSpaceAlert,
                      [&] { printFreeSpace(call, "freeSpaceAlert", meter); });
     QTimer checks;
@@ -64,9 +66,9 @@ Family watchFamily()
             "number.",
             {{"",
               "",
-              "print what the services signal, until SIGINT or SIGTERM",
+              "print what the services signal, until SIGINT, SIGTERM or SIGHUP",
               watch,
               {secondsOption(),
                timeOption("check", "Check the disk now and every N seconds, not once a minute."),
-               serialOption("Serial number that the meter reports.")}}}};
+               serialOption("Serial number that the meter reports (else the stored one).")}}}};
 }

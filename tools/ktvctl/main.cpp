@@ -67,9 +67,10 @@ int printHelp(const Family *family = nullptr)
             printFamily(out, one);
     }
     out << "\nEvery command takes --json, --verbose (log lines on standard error) and --help,\n"
-           "which says what is unwise while the interface runs. After -- every word is an\n"
-           "argument, also one that begins with -.\n"
-           "Exit codes: 0 done, 1 failed, 2 called wrongly.\n";
+           "which says what is unwise while the interface runs; the first two may also stand\n"
+           "before it. After -- every word is an argument, also one that begins with -.\n"
+           "ktvctl --version prints the version.\n"
+           "Exit codes: 0 done, 1 failed, 2 called wrongly, 3 waited in vain.\n";
     return Success;
 }
 
@@ -80,6 +81,23 @@ bool fits(const QStringList &given, const QStringList &declared)
         return !word.startsWith(QLatin1Char('['));
     });
     return given.size() >= required && (repeats || given.size() <= declared.size());
+}
+
+/**
+ * The parser takes every word that begins with '-' for an option. Here no option is a digit, so
+ * "-5" can only be a number: it is parsed behind a character that nobody types.
+ */
+const QChar numberMark(0xE000); // of the private use area
+
+QStringList withMarkedNumbers(QStringList words)
+{
+    static const QRegularExpression beforeNegative(QStringLiteral("^(?=-[.0-9])"));
+    return words.replaceInStrings(beforeNegative, numberMark);
+}
+
+QString withoutMark(const QString &word)
+{
+    return word.startsWith(numberMark) ? word.mid(1) : word;
 }
 
 int runVerb(const Family &family, const Verb &verb, const QStringList &words)
@@ -99,7 +117,7 @@ int runVerb(const Family &family, const Verb &verb, const QStringList &words)
         QString::fromLatin1(verb.arguments).split(QLatin1Char(' '), Qt::SkipEmptyParts);
     for (const QString &word : declared)
         parser.addPositionalArgument(word, QString(), word);
-    if (!parser.parse(QStringList {QStringLiteral("ktvctl")} + words))
+    if (!parser.parse(QStringList {QStringLiteral("ktvctl")} + withMarkedNumbers(words)))
         return misuse(parser.errorText());
     if (parser.isSet(help)) {
         QString text = parser.helpText();
@@ -117,15 +135,22 @@ int runVerb(const Family &family, const Verb &verb, const QStringList &words)
         : code;
 }
 
+/** Whether the option may stand before the command, too. */
+bool isCommonOption(const QString &word)
+{
+    return word == QLatin1String("--json") || word == QLatin1String("--verbose");
+}
+
 bool asksForHelp(const QString &word)
 {
     return word == QLatin1String("--help") || word == QLatin1String("-h");
 }
 
-int runFamily(const Family &family, const QStringList &words)
+/** @p common are options that stood before the family's name. */
+int runFamily(const Family &family, const QStringList &words, const QStringList &common)
 {
     if (family.verbs.front().name.isEmpty())
-        return runVerb(family, family.verbs.front(), words);
+        return runVerb(family, family.verbs.front(), common + words);
     if (words.isEmpty() || asksForHelp(words.first())) {
         printHelp(&family);
         return words.isEmpty() ? UsageError : Success;
@@ -133,13 +158,25 @@ int runFamily(const Family &family, const QStringList &words)
     for (const Verb &verb : family.verbs) {
         const QStringList name = QString::fromLatin1(verb.name).split(QLatin1Char(' '));
         if (words.mid(0, name.size()) == name)
-            return runVerb(family, verb, words.mid(name.size()));
+            return runVerb(family, verb, common + words.mid(name.size()));
     }
     return misuse(QStringLiteral("no command '%1 %2'; see ktvctl %1 --help")
                       .arg(QLatin1String(family.name), words.first()));
 }
 
 } // namespace
+
+QStringList Call::arguments() const
+{
+    QStringList words = m_parser.positionalArguments();
+    std::transform(words.begin(), words.end(), words.begin(), withoutMark);
+    return words;
+}
+
+QString Call::option(const char *name) const
+{
+    return withoutMark(m_parser.value(QLatin1String(name)));
+}
 
 void Call::print(const QJsonValue &machine, const QString &human) const
 {
@@ -179,9 +216,14 @@ QCommandLineOption serialOption(const char *description)
     return {QStringLiteral("serial"), QString::fromLatin1(description), QStringLiteral("NUMBER")};
 }
 
+void remark(const QString &text)
+{
+    QTextStream(stderr) << "ktvctl: " << text << '\n';
+}
+
 int fail(const QString &reason)
 {
-    QTextStream(stderr) << "ktvctl: " << reason << '\n';
+    remark(reason);
     return Failure;
 }
 
@@ -196,6 +238,13 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     qInstallMessageHandler(showLog);
     QStringList words = QCoreApplication::arguments().mid(1);
+    QStringList common;
+    while (!words.isEmpty() && isCommonOption(words.first()))
+        common += words.takeFirst();
+    if (words.value(0) == QLatin1String("--version")) {
+        QTextStream(stdout) << "ktvctl " KTV_VERSION "\n";
+        return Success;
+    }
     if (words.isEmpty() || asksForHelp(words.first())) {
         printHelp();
         return words.isEmpty() ? UsageError : Success;
@@ -203,7 +252,7 @@ int main(int argc, char *argv[])
     const QString name = words.takeFirst();
     for (const Family &family : families()) {
         if (name == QLatin1String(family.name))
-            return runFamily(family, words);
+            return runFamily(family, words, common);
     }
     return misuse(QStringLiteral("no command '%1'; see ktvctl --help").arg(name));
 }
