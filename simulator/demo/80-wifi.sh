@@ -41,7 +41,7 @@ until_seen "state   ON"
 echo "  add 'Substation North', which is protected"
 echo ohm-law-1827 | ktvctl wifi add "Substation North" -
 until_seen "state   Connecting"
-until_seen "detail  Connect_4  Substation North  :192.168.44.100"
+until_seen "detail  Connect_4  Substation North  192.168.44.100"
 echo "  its access points go off the air"
 sed -i '/Substation North/d' $radio
 until_seen "detail  ON"

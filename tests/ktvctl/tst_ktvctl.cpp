@@ -456,7 +456,7 @@ void TstKtvctl::readersLeaveOtherServicesAlone_data()
     for (const char *words :
          {"info", "info --json", "disk", "filename valid x", "filename free /tmp x", "lang list",
           "lang text Main title", "lang section Main", "help topics --serial CH1", "counters show",
-          "settings list", "settings get MAIN_Pin none", "value currents"})
+          "settings list", "settings get MAIN_Pin none", "value currents", "wifi list"})
         QTest::newRow(words) << words;
 }
 

@@ -18,11 +18,16 @@ private slots:
     void withoutInterface_data();
     void withoutInterface();
     void scanToolThatDoesNotAnswer();
+    void scanThatHearsNothing();
 
     void networksAreKept();
     void passPhraseFromInput();
     void statusWaitsForAConnection();
+    void statusWaitsInVain();
     void power();
+    void readingLeavesAnAdapterOff_data();
+    void readingLeavesAnAdapterOff();
+    void readingLeavesADamagedFile();
     void watchPrintsSignals_data();
     void watchPrintsSignals();
 
@@ -89,12 +94,17 @@ void TstKtvctlWifi::calls_data()
     row({"list"}, 0, "");
     row({"list", "--json"}, 0, "[]\n");
     row({"add", "Lab", "12345678"}, 0, "");
+    row({"add", "Guest", "--open"}, 0, "");
     const char *unknown = "ktvctl: no network 'Lab' is known; see ktvctl wifi list\n";
     row({"delete", "Lab"}, 1, "", unknown);
     row({"prefer", "Lab"}, 1, "", unknown);
     row({"add", ""}, 2, "", "ktvctl: a network has a name\n");
     const char *passPhrase = "ktvctl: a pass phrase has 8 to 63 characters\n";
     row({"add", "Lab", "1234567"}, 2, "", passPhrase);
+    row({"add", "Lab", ""}, 2, "", passPhrase);
+    const char *openOrNot = "ktvctl: a network has a pass phrase, or is --open\n";
+    row({"add", "Lab"}, 2, "", openOrNot);
+    row({"add", "Lab", "12345678", "--open"}, 2, "", openOrNot);
     row({"add", "Lab", QString(64, 'k')}, 2, "", passPhrase);
     row({"power", "ON"}, 2, "", "ktvctl: power is switched on or off\n");
     const char *time = "ktvctl: a time is a number of seconds, 1 to 86400\n";
@@ -120,7 +130,7 @@ void TstKtvctlWifi::withoutInterface_data()
     for (const char *words : {"scan", "power on", "watch"})
         QTest::newRow(words) << QString(words).split(' ') << 1 << "";
     QTest::newRow("status") << QStringList("status") << 0 << "State: NAN\n";
-    QTest::newRow("add") << QStringList({"add", "Guest"}) << 0 << "";
+    QTest::newRow("add") << QStringList({"add", "Guest", "--open"}) << 0 << "";
 }
 
 void TstKtvctlWifi::withoutInterface()
@@ -139,14 +149,32 @@ void TstKtvctlWifi::scanToolThatDoesNotAnswer()
 {
     Meter::setBehaviour("iwlist", "hang=1");
     const Answer answer = wifi({"scan"});
-    QCOMPARE(answer.error, "ktvctl: the scan tool does not answer\n");
+    QCOMPARE(answer.error,
+             "ktvctl: the scan took longer than 5 s; scanning again\n"
+             "ktvctl: the scan tool does not answer\n");
     QCOMPARE(answer.out, QString());
     QCOMPARE(answer.code, 1);
 }
 
+void TstKtvctlWifi::scanThatHearsNothing()
+{
+    // As one that meets a scan of the supplicant's: the next one is heard.
+    const QByteArray cell =
+        "Cell 01\nESSID:\"Lab\"\nEncryption key:on\nQuality=1 Signal level=-45 dBm\n";
+    Meter::replaceProgram("iwlist",
+                          "[ -e /tmp/busy ] || { : >/tmp/busy; exit 0; }\n"
+                          "printf '"
+                              + cell + "'");
+    const Answer answer = wifi({"scan"});
+    Meter::showProgram("iwlist");
+    QCOMPARE(answer.error, "ktvctl: no network was heard; scanning again\n");
+    QCOMPARE(answer.out, "#####  protected  Lab\n");
+    QCOMPARE(answer.code, 0);
+}
+
 void TstKtvctlWifi::networksAreKept()
 {
-    QCOMPARE(wifi({"add", "Guest"}).code, 0);
+    QCOMPARE(wifi({"add", "Guest", "--open"}).code, 0);
     QCOMPARE(preferred(), QByteArray("\tkey_mgmt=NONE"));
     QCOMPARE(wifi({"add", "Lab", "ohm-law-1827"}).code, 0);
     QVERIFY(preferred().startsWith("\tpsk="));
@@ -162,17 +190,28 @@ void TstKtvctlWifi::networksAreKept()
 
 void TstKtvctlWifi::passPhraseFromInput()
 {
-    QCOMPARE(wifi({"add", "Lab", "-"}, "1234567\n").code, 2);
+    for (const char *line : {"1234567\n", "\n", ""}) {
+        QCOMPARE(wifi({"add", "Lab", "-"}, line).code, 2);
+        QCOMPARE(output("list"), QString()); // not taken for an open one
+    }
     QCOMPARE(wifi({"add", "Lab", "-"}, "ohm-law-1827\nmore\n").code, 0);
     QVERIFY(output("status --wait 20").contains("Network:   Lab\n"));
 }
 
 void TstKtvctlWifi::statusWaitsForAConnection()
 {
-    QCOMPARE(wifi({"add", "Guest"}).code, 0);
+    QCOMPARE(wifi({"add", "Guest", "--open"}).code, 0);
     QCOMPARE(output("status --wait 20"),
-             "Interface: wlan0\nState:     Connect_1\nNetwork:   Guest\nAddress:   :10.9.8.100\n"
+             "Interface: wlan0\nState:     Connect_1\nNetwork:   Guest\nAddress:   10.9.8.100\n"
              "Mask:      255.255.255.0\nBroadcast: 10.9.8.255\n");
+}
+
+void TstKtvctlWifi::statusWaitsInVain()
+{
+    const Answer answer = wifi({"status", "--wait", "1"});
+    QCOMPARE(answer.out, "Interface: wlan0\nState:     ON\n");
+    QCOMPARE(answer.error, QString());
+    QCOMPARE(answer.code, 3);
 }
 
 void TstKtvctlWifi::power()
@@ -181,16 +220,54 @@ void TstKtvctlWifi::power()
     QCOMPARE(output("power on"), "ON\n");
 }
 
+void TstKtvctlWifi::readingLeavesAnAdapterOff_data()
+{
+    QTest::addColumn<QString>("words");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("out");
+    QTest::newRow("status") << "status" << 0 << "Interface: wlan0\nState:     OFF\n";
+    for (const char *words : {"status --wait 5", "scan", "list", "watch --seconds 5"})
+        QTest::newRow(words) << words << 1 << "";
+}
+
+void TstKtvctlWifi::readingLeavesAnAdapterOff()
+{
+    QCOMPARE(wifi({"add", "Guest", "--open"}).code, 0);
+    QCOMPARE(output("power off"), "OFF\n");
+    Meter::clearJournal();
+    QFETCH(QString, words);
+    const Answer answer = wifi(words.split(' '));
+    QTEST(answer.out, "out");
+    QTEST(answer.code, "code");
+    QCOMPARE(answer.error,
+             answer.code == 0
+                 ? QString()
+                 : QStringLiteral("ktvctl: the adapter is off, and this would switch it "
+                                  "on; see ktvctl wifi power\n"));
+    QCOMPARE(Meter::journal(), QStringList());
+    QCOMPARE(output("status"), "Interface: wlan0\nState:     OFF\n");
+}
+
+void TstKtvctlWifi::readingLeavesADamagedFile()
+{
+    const QString file = QStringLiteral("/media/sdcard/UserData/wifi.db");
+    Meter::writeFile(file, "no database");
+    const Answer answer = wifi({"list"});
+    QCOMPARE(answer.code, 1);
+    QCOMPARE(answer.error, "ktvctl: '" + file + "' cannot be read: it is no database\n");
+    QCOMPARE(Meter::readFile(file), QByteArray("no database"));
+}
+
 void TstKtvctlWifi::watchPrintsSignals_data()
 {
     QTest::addColumn<QStringList>("options");
     QTest::addColumn<QByteArray>("scan");
     QTest::addColumn<QByteArray>("detail");
     QTest::newRow("text") << QStringList() << QByteArray("scan    2 networks in reach\n")
-                          << QByteArray("detail  Connect_4  Lab  :10.20.30.100\n");
+                          << QByteArray("detail  Connect_4  Lab  10.20.30.100\n");
     QTest::newRow("JSON") << QStringList("--json")
                           << QByteArray("{\"event\":\"scan\",\"networks\":[{\"name\":\"Guest\",")
-                          << QByteArray("{\"address\":\":10.20.30.100\",");
+                          << QByteArray("{\"address\":\"10.20.30.100\",");
 }
 
 void TstKtvctlWifi::watchPrintsSignals()

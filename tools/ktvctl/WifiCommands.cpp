@@ -1,11 +1,13 @@
 #include "Command.h"
 #include "EventLoop.h"
+#include "StoreFile.h"
 
 #include <configuration/KTV_Configuration.h>
 #include <wifi/KTV_Connection.h>
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QMetaEnum>
@@ -15,6 +17,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+
+#include <net/if.h>
 
 namespace {
 
@@ -52,12 +56,18 @@ QString stateName(int state)
         .remove(QStringLiteral("wifi_States_"));
 }
 
+/** The library's text begins with a colon that belongs to no address. */
+QString addressOf(const Network &network)
+{
+    return network.address.startsWith(QLatin1Char(':')) ? network.address.mid(1) : network.address;
+}
+
 QJsonObject connectionJson(const Network &network)
 {
     return {{QStringLiteral("state"), network.state},
             {QStringLiteral("stateName"), stateName(network.state)},
             {QStringLiteral("name"), network.ESSID},
-            {QStringLiteral("address"), network.address},
+            {QStringLiteral("address"), addressOf(network)},
             {QStringLiteral("mask"), network.mask},
             {QStringLiteral("broadcast"), network.broadcast}};
 }
@@ -65,7 +75,7 @@ QJsonObject connectionJson(const Network &network)
 QString connectionText(const Network &network)
 {
     QStringList words {stateName(network.state)};
-    for (const QString &word : {network.ESSID, network.address}) {
+    for (const QString &word : {network.ESSID, addressOf(network)}) {
         if (!word.isEmpty())
             words += word;
     }
@@ -110,19 +120,67 @@ int noSuchNetwork(const QString &essid)
     return fail(QStringLiteral("no network '%1' is known; see ktvctl wifi list").arg(essid));
 }
 
+/**
+ * Whether the adapter is there and switched off. A manager restarts the supplicant, which would
+ * switch it on.
+ */
+bool isSwitchedOff()
+{
+    QFile file(QStringLiteral("/sys/class/net/wlan0/flags"));
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    bool ok = false;
+    const uint flags = file.readAll().trimmed().toUInt(&ok, 0);
+    return ok && (flags & IFF_UP) == 0;
+}
+
+int refuseToSwitchOn()
+{
+    return fail(QStringLiteral("the adapter is off, and this would switch it on; see "
+                               "ktvctl wifi power"));
+}
+
+void printStatus(const Call &call, const Network &network, const QString &interfaceName)
+{
+    QJsonObject machine = connectionJson(network);
+    machine.insert(QStringLiteral("interface"), interfaceName);
+    Rows rows;
+    const QPair<const char *, QString> lines[] = {
+        {"Interface", interfaceName}, {"State", stateName(network.state)},
+        {"Network", network.ESSID},   {"Address", addressOf(network)},
+        {"Mask", network.mask},       {"Broadcast", network.broadcast},
+    };
+    for (const auto &line : lines) {
+        if (!line.second.isEmpty())
+            rows.add(line.first, line.second);
+    }
+    call.print(machine, rows.text());
+}
+
+bool isConnected(const Network &network)
+{
+    return network.state >= Network::wifi_States_Connect_0;
+}
+
 int status(const Call &call)
 {
     const int limit = milliseconds(call, "wait");
     if (limit < 0)
         return misuseOfTime();
+    if (isSwitchedOff()) {
+        if (limit > 0)
+            return refuseToSwitchOn();
+        printStatus(call, Network(), QStringLiteral("wlan0")); // a new record says "OFF"
+        return Success;
+    }
     Manager wifi;
     std::unique_ptr<Network> network(wifi.getWiFi_Info());
-    if (limit > 0 && network->state < Network::wifi_States_Connect_0) {
+    if (limit > 0 && !isConnected(*network)) {
         QEventLoop loop;
         QObject::connect(&wifi, &KTV_Connection::WiFi_DetailState_Change, &loop,
                          [&network, &loop](Network *fresh) {
                              network.reset(fresh);
-                             if (fresh->state >= Network::wifi_States_Connect_0)
+                             if (isConnected(*fresh))
                                  loop.quit();
                          });
         QTimer::singleShot(limit, &loop, &QEventLoop::quit);
@@ -130,27 +188,14 @@ int status(const Call &call)
         loop.exec();
         wifi.DetailInfoScan(false);
     }
-    QJsonObject machine = connectionJson(*network);
-    machine.insert(QStringLiteral("interface"), wifi.getInterfaceName());
-    Rows rows;
-    const QPair<const char *, QString> lines[] = {
-        {"Interface", wifi.getInterfaceName()},
-        {"State", stateName(network->state)},
-        {"Network", network->ESSID},
-        {"Address", network->address},
-        {"Mask", network->mask},
-        {"Broadcast", network->broadcast},
-    };
-    for (const auto &line : lines) {
-        if (!line.second.isEmpty())
-            rows.add(line.first, line.second);
-    }
-    call.print(machine, rows.text());
-    return Success;
+    printStatus(call, *network, wifi.getInterfaceName());
+    return limit == 0 || isConnected(*network) ? Success : TimedOut;
 }
 
 int scan(const Call &call)
 {
+    if (isSwitchedOff())
+        return refuseToSwitchOn();
     Manager wifi;
     Networks found;
     QEventLoop loop;
@@ -159,10 +204,22 @@ int scan(const Call &call)
                          found.reset(networks);
                          loop.quit();
                      });
-    if (!wifi.ScanNetwork(true))
+    const auto scanOnce = [&] {
+        const bool begun = wifi.ScanNetwork(true);
+        if (begun)
+            loop.exec();
+        wifi.ScanNetwork(false);
+        return begun;
+    };
+    if (!scanOnce())
         return noInterface();
-    loop.exec();
-    wifi.ScanNetwork(false);
+    // An adapter with many channels may take longer than the library waits, and one that the
+    // supplicant scans with just now has nothing to tell: the next scan is quicker, or heard.
+    if (!found || found->isEmpty()) {
+        remark(found ? QStringLiteral("no network was heard; scanning again")
+                     : QStringLiteral("the scan took longer than 5 s; scanning again"));
+        scanOnce();
+    }
     if (!found)
         return fail(QStringLiteral("the scan tool does not answer"));
     const QString text = scanText(*found);
@@ -172,8 +229,13 @@ int scan(const Call &call)
 
 int list(const Call &call)
 {
-    Manager wifi;
-    const Networks known(wifi.GetMyNetwork());
+    const auto file = StoreFile::lookAt(KTV_Configuration().get_mainInterfaceUserDataDirectory()
+                                        + QStringLiteral("wifi.db"));
+    if (!file.problem.isNull())
+        return fail(file.problem);
+    if (!file.isEmpty && isSwitchedOff())
+        return refuseToSwitchOn();
+    const Networks known(file.isEmpty ? new QList<Network *> : Manager().GetMyNetwork());
     QJsonArray machine;
     QStringList human;
     for (const Network *network : qAsConst(*known)) {
@@ -188,12 +250,14 @@ int list(const Call &call)
 int add(const Call &call)
 {
     const QString essid = call.argument(0);
-    QString key = call.argument(1);
-    if (key == QLatin1String("-"))
-        key = QTextStream(stdin).readLine();
     if (essid.isEmpty())
         return misuse(QStringLiteral("a network has a name"));
-    if (!key.isEmpty() && (key.size() < 8 || key.size() > 63))
+    QString key = call.argument(1);
+    if (call.isSet("open") != key.isNull())
+        return misuse(QStringLiteral("a network has a pass phrase, or is --open"));
+    if (key == QLatin1String("-"))
+        key = QTextStream(stdin).readLine();
+    if (!call.isSet("open") && (key.size() < 8 || key.size() > 63))
         return misuse(QStringLiteral("a pass phrase has 8 to 63 characters"));
     Manager wifi;
     return wifi.AddNetwork(essid, key) ? Success
@@ -238,6 +302,8 @@ int watch(const Call &call)
     const int end = milliseconds(call, "seconds");
     if (end < 0)
         return misuseOfTime();
+    if (isSwitchedOff())
+        return refuseToSwitchOn();
     const SignalQuit quitOnSignal;
     Manager wifi;
     if (wifi.getInterfaceName().isEmpty())
@@ -256,12 +322,14 @@ int watch(const Call &call)
                                     QStringLiteral("detail  ") + connectionText(*network));
                      });
     QObject::connect(
-        &wifi, &KTV_Connection::WiFi_Scan, &context, [&call](QList<Network *> *networks) {
+        &wifi, &KTV_Connection::WiFi_Scan, &context, [&call, &wifi](QList<Network *> *networks) {
             const Networks owner(networks);
             const QJsonValue found = owner ? QJsonValue(scanJson(*owner)) : QJsonValue();
             printEvent(call, "scan", {{QStringLiteral("networks"), found}},
-                       !owner ? QStringLiteral("scan    the tool does not answer")
+                       !owner ? QStringLiteral("scan    took longer than 5 s; scanning again")
                               : QStringLiteral("scan    %1 networks in reach").arg(owner->size()));
+            if (!owner)
+                wifi.ScanNetwork(true); // a scan without an answer ends scanning
         });
     wifi.DetailInfoScan(true);
     if (call.isSet("scan"))
@@ -275,8 +343,10 @@ int watch(const Call &call)
 Family wifiFamily()
 {
     return {"wifi",
-            "WiFi. Every command begins as the interface does: it hands the known networks to the "
-            "supplicant, none preferred, and restarts it.",
+            "WiFi. Unwise while the interface runs: every command begins as the interface does, "
+            "hands the known networks to the supplicant, none preferred, and restarts it, which "
+            "drops the connection and switches the adapter on. While that is off, what only "
+            "reads does not begin.",
             {{"status",
               "",
               "print state, network and address",
@@ -284,14 +354,17 @@ Family wifiFamily()
               {timeOption("wait", "Wait up to N seconds for a connection.")}},
              {"scan", "", "print the networks in reach, weakest first", scan},
              {"list", "", "print the known networks", list},
-             {"add", "NAME [KEY]",
-              "know a network, and prefer it; KEY - is read from a line of input", add},
+             {"add",
+              "NAME [KEY]",
+              "know a network, and prefer it; KEY - is read from a line of input",
+              add,
+              {{QStringLiteral("open"), QStringLiteral("It is an open network, without KEY.")}}},
              {"delete", "NAME", "forget a known network", remove},
              {"prefer", "NAME", "prefer a known network until the next command", prefer},
              {"power", "on|off", "switch the interface", power},
              {"watch",
               "",
-              "print what is signalled, until SIGINT or SIGTERM",
+              "print what is signalled, until SIGINT, SIGTERM or SIGHUP",
               watch,
               {secondsOption(),
                {QStringLiteral("scan"), QStringLiteral("Scan every 10 seconds, too.")}}}}};
