@@ -17,9 +17,13 @@ private slots:
     void commands();
     void json();
     void portThatDoesNotObey();
+    void lineHeldByAStranger();
+    void bridgeRunsUntilASignal_data();
     void bridgeRunsUntilASignal();
     void sampleIsHeard();
     void loopEndsByAStop();
+    void loopEndsWithItsTerminal();
+    void stopWithoutAPlayer();
     void toneOfTheModel_data();
     void toneOfTheModel();
     void soundOff_data();
@@ -64,13 +68,16 @@ void TstKtvctlUsbSound::commands_data()
     row("usb set network", 0, "network\n");
     row("usb set serial", 0, "serial, owned by nobody\n");
     row("usb set serial console", 0, "serial, owned by console\n");
+    row("usb set serial calibration", 0, "serial, owned by calibration\n");
+    row("usb set serial bridge --seconds 1", 0, "serial, owned by bridge\n");
     const char *mode = "ktvctl: a mode is 'serial' or 'network'\n";
     row("usb set none", 2, "", mode);
     row("usb set NETWORK", 0, "network\n");
     const char *owner =
-        "ktvctl: a serial line is owned by 'nobody', 'bridge', 'mactool' or 'console'\n";
+        "ktvctl: a serial line is owned by 'nobody', 'bridge', 'calibration' or 'console'\n";
     row("usb set serial somebody", 2, "", owner);
     row("usb set network console", 2, "", owner);
+    row("usb set serial mactool", 2, "", owner); // is taken for the program of that name
     const char *time = "ktvctl: a time is a number of seconds, 1 to 86400\n";
     row("usb set serial bridge --seconds 0", 2, "", time);
     row("sound play error_short", 0, "");
@@ -81,7 +88,9 @@ void TstKtvctlUsbSound::commands_data()
     row("sound loop intro --seconds x", 2, "", time);
     row("sound stop", 0, "");
     row("sound volume 30", 0, "");
-    row("sound volume loud", 2, "", "ktvctl: a volume is a number of percent\n");
+    const char *volume = "ktvctl: a volume is a number of percent, 0 to 100\n";
+    for (const char *words : {"sound volume loud", "sound volume 101", "sound volume -1"})
+        row(words, 2, "", volume);
     row("beep 1", 0, "");
     row("beep 0", 0, "");
     row("beep 1 --loop --seconds 1", 0, "");
@@ -116,14 +125,41 @@ void TstKtvctlUsbSound::portThatDoesNotObey()
     QVERIFY(answer.error.contains("ktvctl: the port is not as it should be"));
 }
 
+void TstKtvctlUsbSound::lineHeldByAStranger()
+{
+    QCOMPARE(typed("usb set serial").code, 0);
+    QProcess stranger;
+    stranger.start("sh", {"-c", "exec 3<>/dev/ttyGS0 && echo held && read word"});
+    QVERIFY(stranger.waitForReadyRead());
+    // The kernel keeps a gadget that is in use, and the program says so.
+    Meter::setBehaviour("modprobe-usb-gadget", "stdout=in use");
+    const Answer answer = typed("usb set network");
+    Meter::setBehaviour("modprobe-usb-gadget", {});
+    QCOMPARE(answer.code, 1);
+    QCOMPARE(answer.out, QStringLiteral("serial, owned by nobody\n"));
+    QVERIFY2(answer.error.contains(": its line is held by "), qPrintable(answer.error));
+    const QString holder = QStringLiteral("sh (%1)").arg(stranger.processId());
+    QVERIFY2(answer.error.contains(holder), qPrintable(answer.error));
+    stranger.closeWriteChannel();
+    QVERIFY(stranger.waitForFinished());
+}
+
+void TstKtvctlUsbSound::bridgeRunsUntilASignal_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("the connection drops") << SIGHUP;
+}
+
 void TstKtvctlUsbSound::bridgeRunsUntilASignal()
 {
+    QFETCH(int, number);
     QProcess bridge;
     bridge.start(KTVCTL, {"usb", "set", "serial", "bridge"});
     QVERIFY(bridge.waitForReadyRead(30000));
     QCOMPARE(bridge.readAllStandardOutput(), QByteArray("serial, owned by bridge\n"));
     QCOMPARE(Meter::processes("socat").size(), 1);
-    ::kill(pid_t(bridge.processId()), SIGTERM);
+    ::kill(pid_t(bridge.processId()), number);
     QVERIFY(bridge.waitForFinished());
     QCOMPARE(bridge.exitStatus(), QProcess::NormalExit);
     QCOMPARE(bridge.exitCode(), 0);
@@ -147,6 +183,26 @@ void TstKtvctlUsbSound::loopEndsByAStop()
     ::kill(pid_t(loop.processId()), SIGINT); // its shell may be out of reach: see "sound stop"
     QVERIFY(loop.waitForFinished());
     QTRY_COMPARE(Meter::processes("cat"), QStringList());
+}
+
+void TstKtvctlUsbSound::loopEndsWithItsTerminal()
+{
+    QProcess loop;
+    loop.start(KTVCTL, {"sound", "loop", "intro"});
+    QTRY_VERIFY(QFile::exists(recording));
+    ::kill(pid_t(loop.processId()), SIGHUP);
+    QVERIFY(loop.waitForFinished());
+    QCOMPARE(loop.exitCode(), 0);
+    QTRY_COMPARE(Meter::processes("aplay"), QStringList());
+    QTRY_COMPARE(Meter::processes("cat"), QStringList());
+}
+
+void TstKtvctlUsbSound::stopWithoutAPlayer()
+{
+    const Answer answer = typed("sound stop");
+    QCOMPARE(answer.code, 0);
+    QCOMPARE(answer.out, QString());
+    QCOMPARE(answer.error, QString());
 }
 
 void TstKtvctlUsbSound::toneOfTheModel_data()

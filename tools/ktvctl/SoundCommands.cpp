@@ -12,6 +12,11 @@
 #include <QMetaEnum>
 #include <QProcess>
 
+#include <optional>
+
+#include <fcntl.h>
+#include <unistd.h>
+
 using Buzzer::BuzzerClass;
 using SoundNamespace::Sound;
 
@@ -88,8 +93,33 @@ int list(const Call &call)
     return Success;
 }
 
-int stop(const Call &)
+/** Sends what started programs complain of to nowhere. */
+class NoComplaints
 {
+public:
+    NoComplaints() : m_kept(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0))
+    {
+        const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+        ::dup2(nowhere, STDERR_FILENO);
+        ::close(nowhere);
+    }
+    ~NoComplaints()
+    {
+        ::dup2(m_kept, STDERR_FILENO);
+        ::close(m_kept);
+    }
+    Q_DISABLE_COPY_MOVE(NoComplaints)
+
+private:
+    const int m_kept;
+};
+
+int stop(const Call &call)
+{
+    // Where there is no player, the programs that end one complain of that.
+    std::optional<NoComplaints> noComplaints;
+    if (!call.isSet("verbose"))
+        noComplaints.emplace();
     Sound::KillProcess2();
     return Success;
 }
@@ -98,8 +128,8 @@ int volume(const Call &call)
 {
     bool ok = false;
     const int percent = call.argument(0).toInt(&ok);
-    if (!ok)
-        return misuse(QStringLiteral("a volume is a number of percent"));
+    if (!ok || percent < 0 || percent > 100)
+        return misuse(QStringLiteral("a volume is a number of percent, 0 to 100"));
     Sound::SetVolumme(percent);
     return Success;
 }
@@ -147,7 +177,7 @@ Family soundFamily()
              {"play", "SAMPLE", "play a sample once", play, {secondsOption()}},
              {"loop",
               "SAMPLE",
-              "play a sample over and over, until SIGINT or SIGTERM",
+              "play a sample over and over, until SIGINT, SIGTERM or SIGHUP",
               loop,
               {secondsOption()}},
              {"stop", "", "end every player of the system", stop},
@@ -164,7 +194,7 @@ Family beepFamily()
           "TONE",
           "play a signal tone, 1 to 14; 0 silences the buzzer",
           beep,
-          {{QStringLiteral("loop"), QStringLiteral("Repeat it, until SIGINT or SIGTERM.")},
+          {{QStringLiteral("loop"), QStringLiteral("Repeat it, until SIGINT, SIGTERM or SIGHUP.")},
            secondsOption(),
            serialOption("Serial number that decides the model (else the stored one).")}}}};
 }

@@ -4,7 +4,12 @@
 
 #include <tools/Tools.h>
 
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
 #include <QJsonObject>
+
+#include <algorithm>
 
 using QERNTools::Tools;
 
@@ -19,7 +24,9 @@ constexpr Word<Tools::USB_Mode> modes[] = {
 constexpr Word<Tools::RS232_Function> owners[] = {
     {"nobody", Tools::RS232_None},
     {"bridge", Tools::RS232_HardwareCalibration},
-    {"mactool", Tools::RS232_SystemCalibration},
+    // Not by its program's name: the library looks for that on the process list, and would find
+    // the command line that names it here.
+    {"calibration", Tools::RS232_SystemCalibration},
     {"console", Tools::RS232_Console},
 };
 
@@ -37,6 +44,32 @@ int status(const Call &call)
     return Success;
 }
 
+/**
+ * ": its line is held by login (212)", for each process that has it open; else empty. A gadget
+ * stays loaded for as long as anyone holds its line.
+ */
+QString holdersOfTheLine()
+{
+    const QString line = QFileInfo(QStringLiteral("/dev/ttyGS0")).canonicalFilePath();
+    QStringList holders;
+    QDirIterator processes(QStringLiteral("/proc"), {QStringLiteral("[0-9]*")}, QDir::Dirs);
+    while (!line.isEmpty() && processes.hasNext()) {
+        const QDir process(processes.next());
+        const auto files = QDir(process.filePath(QStringLiteral("fd")))
+                               .entryInfoList(QDir::AllEntries | QDir::System);
+        if (std::none_of(files.begin(), files.end(),
+                         [&line](const QFileInfo &file) { return file.symLinkTarget() == line; }))
+            continue;
+        QFile name(process.filePath(QStringLiteral("comm")));
+        if (name.open(QIODevice::ReadOnly))
+            holders += QStringLiteral("%1 (%2)").arg(
+                QString::fromLocal8Bit(name.readAll().trimmed()), process.dirName());
+    }
+    return holders.isEmpty()
+        ? QString()
+        : QStringLiteral(": its line is held by ") + holders.join(QStringLiteral(", "));
+}
+
 int set(const Call &call)
 {
     const auto mode = valueOf(modes, call.argument(0));
@@ -46,7 +79,8 @@ int set(const Call &call)
         return misuse(QStringLiteral("a mode is 'serial' or 'network'"));
     if (!owner || (mode == Tools::USB_RNDIS && !ownerText.isNull()))
         return misuse(
-            QStringLiteral("a serial line is owned by 'nobody', 'bridge', 'mactool' or 'console'"));
+            QStringLiteral("a serial line is owned by 'nobody', 'bridge', 'calibration' or "
+                           "'console'"));
     const int end = milliseconds(call, "seconds");
     if (end < 0)
         return misuseOfTime();
@@ -55,7 +89,8 @@ int set(const Call &call)
     Tools::SetUSBMode(*mode, *owner);
     if (Tools::getCurrentMode() != *mode || Tools::getRS232_Function() != *owner) {
         status(call);
-        return fail(QStringLiteral("the port is not as it should be; --verbose tells why"));
+        return fail(QStringLiteral("the port is not as it should be%1; --verbose tells why")
+                        .arg(holdersOfTheLine()));
     }
     status(call);
     if (Tools::isCalibrationModeActive)
@@ -73,8 +108,9 @@ Family usbFamily()
             {{"status", "", "print what the port is, and who owns its serial line", status},
              {"set",
               "MODE [OWNER]",
-              "make it network or serial (nobody, bridge, mactool, console)",
+              "make it network or serial (nobody, bridge, calibration, console)",
               set,
               {timeOption("seconds",
-                          "End the bridge after N seconds, not on SIGINT or SIGTERM only.")}}}};
+                          "End the bridge after N seconds, not on SIGINT, SIGTERM or SIGHUP "
+                          "only.")}}}};
 }
