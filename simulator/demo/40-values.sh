@@ -8,7 +8,7 @@ done | sed 's/KTV-PLX/PLX-420/'
 printf '\nCompensated for temperature, a 4200 shows nothing from 190 A to 110 A:\n'
 for current in 200 150 100; do
     printf '%5s A  %s\n' "$current" \
-        "$(ktvctl value format 0.0005 --model 4200 --method RC --current "$current")"
+        "$(ktvctl value format 0.0005 --model 4200 --method RC --current "${current}A")"
 done
 printf '\nThe last decimal of each current, from 100 nanoohms to 10 megaohms:\n'
 ktvctl value plot --model 420 --method RC

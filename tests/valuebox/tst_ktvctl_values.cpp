@@ -46,14 +46,21 @@ void TstKtvctlValues::oneCurrent_data()
     QTest::addColumn<QStringList>("words");
     QTest::addColumn<QString>("text");
     QTest::newRow("by label") << QStringList {"0.0015", "--current", "10 A"} << "1.5000 m" + ohm;
-    QTest::newRow("by code") << QStringList {"0.0015", "--current", "10"} << "1.5000 m" + ohm;
-    QTest::newRow("method") << QStringList {"2500", "--method", "rc", "--current", "0"}
+    QTest::newRow("without a blank")
+        << QStringList {"0.0015", "--current", "10A"} << "1.5000 m" + ohm;
+    // The label of 20 A is "20 mA".
+    for (const char *current : {"20A", "20 A", "20 mA"})
+        QTest::addRow("%s", current)
+            << QStringList {"0.0075", "--model", "4200", "--current", current} << "7.5000 m" + ohm;
+    QTest::newRow("small") << QStringList {"0.5", "--current", "100mA"} << "500.0 m" + ohm;
+    QTest::newRow("by code") << QStringList {"0.0015", "--code", "10"} << "1.5000 m" + ohm;
+    QTest::newRow("method") << QStringList {"2500", "--method", "rc", "--code", "0"}
                             << "2.50 k" + ohm;
-    QTest::newRow("unit") << QStringList {"0.5", "--unit", "V", "--current", "3"} << "500.0 mV";
-    QTest::newRow("negative") << QStringList {"--current", "3", "--", "-0.5"} << "< 0 m" + ohm;
+    QTest::newRow("unit") << QStringList {"0.5", "--unit", "V", "--code", "3"} << "500.0 mV";
+    QTest::newRow("negative") << QStringList {"-0.5", "--code", "3"} << "< 0 m" + ohm;
     QTest::newRow("negative, shown")
-        << QStringList {"--current", "3", "--negative", "--", "-0.5"} << "-500.0 m" + ohm;
-    QTest::newRow("missing") << QStringList {"nan", "--current", "3"} << "--- " + ohm;
+        << QStringList {"--code", "3", "--negative", "--", "-0.5"} << "-500.0 m" + ohm;
+    QTest::newRow("missing") << QStringList {"nan", "--code", "3"} << "--- " + ohm;
     QTest::newRow("temperature") << QStringList {"20.7", "--unit", "temperature"}
                                  << "20.5 " + degree + "C";
     QTest::newRow("in Kelvin") << QStringList {"20.7", "--unit", "temperature", "--temperature",
@@ -88,7 +95,7 @@ void TstKtvctlValues::everyCurrent()
 
 void TstKtvctlValues::storedModel()
 {
-    const QStringList words {"format", "0.0075", "--current", "20"};
+    const QStringList words {"format", "0.0075", "--code", "20"};
     QCOMPARE(value(words).code, 2); // the meter has no serial number yet
     QCOMPARE(value(words + QStringList {"--serial", "DV0001"}).out, "7.5000 m" + ohm + '\n');
     QCOMPARE(value(words + QStringList {"--serial", "EL0001"}).out, QStringLiteral("---\n"));
@@ -165,7 +172,10 @@ void TstKtvctlValues::wrongWords_data()
     QTest::newRow("model") << QStringList {"format", "1", "--model", "421"};
     QTest::newRow("method") << QStringList {"format", "1", "--model", "420", "--method", "X"};
     QTest::newRow("unit") << QStringList {"format", "1", "--model", "420", "--unit", "H"};
-    QTest::newRow("current") << QStringList {"format", "1", "--model", "420", "--current", "20 A"};
+    for (const char *current : {"20", "20mA", "2 A", "A", "20 a", ""})
+        QTest::addRow("current '%s'", current)
+            << QStringList {"format", "1", "--model", "420", "--current", current};
+    QTest::newRow("code") << QStringList {"format", "1", "--model", "420", "--code", "20A"};
     QTest::newRow("temperature") << QStringList {"format",        "1", "--unit", "temperature",
                                                  "--temperature", "R"};
     QTest::newRow("method of tables") << QStringList {"tables", "--model", "420", "--method", "X"};

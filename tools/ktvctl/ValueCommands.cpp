@@ -3,6 +3,7 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QRegularExpression>
 
 #include <cmath>
 #include <limits>
@@ -50,15 +51,31 @@ std::map<testI, QString> currentLabels()
     return labels;
 }
 
-/** A current's label, or its code as a number. */
-std::optional<testI> currentOf(const QString &word)
+/** The current that an option names, by label or by code; nothing for an unknown one. */
+std::optional<testI> currentOf(const Call &call)
 {
+    if (call.isSet("code")) {
+        bool ok = false;
+        const int code = call.option("code").toInt(&ok);
+        return ok ? std::optional(testI(code)) : std::nullopt;
+    }
+    const QString word = call.option("current");
+    // What was meant counts before what is shown: the label of 20 A is "20 mA".
+    static const QRegularExpression amount(QStringLiteral("^([0-9]+) ?(m?)A$"));
+    const auto match = amount.match(word);
+    const float divisor = match.captured(2).isEmpty() ? 1.F : 1000.F;
+    const float wanted = match.captured(1).toFloat() / divisor;
+    for (const auto &[code, label] : currentLabels()) {
+        if (match.hasMatch() && NumericalValueBox::ConvertTestI_ToFlota(code) == wanted)
+            return code;
+    }
     const testI labelled = NumericalValueBox::testI_parse(word);
-    if (labelled != testI_None)
-        return labelled;
-    bool ok = false;
-    const int code = word.toInt(&ok);
-    return ok ? std::optional(testI(code)) : std::nullopt;
+    return labelled != testI_None ? std::optional(labelled) : std::nullopt;
+}
+
+bool namesCurrent(const Call &call)
+{
+    return call.isSet("current") || call.isSet("code");
 }
 
 /** What `value format` is asked to do. */
@@ -97,11 +114,11 @@ QString read(const Call &call, FormatRequest &request)
     QString problem = prepareTables(call);
     if (!problem.isEmpty())
         return problem;
-    if (call.isSet("current")) {
-        const auto current = currentOf(call.option("current"));
+    if (namesCurrent(call)) {
+        const auto current = currentOf(call);
         if (!current)
             return QStringLiteral("no current '%1'; see ktvctl value currents")
-                .arg(call.option("current"));
+                .arg(call.option(call.isSet("code") ? "code" : "current"));
         request.currents = {*current};
     } else {
         for (const auto *set : tableOf(request.method))
@@ -137,7 +154,7 @@ int format(const Call &call)
                                 {QStringLiteral("readBack"), toJson(box.getRealFormatedValue())}};
         human.add(currentName(current), text);
     }
-    if (call.isSet("current"))
+    if (namesCurrent(call))
         call.print(machine.first(), box.toString());
     else
         call.print(machine, human.text());
@@ -310,8 +327,10 @@ Family valueFamily()
         model + QList<QCommandLineOption> {methodOption("R")};
     const QList<QCommandLineOption> formatOptions = modelAndMethod
         + QList<QCommandLineOption> {
-            option("current", QStringLiteral("Test current, by label or code. Default: every one."),
+            option("current", QStringLiteral("Test current: 1A, 100mA. Default: every one."),
                    "CURRENT", ""),
+            option("code", QStringLiteral("Test current by its code, as 'value currents' has it."),
+                   "CODE", ""),
             option("unit", QStringLiteral("Unit: %1.").arg(wordList(unitWords)), "UNIT", "ohm"),
             option("temperature",
                    QStringLiteral("Unit of temperatures, given in Celsius: %1.")
