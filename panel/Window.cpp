@@ -2,7 +2,6 @@
 
 #include "Context.h"
 #include "pages/AboutPage.h"
-#include "pages/AccessoriesPage.h"
 #include "pages/HelpPage.h"
 #include "pages/LanguageSheet.h"
 #include "pages/ListsPage.h"
@@ -15,6 +14,9 @@
 #include "touch/Buttons.h"
 #include "touch/Indicators.h"
 #include "touch/Keyboard.h"
+#ifdef KTV_PLATFORM_STANDIN
+#include "pages/AccessoriesPage.h"
+#endif
 
 #include <configuration/KTV_Configuration.h>
 #include <datasource/KTV_DataSource.h>
@@ -58,7 +60,9 @@ const PageRow pages[] = {
     {"USB", Text {"Panel", "usb", "USB"}, make<UsbPage>},
     {"Sound", Text {"Panel", "sound", "Sound"}, make<SoundPage>},
     {"Settings", Text {"Main", "settings", "Settings"}, make<SettingsPage>},
+#ifdef KTV_PLATFORM_STANDIN
     {"Accessories", Text {"Panel", "accessories", "Accessories"}, make<AccessoriesPage>},
+#endif
     {"About", Text {"Panel", "about", "About"}, make<AboutPage>},
 };
 

@@ -9,9 +9,6 @@ endforeach()
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ktv_datasource_export.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KTV_DataSource)
 
-if(KTV_PLATFORM_LIBRARY)
-    install(TARGETS KTV_Platform EXPORT KTV_DataSourceTargets)
-endif()
 install(TARGETS KTV_DataSource EXPORT KTV_DataSourceTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(EXPORT KTV_DataSourceTargets
@@ -28,15 +25,29 @@ install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSourceConfigVersion.cmake
     DESTINATION ${package_directory})
 
-if(KTV_PLATFORM_LIBRARY)
-    set(pkgconfig_platform ${KTV_PLATFORM_LIBRARY})
+# The platform library may be anybody's: its flags are what its target says.
+set(platform KTV_Platform::KTV_Platform)
+get_target_property(platform_type ${platform} TYPE)
+if(NOT KTV_PLATFORM_LIBRARY AND NOT KTV_PLATFORM_PACKAGE)
+    set(pkgconfig_platform_libs -lKTV_Platform)
+    set(pkgconfig_platform_cflags -DKTV_PLATFORM_STANDIN)
 else()
-    set(pkgconfig_platform -lKTV_Platform)
+    if(platform_type STREQUAL INTERFACE_LIBRARY)
+        set(libraries "$<TARGET_PROPERTY:${platform},INTERFACE_LINK_LIBRARIES>")
+        set(pkgconfig_platform_libs
+            "$<JOIN:$<FILTER:${libraries},EXCLUDE,::>, >")
+    else()
+        set(pkgconfig_platform_libs "$<TARGET_FILE:${platform}>")
+    endif()
+    set(directories "$<TARGET_PROPERTY:${platform},INTERFACE_INCLUDE_DIRECTORIES>")
+    set(pkgconfig_platform_cflags "$<$<BOOL:${directories}>:-I$<JOIN:${directories}, -I>>")
 endif()
 # Relative to the file itself: `cmake --install --prefix` may choose another place.
 file(RELATIVE_PATH pkgconfig_to_prefix
     ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(${PROJECT_SOURCE_DIR}/cmake/KTV_DataSource.pc.in
-    ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSource.pc @ONLY)
+    ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSource.pc.configured @ONLY)
+file(GENERATE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSource.pc
+    INPUT ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSource.pc.configured)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSource.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -283,6 +283,8 @@ void Tour::settings()
 
 void Tour::accessories()
 {
+    if (!m_finger.find(QStringLiteral("nav.Accessories")))
+        return; // the maker's own platform library is in use
     tap(QStringLiteral("nav.Accessories"));
     tap(QStringLiteral("accessories.scan"));
     picture(QStringLiteral("accessories"));

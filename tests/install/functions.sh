@@ -1,0 +1,35 @@
+# What the checks of this folder share: they set $source and $work first.
+cmake=${CMAKE:-cmake}
+cxx=${CXX:-c++}
+failures=0
+
+fail() {
+    echo "FAIL!  $*"
+    failures=$((failures + 1))
+}
+
+# quietly COMMAND...: its output is shown only if it fails
+quietly() {
+    "$@" >"$work/log" 2>&1 || {
+        cat "$work/log"
+        echo "FAIL!  $*"
+        exit 1
+    }
+}
+
+# configured SOURCE BUILD [OPTION...]
+configured() {
+    quietly "$cmake" -G Ninja -S "$1" -B "$2" -DCMAKE_CXX_COMPILER="$cxx" "${@:3}"
+}
+
+# answers TEXT PROGRAM [LIBRARIES]: what the program, run in a meter, must print
+answers() {
+    local answer
+    answer=$("$source/simulator/meter-run" --bind "$work" --setenv LD_LIBRARY_PATH "${3-}" -- \
+        "$2" 2>"$work/log") || {
+        cat "$work/log"
+        fail "$2 does not run"
+        return
+    }
+    [ "$answer" = "$1" ] || fail "$2 answers '$answer'"
+}
