@@ -1,8 +1,9 @@
 #include "internal/CommandRunner_p.h"
 
-#include "internal/GroupProcess_p.h"
+#include "internal/ChildProcess_p.h"
 
 #include <QDeadlineTimer>
+#include <QProcess>
 
 #include <algorithm>
 #include <csignal>
@@ -15,32 +16,21 @@ constexpr qint64 stopCheckInterval = 20; // ms
 constexpr qint64 idleStopCheckInterval = 100; // ms; what has no end shall not keep the CPU awake
 constexpr int tidyUpTime = 300; // ms from the polite signal to the other one
 
-/** A stopped child gets the chance to silence the speaker or to close its line. */
-void endPolitely(GroupProcess &process)
+bool waitForFinished(ChildProcess &process, const Waits &waits)
 {
-    // Until its program is loaded the child has this process's signal handlers, and would run
-    // them: an interface that quits on SIGTERM would quit.
-    if (!process.waitForStarted(tidyUpTime))
-        return;
-    process.signalGroup(SIGTERM);
-    process.waitForFinished(tidyUpTime);
-}
-
-bool waitForFinished(GroupProcess &process, const Waits &waits)
-{
-    if (!waits.stop)
-        return process.waitForFinished(waits.finish);
     const QDeadlineTimer deadline(waits.finish); // -1 never expires
+    if (!waits.stop)
+        return process.waitForFinished(deadline);
+    const qint64 interval = deadline.isForever() ? idleStopCheckInterval : stopCheckInterval;
     while (!*waits.stop) {
-        const qint64 slice = deadline.isForever()
-            ? idleStopCheckInterval
-            : std::min(deadline.remainingTime(), stopCheckInterval);
-        if (process.waitForFinished(int(slice)))
+        const QDeadlineTimer nextLook(interval);
+        if (process.waitForFinished(std::min(deadline, nextLook)))
             return true;
-        if (process.state() == QProcess::NotRunning || deadline.hasExpired())
+        if (process.hasPrintedTooMuch() || deadline.hasExpired())
             return false;
     }
-    endPolitely(process);
+    process.signalGroup(SIGTERM); // it gets the chance to silence the speaker or close its line
+    process.waitForFinished(QDeadlineTimer(tidyUpTime));
     return false;
 }
 
@@ -53,15 +43,16 @@ CommandResult runProgram(const QString &program, const QStringList &arguments, W
         result.outcome = CommandResult::NotFinished;
         return result;
     }
-    GroupProcess process;
-    if (waits.stop)
-        process.bindToThread();
-    process.start(program, arguments);
-    if (waits.start != Waits::NoStartWait && !process.waitForStarted(waits.start))
+    ChildProcess process(program, arguments,
+                         waits.stop ? ChildProcess::BoundToThread : ChildProcess::Independent);
+    if (!process.isStarted()) {
+        if (waits.start == Waits::NoStartWait)
+            result.outcome = CommandResult::NotFinished;
         return result;
+    }
     result.outcome =
         waitForFinished(process, waits) ? CommandResult::Finished : CommandResult::NotFinished;
-    result.output = QString::fromLocal8Bit(process.readAllStandardOutput());
+    result.output = QString::fromLocal8Bit(process.output());
     return result;
 }
 
@@ -85,7 +76,7 @@ bool startDetached(const QString &line)
     if (words.isEmpty())
         return false;
     const QString program = words.takeFirst();
-    return QProcess::startDetached(program, words);
+    return startDetachedProcess(program, words);
 }
 
 } // namespace Internal

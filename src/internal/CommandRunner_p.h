@@ -9,7 +9,8 @@
  * The one place that starts a command and waits for it.
  *
  * The result tells how far the command came; the caller chooses the text to log and the
- * consequence. A command that does not end in time is killed with everything it started.
+ * consequence. A command that does not end in time, or prints more than 1 MiB, is killed with
+ * everything it started. It reads nothing, and its complaints go nowhere.
  */
 namespace Internal {
 
@@ -31,7 +32,7 @@ struct CommandResult
 struct Waits
 {
     int start = NoStartWait;
-    int finish = Forever;
+    int finish = Forever; ///< counted from the loaded program
     /**
      * Set by another thread, it ends the wait as if the time were up; set already, nothing is
      * started. May be null. The command is then asked to end and killed 300 ms later. It also

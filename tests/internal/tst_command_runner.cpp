@@ -5,9 +5,17 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 using Internal::CommandResult;
 using Internal::Waits;
@@ -32,11 +40,27 @@ private slots:
     void endsInTimeDespiteAFlag();
     void detached();
 
+    void toolReadsNothingAndComplainsToNobody();
+    void toolHasNoDescriptorsOfOurs();
+    void toolHasItsSignalsAsAShellGivesThem();
+    void withoutStandardStreams();
+    void withoutNewsOfTheEnd();
+    void withThreeDescriptorsLeft();
+    void whereChildrenAreNotWaitedFor();
+    void printsTooMuch_data();
+    void printsTooMuch();
+    void killedWhileItStartsCommands();
+
 private:
     /** Runs what never ends by itself, and sets the flag once it has said that it runs. */
     CommandResult runAndStop(const QString &script);
 
     static QString notePath() { return QStringLiteral("/tmp/note"); }
+    /** Runs a script whose end is not limited. */
+    static QString output(const QString &script)
+    {
+        return Internal::runShell(script, {3000, Waits::Forever}).output;
+    }
     static QByteArray note() { return Meter::readFile(notePath()); }
 };
 
@@ -188,6 +212,173 @@ void TstCommandRunner::detached()
     QTRY_VERIFY(QFile::exists(notePath()));
     QVERIFY(!Internal::startDetached("no-such-program at all"));
     QVERIFY(!Internal::startDetached(""));
+}
+
+void TstCommandRunner::toolReadsNothingAndComplainsToNobody()
+{
+    QCOMPARE(Internal::runDirect("cat", {3000, 5000}).outcome, CommandResult::Finished);
+    // More complaints than any pipe holds.
+    QCOMPARE(output("head -c 3000000 /dev/zero >&2; echo done"), "done\n");
+}
+
+/** How many descriptors a program finds that this process starts, and one that it opens. */
+static int inheritedDescriptors()
+{
+    int count = 1;
+    for (int descriptor = STDERR_FILENO + 1; descriptor < 1024; ++descriptor) {
+        const int flags = ::fcntl(descriptor, F_GETFD);
+        count += flags >= 0 && (flags & FD_CLOEXEC) == 0 ? 1 : 0;
+    }
+    return count + STDERR_FILENO + 1;
+}
+
+void TstCommandRunner::toolHasNoDescriptorsOfOurs()
+{
+    const int expected = inheritedDescriptors();
+    std::thread neighbour([] { Internal::runDirect("sleep 0.5", Waits()); });
+    for (int i = 0; i < 50; ++i) {
+        const QString listed = Internal::runDirect("ls /proc/self/fd", {3000, 5000}).output;
+        QVERIFY2(listed.count('\n') == expected, qPrintable(listed));
+    }
+    neighbour.join();
+}
+
+void TstCommandRunner::toolHasItsSignalsAsAShellGivesThem()
+{
+    const auto pipe = std::signal(SIGPIPE, SIG_IGN);
+    const auto user = std::signal(SIGUSR1, SIG_IGN);
+    const QString signals_ = Internal::runDirect("grep Sig /proc/self/status", {3000, 5000}).output;
+    std::signal(SIGPIPE, pipe);
+    std::signal(SIGUSR1, user);
+    QVERIFY2(signals_.contains("SigBlk:\t0000000000000000"), qPrintable(signals_));
+    const auto ignored = QRegularExpression("SigIgn:\t(\\w+)").match(signals_).captured(1);
+    QCOMPARE(ignored.toULongLong(nullptr, 16) & (1U << (SIGPIPE - 1)), 0ULL);
+    QVERIFY(ignored.toULongLong(nullptr, 16) & (1U << (SIGUSR1 - 1)));
+}
+
+void TstCommandRunner::withoutStandardStreams()
+{
+    int kept[3];
+    for (const int stream : {0, 1, 2}) { // what is opened now has their numbers
+        kept[stream] = ::fcntl(stream, F_DUPFD_CLOEXEC, 10);
+        ::close(stream);
+    }
+    const QString all = output("cat; echo a >&2; echo b");
+    const QString listed = Internal::runDirect("ls /proc/self/fd", {3000, 5000}).output;
+    for (const int stream : {0, 1, 2}) {
+        ::dup2(kept[stream], stream);
+        ::close(kept[stream]);
+    }
+    QCOMPARE(all, "b\n");
+    QVERIFY2(listed.count('\n') == inheritedDescriptors(), qPrintable(listed));
+}
+
+/** An older kernel: the calling thread is told that it does not know the call. */
+static bool hideCall(unsigned number)
+{
+    sock_filter filter[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog program {4, filter};
+    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0
+        && ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+void TstCommandRunner::withoutNewsOfTheEnd()
+{
+    bool isHidden = false;
+    CommandResult ends;
+    CommandResult isLate;
+    CommandResult leavesSomebodyBehind;
+    std::thread([&] {
+        isHidden = hideCall(SYS_pidfd_open) && ::syscall(SYS_pidfd_open, ::getpid(), 0) < 0;
+        ends = Internal::runShell("echo a; exec >/dev/null; sleep 0.1", {3000, 5000});
+        isLate = Internal::runShell("echo b; exec sleep 1000", {3000, 200});
+        leavesSomebodyBehind = Internal::runShell("sleep 2 & echo c", {3000, 1000});
+    }).join();
+    QVERIFY(isHidden);
+    QCOMPARE(ends.outcome, CommandResult::Finished);
+    QCOMPARE(ends.output, "a\n");
+    QCOMPARE(isLate.outcome, CommandResult::NotFinished);
+    QCOMPARE(isLate.output, "b\n");
+    QCOMPARE(leavesSomebodyBehind.outcome, CommandResult::Finished);
+    QCOMPARE(leavesSomebodyBehind.output, "c\n");
+}
+
+void TstCommandRunner::withThreeDescriptorsLeft()
+{
+    rlimit before {};
+    QCOMPARE(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    rlimit few = before;
+    few.rlim_cur = 64;
+    QCOMPARE(::setrlimit(RLIMIT_NOFILE, &few), 0);
+    std::vector<int> taken;
+    for (int one = ::dup(0); one >= 0; one = ::dup(0))
+        taken.push_back(one);
+    CommandResult results[4];
+    for (CommandResult &result : results) {
+        result = Internal::runDirect("echo a", {3000, 5000});
+        ::close(taken.back());
+        taken.pop_back();
+    }
+    for (const int one : taken)
+        ::close(one);
+    ::setrlimit(RLIMIT_NOFILE, &before);
+    for (const int left : {0, 1, 2})
+        QCOMPARE(results[left].outcome, CommandResult::NotStarted);
+    QCOMPARE(results[3].output, "a\n");
+}
+
+void TstCommandRunner::whereChildrenAreNotWaitedFor()
+{
+    const auto before = std::signal(SIGCHLD, SIG_IGN); // the kernel takes care of them
+    const CommandResult ends = Internal::runDirect("echo a", {3000, 5000});
+    const CommandResult isLate = Internal::runDirect("sleep 1000", {3000, 100});
+    std::signal(SIGCHLD, before);
+    QCOMPARE(ends.outcome, CommandResult::Finished);
+    QCOMPARE(ends.output, "a\n");
+    QCOMPARE(isLate.outcome, CommandResult::NotFinished);
+}
+
+void TstCommandRunner::printsTooMuch_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<CommandResult::Outcome>("outcome");
+    QTest::newRow("as much as is taken")
+        << "head -c 1048576 /dev/zero | tr '\\0' x" << CommandResult::Finished;
+    QTest::newRow("one byte more")
+        << "head -c 1048577 /dev/zero | tr '\\0' x" << CommandResult::NotFinished;
+    QTest::newRow("without end") << "tr '\\0' x </dev/zero" << CommandResult::NotFinished;
+    QTest::newRow("without end, by one that it has started")
+        << "tr '\\0' x </dev/zero & wait" << CommandResult::NotFinished;
+}
+
+void TstCommandRunner::printsTooMuch()
+{
+    QFETCH(QString, script);
+    const CommandResult result = Internal::runShell(script, {3000, Waits::Forever});
+    QTEST(result.outcome, "outcome");
+    QCOMPARE(result.output, QString(1048576, 'x'));
+    QTRY_COMPARE(Meter::processes("tr"), QStringList());
+}
+
+void TstCommandRunner::killedWhileItStartsCommands()
+{
+    for (int i = 0; i < 300; ++i) {
+        const pid_t victim = ::fork();
+        if (victim == 0) {
+            ::prctl(PR_SET_NAME, "victim");
+            for (;;)
+                Internal::runDirect("true", Waits());
+        }
+        std::this_thread::sleep_for(std::chrono::microseconds(300 + 13 * i));
+        ::kill(victim, SIGKILL);
+        ::waitpid(victim, nullptr, 0);
+    }
+    QTRY_COMPARE(Meter::processes("victim"), QStringList()); // no copy of it that hangs
 }
 
 KTV_METER_TEST_MAIN(TstCommandRunner)

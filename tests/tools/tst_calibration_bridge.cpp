@@ -172,7 +172,7 @@ void TstCalibrationBridge::onOneCore()
     QTRY_VERIFY(other.isFinished());
     // Cancelling leaves the running bridge alone, but it does not come back.
     Tools::asyncSocatRuner.cancel();
-    QCOMPARE(bridges().size(), 1);
+    QTRY_COMPARE(bridges().size(), 1); // what the script starts bears its name for a moment
     kill();
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
     QVERIFY(Tools::isCalibrationModeActive);
@@ -286,7 +286,7 @@ void TstCalibrationBridge::bridgeThatStaysComesBackNoMore()
     QVERIFY(!Tools::isCalibrationModeActive);
     QVERIFY(Tools::asyncSocatRuner.isRunning());
     QVERIFY(Tools::asyncSocatRuner.isCanceled());
-    QCOMPARE(bridges().size(), 1);
+    QTRY_COMPARE(bridges().size(), 1); // what the script starts bears its name for a moment
     kill();
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
     QCOMPARE(log.lines(), QStringList());

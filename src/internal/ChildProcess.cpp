@@ -1,0 +1,281 @@
+#include "internal/ChildProcess_p.h"
+
+#include <QFile>
+#include <QStandardPaths>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <memory>
+#include <poll.h>
+#include <sched.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+#ifndef SYS_pidfd_open
+#define SYS_pidfd_open 434 // younger than the headers
+#endif
+
+namespace Internal {
+
+namespace {
+
+constexpr int longestCheckInterval = 20; // ms, where the kernel does not tell of the child's end
+constexpr int failedStart = 127; // exit code
+
+/** The words of a command line, as exec takes them. */
+class Words
+{
+public:
+    Words(const QString &program, const QStringList &arguments)
+    {
+        const QString file = QStandardPaths::findExecutable(program);
+        m_texts.reserve(std::size_t(arguments.size()) + 1);
+        m_texts.push_back(QFile::encodeName(file.isEmpty() ? program : file));
+        for (const QString &argument : arguments)
+            m_texts.push_back(QFile::encodeName(argument));
+        for (QByteArray &text : m_texts)
+            m_pointers.push_back(text.data());
+        m_pointers.push_back(nullptr);
+    }
+
+    char *const *pointers() const { return m_pointers.data(); }
+
+private:
+    std::vector<QByteArray> m_texts;
+    std::vector<char *> m_pointers;
+};
+
+/** Keeps every signal from this thread, and so from the child while it shares our memory. */
+class NoSignals
+{
+public:
+    NoSignals()
+    {
+        sigset_t all;
+        ::sigfillset(&all);
+        ::pthread_sigmask(SIG_SETMASK, &all, &m_before);
+    }
+    ~NoSignals() { ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    Q_DISABLE_COPY_MOVE(NoSignals)
+
+    const sigset_t &before() const { return m_before; }
+
+private:
+    sigset_t m_before {};
+};
+
+/** What a child is to do before its program is loaded. */
+struct Orders
+{
+    char *const *words;
+    const sigset_t *signalMask;
+    int output = -1; ///< becomes standard output; -1: all streams stay this process's
+    bool isBound = false;
+    pid_t parent = ::getpid();
+    int error = 0; ///< the child's answer, in the shared memory
+};
+
+// The child shares this process's memory and has a stack of its own, on which this thread's
+// sanitizers have no say; this thread stands still until the program is loaded. So: plain system
+// calls only, and nothing of this process's memory is changed but the orders' answer.
+#define IN_CHILD __attribute__((no_sanitize("address", "thread", "undefined")))
+
+using ChildFunction = int (*)(void *);
+
+constexpr std::size_t stackSize = 32768;
+
+/** Runs @p function in a child. @return its id once its program is loaded or it has ended */
+IN_CHILD pid_t runInChild(ChildFunction function, Orders &orders, char *stackEnd)
+{
+    return ::clone(function, stackEnd, CLONE_VM | CLONE_VFORK | SIGCHLD, &orders);
+}
+
+/** This process's handlers are none of the child's, which sees SIGPIPE as a shell has it. */
+IN_CHILD void restoreSignals(const sigset_t &mask)
+{
+    for (int signal = 1; signal < NSIG; ++signal) {
+        struct sigaction action = {};
+        if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_DFL)
+            continue;
+        if (action.sa_handler == SIG_IGN && signal != SIGPIPE)
+            continue;
+        action = {};
+        ::sigaction(signal, &action, nullptr);
+    }
+    ::sigprocmask(SIG_SETMASK, &mask, nullptr);
+}
+
+/** The same file under a number that is no standard stream's. */
+IN_CHILD int besideStreams(int descriptor)
+{
+    return descriptor < 0 || descriptor > STDERR_FILENO
+        ? descriptor
+        : ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+}
+
+/** Nothing to read, output to the pipe, complaints to nobody. */
+IN_CHILD bool connectStreams(int output)
+{
+    output = besideStreams(output);
+    const int nothing = besideStreams(::open("/dev/null", O_RDWR | O_CLOEXEC));
+    return ::dup2(nothing, STDIN_FILENO) >= 0 && ::dup2(output, STDOUT_FILENO) >= 0
+        && ::dup2(nothing, STDERR_FILENO) >= 0;
+}
+
+IN_CHILD int load(void *data)
+{
+    auto &orders = *static_cast<Orders *>(data);
+    restoreSignals(*orders.signalMask);
+    ::execvp(orders.words[0], orders.words);
+    orders.error = errno;
+    ::_exit(failedStart);
+}
+
+IN_CHILD int runGroup(void *data)
+{
+    auto &orders = *static_cast<Orders *>(data);
+    ::setpgid(0, 0);
+    if (orders.isBound) {
+        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+        if (::getppid() != orders.parent) // died before the signal was asked for
+            ::_exit(0);
+    }
+    if (connectStreams(orders.output))
+        load(data);
+    orders.error = errno;
+    ::_exit(failedStart);
+}
+
+/** The child's child is nobody's when the child ends. */
+IN_CHILD int runDetached(void *data)
+{
+    auto &orders = *static_cast<Orders *>(data);
+    ::setsid();
+    alignas(16) std::array<char, stackSize> stack;
+    if (runInChild(load, orders, stack.data() + stack.size()) < 0)
+        orders.error = errno;
+    ::_exit(0);
+}
+
+/** @return id of the child; -1, and nothing is left of it, when its program is not loaded */
+pid_t start(ChildFunction function, Orders &orders)
+{
+    constexpr std::size_t size = 2 * stackSize; // a detached one has one more on it
+    const auto stack = std::make_unique<char[]>(size); // NOLINT(modernize-avoid-c-arrays)
+    pid_t id = 0;
+    {
+        const NoSignals noSignals;
+        orders.signalMask = &noSignals.before();
+        id = runInChild(function, orders, stack.get() + size);
+    }
+    if (id > 0 && orders.error != 0) {
+        while (::waitpid(id, nullptr, 0) < 0 && errno == EINTR) { }
+        return -1;
+    }
+    return id;
+}
+
+} // namespace
+
+void Descriptor::reset(int number)
+{
+    if (m_number >= 0)
+        ::close(m_number);
+    m_number = number;
+}
+
+ChildProcess::ChildProcess(const QString &program, const QStringList &arguments, Lifetime lifetime)
+{
+    std::array<int, 2> ends {};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0)
+        return;
+    m_pipe.reset(ends[0]);
+    Descriptor childsEnd(ends[1]);
+    const Words words(program, arguments);
+    Orders orders;
+    orders.words = words.pointers();
+    orders.output = childsEnd.number();
+    orders.isBound = lifetime == BoundToThread;
+    m_id = start(runGroup, orders);
+    childsEnd.close();
+    if (isStarted())
+        m_end.reset(int(::syscall(SYS_pidfd_open, m_id, 0)));
+}
+
+ChildProcess::~ChildProcess()
+{
+    if (!isStarted())
+        return;
+    if (!m_isFinished)
+        signalGroup(SIGKILL);
+    while (::waitpid(m_id, nullptr, 0) < 0 && errno == EINTR) { }
+}
+
+void ChildProcess::signalGroup(int signal) const
+{
+    if (isStarted())
+        ::kill(-m_id, signal);
+}
+
+/** It is not reaped yet: until then its id, which is its group's, is nobody else's. */
+bool ChildProcess::hasEnded() const
+{
+    siginfo_t state {};
+    const int result = ::waitid(P_PID, id_t(m_id), &state, WEXITED | WNOHANG | WNOWAIT);
+    return result == 0 ? state.si_pid == m_id : errno == ECHILD;
+}
+
+/** Waits for output or the child's end and takes what has come. @return whether output has */
+bool ChildProcess::waitForNews(int milliseconds)
+{
+    std::array<pollfd, 2> sources {{{m_pipe.number(), POLLIN, 0}, {m_end.number(), POLLIN, 0}}};
+    if (::poll(sources.data(), sources.size(), milliseconds) <= 0 || sources[0].revents == 0)
+        return false;
+    std::array<char, 4096> part; // NOLINT(cppcoreguidelines-pro-type-member-init)
+    const ssize_t size = ::read(m_pipe.number(), part.data(), part.size());
+    if (size > 0)
+        m_output.append(part.data(), int(size));
+    else if (size == 0 || errno != EINTR)
+        m_pipe.close();
+    return size > 0;
+}
+
+bool ChildProcess::waitForFinished(const QDeadlineTimer &deadline)
+{
+    if (!isStarted())
+        return false;
+    int checkInterval = 1; // ms; a tool mostly ends together with its output
+    while (!hasEnded()) {
+        if (hasPrintedTooMuch() || deadline.hasExpired())
+            return false;
+        const qint64 left = deadline.isForever() ? -1 : deadline.remainingTime();
+        if (m_end.isOpen()) {
+            waitForNews(int(left));
+        } else {
+            waitForNews(left < 0 ? checkInterval : int(std::min<qint64>(left, checkInterval)));
+            checkInterval = std::min(2 * checkInterval, longestCheckInterval);
+        }
+    }
+    while (!hasPrintedTooMuch() && waitForNews(0)) { }
+    m_isFinished = !hasPrintedTooMuch();
+    return m_isFinished;
+}
+
+bool startDetachedProcess(const QString &program, const QStringList &arguments)
+{
+    const Words words(program, arguments);
+    Orders orders;
+    orders.words = words.pointers();
+    const pid_t id = start(runDetached, orders);
+    if (id > 0)
+        while (::waitpid(id, nullptr, 0) < 0 && errno == EINTR) { }
+    return id > 0;
+}
+
+} // namespace Internal
