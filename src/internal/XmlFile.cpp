@@ -80,6 +80,9 @@ public:
     bool hasRefused() const { return m_refused; }
     const XmlError &error() const { return m_error; }
 
+protected:
+    int depth() const { return m_depth; }
+
 private:
     bool countNodes(int count)
     {
@@ -99,6 +102,79 @@ private:
     qint64 m_steps = 0;
     bool m_refused = false;
     XmlError m_error;
+};
+
+/** Hands on the nodes that a document would have; to be kept in step with that. */
+class SectionReader : public Limiter
+{
+public:
+    SectionReader(const QString &attribute, XmlSections &sections)
+        : m_attribute(attribute)
+        , m_sections(sections)
+    { }
+
+    bool startElement(const QString &uri, const QString &localName, const QString &name,
+                      const QXmlAttributes &attributes) override
+    {
+        if (depth() == 1)
+            m_sections.addSection(name);
+        else if (depth() == 2)
+            m_sections.addEntry(name, textOf(attributes));
+        return Limiter::startElement(uri, localName, name, attributes);
+    }
+    bool startCDATA() override
+    {
+        m_inCdata = true;
+        return true;
+    }
+    bool endCDATA() override
+    {
+        m_inCdata = false;
+        return true;
+    }
+    bool characters(const QString &text) override
+    {
+        addOther(m_inCdata ? QStringLiteral("#cdata-section") : QStringLiteral("#text"));
+        return Limiter::characters(text);
+    }
+    bool comment(const QString &text) override
+    {
+        addOther(QStringLiteral("#comment"));
+        return Limiter::comment(text);
+    }
+    bool processingInstruction(const QString &target, const QString &data) override
+    {
+        addOther(target);
+        return Limiter::processingInstruction(target, data);
+    }
+    /** Does not tell an entity of the content, a node, from one of an attribute. */
+    bool skippedEntity(const QString &) override
+    {
+        m_needsDocument = true;
+        return false;
+    }
+
+    bool needsDocument() const { return m_needsDocument; }
+
+private:
+    QString textOf(const QXmlAttributes &attributes) const
+    {
+        for (int i = attributes.count() - 1; i >= 0; --i) { // the last of a name counts
+            if (attributes.qName(i) == m_attribute)
+                return attributes.value(i).isNull() ? QLatin1String("") : attributes.value(i);
+        }
+        return {};
+    }
+    void addOther(const QString &name)
+    {
+        if (depth() == 2)
+            m_sections.addOther(name);
+    }
+
+    const QString m_attribute;
+    XmlSections &m_sections;
+    bool m_inCdata = false;
+    bool m_needsDocument = false;
 };
 
 /** Parses as a document does. */
@@ -134,6 +210,24 @@ bool parseDocument(const QString &text, QDomDocument &document, XmlError &error)
     return true;
 }
 
+void addSections(const QDomElement &root, const QString &attribute, XmlSections &sections)
+{
+    for (auto section = root.firstChildElement(); !section.isNull();
+         section = section.nextSiblingElement()) {
+        sections.addSection(section.tagName());
+        for (auto node = section.firstChild(); !node.isNull(); node = node.nextSibling()) {
+            const QDomElement entry = node.toElement();
+            if (entry.isNull())
+                sections.addOther(node.nodeName());
+            else
+                sections.addEntry(entry.tagName(),
+                                  entry.hasAttribute(attribute)
+                                      ? entry.attribute(attribute, QLatin1String(""))
+                                      : QString());
+        }
+    }
+}
+
 } // namespace
 
 bool parseXml(QIODevice &device, QDomDocument &document, XmlError &error)
@@ -144,6 +238,29 @@ bool parseXml(QIODevice &device, QDomDocument &document, XmlError &error)
         return false;
     }
     return parseDocument(text, document, error);
+}
+
+bool readSections(QIODevice &device, const QString &attribute, XmlSections &sections,
+                  XmlError &error)
+{
+    QString text;
+    if (const auto refused = read(device, text)) {
+        error = *refused;
+        return false;
+    }
+    SectionReader reader(attribute, sections);
+    if (parse(text, reader))
+        return true;
+    if (!reader.needsDocument()) {
+        error = reader.error();
+        return false;
+    }
+    sections.clear();
+    QDomDocument document;
+    if (!parseDocument(text, document, error))
+        return false;
+    addSections(document.firstChildElement(), attribute, sections);
+    return true;
 }
 
 } // namespace Internal

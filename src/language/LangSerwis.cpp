@@ -1,7 +1,7 @@
 #include "language/LangSerwis.h"
 
-#include "internal/XmlFile_p.h"
 #include "internal/log_p.h"
+#include "language/SectionIndex_p.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,35 +15,6 @@ const QLatin1String presentationSection("Lang");
 const QLatin1String textAttribute("value");
 const QLatin1String defaultTimeFormat("hh:mm");
 const QLatin1String defaultDateFormat("yyyy.MM.dd");
-
-using Section = QHash<QString, QString>; ///< null text: an entry without one
-using Index = QHash<QString, Section>;
-
-QString textOf(const QDomElement &entry)
-{
-    if (!entry.hasAttribute(textAttribute))
-        return {};
-    const QString text = entry.attribute(textAttribute);
-    return text.isNull() ? QLatin1String("") : text;
-}
-
-/** The first section of a name counts, and in it the first entry of a name. */
-Index indexOf(const QDomElement &root)
-{
-    Index index;
-    for (auto section = root.firstChildElement(); !section.isNull();
-         section = section.nextSiblingElement()) {
-        if (index.contains(section.tagName()))
-            continue;
-        Section &entries = index[section.tagName()];
-        for (auto entry = section.firstChildElement(); !entry.isNull();
-             entry = entry.nextSiblingElement()) {
-            if (!entries.contains(entry.tagName()))
-                entries.insert(entry.tagName(), textOf(entry));
-        }
-    }
-    return index;
-}
 
 bool offersFixedLanguages(KTV_Configuration::MeterModels model)
 {
@@ -62,8 +33,7 @@ public:
 
     QString code = fallbackCode;
     QString directory;
-    QDomDocument document;
-    Index index; ///< of the document: a language switch looks up thousands of texts
+    SectionIndex texts;
     QString smallKeyboard;
     QString bigKeyboard;
     QString regionalSmallKeyboard;
@@ -99,14 +69,15 @@ bool LangSerwis::setLang(const QString &code)
         }
     }
 
+    SectionIndex texts;
     Internal::XmlError error;
-    if (!Internal::parseXml(file, d->document, error)) {
+    if (!Internal::readSections(file, textAttribute, texts, error)) {
         log() << "LangSerwis::setLang(" << loaded << ") Fail to load file:"
               << "   " << error.message << "\n Row:" << error.line << " Col:" << error.column;
         return false;
     }
     d->code = loaded;
-    d->index = indexOf(d->document.firstChildElement());
+    d->texts = std::move(texts);
 
     struct Presentation
     {
@@ -135,22 +106,12 @@ QString LangSerwis::getCurrentLang() const
 QString LangSerwis::getText(const QString &section, const QString &key,
                             const QString &defaultValue) const
 {
-    const auto entries = d->index.constFind(section);
-    if (entries == d->index.constEnd())
-        return defaultValue;
-    const auto text = entries->constFind(key);
-    return text == entries->constEnd() || text->isNull() ? defaultValue : *text;
+    return d->texts.text(section, key, defaultValue);
 }
 
 QHash<QString, QString> *LangSerwis::getSection(const QString &section) const
 {
-    auto table = std::make_unique<QHash<QString, QString>>();
-    if (section.isEmpty()) // a document would take any section for the nameless one
-        return table.release();
-    const QDomElement element = d->document.firstChildElement().firstChildElement(section);
-    for (auto node = element.firstChild(); !node.isNull(); node = node.nextSibling())
-        table->insert(node.nodeName(), node.toElement().attribute(textAttribute, node.nodeName()));
-    return table.release();
+    return new QHash<QString, QString>(d->texts.section(section));
 }
 
 QStringList *LangSerwis::getLangList() const

@@ -13,6 +13,47 @@ using Internal::XmlError;
 
 namespace {
 
+/** Writes down what it is told. */
+class Nodes : public Internal::XmlSections
+{
+public:
+    void clear() override { m_lines.clear(); }
+    void addSection(const QString &name) override { m_lines += name; }
+    void addEntry(const QString &name, const QString &text) override
+    {
+        m_lines += ' ' + name + (text.isNull() ? QString() : '=' + text);
+    }
+    void addOther(const QString &name) override { m_lines += " (" + name + ')'; }
+
+    QStringList lines() const { return m_lines; }
+
+private:
+    QStringList m_lines;
+};
+
+/** The same of a document. */
+QStringList linesOf(const QDomDocument &document)
+{
+    Nodes nodes;
+    const auto sections = document.documentElement().childNodes();
+    for (int i = 0; i < sections.count(); ++i) {
+        if (!sections.at(i).isElement())
+            continue;
+        nodes.addSection(sections.at(i).nodeName());
+        const auto entries = sections.at(i).childNodes();
+        for (int j = 0; j < entries.count(); ++j) {
+            const QDomNode node = entries.at(j);
+            const QDomNode value = node.attributes().namedItem("value");
+            if (!node.isElement())
+                nodes.addOther(node.nodeName());
+            else
+                nodes.addEntry(node.nodeName(),
+                               value.isNull() ? QString() : "" + value.nodeValue());
+        }
+    }
+    return nodes.lines();
+}
+
 QByteArray inUtf16(const QString &text, const char *codec = "UTF-16")
 {
     return QTextCodec::codecForName(codec)->fromUnicode(text);
@@ -39,6 +80,7 @@ class TstXmlFile : public QObject
 private slots:
     void sameAsTheDocument_data();
     void sameAsTheDocument();
+    void sectionsOfATextWithoutThem();
     void depth_data();
     void depth();
     void declarations_data();
@@ -92,6 +134,26 @@ void TstXmlFile::sameAsTheDocument_data()
     QTest::newRow("NUL within") << QByteArray("<a>\0</a>", 8);
     QTest::newRow("what a reader takes for an end")
         << QByteArray("<a>\xef\xbf\xbe\xef\xbf\xbf</a>");
+
+    const auto section = [](const QByteArray &nodes, const QByteArray &head = {}) {
+        return head + "<a>x<!--c--><S x='1'>" + nodes + "</S><T><k value='2'/></T>y</a>";
+    };
+    QTest::newRow("all kinds of nodes") << section(
+        "t<!--c--><?p i?><![CDATA[]]><![CDATA[ c ]]>\n<k value='1'>u<l value='2'/></k><m/>&amp;");
+    QTest::newRow("empty text") << section("<k value=''/><l Value='1'/><m value=' '/>");
+    QTest::newRow("text twice") << section("<k value='1' value='2'/>");
+    QTest::newRow("prefixes") << section("<n:k n:value='1' xmlns='u' value='2'/>");
+    QTest::newRow("undeclared entity in a section") << section("&u;<k value='1'/>");
+    QTest::newRow("undeclared entity in an attribute") << section("<k value='1&u;2'/>");
+    QTest::newRow("undeclared entity, broken") << section("&u;<k value='1'>");
+    QTest::newRow("default of an attribute")
+        << section("<k/>", "<!DOCTYPE a [<!ATTLIST k value CDATA 'd'>]>");
+    QTest::newRow("entity with nodes")
+        << section("&e;", "<!DOCTYPE a [<!ENTITY e \"u<k value='1'/><!--c-->\">]>");
+    QTest::newRow("external entity")
+        << section("&e;<k value='1'/>", "<!DOCTYPE a [<!ENTITY e SYSTEM 'e'>]>");
+    QTest::newRow("parameter entity")
+        << section("<k value='1'/>", "<!DOCTYPE a [<!ENTITY % p SYSTEM 'p'> %p;]>");
 }
 
 /** What QDomDocument makes of the same file, opened as text. */
@@ -123,6 +185,25 @@ void TstXmlFile::sameAsTheDocument()
         if (ok)
             QCOMPARE(document.toByteArray(), expected.toByteArray());
     }
+    Nodes nodes;
+    XmlError error;
+    QVERIFY(reopen());
+    QCOMPARE(Internal::readSections(file, "value", nodes, error), ok);
+    compareErrors(error);
+    if (ok)
+        QCOMPARE(nodes.lines(), linesOf(expected));
+}
+
+/** The comparison itself sees something. */
+void TstXmlFile::sectionsOfATextWithoutThem()
+{
+    Nodes nodes;
+    XmlError error;
+    QByteArray text = "<a>x<S>t<k value='1'/><l/><m value=''/></S>y<T/></a>";
+    QBuffer buffer(&text);
+    QVERIFY(buffer.open(QIODevice::ReadOnly));
+    QVERIFY(Internal::readSections(buffer, "value", nodes, error));
+    QCOMPARE(nodes.lines(), (QStringList {"S", " (#text)", " k=1", " l", " m=", "T"}));
 }
 
 void TstXmlFile::depth_data()

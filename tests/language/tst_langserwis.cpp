@@ -281,6 +281,10 @@ void TstLangSerwis::text_data()
     QTest::newRow("first section counts although it lacks the key")
         << QByteArray("<t><S/><S><k value='2'/></S></t>") << "S"
         << "k" << unset;
+    QTest::newRow("entry behind other nodes of the same name")
+        << QByteArray("<t><S>&k;<?k i?><k value='1'/><?k i?></S></t>") << "S"
+        << "k"
+        << "1";
     QTest::newRow("deeper entries do not count")
         << QByteArray("<t><S><a><k value='1'/></a></S></t>") << "S"
         << "k" << unset;
@@ -343,6 +347,16 @@ void TstLangSerwis::section_data()
         << Texts {{"#comment", "#comment"}, {"#text", "#text"}, {"k", "1"}};
     QTest::newRow("deeper entries do not count")
         << QByteArray("<t><S><a><k value='1'/></a></S></t>") << "S" << Texts {{"a", "a"}};
+    QTest::newRow("text behind an entry of the same name without one")
+        << QByteArray("<t><S><l value='1'/><k/><k value='2'/></S></t>") << "S"
+        << Texts {{"l", "1"}, {"k", "2"}};
+    QTest::newRow("entry behind an instruction of the same name")
+        << QByteArray("<t><S><?k i?><k value='1'/></S></t>") << "S" << Texts {{"k", "1"}};
+    QTest::newRow("instruction behind an entry of the same name")
+        << QByteArray("<t><S><k value='1'/><?k i?></S></t>") << "S" << Texts {{"k", "k"}};
+    QTest::newRow("undeclared entity")
+        << QByteArray("<t><R><k value='1'/></R><S>&u;<k value='1&u;2'/></S></t>") << "S"
+        << Texts {{"u", "u"}, {"k", "12"}};
 }
 
 void TstLangSerwis::section()
@@ -351,7 +365,11 @@ void TstLangSerwis::section()
     QFETCH(QString, section);
     QFETCH(Texts, texts);
     const auto service = loaded(content);
-    QCOMPARE(*std::unique_ptr<Texts>(service->getSection(section)), texts);
+    for (int i = 0; i < 2; ++i) {
+        const std::unique_ptr<Texts> own(service->getSection(section));
+        QCOMPARE(*own, texts);
+        own->insert("k", "changed by the caller");
+    }
 }
 
 void TstLangSerwis::formats_data()
