@@ -111,6 +111,7 @@ KTV_Configuration::KTV_Configuration(QObject *parent)
     }
     file.close();
     LoadDataFromXML();
+    d->document.clear(); // everything in it has been read
 }
 
 KTV_Configuration::~KTV_Configuration() = default;
