@@ -84,6 +84,7 @@ struct Family
 };
 
 Family beepFamily();
+Family checkImageFamily();
 Family countersFamily();
 Family diskFamily();
 Family filenameFamily();

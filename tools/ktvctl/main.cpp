@@ -16,9 +16,10 @@ namespace {
 const std::vector<Family> &families()
 {
     static const std::vector<Family> all {
-        infoFamily(),     settingsFamily(), langFamily(),  helpFamily(),     listsFamily(),
-        countersFamily(), valueFamily(),    diskFamily(),  filenameFamily(), firstStartFamily(),
-        wifiFamily(),     usbFamily(),      soundFamily(), beepFamily(),     watchFamily(),
+        infoFamily(),     settingsFamily(),   langFamily(),  helpFamily(),
+        listsFamily(),    countersFamily(),   valueFamily(), diskFamily(),
+        filenameFamily(), firstStartFamily(), wifiFamily(),  usbFamily(),
+        soundFamily(),    beepFamily(),       watchFamily(), checkImageFamily(),
     };
     return all;
 }

@@ -1,0 +1,64 @@
+#include "Checks.h"
+
+#include <QSet>
+
+#include <algorithm>
+
+namespace {
+
+struct ModelFolder
+{
+    const char *name;
+    bool hasFixedLanguages;
+};
+
+constexpr ModelFolder modelFolders[] = {
+    {"KTV_410", false},
+    {"KTV_420", false},
+    {"KTV_4200", true},
+};
+
+bool isPageOf(const QString &file, const QString &language)
+{
+    return file.endsWith(QLatin1Char('_') + language + QStringLiteral(".html"),
+                         Qt::CaseInsensitive);
+}
+
+/** The pages of a topic: each language has one, and each page has a language. */
+void checkTopic(const QString &path, const QStringList &pages, const QStringList &offered,
+                const QStringList &known, Report &report)
+{
+    for (const QString &language : offered) {
+        const bool hasPage = std::any_of(pages.begin(), pages.end(), [&](const QString &page) {
+            return isPageOf(page, language);
+        });
+        if (!hasPage)
+            report.warning(path, QStringLiteral("no page in %1").arg(language));
+    }
+    for (const QString &page : pages) {
+        const bool hasLanguage =
+            std::any_of(known.begin(), known.end(),
+                        [&page](const QString &language) { return isPageOf(page, language); });
+        if (page.endsWith(QStringLiteral(".html"), Qt::CaseInsensitive) && !hasLanguage)
+            report.warning(path + QLatin1Char('/') + page,
+                           QStringLiteral("is a page of no language that there is"));
+    }
+}
+
+} // namespace
+
+void checkHelpPages(const Image &image, const Places &places, Report &report)
+{
+    const QStringList known = languageCodes(image, places);
+    for (const ModelFolder &model : modelFolders) {
+        const QString folder = places.help + QLatin1String(model.name);
+        const QStringList topics = image.folders(folder);
+        if (topics.isEmpty())
+            report.warning(folder, QStringLiteral("the model has no help page"));
+        for (const QString &topic : topics) {
+            const QString path = folder + QLatin1Char('/') + topic;
+            checkTopic(path, image.files(path), model.hasFixedLanguages ? fixedLanguages() : known,
+                       known, report);
+        }
+    }
+}

@@ -1,0 +1,33 @@
+#include "Checks.h"
+
+#include <sound/Sound.h>
+
+#include <QFileInfo>
+#include <QMetaEnum>
+
+using SoundNamespace::Sound;
+
+void checkSamples(const Image &image, const Places &places, Report &report)
+{
+    if (places.samples.isNull())
+        return; // which the check of the description has reported
+    constexpr int bytesOfASample = 2;
+    const QMetaEnum samples = QMetaEnum::fromType<Sound::Sample>();
+    for (int i = 0; i < samples.keyCount(); ++i) {
+        if (samples.value(i) == Sound::SOUND_Empty)
+            continue;
+        const QString path =
+            places.samples + QLatin1String(samples.key(i)) + QStringLiteral(".raw");
+        const QString place = image.locate(path);
+        if (place.isNull()) {
+            report.warning(path, QStringLiteral("missing: KTV-4200 and KTV-4400 play it"));
+            continue;
+        }
+        const QFileInfo file(place);
+        if (!file.isFile() || file.size() == 0)
+            report.error(path, QStringLiteral("holds no sound"));
+        else if (file.size() % bytesOfASample != 0)
+            report.error(path,
+                         QStringLiteral("has an odd length: its samples have two bytes each"));
+    }
+}
