@@ -25,6 +25,10 @@ constexpr int factoryVolume = 70; // percent
 const QLatin1String brightnessKey("brightness");
 constexpr int factoryBrightness = 50; // percent, as the library's factory reset sets it
 
+/** Prefixes offered behind a number of ohms. */
+constexpr ValueBox::UnitPrefixs ohmPrefixes[] = {ValueBox::Prefix_u, ValueBox::Prefix_m,
+                                                 ValueBox::Prefix_None, ValueBox::Prefix_k};
+
 /** By the library's alert level, less one. */
 const Text cardAlerts[] = {
     Text {"Panel", "cardFilling", "The memory card is filling up"},
@@ -34,7 +38,7 @@ const Text cardAlerts[] = {
 } // namespace
 
 Context::Context(QObject *parent)
-    : QObject(parent)
+    : Texts(parent)
     , m_library(std::make_unique<KTV_DataSource>())
     , m_own(std::make_unique<QSettings>(
           m_library->getMainConfig()->get_mainInterfaceUserDataDirectory()
@@ -61,6 +65,32 @@ QString Context::text(const Text &text) const
 {
     return m_library->get_Lang()->getText(QLatin1String(text.section), QLatin1String(text.key),
                                           QString::fromUtf8(text.english));
+}
+
+QVector<QStringList> Context::letters(bool isRegional, bool isBig) const
+{
+    const LangSerwis *language = m_library->get_Lang();
+    const QString layout = isRegional
+        ? (isBig ? language->getRegionalBigKeyboard() : language->getRegionalSmallKeyboard())
+        : (isBig ? language->getBigKeyboard() : language->getSmallKeyboard());
+    QVector<QStringList> rows;
+    for (const QString &row : layout.split(QLatin1Char('|')))
+        rows += row.split(QString(), Qt::SkipEmptyParts);
+    return rows;
+}
+
+QString Context::regionalName() const
+{
+    return m_library->get_Lang()->getCurrentLang();
+}
+
+QStringList Context::units() const
+{
+    QStringList units;
+    for (const ValueBox::UnitPrefixs prefix : ohmPrefixes)
+        units += NumericalValueBox::getUnitPrefix(prefix)
+            + NumericalValueBox::getUnit(ValueBox::Unit_Ohm);
+    return units;
 }
 
 void Context::setLanguage(const QString &code)

@@ -1,9 +1,10 @@
 #pragma once
 
-#include "Text.h"
 #include "meter/Hardware.h"
 #include "meter/Mixer.h"
 #include "meter/Setup.h"
+#include "touch/KeyboardPolicy.h"
+#include "touch/Texts.h"
 
 #include <sound/BuzzerClass.h>
 #include <valuebox/ValueTypes.h>
@@ -20,7 +21,7 @@ class QSettings;
  * What every page is given: the library, the texts of the language in effect, the measurement
  * that is set up, and word of whatever changes.
  */
-class Context : public QObject
+class Context : public Texts, public KeyboardPolicy
 {
     Q_OBJECT
 public:
@@ -32,18 +33,11 @@ public:
     Setup &setup() { return m_setup; }
     Hardware &hardware() { return m_hardware; }
 
-    QString text(const Text &text) const;
-    /** Runs @p apply now and whenever the texts change, as long as @p receiver lives. */
-    template <typename Function> void keep(QObject *receiver, Function apply)
-    {
-        apply();
-        connect(this, &Context::textsChanged, receiver, apply);
-    }
-    /** Gives a widget its text, in whatever language comes into effect. */
-    template <typename Widget> void translate(Widget *widget, const Text &text)
-    {
-        keep(widget, [this, widget, text] { widget->setText(this->text(text)); });
-    }
+    QString text(const Text &text) const override;
+    bool isOnScreen() const override { return usesScreenKeyboard(); }
+    QVector<QStringList> letters(bool isRegional, bool isBig) const override;
+    QString regionalName() const override;
+    QStringList units() const override;
 
     void setLanguage(const QString &code);
     /** As if the measuring hardware had reported another serial number. */
@@ -74,7 +68,6 @@ public:
     void setLastResult(const QString &text) { m_lastResult = text; }
 
 signals:
-    void textsChanged(); ///< Language, or the unit of temperatures.
     void meterChanged(); ///< Serial number, and with it perhaps the model.
     void listsChanged();
     void setupChanged();

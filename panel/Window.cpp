@@ -88,7 +88,7 @@ Window::Window(Context &context)
     columns->addWidget(makeRail());
     columns->addWidget(m_stack, 1);
     rows->addLayout(columns, 1);
-    new Keyboard(context, this);
+    new Keyboard(context, context, this);
 
     for (const PageRow &page : pages)
         m_stack->addWidget(page.make(context));

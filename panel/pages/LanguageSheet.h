@@ -2,6 +2,8 @@
 
 #include "touch/Sheets.h"
 
+class Context;
+
 /** The languages that the meter offers, in their own names. */
 class LanguageSheet : public PickSheet
 {

@@ -85,8 +85,8 @@ QVector<ListFamily> makeFamilies()
         {Text {"Lists", "limitsR", "Resistance limits"},
          Text {"Panel", "limitsR", "Limits R"},
          {{nameText, TextField::Letters},
-          {Text {"Lists", "low", "Low"}, TextField::Resistance},
-          {Text {"Lists", "high", "High"}, TextField::Resistance}},
+          {Text {"Lists", "low", "Low"}, TextField::NumberWithUnit},
+          {Text {"Lists", "high", "High"}, TextField::NumberWithUnit}},
          [](KTV_DataList &lists, const QString &filter) {
              return taken(lists.GetLimits_R(filter, 0));
          },

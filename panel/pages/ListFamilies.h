@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Text.h"
 #include "touch/Keyboard.h"
+#include "touch/Text.h"
 
 #include <QString>
 #include <QStringList>

@@ -81,6 +81,7 @@ const Text leadsTexts[] = {
 
 ObjectSheet::ObjectSheet(Context &context, QWidget *somewhere)
     : Sheet(context, somewhere)
+    , m_context(context)
     , m_leads(new Choice(QStringLiteral("object.leads"), std::size(leadsTexts)))
 {
     constexpr int sheetWidth = 680;
@@ -111,8 +112,8 @@ ObjectSheet::ObjectSheet(Context &context, QWidget *somewhere)
     for (size_t i = 0; i < std::size(leadsTexts); ++i)
         context.translate(m_leads->part(static_cast<int>(i)), leadsTexts[i]);
     connect(m_leads, &Choice::chosen, this, [this](int leads) {
-        this->context().setup().object.leads = static_cast<TestObject::Leads>(leads);
-        emit this->context().setupChanged();
+        m_context.setup().object.leads = static_cast<TestObject::Leads>(leads);
+        emit m_context.setupChanged();
     });
     card()->addWidget(m_leads);
     auto *close = new TouchButton(QStringLiteral("sheet.ok"), TouchButton::Primary);
@@ -138,10 +139,10 @@ QString ObjectSheet::summary(Context &context)
 
 void ObjectSheet::refresh()
 {
-    const TestObject &object = context().setup().object;
+    const TestObject &object = m_context.setup().object;
     for (int i = 0; i < m_values.size(); ++i) {
         const QuantityRow &row = quantities().at(i);
-        m_values.at(i)->setValue(row.text(context(), object.*row.value));
+        m_values.at(i)->setValue(row.text(m_context, object.*row.value));
     }
     m_leads->setCurrent(object.leads);
 }
@@ -149,10 +150,10 @@ void ObjectSheet::refresh()
 void ObjectSheet::step(int quantity, int direction)
 {
     const QuantityRow &row = quantities().at(quantity);
-    float &value = context().setup().object.*row.value;
+    float &value = m_context.setup().object.*row.value;
     const int at = static_cast<int>(std::lower_bound(row.steps.cbegin(), row.steps.cend(), value)
                                     - row.steps.cbegin());
     value = row.steps.at(qBound(0, at + direction, row.steps.size() - 1));
     refresh();
-    emit context().setupChanged();
+    emit m_context.setupChanged();
 }

@@ -3,6 +3,7 @@
 #include "touch/Sheets.h"
 
 class Choice;
+class Context;
 class FieldButton;
 
 /** The object under test, to be changed: what a person would do with leads and objects. */
@@ -19,6 +20,7 @@ private:
     void refresh();
     void step(int quantity, int direction);
 
+    Context &m_context;
     QVector<FieldButton *> m_values;
     Choice *m_leads;
 };

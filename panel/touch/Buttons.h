@@ -29,7 +29,7 @@ class FieldButton : public TouchButton
 public:
     explicit FieldButton(const QString &name, QWidget *parent = nullptr);
 
-    /** The caption; named so for Context::translate(). */
+    /** The caption; named so for Texts::translate(). */
     void setText(const QString &caption);
     void setValue(const QString &value);
     QString caption() const { return m_caption; }

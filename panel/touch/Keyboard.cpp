@@ -1,28 +1,19 @@
 #include "touch/Keyboard.h"
 
-#include "Context.h"
 #include "touch/Buttons.h"
+#include "touch/KeyboardPolicy.h"
+#include "touch/Texts.h"
 #include "touch/Theme.h"
-
-#include <datasource/KTV_DataSource.h>
-#include <language/LangSerwis.h>
-#include <valuebox/NumericalValueBox.h>
 
 #include <QPainter>
 #include <QStyle>
 #include <QVBoxLayout>
-
-using ValueBox::NumericalValueBox;
 
 namespace {
 
 constexpr int keyGap = 5;
 constexpr int keyHeight = 44;
 const QLatin1String keyboardName("keyboard");
-
-/** Prefixes offered behind a number of ohms. */
-constexpr ValueBox::UnitPrefixs ohmPrefixes[] = {ValueBox::Prefix_u, ValueBox::Prefix_m,
-                                                 ValueBox::Prefix_None, ValueBox::Prefix_k};
 
 QStringList characters(const QString &row)
 {
@@ -75,11 +66,13 @@ void TextField::hideEvent(QHideEvent *event)
 
 // --- Keyboard
 
-Keyboard::Keyboard(Context &context, QWidget *window) : QWidget(window), m_context(context)
+Keyboard::Keyboard(Texts &texts, const KeyboardPolicy &policy, QWidget *window)
+    : QWidget(window)
+    , m_policy(policy)
 {
     setObjectName(keyboardName);
     hide();
-    connect(&context, &Context::textsChanged, this, [this] {
+    connect(&texts, &Texts::textsChanged, this, [this] {
         if (isVisible())
             build();
     });
@@ -95,7 +88,7 @@ void Keyboard::open(TextField *field)
     m_field = field;
     m_isBig = false;
     m_isRegional = false;
-    if (!m_context.usesScreenKeyboard())
+    if (!m_policy.isOnScreen())
         return;
     build();
     show();
@@ -121,24 +114,13 @@ void Keyboard::paintEvent(QPaintEvent *)
 
 QVector<QStringList> Keyboard::rows() const
 {
-    QVector<QStringList> rows;
-    if (m_field->kind() != TextField::Letters) {
-        rows += characters(QStringLiteral("1234567890"));
-        QStringList second = characters(QStringLiteral(".-"));
-        if (m_field->kind() == TextField::Resistance)
-            for (const ValueBox::UnitPrefixs prefix : ohmPrefixes)
-                second += QLatin1Char(' ') + NumericalValueBox::getUnitPrefix(prefix)
-                    + NumericalValueBox::getUnit(ValueBox::Unit_Ohm);
-        rows += second;
-        return rows;
-    }
-    const LangSerwis *language = m_context.library().get_Lang();
-    const QString layout = m_isRegional
-        ? (m_isBig ? language->getRegionalBigKeyboard() : language->getRegionalSmallKeyboard())
-        : (m_isBig ? language->getBigKeyboard() : language->getSmallKeyboard());
-    for (const QString &row : layout.split(QLatin1Char('|')))
-        rows += characters(row);
-    return rows;
+    if (m_field->kind() == TextField::Letters)
+        return m_policy.letters(m_isRegional, m_isBig);
+    QStringList second = characters(QStringLiteral(".-"));
+    if (m_field->kind() == TextField::NumberWithUnit)
+        for (const QString &unit : m_policy.units())
+            second += QLatin1Char(' ') + unit;
+    return {characters(QStringLiteral("1234567890")), second};
 }
 
 void Keyboard::build()
@@ -197,11 +179,10 @@ void Keyboard::addLastRow()
         });
         shift->setCheckable(true);
         shift->setChecked(m_isBig);
-        QPushButton *regional =
-            add("key.regional", m_context.library().get_Lang()->getCurrentLang(), 2, [this] {
-                m_isRegional = !m_isRegional;
-                build();
-            });
+        QPushButton *regional = add("key.regional", m_policy.regionalName(), 2, [this] {
+            m_isRegional = !m_isRegional;
+            build();
+        });
         regional->setCheckable(true);
         regional->setChecked(m_isRegional);
         add("key.space", QString(), 6, [this] {

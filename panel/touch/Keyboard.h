@@ -5,7 +5,8 @@
 #include <QVector>
 #include <QWidget>
 
-class Context;
+class KeyboardPolicy;
+class Texts;
 
 /** A line to be written with the keyboard on the screen, which it opens and closes. */
 class TextField : public QLineEdit
@@ -16,7 +17,7 @@ public:
     {
         Letters,
         Number,
-        Resistance ///< a number and one of the library's units: "1.5 mΩ"
+        NumberWithUnit ///< a number, with keys for the units behind it
     };
 
     TextField(const QString &name, Kind kind, QWidget *parent = nullptr);
@@ -38,14 +39,15 @@ private:
 };
 
 /**
- * The keyboard at the bottom of the window, one for all fields. Letters stand where the language
- * file has them. Keys are called "key.a", "key.shift", "key.done" and so on.
+ * The keyboard at the bottom of the window, one for all fields. The policy says which letters
+ * there are. Keys are called "key.a", "key.shift", "key.done" and so on.
  */
 class Keyboard : public QWidget
 {
     Q_OBJECT
 public:
-    Keyboard(Context &context, QWidget *window);
+    /** @param policy is asked anew whenever the keyboard opens */
+    Keyboard(Texts &texts, const KeyboardPolicy &policy, QWidget *window);
 
     /** The keyboard of the window that a widget is in. */
     static Keyboard *of(const QWidget *widget);
@@ -63,7 +65,7 @@ private:
     void addLastRow();
     void place();
 
-    Context &m_context;
+    const KeyboardPolicy &m_policy;
     QPointer<TextField> m_field;
     QWidget *m_keys = nullptr;
     bool m_isBig = false;

@@ -1,7 +1,7 @@
 #include "touch/Sheets.h"
 
-#include "Context.h"
 #include "touch/Buttons.h"
+#include "touch/Texts.h"
 #include "touch/Theme.h"
 
 #include <QFrame>
@@ -19,11 +19,11 @@ constexpr int tallestList = 8; // rows
 constexpr Text cancelText = Text {"Dialogs", "cancel", "Cancel"};
 constexpr Text okText = Text {"Dialogs", "ok", "OK"};
 
-TouchButton *addButton(QHBoxLayout *row, Context &context, const char *name, const Text &text,
+TouchButton *addButton(QHBoxLayout *row, Texts &texts, const char *name, const Text &text,
                        TouchButton::Role role = TouchButton::Plain)
 {
     auto *button = new TouchButton(QLatin1String(name), role);
-    context.translate(button, text);
+    texts.translate(button, text);
     row->addWidget(button);
     return button;
 }
@@ -32,9 +32,9 @@ TouchButton *addButton(QHBoxLayout *row, Context &context, const char *name, con
 
 // --- Sheet
 
-Sheet::Sheet(Context &context, QWidget *somewhere)
+Sheet::Sheet(Texts &texts, QWidget *somewhere)
     : QWidget(somewhere->window())
-    , m_context(context)
+    , m_texts(texts)
     , m_card(new QFrame(this))
     , m_layout(new QVBoxLayout(m_card))
 {
@@ -56,7 +56,7 @@ void Sheet::addTitle(const Text &title)
     auto *label = new QLabel;
     label->setProperty("role", QStringLiteral("title"));
     label->setWordWrap(true);
-    m_context.translate(label, title);
+    m_texts.translate(label, title);
     m_layout->addWidget(label);
 }
 
@@ -81,10 +81,10 @@ void Sheet::paintEvent(QPaintEvent *)
 
 // --- PickSheet
 
-PickSheet::PickSheet(Context &context, QWidget *somewhere, const Text &title,
+PickSheet::PickSheet(Texts &texts, QWidget *somewhere, const Text &title,
                      const QVector<TouchRow> &rows, int chosen,
                      std::function<void(int index)> onChosen)
-    : Sheet(context, somewhere)
+    : Sheet(texts, somewhere)
 {
     addTitle(title);
     auto *list = new TouchList(QStringLiteral("sheet.list"));
@@ -93,7 +93,7 @@ PickSheet::PickSheet(Context &context, QWidget *somewhere, const Text &title,
     list->setFixedHeight(qBound(2, rows.size(), tallestList - 2) * Theme::target + 2);
     card()->addWidget(list);
     auto *buttons = new QHBoxLayout;
-    connect(addButton(buttons, context, "sheet.cancel", cancelText), &QPushButton::clicked, this,
+    connect(addButton(buttons, texts, "sheet.cancel", cancelText), &QPushButton::clicked, this,
             &Sheet::finish);
     card()->addLayout(buttons);
     connect(list, &TouchList::chosen, this, [this, onChosen = std::move(onChosen)](int index) {
@@ -105,17 +105,17 @@ PickSheet::PickSheet(Context &context, QWidget *somewhere, const Text &title,
 
 // --- ConfirmSheet
 
-ConfirmSheet::ConfirmSheet(Context &context, QWidget *somewhere, const Text &question,
-                           const Text &yes, std::function<void()> onYes)
-    : Sheet(context, somewhere)
+ConfirmSheet::ConfirmSheet(Texts &texts, QWidget *somewhere, const Text &question, const Text &yes,
+                           std::function<void()> onYes)
+    : Sheet(texts, somewhere)
 {
     addTitle(question);
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(12);
-    connect(addButton(buttons, context, "sheet.cancel", cancelText), &QPushButton::clicked, this,
+    connect(addButton(buttons, texts, "sheet.cancel", cancelText), &QPushButton::clicked, this,
             &Sheet::finish);
-    connect(addButton(buttons, context, "sheet.yes", yes, TouchButton::Danger),
-            &QPushButton::clicked, this, [this, onYes = std::move(onYes)] {
+    connect(addButton(buttons, texts, "sheet.yes", yes, TouchButton::Danger), &QPushButton::clicked,
+            this, [this, onYes = std::move(onYes)] {
                 finish();
                 onYes();
             });
@@ -125,9 +125,9 @@ ConfirmSheet::ConfirmSheet(Context &context, QWidget *somewhere, const Text &que
 
 // --- MessageSheet
 
-MessageSheet::MessageSheet(Context &context, QWidget *somewhere, const Text &title,
+MessageSheet::MessageSheet(Texts &texts, QWidget *somewhere, const Text &title,
                            const QString &message)
-    : Sheet(context, somewhere)
+    : Sheet(texts, somewhere)
 {
     addTitle(title);
     auto *label = new QLabel(message);
@@ -135,7 +135,7 @@ MessageSheet::MessageSheet(Context &context, QWidget *somewhere, const Text &tit
     label->setWordWrap(true);
     card()->addWidget(label);
     auto *buttons = new QHBoxLayout;
-    connect(addButton(buttons, context, "sheet.ok", okText, TouchButton::Primary),
+    connect(addButton(buttons, texts, "sheet.ok", okText, TouchButton::Primary),
             &QPushButton::clicked, this, &Sheet::finish);
     card()->addLayout(buttons);
     open(sheetWidth);
@@ -143,10 +143,10 @@ MessageSheet::MessageSheet(Context &context, QWidget *somewhere, const Text &tit
 
 // --- FormSheet
 
-FormSheet::FormSheet(Context &context, QWidget *somewhere, const Text &title,
+FormSheet::FormSheet(Texts &texts, QWidget *somewhere, const Text &title,
                      const QVector<Field> &fields,
                      std::function<QString(const QStringList &lines)> onAccepted)
-    : Sheet(context, somewhere)
+    : Sheet(texts, somewhere)
     , m_onAccepted(std::move(onAccepted))
 {
     constexpr int formWidth = 720;
@@ -158,7 +158,7 @@ FormSheet::FormSheet(Context &context, QWidget *somewhere, const Text &title,
         column->setSpacing(4);
         auto *caption = new QLabel;
         caption->setProperty("role", QStringLiteral("quiet"));
-        context.translate(caption, field.caption);
+        texts.translate(caption, field.caption);
         auto *line = new TextField(QStringLiteral("sheet.line.%1").arg(m_lines.size()), field.kind);
         line->setText(field.value);
         connect(line, &TextField::accepted, this, &FormSheet::accept);
@@ -176,9 +176,9 @@ FormSheet::FormSheet(Context &context, QWidget *somewhere, const Text &title,
     m_error->setProperty("role", QStringLiteral("alarm"));
     m_error->setWordWrap(true);
     buttons->addWidget(m_error, 1);
-    connect(addButton(buttons, context, "sheet.cancel", cancelText), &QPushButton::clicked, this,
+    connect(addButton(buttons, texts, "sheet.cancel", cancelText), &QPushButton::clicked, this,
             &Sheet::finish);
-    connect(addButton(buttons, context, "sheet.ok", okText, TouchButton::Primary),
+    connect(addButton(buttons, texts, "sheet.ok", okText, TouchButton::Primary),
             &QPushButton::clicked, this, &FormSheet::accept);
     card()->addLayout(buttons);
     open(formWidth, true);
@@ -199,8 +199,7 @@ void FormSheet::accept()
 
 // --- BusySheet
 
-BusySheet::BusySheet(Context &context, QWidget *somewhere, const Text &what)
-    : Sheet(context, somewhere)
+BusySheet::BusySheet(Texts &texts, QWidget *somewhere, const Text &what) : Sheet(texts, somewhere)
 {
     constexpr int tickInterval = 100; // ms
     addTitle(what);
@@ -208,15 +207,15 @@ BusySheet::BusySheet(Context &context, QWidget *somewhere, const Text &what)
     bar->setRange(0, 0);
     bar->setTextVisible(false);
     card()->addWidget(bar);
-    auto *elapsed = new QLabel(context.text(Text {"Dialogs", "wait", "Please wait"}));
+    auto *elapsed = new QLabel(texts.text(Text {"Dialogs", "wait", "Please wait"}));
     elapsed->setProperty("role", QStringLiteral("quiet"));
     card()->addWidget(elapsed);
     m_since.start();
-    connect(&m_tick, &QTimer::timeout, this, [this, &context, elapsed] {
+    connect(&m_tick, &QTimer::timeout, this, [this, &texts, elapsed] {
         elapsed->setText(QStringLiteral("%1  %2 %3")
-                             .arg(context.text(Text {"Dialogs", "wait", "Please wait"}))
+                             .arg(texts.text(Text {"Dialogs", "wait", "Please wait"}))
                              .arg(static_cast<double>(m_since.elapsed()) / 1000, 0, 'f', 1)
-                             .arg(context.text(Text {"Units", "second", "s"})));
+                             .arg(texts.text(Text {"Units", "second", "s"})));
     });
     m_tick.start(tickInterval);
     open(sheetWidth);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Text.h"
 #include "touch/Keyboard.h"
+#include "touch/Text.h"
 #include "touch/TouchList.h"
 
 #include <QElapsedTimer>
@@ -12,9 +12,9 @@
 
 #include <functional>
 
-class Context;
 class QLabel;
 class QVBoxLayout;
+class Texts;
 
 /** A card over the whole window, which waits until the card is done with. Deletes itself. */
 class Sheet : public QWidget
@@ -25,9 +25,9 @@ public:
 
 protected:
     /** @param somewhere any widget of the window to be covered */
-    Sheet(Context &context, QWidget *somewhere);
+    Sheet(Texts &texts, QWidget *somewhere);
 
-    Context &context() { return m_context; }
+    Texts &texts() { return m_texts; }
     QVBoxLayout *card() { return m_layout; }
     void addTitle(const Text &title);
     /** Shows the card, at the top when there is something to be written. */
@@ -35,7 +35,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    Context &m_context;
+    Texts &m_texts;
     QWidget *m_card;
     QVBoxLayout *m_layout;
 };
@@ -45,8 +45,8 @@ class PickSheet : public Sheet
 {
     Q_OBJECT
 public:
-    PickSheet(Context &context, QWidget *somewhere, const Text &title,
-              const QVector<TouchRow> &rows, int chosen, std::function<void(int index)> onChosen);
+    PickSheet(Texts &texts, QWidget *somewhere, const Text &title, const QVector<TouchRow> &rows,
+              int chosen, std::function<void(int index)> onChosen);
 };
 
 /** A question whose answer may cost something. */
@@ -54,7 +54,7 @@ class ConfirmSheet : public Sheet
 {
     Q_OBJECT
 public:
-    ConfirmSheet(Context &context, QWidget *somewhere, const Text &question, const Text &yes,
+    ConfirmSheet(Texts &texts, QWidget *somewhere, const Text &question, const Text &yes,
                  std::function<void()> onYes);
 };
 
@@ -63,7 +63,7 @@ class MessageSheet : public Sheet
 {
     Q_OBJECT
 public:
-    MessageSheet(Context &context, QWidget *somewhere, const Text &title, const QString &message);
+    MessageSheet(Texts &texts, QWidget *somewhere, const Text &title, const QString &message);
 };
 
 /** Lines to be written. */
@@ -79,7 +79,7 @@ public:
     };
 
     /** @param onAccepted takes the lines; what it returns is shown as an error, if anything */
-    FormSheet(Context &context, QWidget *somewhere, const Text &title, const QVector<Field> &fields,
+    FormSheet(Texts &texts, QWidget *somewhere, const Text &title, const QVector<Field> &fields,
               std::function<QString(const QStringList &lines)> onAccepted);
 
 private:
@@ -95,7 +95,7 @@ class BusySheet : public Sheet
 {
     Q_OBJECT
 public:
-    BusySheet(Context &context, QWidget *somewhere, const Text &what);
+    BusySheet(Texts &texts, QWidget *somewhere, const Text &what);
 
 private:
     QElapsedTimer m_since;
