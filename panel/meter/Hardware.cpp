@@ -37,18 +37,18 @@ void Hardware::stop()
 
 float Hardware::measure()
 {
-    const TestObject &object = m_setup.object;
+    const TestObject &object = m_setup.testObject();
     if (object.leads == TestObject::Open)
         return std::numeric_limits<float>::quiet_NaN();
-    if (m_setup.kind() == Setup::Temperature)
+    if (m_setup.quantity() == Quantity::Temperature)
         return object.temperature * (1 + noise());
 
     auto value = static_cast<double>(object.inductance);
-    if (m_setup.kind() == Setup::Resistance)
+    if (m_setup.quantity() == Quantity::Resistance)
         value = static_cast<double>(object.resistance)
             * (1 + excess(alphaOfCopper, object.temperature));
     if (m_setup.isCompensated())
-        value /= 1 + excess(m_setup.alpha, object.temperature);
+        value /= 1 + excess(m_setup.alpha(), object.temperature);
     if (object.leads == TestObject::Reversed)
         value = -value;
     return static_cast<float>(value) * (1 + noise());
@@ -60,5 +60,5 @@ float Hardware::noise()
     double sum = 0;
     for (int draw = 0; draw < 3; ++draw)
         sum += m_random.generateDouble() - 0.5;
-    return static_cast<float>(sum) * m_setup.object.noise / 100;
+    return static_cast<float>(sum) * m_setup.testObject().noise / 100;
 }

@@ -1,38 +1,35 @@
 #include "meter/Setup.h"
 
-#include <datalist/KTV_DataList.h>
-#include <datalist/LimitList_Element.h>
-#include <datasource/KTV_DataSource.h>
+#include "meter/LastSetting.h"
+
 #include <valuebox/DynamicRounding.h>
 #include <valuebox/NumericalValueBox.h>
 
-#include <QJsonDocument>
-#include <QJsonObject>
-
 #include <algorithm>
-#include <memory>
-#include <utility>
 
 using ValueBox::NumericalValueBox;
 
 namespace {
 
-struct KindRow
+struct QuantityRow
 {
     KTV_InterfaceConfig::SettingKey key;
     ValueBox::RoundMetods plain;
     ValueBox::RoundMetods compensated;
 };
 
-/** By Setup::Kind. */
-constexpr KindRow kinds[] = {
-    {KTV_InterfaceConfig::TEST_Rezystanyjny_LastSetting, ValueBox::Round_R,
-     ValueBox::Round_R_TempCompensation},
-    {KTV_InterfaceConfig::TEST_Indukcyjny_LastSetting, ValueBox::Round_L,
-     ValueBox::Round_L_TempCompensation},
-    {KTV_InterfaceConfig::TEST_EngineTemperature_LastSetting, ValueBox::Round_Static,
-     ValueBox::Round_Static},
-};
+const QuantityRow &rowOf(Quantity quantity)
+{
+    static constexpr QuantityRow rows[] = {
+        {KTV_InterfaceConfig::TEST_Rezystanyjny_LastSetting, ValueBox::Round_R,
+         ValueBox::Round_R_TempCompensation},
+        {KTV_InterfaceConfig::TEST_Indukcyjny_LastSetting, ValueBox::Round_L,
+         ValueBox::Round_L_TempCompensation},
+        {KTV_InterfaceConfig::TEST_EngineTemperature_LastSetting, ValueBox::Round_Static,
+         ValueBox::Round_Static},
+    };
+    return rows[static_cast<int>(quantity)];
+}
 
 const QList<ValueBox::DynamicRounding::Round_Current_I *> &tableOf(ValueBox::RoundMetods method)
 {
@@ -54,84 +51,129 @@ const QList<ValueBox::DynamicRounding::Round_Current_I *> &tableOf(ValueBox::Rou
 
 } // namespace
 
-Setup::Setup(KTV_DataSource &library) : m_library(library)
+Setup::Setup(KTV_InterfaceConfig &settings, QObject *parent) : QObject(parent), m_settings(settings)
 { }
+
+// --- the last setting
 
 void Setup::load()
 {
-    const QJsonObject stored =
-        QJsonDocument::fromJson(
-            m_library.get_InterfaceConfig()->getValue(key(), QString()).toUtf8())
-            .object();
-    current = static_cast<ValueBox::testI>(
-        stored.value(QLatin1String("current")).toInt(ValueBox::testI_10A));
-    material = stored.value(QLatin1String("material")).toString();
-    alpha = stored.value(QLatin1String("alpha")).toDouble();
-    limitName = stored.value(QLatin1String("limit")).toString();
-    lowLimit = stored.value(QLatin1String("low")).toString();
-    highLimit = stored.value(QLatin1String("high")).toString();
-    refreshCurrent();
-    refreshLimit();
+    read();
+    emit changed();
 }
 
-void Setup::save() const
+void Setup::read()
 {
-    const QJsonObject stored {
-        {QStringLiteral("current"), current}, {QStringLiteral("material"), material},
-        {QStringLiteral("alpha"), alpha},     {QStringLiteral("limit"), limitName},
-        {QStringLiteral("low"), lowLimit},    {QStringLiteral("high"), highLimit},
-    };
-    m_library.get_InterfaceConfig()->setValue(
-        key(), QString::fromUtf8(QJsonDocument(stored).toJson(QJsonDocument::Compact)));
+    const QJsonObject stored = LastSetting::read(m_settings, rowOf(m_quantity).key);
+    m_current = static_cast<ValueBox::testI>(
+        stored.value(QLatin1String("current")).toInt(ValueBox::testI_10A));
+    m_material = stored.value(QLatin1String("material")).toString();
+    m_alpha = stored.value(QLatin1String("alpha")).toDouble();
+    const QJsonObject limit = stored.value(QLatin1String("limit")).toObject();
+    m_limit.name = limit.value(QLatin1String("name")).toString();
+    m_limit.low = limit.value(QLatin1String("low")).toString();
+    m_limit.high = limit.value(QLatin1String("high")).toString();
+    m_objectType = stored.value(QLatin1String("objectType")).toString();
+    m_objectName = stored.value(QLatin1String("objectName")).toString();
+    refreshCurrent();
+}
+
+void Setup::store()
+{
+    const QJsonObject limit {{QStringLiteral("name"), m_limit.name},
+                             {QStringLiteral("low"), m_limit.low},
+                             {QStringLiteral("high"), m_limit.high}};
+    LastSetting::write(m_settings, rowOf(m_quantity).key,
+                       {{QStringLiteral("current"), m_current},
+                        {QStringLiteral("material"), m_material},
+                        {QStringLiteral("alpha"), m_alpha},
+                        {QStringLiteral("limit"), limit},
+                        {QStringLiteral("objectType"), m_objectType},
+                        {QStringLiteral("objectName"), m_objectName}});
 }
 
 void Setup::refreshCurrent()
 {
     const QList<ValueBox::testI> currents = testCurrents();
-    if (!currents.isEmpty() && !currents.contains(current))
-        current = currents.contains(ValueBox::testI_10A) ? ValueBox::testI_10A : currents.last();
+    if (!currents.isEmpty() && !currents.contains(m_current))
+        m_current = currents.contains(ValueBox::testI_10A) ? ValueBox::testI_10A : currents.last();
 }
 
-void Setup::refreshLimit()
+void Setup::keep()
 {
-    if (m_kind != Temperature || limitName.isEmpty())
-        return;
-    const QString wanted = std::exchange(limitName, QString());
-    const std::unique_ptr<QList<LimitList_Element *>> limits(
-        m_library.get_DataList()->GetLimits_T(QString(), 0));
-    if (!limits)
-        return;
-    for (const LimitList_Element *limit : std::as_const(*limits)) {
-        if (limit->Name != wanted)
-            continue;
-        limitName = wanted;
-        lowLimit = limit->LoLimit;
-        highLimit = limit->HighLimit;
-    }
-    qDeleteAll(*limits);
+    refreshCurrent(); // compensation knows fewer of them
+    store();
+    emit changed();
 }
 
-void Setup::setKind(Kind kind)
+// --- setters
+
+void Setup::setQuantity(Quantity quantity)
 {
-    m_kind = kind;
-    load();
+    m_quantity = quantity;
+    const QString type = m_objectType;
+    const QString name = m_objectName;
+    read();
+    m_objectType = type;
+    m_objectName = name;
+    keep();
+}
+
+void Setup::setCurrent(ValueBox::testI current)
+{
+    m_current = current;
+    keep();
+}
+
+void Setup::setMaterial(const QString &name, double alpha)
+{
+    m_material = name;
+    m_alpha = alpha;
+    keep();
+}
+
+void Setup::setLimit(const Limit &limit)
+{
+    m_limit = limit;
+    keep();
+}
+
+void Setup::setObject(const QString &type, const QString &name)
+{
+    m_objectType = type;
+    m_objectName = name;
+    keep();
+}
+
+void Setup::setTestObject(const TestObject &object)
+{
+    m_testObject = object;
+    emit changed();
+}
+
+void Setup::takeModel()
+{
+    keep();
+}
+
+// --- what follows
+
+bool Setup::isCompensated() const
+{
+    return !m_material.isEmpty() && m_quantity != Quantity::Temperature;
+}
+
+Form Setup::form() const
+{
+    const QuantityRow &row = rowOf(m_quantity);
+    return {m_quantity, isCompensated() ? row.compensated : row.plain, m_current};
 }
 
 QList<ValueBox::testI> Setup::testCurrents() const
 {
     QList<ValueBox::testI> currents;
-    for (const ValueBox::DynamicRounding::Round_Current_I *rows : tableOf(roundingMethod()))
+    for (const ValueBox::DynamicRounding::Round_Current_I *rows : tableOf(form().method))
         currents += rows->current;
     std::sort(currents.begin(), currents.end());
     return currents;
-}
-
-ValueBox::RoundMetods Setup::roundingMethod() const
-{
-    return isCompensated() ? kinds[m_kind].compensated : kinds[m_kind].plain;
-}
-
-KTV_InterfaceConfig::SettingKey Setup::key() const
-{
-    return kinds[m_kind].key;
 }

@@ -1,5 +1,6 @@
 #include "pages/AboutPage.h"
 
+#include "pages/Words.h"
 #include "touch/Buttons.h"
 #include "touch/Indicators.h"
 #include "touch/Theme.h"
@@ -38,18 +39,18 @@ const CounterRow counters[] = {
     {KTV_Liczniki::Licznik_Demagnetyzacja, Text {"Panel", "countDemagnetise", "Demagnetisations"}},
 };
 
-QLabel *heading(Context &context, const Text &text)
+QLabel *heading(Texts &texts, const Text &text)
 {
     auto *label = new QLabel;
     label->setProperty("role", QStringLiteral("title"));
-    context.translate(label, text);
+    texts.translate(label, text);
     return label;
 }
 
 } // namespace
 
-AboutPage::AboutPage(Context &context)
-    : Page(context)
+AboutPage::AboutPage(Texts &texts, Session &session)
+    : Page(texts, session)
     , m_card(label(QStringLiteral("about.card"), ""))
     , m_disk(label(QStringLiteral("about.disk"), "quiet"))
     , m_alert(label(QStringLiteral("about.alert"), "alarm"))
@@ -75,11 +76,11 @@ AboutPage::AboutPage(Context &context)
     }
 
     auto *left = new QVBoxLayout;
-    left->addWidget(heading(context, Text {"About", "title", "About the meter"}));
+    left->addWidget(heading(texts, Text {"About", "title", "About the meter"}));
     left->addLayout(identity);
     left->addStretch(1);
     auto *right = new QVBoxLayout;
-    right->addWidget(heading(context, Text {"About", "counters", "Measurements made"}));
+    right->addWidget(heading(texts, Text {"About", "counters", "Measurements made"}));
     right->addLayout(counts);
     right->addStretch(1);
     auto *upper = new QHBoxLayout;
@@ -89,25 +90,25 @@ AboutPage::AboutPage(Context &context)
     column()->addLayout(upper, 1);
 
     auto *cardRow = new QHBoxLayout;
-    cardRow->addWidget(heading(context, Text {"About", "disk", "Memory card"}));
+    cardRow->addWidget(heading(texts, Text {"About", "disk", "Memory card"}));
     cardRow->addStretch(1);
     cardRow->addWidget(m_card);
     column()->addLayout(cardRow);
     column()->addWidget(m_gauge);
     auto *check = new TouchButton(QStringLiteral("about.check"));
-    context.translate(check, Text {"Panel", "checkNow", "Check now"});
+    texts.translate(check, Text {"Panel", "checkNow", "Check now"});
     connect(check, &QPushButton::clicked, this, &AboutPage::enter);
     auto *figures = new QHBoxLayout;
-    auto *texts = new QVBoxLayout;
-    texts->addWidget(m_disk);
-    texts->addWidget(m_alert);
-    figures->addLayout(texts, 1);
+    auto *lines = new QVBoxLayout;
+    lines->addWidget(m_disk);
+    lines->addWidget(m_alert);
+    figures->addLayout(lines, 1);
     figures->addWidget(check);
     column()->addLayout(figures);
 
-    connect(&context.library(), &KTV_DataSource::changeFreeSpaceAlert, this, &AboutPage::refresh);
-    connect(&context, &Context::meterChanged, this, &AboutPage::refresh);
-    context.keep(this, [this] { refresh(); });
+    connect(&session.library(), &KTV_DataSource::changeFreeSpaceAlert, this, &AboutPage::refresh);
+    connect(&session, &Session::meterChanged, this, &AboutPage::refresh);
+    texts.keep(this, [this] { refresh(); });
 }
 
 QLabel *AboutPage::addFact(QGridLayout *grid, const Text &captionText, const char *name)
@@ -141,12 +142,12 @@ void AboutPage::refresh()
 
     m_card->setText(QERNTools::Tools::SD_Card_is_OK()
                         ? QString()
-                        : context().text(Text {"Panel", "cardFault", "The card has a fault"}));
+                        : text(Text {"Panel", "cardFault", "The card has a fault"}));
     const std::unique_ptr<QERNTools::DiskInfo> disk(library().getDiskInfo());
     m_disk->setText(QStringLiteral("%1 %2     %3 %4     %5 %6")
-                        .arg(context().text(Text {"About", "used", "Used"}), disk->usedText,
-                             context().text(Text {"About", "free", "Free"}), disk->freeText,
-                             context().text(Text {"About", "total", "Total"}), disk->totalText));
-    m_alert->setText(context().cardAlert());
+                        .arg(text(Text {"About", "used", "Used"}), disk->usedText,
+                             text(Text {"About", "free", "Free"}), disk->freeText,
+                             text(Text {"About", "total", "Total"}), disk->totalText));
+    m_alert->setText(Words::cardAlert(texts(), library()));
     m_gauge->setPercent(disk->usedPercent, library().getFreeSpaceAlert() > 0);
 }

@@ -10,7 +10,7 @@ class AboutPage : public Page
 {
     Q_OBJECT
 public:
-    explicit AboutPage(Context &context);
+    AboutPage(Texts &texts, Session &session);
     void enter() override;
 
 private:

@@ -16,10 +16,8 @@
 #include <QGridLayout>
 #include <QVBoxLayout>
 
-using Buzzer::BuzzerClass;
-
-AccessoriesPage::AccessoriesPage(Context &context)
-    : Page(context)
+AccessoriesPage::AccessoriesPage(Texts &texts, Session &session)
+    : Page(texts, session)
     , m_result(label(QStringLiteral("accessories.result"), ""))
     , m_code(label(QStringLiteral("accessories.code"), ""))
     , m_update(label(QStringLiteral("accessories.update"), ""))
@@ -37,15 +35,15 @@ AccessoriesPage::AccessoriesPage(Context &context)
         refresh();
     });
     connect(m_check, &QPushButton::clicked, this, &AccessoriesPage::refresh);
-    context.keep(this, [this] { refresh(); });
+    texts.keep(this, [this] { refresh(); });
 }
 
 void AccessoriesPage::layOut()
 {
-    context().translate(m_print, Text {"Record", "print", "Print a label"});
-    context().translate(m_scan, Text {"Record", "scan", "Scan a QR code"});
-    context().translate(m_check, Text {"Panel", "checkNow", "Check now"});
-    context().translate(m_noStick, Text {"USB", "insertStick", "Insert a USB memory"});
+    texts().translate(m_print, Text {"Record", "print", "Print a label"});
+    texts().translate(m_scan, Text {"Record", "scan", "Scan a QR code"});
+    texts().translate(m_check, Text {"Panel", "checkNow", "Check now"});
+    texts().translate(m_noStick, Text {"USB", "insertStick", "Insert a USB memory"});
 
     const struct
     {
@@ -75,17 +73,17 @@ void AccessoriesPage::layOut()
 
 void AccessoriesPage::refresh()
 {
-    const QString result = context().lastResult();
-    m_result->setText(result.isEmpty() ? context().text(Text {"Panel", "none", "None"}) : result);
+    const QString result = session().measurement().lastResult().text;
+    m_result->setText(result.isEmpty() ? text(Text {"Panel", "none", "None"}) : result);
     m_print->setEnabled(!result.isEmpty());
     m_code->setText(m_isScanned && m_scanned.isEmpty()
-                        ? context().text(Text {"Panel", "noCode", "No code before the reader"})
+                        ? text(Text {"Panel", "noCode", "No code before the reader"})
                         : m_scanned);
 
     const QStringList updates = library().getUpdate()->updateFiles();
     m_update->setText(updates.isEmpty()
-                          ? context().text(Text {"Settings", "updateNone", "No update was found"})
-                          : context().text(Text {"Settings", "updateFound", "An update was found"})
+                          ? text(Text {"Settings", "updateNone", "No update was found"})
+                          : text(Text {"Settings", "updateFound", "An update was found"})
                               + QStringLiteral(": ") + updates.join(QStringLiteral(", ")));
     QVector<TouchRow> rows;
     for (const QString &name : library().getPendrive()->files()) {
@@ -105,8 +103,8 @@ void AccessoriesPage::print()
         fail();
         return;
     }
-    context().sound(BuzzerClass::Tone_Saved);
-    new MessageSheet(context(), this, Text {"Panel", "printed", "The label was printed"}, text);
+    session().tones().play(Buzzer::BuzzerClass::Tone_Saved);
+    new MessageSheet(texts(), this, Text {"Panel", "printed", "The label was printed"}, text);
 }
 
 QString AccessoriesPage::labelText() const
@@ -117,5 +115,5 @@ QString AccessoriesPage::labelText() const
         .arg(meter->get_MeterFullName(), meter->get_SerialNumber(),
              QDateTime::currentDateTime().toString(language->getDataFormat() + QLatin1Char(' ')
                                                    + language->getTimeFormat()),
-             context().lastResult());
+             session().measurement().lastResult().text);
 }

@@ -13,7 +13,7 @@ class AccessoriesPage : public Page
 {
     Q_OBJECT
 public:
-    explicit AccessoriesPage(Context &context);
+    AccessoriesPage(Texts &texts, Session &session);
 
     void enter() override { refresh(); }
 

@@ -11,8 +11,8 @@
 
 #include <memory>
 
-HelpPage::HelpPage(Context &context)
-    : Page(context)
+HelpPage::HelpPage(Texts &texts, Session &session)
+    : Page(texts, session)
     , m_text(new QTextBrowser)
     , m_number(label(QStringLiteral("help.number"), "quiet"))
     , m_previous(new TouchButton(QStringLiteral("help.previous")))
@@ -27,9 +27,9 @@ HelpPage::HelpPage(Context &context)
     column()->addWidget(m_text, 1);
 
     auto *close = new TouchButton(QStringLiteral("help.close"), TouchButton::Primary);
-    context.translate(close, Text {"Help", "close", "Close"});
-    context.translate(m_previous, Text {"Help", "previous", "Previous page"});
-    context.translate(m_next, Text {"Help", "next", "Next page"});
+    texts.translate(close, Text {"Help", "close", "Close"});
+    texts.translate(m_previous, Text {"Help", "previous", "Previous page"});
+    texts.translate(m_next, Text {"Help", "next", "Next page"});
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(m_previous);
     buttons->addWidget(m_next);
@@ -42,8 +42,8 @@ HelpPage::HelpPage(Context &context)
     connect(m_previous, &QPushButton::clicked, this, [this] { show(m_index - 1); });
     connect(m_next, &QPushButton::clicked, this, [this] { show(m_index + 1); });
     connect(close, &QPushButton::clicked, this, &HelpPage::closed);
-    connect(&context, &Context::textsChanged, this, &HelpPage::refresh);
-    connect(&context, &Context::meterChanged, this, &HelpPage::refresh);
+    connect(&texts, &Texts::textsChanged, this, &HelpPage::refresh);
+    connect(&session, &Session::meterChanged, this, &HelpPage::refresh);
 }
 
 void HelpPage::setTopic(const QString &topic)
@@ -65,8 +65,7 @@ void HelpPage::show(int index)
     m_next->setEnabled(index + 1 < m_files.size());
     if (m_files.isEmpty()) {
         m_number->clear();
-        m_text->setPlainText(
-            context().text(Text {"Help", "none", "There is no help for this screen"}));
+        m_text->setPlainText(text(Text {"Help", "none", "There is no help for this screen"}));
         return;
     }
     m_number->setText(QStringLiteral("%1 / %2").arg(index + 1).arg(m_files.size()));

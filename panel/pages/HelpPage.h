@@ -12,7 +12,7 @@ class HelpPage : public Page
 {
     Q_OBJECT
 public:
-    explicit HelpPage(Context &context);
+    HelpPage(Texts &texts, Session &session);
 
     void setTopic(const QString &topic);
     void enter() override { refresh(); }

@@ -1,16 +1,16 @@
 #include "pages/LanguageSheet.h"
 
-#include "Context.h"
+#include "meter/Session.h"
 
 #include <datasource/KTV_DataSource.h>
 #include <language/LangSerwis.h>
 
 #include <memory>
 
-LanguageSheet::LanguageSheet(Context &context, QWidget *somewhere, const Text &title)
-    : PickSheet(context, somewhere, title, rows(context),
-                codes(context).indexOf(context.library().get_Lang()->getCurrentLang()),
-                [&context](int index) { context.setLanguage(codes(context).value(index)); })
+LanguageSheet::LanguageSheet(Texts &texts, Session &session, QWidget *somewhere, const Text &title)
+    : PickSheet(texts, somewhere, title, rows(session),
+                codes(session).indexOf(session.library().get_Lang()->getCurrentLang()),
+                [&session](int index) { session.setLanguage(codes(session).value(index)); })
 { }
 
 QString LanguageSheet::nameOf(const QString &code)
@@ -25,16 +25,16 @@ QString LanguageSheet::nameOf(const QString &code)
     return names.value(code, code);
 }
 
-QStringList LanguageSheet::codes(Context &context)
+QStringList LanguageSheet::codes(const Session &session)
 {
-    const std::unique_ptr<QStringList> codes(context.library().get_Lang()->getLangList());
+    const std::unique_ptr<QStringList> codes(session.library().get_Lang()->getLangList());
     return *codes;
 }
 
-QVector<TouchRow> LanguageSheet::rows(Context &context)
+QVector<TouchRow> LanguageSheet::rows(const Session &session)
 {
     QVector<TouchRow> rows;
-    for (const QString &code : codes(context)) {
+    for (const QString &code : codes(session)) {
         TouchRow row;
         row.title = nameOf(code);
         row.detail = code;

@@ -1,23 +1,72 @@
 #include "pages/ListsPage.h"
 
+#include "pages/Words.h"
 #include "touch/Buttons.h"
+#include "touch/Keyboard.h"
 #include "touch/Sheets.h"
 #include "touch/Theme.h"
-
-#include <datalist/KTV_DataList.h>
-#include <datasource/KTV_DataSource.h>
-#include <valuebox/NumericalValueBox.h>
+#include "touch/TouchList.h"
 
 #include <QVBoxLayout>
 
-#include <cmath>
-
 using Buzzer::BuzzerClass;
-using ValueBox::NumericalValueBox;
 
-ListsPage::ListsPage(Context &context)
-    : Page(context)
-    , m_family(new Choice(QStringLiteral("lists.family"), listFamilies().size()))
+namespace {
+
+struct Field
+{
+    Text caption;
+    TextField::Kind kind;
+};
+
+constexpr Field nameField = {Text {"Lists", "name", "Name"}, TextField::Letters};
+constexpr Text lowText = Text {"Lists", "low", "Low"};
+constexpr Text highText = Text {"Lists", "high", "High"};
+
+struct FamilyRow
+{
+    Text title;
+    QVector<Field> fields; ///< as many as an entry has values
+};
+
+/** By Lists::Family. */
+const FamilyRow families[] = {
+    {Text {"Panel", "types", "Types"}, {nameField}},
+    {Text {"Panel", "names", "Names"}, {nameField}},
+    {Text {"Panel", "materials", "Materials"},
+     {nameField, {Text {"Lists", "alpha", "Coefficient α"}, TextField::Number}}},
+    {Text {"Panel", "limitsR", "Limits R"},
+     {nameField, {lowText, TextField::NumberWithUnit}, {highText, TextField::NumberWithUnit}}},
+    {Text {"Panel", "limitsT", "Limits T"},
+     {nameField, {lowText, TextField::Number}, {highText, TextField::Number}}},
+};
+
+/** By Lists::Problem, less one. */
+const Text problems[] = {
+    Text {"Dialogs", "enterName", "Enter a name"},
+    Text {"Lists", "wrongNumber", "This is not a number"},
+    Text {"Panel", "enterBound", "Enter a low or a high limit"},
+    Text {"Lists", "lowAboveHigh", "The lower limit is above the upper one"},
+};
+
+QString detailOf(const Texts &texts, Lists::Family family, const Lists::Entry &entry)
+{
+    if (family == Lists::Materials)
+        return entry.values.at(1);
+    if (family != Lists::ResistanceLimits && family != Lists::TemperatureLimits)
+        return {};
+    const Quantity quantity =
+        family == Lists::TemperatureLimits ? Quantity::Temperature : Quantity::Resistance;
+    return Words::bounds(texts, quantity,
+                         {QString(), Limit::kept(quantity, entry.values.at(1)),
+                          Limit::kept(quantity, entry.values.at(2))});
+}
+
+} // namespace
+
+ListsPage::ListsPage(Texts &texts, Session &session)
+    : Page(texts, session)
+    , m_family(new Choice(QStringLiteral("lists.family"), std::size(families)))
     , m_search(new TextField(QStringLiteral("lists.search"), TextField::Letters))
     , m_clear(new TouchButton(QStringLiteral("lists.clear")))
     , m_list(new TouchList(QStringLiteral("lists.list")))
@@ -28,7 +77,7 @@ ListsPage::ListsPage(Context &context)
 {
     layOut();
     connect(m_family, &Choice::chosen, this, [this](int index) {
-        m_current = index;
+        m_current = static_cast<Lists::Family>(index);
         m_search->clear();
         m_list->setRows({});
         refresh();
@@ -42,24 +91,24 @@ ListsPage::ListsPage(Context &context)
     connect(m_add, &QPushButton::clicked, this, [this] { edit(true); });
     connect(m_rename, &QPushButton::clicked, this, [this] { edit(false); });
     connect(m_delete, &QPushButton::clicked, this, &ListsPage::remove);
-    connect(&context, &Context::listsChanged, this, &ListsPage::refresh);
-    context.keep(this, [this] {
-        m_search->setPlaceholderText(this->context().text(Text {"Lists", "search", "Search"}));
+    connect(&session.lists(), &Lists::changed, this, &ListsPage::refresh);
+    texts.keep(this, [this] {
+        m_search->setPlaceholderText(text(Text {"Lists", "search", "Search"}));
     });
     refresh();
 }
 
 void ListsPage::layOut()
 {
-    for (int i = 0; i < listFamilies().size(); ++i) {
-        QPushButton *part = m_family->part(i);
-        context().translate(part, listFamilies().at(i).shortTitle);
+    for (size_t i = 0; i < std::size(families); ++i) {
+        QPushButton *part = m_family->part(static_cast<int>(i));
+        texts().translate(part, families[i].title);
         part->setStyleSheet(QStringLiteral("padding: 0 2px;"));
     }
     m_family->setCurrent(m_current);
-    context().translate(m_add, Text {"Lists", "add", "Add"});
-    context().translate(m_rename, Text {"Lists", "rename", "Rename"});
-    context().translate(m_delete, Text {"Lists", "delete", "Delete"});
+    texts().translate(m_add, Text {"Lists", "add", "Add"});
+    texts().translate(m_rename, Text {"Lists", "rename", "Rename"});
+    texts().translate(m_delete, Text {"Lists", "delete", "Delete"});
     m_clear->setText(QStringLiteral("\u2715"));
     m_clear->setFixedWidth(Theme::target);
     m_clear->setStyleSheet(QStringLiteral("padding: 0;"));
@@ -78,25 +127,15 @@ void ListsPage::layOut()
     column()->addLayout(buttons);
 }
 
-KTV_DataList &ListsPage::lists() const
-{
-    return *library().get_DataList();
-}
-
 void ListsPage::refresh()
 {
-    m_entries = family().fetch(lists(), m_search->text());
+    m_entries = lists().entries(m_current, m_search->text());
     QVector<TouchRow> rows;
-    for (const ListEntry &entry : std::as_const(m_entries)) {
-        TouchRow row;
+    for (const Lists::Entry &entry : std::as_const(m_entries)) {
+        TouchRow row = TouchRow::of(entry.values.first(), detailOf(texts(), m_current, entry));
         row.id = entry.id;
-        row.title = entry.values.first();
-        QStringList details = entry.values.mid(1);
-        details.removeAll(QString());
-        row.detail = details.join(QStringLiteral(" \u2026 "));
         if (entry.isFactory)
-            row.detail +=
-                QStringLiteral("   ") + context().text(Text {"Panel", "factory", "factory"});
+            row.detail += QStringLiteral("   ") + text(Text {"Panel", "factory", "factory"});
         row.isMarked = !entry.isFactory;
         rows += row;
     }
@@ -107,13 +146,13 @@ void ListsPage::refresh()
 
 void ListsPage::refreshButtons()
 {
-    const ListEntry *entry = chosenEntry();
+    const Lists::Entry *entry = chosenEntry();
     const bool canChange = entry && !entry->isFactory;
     m_rename->setEnabled(canChange);
     m_delete->setEnabled(canChange);
 }
 
-const ListEntry *ListsPage::chosenEntry() const
+const Lists::Entry *ListsPage::chosenEntry() const
 {
     const int index = m_list->currentRow();
     return index >= 0 && index < m_entries.size() ? &m_entries.at(index) : nullptr;
@@ -121,60 +160,37 @@ const ListEntry *ListsPage::chosenEntry() const
 
 void ListsPage::edit(bool isNew)
 {
-    const ListEntry entry = isNew || !chosenEntry() ? ListEntry() : *chosenEntry();
+    const Lists::Entry entry = isNew || !chosenEntry() ? Lists::Entry() : *chosenEntry();
     QVector<FormSheet::Field> fields;
-    for (int i = 0; i < family().fields.size(); ++i)
-        fields +=
-            {family().fields.at(i).caption, family().fields.at(i).kind, entry.values.value(i)};
-    new FormSheet(
-        context(), this, isNew ? Text {"Lists", "add", "Add"} : Text {"Lists", "rename", "Rename"},
-        fields, [this, isNew, id = entry.id](const QStringList &values) {
-            QString problem = problemOf(values);
-            if (!problem.isEmpty())
-                return problem;
-            if (isNew ? family().add(lists(), values) : family().update(lists(), id, values)) {
-                changed();
-                return QString();
-            }
-            context().sound(BuzzerClass::Tone_Decline);
-            return isNew ? context().text(Text {"Lists", "exists", "This entry exists already"})
-                         : context().text(operationFailed);
-        });
+    for (const Field &field : families[m_current].fields)
+        fields += {field.caption, field.kind, entry.values.value(fields.size())};
+    new FormSheet(texts(), this,
+                  isNew ? Text {"Lists", "add", "Add"} : Text {"Lists", "rename", "Rename"}, fields,
+                  [this, isNew, id = entry.id](const QStringList &values) {
+                      return take(isNew, id, values);
+                  });
 }
 
-QString ListsPage::problemOf(const QStringList &values) const
+QString ListsPage::take(bool isNew, int id, const QStringList &values)
 {
-    if (values.first().isEmpty())
-        return context().text(Text {"Dialogs", "enterName", "Enter a name"});
-    QVector<float> limits;
-    for (int i = 1; i < values.size(); ++i) {
-        // A limit may be left out; a coefficient may not.
-        const bool isOptional = values.size() > 2;
-        const float value = NumericalValueBox::getValue(values.at(i));
-        if (std::isnan(value) && !(isOptional && values.at(i).isEmpty()))
-            return context().text(Text {"Lists", "wrongNumber", "This is not a number"});
-        limits += value;
+    if (const Lists::Problem problem = Lists::problemOf(m_current, values))
+        return text(problems[problem - 1]);
+    if (isNew ? lists().add(m_current, values) : lists().update(m_current, id, values)) {
+        session().tones().play(BuzzerClass::Tone_Saved);
+        return {};
     }
-    if (limits.size() == 2 && limits.at(0) > limits.at(1))
-        return context().text(
-            Text {"Lists", "lowAboveHigh", "The lower limit is above the upper one"});
-    return {};
+    session().tones().play(BuzzerClass::Tone_Decline);
+    return isNew ? text(Text {"Lists", "exists", "This entry exists already"})
+                 : text(operationFailed);
 }
 
 void ListsPage::remove()
 {
-    new ConfirmSheet(context(), this, Text {"Dialogs", "confirmDelete", "Delete this entry?"},
+    new ConfirmSheet(texts(), this, Text {"Dialogs", "confirmDelete", "Delete this entry?"},
                      Text {"Lists", "delete", "Delete"}, [this] {
-                         const ListEntry *entry = chosenEntry();
-                         if (entry && family().remove(lists(), entry->id))
-                             changed();
-                         else
-                             context().sound(BuzzerClass::Tone_Decline);
+                         const Lists::Entry *entry = chosenEntry();
+                         const bool isDone = entry && lists().remove(m_current, entry->id);
+                         session().tones().play(isDone ? BuzzerClass::Tone_Saved
+                                                       : BuzzerClass::Tone_Decline);
                      });
-}
-
-void ListsPage::changed()
-{
-    context().sound(BuzzerClass::Tone_Saved);
-    emit context().listsChanged();
 }

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "pages/ListFamilies.h"
 #include "pages/Page.h"
 
 class Choice;
+class TextField;
 class TouchButton;
 class TouchList;
 
@@ -12,24 +12,22 @@ class ListsPage : public Page
 {
     Q_OBJECT
 public:
-    explicit ListsPage(Context &context);
+    ListsPage(Texts &texts, Session &session);
 
     void enter() override { refresh(); }
 
 private:
     void layOut();
-    const ListFamily &family() const { return listFamilies().at(m_current); }
-    KTV_DataList &lists() const;
+    Lists &lists() const { return session().lists(); }
     void refresh();
     void refreshButtons();
-    const ListEntry *chosenEntry() const;
+    const Lists::Entry *chosenEntry() const;
     void edit(bool isNew);
     void remove();
-    QString problemOf(const QStringList &values) const;
-    void changed();
+    QString take(bool isNew, int id, const QStringList &values);
 
-    int m_current = 0;
-    QVector<ListEntry> m_entries;
+    Lists::Family m_current = Lists::ObjectTypes;
+    QVector<Lists::Entry> m_entries;
     Choice *m_family;
     TextField *m_search;
     TouchButton *m_clear;

@@ -7,40 +7,37 @@ class FieldButton;
 class TouchButton;
 class ValueDisplay;
 
-/** One measurement: readings until the value has settled, then the result is judged. */
+/** One measurement: what is measured and how, the value while it settles, and the verdict. */
 class MeasurePage : public Page
 {
     Q_OBJECT
 public:
-    explicit MeasurePage(Context &context);
+    MeasurePage(Texts &texts, Session &session);
 
     void leave() override;
 
 private:
     void layOut();
     void refresh();
+    void refreshValue();
     void toggle();
-    void takeReading(float value);
-    void finish();
-    void showValue(float value);
-    void forgetResult();
-    void takeSetup();
 
     void chooseMeter();
     void chooseCurrent();
     void chooseMaterial();
     void chooseLimit();
+    void chooseObject();
 
-    Choice *m_kind;
+    Setup &setup() const { return session().setup(); }
+    Measurement &measurement() const { return session().measurement(); }
+
+    Choice *m_quantity;
     ValueDisplay *m_display;
     FieldButton *m_meter;
     FieldButton *m_current;
     FieldButton *m_compensation;
     FieldButton *m_limit;
     FieldButton *m_object;
+    FieldButton *m_testObject;
     TouchButton *m_start;
-
-    bool m_isMeasuring = false;
-    QVector<float> m_readings;
-    float m_value;
 };

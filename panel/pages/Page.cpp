@@ -3,13 +3,14 @@
 #include "touch/Sheets.h"
 #include "touch/Theme.h"
 
-#include <sound/BuzzerClass.h>
-
 #include <QVBoxLayout>
 
 const Text Page::operationFailed = Text {"Dialogs", "failed", "The operation failed"};
 
-Page::Page(Context &context) : m_context(context), m_column(new QVBoxLayout(this))
+Page::Page(Texts &texts, Session &session)
+    : m_texts(texts)
+    , m_session(session)
+    , m_column(new QVBoxLayout(this))
 {
     m_column->setContentsMargins(Theme::margin, Theme::margin, Theme::margin, Theme::margin);
     m_column->setSpacing(Theme::gap);
@@ -18,7 +19,7 @@ Page::Page(Context &context) : m_context(context), m_column(new QVBoxLayout(this
 QLabel *Page::caption(const Text &text)
 {
     QLabel *caption = label(QString(), "quiet");
-    m_context.translate(caption, text);
+    m_texts.translate(caption, text);
     return caption;
 }
 
@@ -32,6 +33,6 @@ QLabel *Page::label(const QString &name, const char *role)
 
 void Page::fail(const Text &message)
 {
-    m_context.sound(Buzzer::BuzzerClass::Tone_Error);
-    new MessageSheet(m_context, this, Text {"Dialogs", "error", "Error"}, m_context.text(message));
+    m_session.tones().play(Buzzer::BuzzerClass::Tone_Error);
+    new MessageSheet(m_texts, this, Text {"Dialogs", "error", "Error"}, m_texts.text(message));
 }

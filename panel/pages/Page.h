@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Context.h"
+#include "meter/Session.h"
+#include "touch/Texts.h"
 
 #include <QLabel>
 #include <QString>
@@ -8,19 +9,21 @@
 
 class QVBoxLayout;
 
-/** One page of the panel. */
+/** One page of the panel: it shows what the session has, and forwards what is touched. */
 class Page : public QWidget
 {
     Q_OBJECT
 public:
-    explicit Page(Context &context);
+    Page(Texts &texts, Session &session);
 
     virtual void enter() { } ///< The page comes to be seen.
     virtual void leave() { } ///< Another page takes its place.
 
 protected:
-    Context &context() const { return m_context; }
-    KTV_DataSource &library() const { return m_context.library(); }
+    Texts &texts() const { return m_texts; }
+    QString text(const Text &text) const { return m_texts.text(text); }
+    Session &session() const { return m_session; }
+    KTV_DataSource &library() const { return m_session.library(); }
     QVBoxLayout *column() const { return m_column; }
     /** A small grey line whose text comes from the languages. */
     QLabel *caption(const Text &text);
@@ -30,6 +33,7 @@ protected:
     void fail(const Text &message = operationFailed);
 
 private:
-    Context &m_context;
+    Texts &m_texts;
+    Session &m_session;
     QVBoxLayout *m_column;
 };

@@ -2,9 +2,6 @@
 
 #include "pages/Page.h"
 
-#include <QTime>
-#include <QVector>
-
 class FieldButton;
 class Plot;
 class TouchButton;
@@ -15,32 +12,20 @@ class RecordPage : public Page
 {
     Q_OBJECT
 public:
-    explicit RecordPage(Context &context);
-
-    void enter() override;
-    void leave() override;
+    RecordPage(Texts &texts, Session &session);
 
 private:
-    struct Entry
-    {
-        QTime time;
-        float value;
-        QString text;
-    };
-
     void layOut();
-    void load();
-    void store();
     void refresh();
     void showSeries();
     void toggle();
-    void takeReading(float value);
-    void forgetSeries();
-    void chooseClient();
+    void save();
+    void tellSaved(const SeriesFile::Result &result);
+    void chooseClient(const std::function<void()> &then);
     void chooseInterval();
     void chooseCount();
-    void save();
-    QByteArray csv() const;
+
+    Recorder &recorder() const { return session().recorder(); }
 
     Plot *m_plot;
     TouchList *m_table;
@@ -51,10 +36,4 @@ private:
     FieldButton *m_count;
     TouchButton *m_start;
     TouchButton *m_save;
-
-    QString m_clientName;
-    int m_intervalMs = 0;
-    int m_wanted = 0;
-    bool m_isRecording = false;
-    QVector<Entry> m_series;
 };

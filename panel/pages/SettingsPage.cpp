@@ -24,8 +24,8 @@ const Text temperatureUnits[] = {
 
 } // namespace
 
-SettingsPage::SettingsPage(Context &context)
-    : Page(context)
+SettingsPage::SettingsPage(Texts &texts, Session &session)
+    : Page(texts, session)
     , m_language(new FieldButton(QStringLiteral("settings.language")))
     , m_temperature(new Choice(QStringLiteral("settings.temperature"), std::size(temperatureUnits)))
     , m_theme(new Choice(QStringLiteral("settings.theme"), 2))
@@ -34,36 +34,37 @@ SettingsPage::SettingsPage(Context &context)
 {
     layOut();
     connect(m_language, &QPushButton::clicked, this, [this] {
-        new LanguageSheet(this->context(), this, Text {"Settings", "language", "Language"});
+        new LanguageSheet(this->texts(), this->session(), this,
+                          Text {"Settings", "language", "Language"});
     });
     connect(m_temperature, &Choice::chosen, this, [this](int unit) {
-        this->context().setTemperatureUnit(static_cast<ValueBox::TemperatureUnit>(unit));
+        preferences().setTemperatureUnit(static_cast<ValueBox::TemperatureUnit>(unit));
     });
     connect(m_theme, &Choice::chosen, this,
-            [this](int theme) { this->context().setDark(theme == 1); });
+            [this](int theme) { preferences().setDark(theme == 1); });
     connect(m_keyboard, &Choice::chosen, this,
-            [this](int choice) { this->context().setUsesScreenKeyboard(choice == 0); });
-    connect(m_brightness, &PercentSlider::changed, &context, &Context::setBrightness);
-    context.keep(this, [this] { refresh(); });
+            [this](int choice) { preferences().setUsesScreenKeyboard(choice == 0); });
+    connect(m_brightness, &PercentSlider::changed, &preferences(), &Preferences::setBrightness);
+    texts.keep(this, [this] { refresh(); });
 }
 
 void SettingsPage::layOut()
 {
-    context().translate(m_language, Text {"Settings", "language", "Language"});
+    texts().translate(m_language, Text {"Settings", "language", "Language"});
     for (size_t unit = 0; unit < std::size(temperatureUnits); ++unit)
-        context().translate(m_temperature->part(static_cast<int>(unit)), temperatureUnits[unit]);
-    context().translate(m_theme->part(0), Text {"Panel", "light", "Light"});
-    context().translate(m_theme->part(1), Text {"Panel", "dark", "Dark"});
-    context().translate(m_keyboard->part(0), Text {"Panel", "onScreen", "On the screen"});
-    context().translate(m_keyboard->part(1), Text {"Panel", "connectedKeyboard", "Connected"});
+        texts().translate(m_temperature->part(static_cast<int>(unit)), temperatureUnits[unit]);
+    texts().translate(m_theme->part(0), Text {"Panel", "light", "Light"});
+    texts().translate(m_theme->part(1), Text {"Panel", "dark", "Dark"});
+    texts().translate(m_keyboard->part(0), Text {"Panel", "onScreen", "On the screen"});
+    texts().translate(m_keyboard->part(1), Text {"Panel", "connectedKeyboard", "Connected"});
     auto *reset = new TouchButton(QStringLiteral("settings.reset"), TouchButton::Danger);
-    context().translate(reset, Text {"Settings", "factoryReset", "Restore factory settings"});
+    texts().translate(reset, Text {"Settings", "factoryReset", "Restore factory settings"});
     connect(reset, &QPushButton::clicked, this, [this] {
         new ConfirmSheet(
-            context(), this,
+            this->texts(), this,
             Text {"Dialogs", "confirmReset", "All settings and lists will be lost. Go on?"},
             Text {"Settings", "factoryReset", "Restore factory settings"},
-            [this] { context().restoreFactorySettings(); });
+            [this] { this->session().restoreFactorySettings(); });
     });
 
     column()->addWidget(m_language);
@@ -94,8 +95,8 @@ void SettingsPage::layOut()
 void SettingsPage::refresh()
 {
     m_language->setValue(LanguageSheet::nameOf(library().get_Lang()->getCurrentLang()));
-    m_temperature->setCurrent(context().temperatureUnit());
-    m_theme->setCurrent(context().isDark() ? 1 : 0);
-    m_keyboard->setCurrent(context().usesScreenKeyboard() ? 0 : 1);
-    m_brightness->setPercent(context().brightness());
+    m_temperature->setCurrent(preferences().temperatureUnit());
+    m_theme->setCurrent(preferences().isDark() ? 1 : 0);
+    m_keyboard->setCurrent(preferences().usesScreenKeyboard() ? 0 : 1);
+    m_brightness->setPercent(preferences().brightness());
 }

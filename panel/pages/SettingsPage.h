@@ -11,11 +11,12 @@ class SettingsPage : public Page
 {
     Q_OBJECT
 public:
-    explicit SettingsPage(Context &context);
+    SettingsPage(Texts &texts, Session &session);
 
 private:
     void layOut();
     void refresh();
+    Preferences &preferences() const { return session().preferences(); }
 
     FieldButton *m_language;
     Choice *m_temperature;

@@ -4,7 +4,6 @@
 #include "touch/PercentSlider.h"
 #include "touch/Theme.h"
 
-#include <datasource/KTV_DataSource.h>
 #include <sound/BuzzerClass.h>
 
 #include <QGridLayout>
@@ -41,25 +40,28 @@ constexpr int toneColumns = 4;
 
 } // namespace
 
-SoundPage::SoundPage(Context &context)
-    : Page(context)
+SoundPage::SoundPage(Texts &texts, Session &session)
+    : Page(texts, session)
     , m_switch(new Choice(QStringLiteral("sound.switch"), 2))
     , m_volume(new PercentSlider(QStringLiteral("sound"), 0))
 {
     layOut();
-    connect(m_switch, &Choice::chosen, this, [this](int index) {
-        this->context().setSoundOn(index == 0);
-        leave();
+    Preferences &preferences = session.preferences();
+    connect(m_switch, &Choice::chosen, &preferences,
+            [&preferences](int index) { preferences.setSoundOn(index == 0); });
+    connect(m_volume, &PercentSlider::changed, &preferences, &Preferences::setVolume);
+    connect(&preferences, &Preferences::soundChanged, this, [this] {
+        if (!this->session().preferences().isSoundOn())
+            leave();
         refresh();
     });
-    connect(m_volume, &PercentSlider::changed, &context, &Context::setVolume);
-    context.keep(this, [this] { refresh(); });
+    texts.keep(this, [this] { refresh(); });
 }
 
 void SoundPage::layOut()
 {
-    context().translate(m_switch->part(0), Text {"Sound", "on", "Sounds on"});
-    context().translate(m_switch->part(1), Text {"Sound", "off", "Sounds off"});
+    texts().translate(m_switch->part(0), Text {"Sound", "on", "Sounds on"});
+    texts().translate(m_switch->part(1), Text {"Sound", "off", "Sounds off"});
     column()->addWidget(m_switch);
 
     auto *grid = new QGridLayout;
@@ -74,21 +76,15 @@ void SoundPage::layOut()
     for (const ToneRow &row : tones) {
         auto *button =
             new TouchButton(QStringLiteral("sound.tone.%1").arg(static_cast<int>(row.tone)));
-        context().translate(button, row.name);
+        texts().translate(button, row.name);
         connect(button, &QPushButton::clicked, this, [this, row] {
-            if (!context().isSoundOn())
-                return;
-            m_isLooping = row.isLoop;
-            library().Buzzer(row.tone, row.isLoop);
+            row.isLoop ? session().tones().repeat(row.tone) : session().tones().play(row.tone);
         });
         add(button, 1);
     }
     auto *stop = new TouchButton(QStringLiteral("sound.stop"), TouchButton::Danger);
-    context().translate(stop, Text {"Panel", "silence", "Silence"});
-    connect(stop, &QPushButton::clicked, this, [this] {
-        m_isLooping = true;
-        leave();
-    });
+    texts().translate(stop, Text {"Panel", "silence", "Silence"});
+    connect(stop, &QPushButton::clicked, &session().tones(), &Tones::silence);
     add(stop, toneColumns - index % toneColumns); // the rest of its row
     column()->addLayout(grid, 1);
 
@@ -101,13 +97,12 @@ void SoundPage::layOut()
 
 void SoundPage::leave()
 {
-    if (m_isLooping)
-        library().Buzzer(BuzzerClass::Tone_Empty, true);
-    m_isLooping = false;
+    if (session().tones().isRepeating())
+        session().tones().silence();
 }
 
 void SoundPage::refresh()
 {
-    m_switch->setCurrent(context().isSoundOn() ? 0 : 1);
-    m_volume->setPercent(context().volume());
+    m_switch->setCurrent(session().preferences().isSoundOn() ? 0 : 1);
+    m_volume->setPercent(session().preferences().volume());
 }

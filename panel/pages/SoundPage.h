@@ -10,7 +10,7 @@ class SoundPage : public Page
 {
     Q_OBJECT
 public:
-    explicit SoundPage(Context &context);
+    SoundPage(Texts &texts, Session &session);
 
     void leave() override;
 
@@ -20,5 +20,4 @@ private:
 
     Choice *m_switch;
     PercentSlider *m_volume;
-    bool m_isLooping = false;
 };

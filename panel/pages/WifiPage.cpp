@@ -1,19 +1,18 @@
 #include "pages/WifiPage.h"
 
+#include "meter/NetworkName.h"
 #include "touch/Buttons.h"
 #include "touch/Sheets.h"
 #include "touch/Theme.h"
+#include "touch/TouchList.h"
 
 #include <datasource/KTV_DataSource.h>
 #include <wifi/KTV_Connection.h>
 #include <wifi/Network.h>
 
 #include <QCoreApplication>
-#include <QRegularExpression>
-#include <QTextCodec>
 #include <QVBoxLayout>
 
-#include <algorithm>
 #include <memory>
 
 using WiFi::KTV_Connection;
@@ -25,38 +24,10 @@ constexpr int detailsWidth = 250;
 /** Long enough for the sheet to be seen before the thread is kept. */
 constexpr int paintTime = 60; // ms
 
-/** A name's bytes: scans show what is not plain ASCII as the tool prints it, \xC3. */
-QByteArray unescaped(const QString &printed)
-{
-    static const QRegularExpression escape(QStringLiteral("\\\\x([0-9A-Fa-f]{2})"));
-    QByteArray bytes;
-    int end = 0;
-    for (auto escapes = escape.globalMatch(printed); escapes.hasNext();) {
-        const QRegularExpressionMatch match = escapes.next();
-        bytes += printed.midRef(end, match.capturedStart() - end).toUtf8();
-        bytes += char(match.capturedRef(1).toInt(nullptr, 16));
-        end = match.capturedEnd();
-    }
-    return bytes + printed.midRef(end).toUtf8();
-}
-
-/** A name as people know it, and as it is joined by; one that is no text stays as printed. */
-QString readable(const QString &printed)
-{
-    const QByteArray bytes = unescaped(printed);
-    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    const QString name =
-        QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
-    const QVector<uint> characters = name.toUcs4();
-    const bool isText = state.invalidChars == 0 && state.remainingChars == 0
-        && std::all_of(characters.begin(), characters.end(), qOverload<uint>(&QChar::isPrint));
-    return isText ? name : printed;
-}
-
 } // namespace
 
-WifiPage::WifiPage(Context &context)
-    : Page(context)
+WifiPage::WifiPage(Texts &texts, Session &session)
+    : Page(texts, session)
     , m_list(new TouchList(QStringLiteral("wifi.list")))
     , m_note(label(QStringLiteral("wifi.note"), "quiet"))
     , m_stateText(label(QStringLiteral("wifi.state"), "title"))
@@ -82,11 +53,11 @@ WifiPage::WifiPage(Context &context)
     });
     connect(m_forget, &QPushButton::clicked, this, [this] {
         new ConfirmSheet(
-            this->context(), this, Text {"WiFi", "forget", "Forget this network"},
+            this->texts(), this, Text {"WiFi", "forget", "Forget this network"},
             Text {"Dialogs", "yes", "Yes"},
             [this] { block([this, name = chosenName()] { connection().DeleteNetwork(name); }); });
     });
-    context.keep(this, [this] { refresh(); });
+    texts.keep(this, [this] { refresh(); });
 }
 
 WifiPage::~WifiPage()
@@ -98,9 +69,9 @@ WifiPage::~WifiPage()
 
 void WifiPage::layOut()
 {
-    context().translate(m_join, Text {"WiFi", "connect", "Connect"});
-    context().translate(m_prefer, Text {"Panel", "prefer", "Prefer"});
-    context().translate(m_forget, Text {"Panel", "forget", "Forget"});
+    texts().translate(m_join, Text {"WiFi", "connect", "Connect"});
+    texts().translate(m_prefer, Text {"Panel", "prefer", "Prefer"});
+    texts().translate(m_forget, Text {"Panel", "forget", "Forget"});
     m_stateText->setWordWrap(true);
     m_details->setWordWrap(true);
     auto *networks = new QVBoxLayout;
@@ -157,7 +128,7 @@ void WifiPage::takeScan(QList<Network *> *networks)
     m_cells.clear();
     if (owned) {
         for (const Network *network : std::as_const(*owned))
-            m_cells.prepend({readable(network->ESSID),
+            m_cells.prepend({NetworkName::readable(network->ESSID),
                              network->state - Network::wifi_States_Connect_0,
                              network->encryption}); // the weakest came first
         qDeleteAll(*owned);
@@ -196,9 +167,9 @@ void WifiPage::refresh()
         row.title = cell.name;
         row.bars = qMax(0, cell.bars);
         row.isMarked = outOfReach.remove(cell.name);
-        row.detail = row.isMarked ? context().text(Text {"Panel", "known", "known"})
+        row.detail = row.isMarked ? text(Text {"Panel", "known", "known"})
             : cell.isProtected    ? QString()
-                                  : context().text(Text {"Panel", "open", "open"});
+                                  : text(Text {"Panel", "open", "open"});
         rows += row;
     }
     QStringList others = outOfReach.values();
@@ -208,18 +179,18 @@ void WifiPage::refresh()
         row.title = name;
         row.bars = 0;
         row.isMarked = true;
-        row.detail = context().text(Text {"Panel", "known", "known"});
+        row.detail = text(Text {"Panel", "known", "known"});
         rows += row;
     }
     m_list->setRows(rows);
 
     const bool hasAdapter = !connection().getInterfaceName().isEmpty();
     if (!hasAdapter)
-        m_note->setText(context().text(Text {"WiFi", "noAdapter", "No WiFi adapter"}));
+        m_note->setText(text(Text {"WiFi", "noAdapter", "No WiFi adapter"}));
     else if (!m_isScanned)
-        m_note->setText(context().text(Text {"WiFi", "scanning", "Searching"}));
+        m_note->setText(text(Text {"WiFi", "scanning", "Searching"}));
     else if (m_cells.isEmpty())
-        m_note->setText(context().text(Text {"WiFi", "noNetworks", "No networks in reach"}));
+        m_note->setText(text(Text {"WiFi", "noNetworks", "No networks in reach"}));
     else
         m_note->clear();
     refreshDetails();
@@ -231,14 +202,14 @@ void WifiPage::refreshDetails()
     const bool hasAdapter = !connection().getInterfaceName().isEmpty();
     m_power->setEnabled(hasAdapter);
     m_power->setText(m_state > Network::wifi_States_OFF
-                         ? context().text(Text {"WiFi", "off", "Switch WiFi off"})
-                         : context().text(Text {"WiFi", "on", "Switch WiFi on"}));
+                         ? text(Text {"WiFi", "off", "Switch WiFi off"})
+                         : text(Text {"WiFi", "on", "Switch WiFi on"}));
     if (m_state >= Network::wifi_States_Connect_0)
-        m_stateText->setText(context().text(Text {"WiFi", "connected", "Connected"}));
+        m_stateText->setText(text(Text {"WiFi", "connected", "Connected"}));
     else if (m_state == Network::wifi_States_Connecting)
-        m_stateText->setText(context().text(Text {"WiFi", "connecting", "Connecting"}));
+        m_stateText->setText(text(Text {"WiFi", "connecting", "Connecting"}));
     else
-        m_stateText->setText(context().text(Text {"WiFi", "disconnected", "Not connected"}));
+        m_stateText->setText(text(Text {"WiFi", "disconnected", "Not connected"}));
 
     QString details;
     const auto add = [&](const Text &caption, QString value) {
@@ -247,8 +218,7 @@ void WifiPage::refreshDetails()
         if (!value.isEmpty())
             details += QStringLiteral("<p style='margin: 0 0 10px 0'>%1<br>"
                                       "<span style='color:%3; font-size:17px'>%2</span></p>")
-                           .arg(context().text(caption), value.toHtmlEscaped(),
-                                Theme::current().text.name());
+                           .arg(text(caption), value.toHtmlEscaped(), Theme::current().text.name());
     };
     if (m_state >= Network::wifi_States_Connecting) {
         add(Text {"Panel", "network", "Network"}, m_name);
@@ -284,15 +254,15 @@ void WifiPage::join()
             return;
         }
     }
-    new FormSheet(context(), this, Text {"WiFi", "connect", "Connect"},
+    new FormSheet(texts(), this, Text {"WiFi", "connect", "Connect"},
                   {{Text {"WiFi", "passphrase", "Pass phrase"}, TextField::Letters, QString()}},
                   [this, name](const QStringList &lines) {
                       constexpr int shortest = 8;
                       constexpr int longest = 63;
                       const int length = lines.first().size();
                       if (length < shortest || length > longest)
-                          return context().text(Text {"WiFi", "passphraseLength",
-                                                      "The pass phrase has 8 to 63 characters"});
+                          return text(Text {"WiFi", "passphraseLength",
+                                            "The pass phrase has 8 to 63 characters"});
                       add(name, lines.first());
                       return QString();
                   });
@@ -309,7 +279,7 @@ void WifiPage::add(const QString &name, const QString &key)
 void WifiPage::block(const std::function<void()> &work)
 {
     auto *busy =
-        new BusySheet(context(), this, Text {"Panel", "wifiChanging", "Changing the networks"});
+        new BusySheet(texts(), this, Text {"Panel", "wifiChanging", "Changing the networks"});
     QTimer::singleShot(paintTime, this, [this, busy, work] {
         work();
         busy->finish();

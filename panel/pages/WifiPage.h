@@ -19,7 +19,7 @@ class WifiPage : public Page
 {
     Q_OBJECT
 public:
-    explicit WifiPage(Context &context);
+    WifiPage(Texts &texts, Session &session);
     /** Takes what the library has already sent: nobody else would delete it. */
     ~WifiPage() override;
 

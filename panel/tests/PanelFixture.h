@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Context.h"
-#include "Window.h"
+#include "app/Context.h"
+#include "app/Window.h"
 #include "touch/Buttons.h"
 #include "touch/Indicators.h"
 #include "touch/TouchList.h"
@@ -44,6 +44,12 @@ public:
             titles += rows->row(i).title;
         return titles;
     }
+    /** What the next message says, once there is one. */
+    QString message() const
+    {
+        Finger::waitFor([this] { return finger.find(QStringLiteral("sheet.message")); });
+        return labelText("sheet.message");
+    }
     bool isSheetOpen() const { return finger.find(QStringLiteral("sheet")); }
     /** Touches a setting, and a row of the list that opens. */
     bool pick(const char *button, const QString &title)
@@ -70,6 +76,7 @@ public:
     }
 
     Context context;
+    Session &session = context.session();
     Window window;
     Finger finger;
 };

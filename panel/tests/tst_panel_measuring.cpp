@@ -27,8 +27,7 @@ QString measured(PanelFixture &panel)
 
 void measureWith(PanelFixture &panel, const TestObject &object)
 {
-    panel.context.setup().object = object;
-    emit panel.context.setupChanged();
+    panel.session.setup().setTestObject(object);
 }
 
 TestObject objectOf(float ohms)
@@ -114,7 +113,7 @@ void TstPanelMeasuring::aMeasurementEndsAndIsCounted()
     measureWith(panel, objectOf(0.0012347F));
     QVERIFY(panel.finger.tap(kind));
     QTEST(measured(panel), "result");
-    const KTV_Liczniki *counts = panel.context.library().getLiczniki();
+    const KTV_Liczniki *counts = panel.session.library().getLiczniki();
     QCOMPARE(counts->get_dictionary(static_cast<KTV_Liczniki::Licznik>(counter)), 1);
     TAP(panel, "nav.About");
     QCOMPARE(panel.labelText(qPrintable(QStringLiteral("about.counter.%1").arg(counter))),
@@ -128,7 +127,7 @@ void TstPanelMeasuring::stoppedEarlyIsNotCounted()
     QCOMPARE(panel.buttonText("measure.start"), QStringLiteral("Stop"));
     TAP(panel, "measure.start");
     QCOMPARE(panel.buttonText("measure.start"), QStringLiteral("Start"));
-    QCOMPARE(panel.context.library().getLiczniki()->get_dictionary(
+    QCOMPARE(panel.session.library().getLiczniki()->get_dictionary(
                  KTV_Liczniki::Licznik_PomiarObiektowRezystancyjnych),
              0);
 }
@@ -141,7 +140,7 @@ void TstPanelMeasuring::whatCannotBeShown_data()
     QTest::newRow("above the range")
         << 0.25F << int(TestObject::Connected) << QStringLiteral("> 199.99 m\u2126|Done");
     QTest::newRow("below zero") << 0.001F << int(TestObject::Reversed)
-                                << QStringLiteral("< 0 \u03BC\u2126|Done");
+                                << QStringLiteral("< 0 \u03BC\u2126|The leads are swapped");
     QTest::newRow("missing") << 0.001F << int(TestObject::Open)
                              << QStringLiteral("--- \u2126|Current lead is open");
 }
@@ -177,7 +176,7 @@ void TstPanelMeasuring::judgedByALimitWithATone()
     QFETCH(float, ohms);
     QFETCH(QString, tone);
     PanelFixture panel;
-    QVERIFY(panel.context.library().get_DataList()->AddLimit_R(
+    QVERIFY(panel.session.library().get_DataList()->AddLimit_R(
         QStringLiteral("joint"), QStringLiteral("1.5 m\u2126"), QStringLiteral("1 m\u2126")));
     measureWith(panel, objectOf(ohms));
     QVERIFY(panel.pick("measure.limit", QStringLiteral("joint")));
@@ -188,8 +187,9 @@ void TstPanelMeasuring::judgedByALimitWithATone()
 void TstPanelMeasuring::objectIsChangedByTouches()
 {
     PanelFixture panel;
-    QCOMPARE(panel.fieldValue("measure.object"), QStringLiteral("1.2347 m\u2126, 23.5 \u00B0C"));
-    TAP(panel, "measure.object", "object.0.more", "object.1.more", "object.2.less",
+    QCOMPARE(panel.fieldValue("measure.testObject"),
+             QStringLiteral("1.2347 m\u2126, 23.5 \u00B0C"));
+    TAP(panel, "measure.testObject", "object.0.more", "object.1.more", "object.2.less",
         "object.3.less");
     QCOMPARE(panel.fieldValue("object.0"), QStringLiteral("15.3 m\u2126"));
     QCOMPARE(panel.fieldValue("object.1"), QStringLiteral("870 mH"));
@@ -201,14 +201,14 @@ void TstPanelMeasuring::objectIsChangedByTouches()
     QCOMPARE(measured(panel), QStringLiteral("870.0 mH|Done"));
     TAP(panel, "measure.kind.2");
     QCOMPARE(measured(panel), QStringLiteral("20.0 \u00B0C|Done"));
-    TAP(panel, "measure.kind.0", "measure.object", "object.leads.1", "sheet.ok");
-    QCOMPARE(panel.fieldValue("measure.object"), QStringLiteral("Leads open"));
+    TAP(panel, "measure.kind.0", "measure.testObject", "object.leads.1", "sheet.ok");
+    QCOMPARE(panel.fieldValue("measure.testObject"), QStringLiteral("Leads open"));
     QCOMPARE(measured(panel), QStringLiteral("--- \u2126|Current lead is open"));
 
     // Noise: the same value is not measured twice.
     measureWith(panel, objectOf(0.0012347F));
-    TAP(panel, "measure.object", "object.2.more", "object.2.more", "object.2.more", "object.2.more",
-        "sheet.ok");
+    TAP(panel, "measure.testObject", "object.2.more", "object.2.more", "object.2.more",
+        "object.2.more", "sheet.ok");
     QVERIFY(record(panel));
     QStringList values = panel.titles("record.table");
     values.removeDuplicates();
@@ -247,21 +247,21 @@ void TstPanelMeasuring::serialNumberChangesTheModelUnderWay()
     QVERIFY(panel.pick("measure.meter", QStringLiteral("DV42006")));
     QVERIFY(panel.pick("measure.current", QStringLiteral("150 A")));
     TAP(panel, "measure.start");
-    QVERIFY(panel.context.hardware().isRunning());
+    QVERIFY(panel.session.hardware().isRunning());
 
     // The hardware reports another meter, which knows no such current.
-    panel.context.setSerialNumber(QStringLiteral("CH20417"));
-    QVERIFY(!panel.context.hardware().isRunning());
+    panel.session.setSerialNumber(QStringLiteral("CH20417"));
+    QVERIFY(!panel.session.hardware().isRunning());
     QCOMPARE(panel.buttonText("measure.start"), QStringLiteral("Start"));
     QCOMPARE(panel.labelText("header.meter"), QStringLiteral("QERN KTV-420   CH20417"));
-    QCOMPARE(panel.context.setup().current, ValueBox::testI_10A);
-    QCOMPARE(panel.context.library().getLiczniki()->get_dictionary(
+    QCOMPARE(panel.session.setup().current(), ValueBox::testI_10A);
+    QCOMPARE(panel.session.library().getLiczniki()->get_dictionary(
                  KTV_Liczniki::Licznik_PomiarObiektowRezystancyjnych),
              0);
     measureWith(panel, objectOf(0.0012F));
     QCOMPARE(measured(panel), QStringLiteral("1.2000 m\u2126|Done"));
 
-    panel.context.setSerialNumber(QStringLiteral("unknown"));
+    panel.session.setSerialNumber(QStringLiteral("unknown"));
     QCOMPARE(panel.labelText("header.meter"), QStringLiteral("QERN KTV-xxx   unknown"));
 }
 
@@ -276,9 +276,9 @@ void TstPanelMeasuring::lastSettingComesBack()
     }
     PanelFixture panel;
     QCOMPARE(panel.labelText("header.meter"), QStringLiteral("QERN PLX-420   JB20871"));
-    QCOMPARE(panel.context.setup().current, ValueBox::testI_100mA);
+    QCOMPARE(panel.session.setup().current(), ValueBox::testI_100mA);
     TAP(panel, "measure.kind.1");
-    QCOMPARE(panel.context.setup().current, ValueBox::testI_1A);
+    QCOMPARE(panel.session.setup().current(), ValueBox::testI_1A);
 }
 
 void TstPanelMeasuring::startsAsAMeterThatMeasures()
@@ -287,7 +287,7 @@ void TstPanelMeasuring::startsAsAMeterThatMeasures()
         PanelFixture panel;
         QVERIFY(panel.pick("measure.meter", QStringLiteral("DV42006")));
         QVERIFY(panel.pick("measure.current", QStringLiteral("150 A")));
-        panel.context.setSerialNumber(QStringLiteral("AA0000")); // kept, and of no model
+        panel.session.setSerialNumber(QStringLiteral("AA0000")); // kept, and of no model
     }
     PanelFixture panel;
     QCOMPARE(panel.labelText("header.meter"), QStringLiteral("QERN KTV-420   CH20417"));
@@ -309,14 +309,14 @@ void TstPanelMeasuring::seriesIsSeenWhileItGrows()
     QCOMPARE(accent(), 0);
     TAP(panel, "record.start");
     QVERIFY(Finger::waitFor([&] { return panel.list("record.table")->rowCount() == 3; }));
-    QVERIFY(panel.context.hardware().isRunning());
+    QVERIFY(panel.session.hardware().isRunning());
     QCOMPARE(panel.labelText("record.status"), QStringLiteral("3 / 25"));
     QVERIFY(panel.titles("record.table").first().endsWith(QLatin1String(" mH")));
     QVERIFY(accent() > 100); // a line across the plot
     QVERIFY(!panel.finger.find(QStringLiteral("record.save"))->isEnabled());
     TAP(panel, "record.start"); // enough
     QVERIFY(panel.finger.find(QStringLiteral("record.save"))->isEnabled());
-    QCOMPARE(panel.context.library().getLiczniki()->get_dictionary(
+    QCOMPARE(panel.session.library().getLiczniki()->get_dictionary(
                  KTV_Liczniki::Licznik_RejestracjaObiektowIndukcyjnych),
              1);
 }
@@ -332,16 +332,16 @@ void TstPanelMeasuring::seriesIsSavedUnderASafeAndFreeName()
     const QString date = QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd"));
     for (const QString &name : {date + ".csv", date + "_1.csv"}) {
         TAP(panel, "record.save");
-        QCOMPARE(panel.labelText("sheet.message"), directory.filePath(name));
+        QCOMPARE(panel.message(), directory.filePath(name));
         TAP(panel, "sheet.ok");
     }
     QCOMPARE(directory.entryList(QDir::Files), QStringList({date + ".csv", date + "_1.csv"}));
     const QList<QByteArray> lines = Meter::readFile(directory.filePath(date + ".csv")).split('\n');
-    QCOMPARE(lines.size(), 12); // a heading, ten readings, and what follows the last line feed
-    QCOMPARE(lines.first(), QByteArray("number,time,value,shown\r"));
-    QVERIFY(lines.at(10).startsWith("10,"));
-    QVERIFY(lines.at(10).endsWith(QStringLiteral(",0.0012347,\"1.2347 m\u2126\"\r").toUtf8()));
-    QCOMPARE(panel.context.library().getLiczniki()->get_dictionary(
+    QCOMPARE(lines.first(), QByteArray("meter,\"QERN KTV-420\"\r"));
+    const QByteArray tenth = lines.at(lines.size() - 2); // the last line feed ends it
+    QVERIFY(tenth.startsWith("10,"));
+    QVERIFY(tenth.endsWith(QStringLiteral(",0.0012347,\"1.2347 m\u2126\",\r").toUtf8()));
+    QCOMPARE(panel.session.library().getLiczniki()->get_dictionary(
                  KTV_Liczniki::Licznik_RejestracjaObiektowRezystancyjnych),
              1);
 }
@@ -355,14 +355,17 @@ void TstPanelMeasuring::seriesOnAFullCard()
     QCOMPARE(panel.labelText("header.alert"), QString());
     card.fillUp();
     TAP(panel, "record.save");
-    QCOMPARE(panel.labelText("sheet.message"), QStringLiteral("No space left on the memory card"));
+    QCOMPARE(panel.message(), QStringLiteral("No space left on the memory card"));
     TAP(panel, "sheet.ok");
     QCOMPARE(panel.labelText("header.alert"), QStringLiteral("The memory card is almost full"));
     const QDir directory(QLatin1String(clients) + QStringLiteral("/a"));
     QCOMPARE(directory.entryList(QDir::Files), QStringList());
 
     card.fill(4); // the series is still there, and so is room for it
-    TAP(panel, "record.save", "sheet.ok");
+    TAP(panel, "record.save");
+    QCOMPARE(panel.message(),
+             directory.filePath(QDate::currentDate().toString(Qt::ISODate) + ".csv"));
+    TAP(panel, "sheet.ok");
     QCOMPARE(directory.entryList(QDir::Files).size(), 1);
     QCOMPARE(panel.labelText("header.alert"), QString());
 }
@@ -374,7 +377,7 @@ void TstPanelMeasuring::seriesWithoutAFolder()
     QVERIFY(record(panel));
     QVERIFY(writeClient(panel, QStringLiteral("a")));
     TAP(panel, "record.save");
-    QCOMPARE(panel.labelText("sheet.message"), QStringLiteral("The operation failed"));
+    QCOMPARE(panel.message(), QStringLiteral("The operation failed"));
 }
 
 void TstPanelMeasuring::nameOfDotsStaysInItsDirectory()
@@ -383,8 +386,7 @@ void TstPanelMeasuring::nameOfDotsStaysInItsDirectory()
     QVERIFY(record(panel));
     QVERIFY(writeClient(panel, QStringLiteral("..")));
     TAP(panel, "record.save");
-    QVERIFY(
-        panel.labelText("sheet.message").startsWith(QLatin1String("/media/sdcard/Clients/_../")));
+    QVERIFY(panel.message().startsWith(QLatin1String("/media/sdcard/Clients/_../")));
     QCOMPARE(QDir(QStringLiteral("/media/sdcard")).entryList({"*.csv"}), QStringList());
 }
 

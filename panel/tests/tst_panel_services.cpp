@@ -24,7 +24,7 @@ bool measure(PanelFixture &panel)
 {
     return panel.finger.tap(QStringLiteral("nav.Measure"))
         && panel.finger.tap(QStringLiteral("measure.start"))
-        && Finger::waitFor([&] { return !panel.context.hardware().isRunning(); });
+        && Finger::waitFor([&] { return !panel.session.hardware().isRunning(); });
 }
 
 /** Opens the WiFi page, waits for a network to be in reach and touches it. */
@@ -121,9 +121,9 @@ void TstPanelServices::entriesOfEachList_data()
     QTest::newRow("limits of resistance")
         << "lists.family.3" << QStringList({"aaa", "1", "2.5"}) << "1 \u2026 2.5";
     QTest::newRow("limits of temperature")
-        << "lists.family.4" << QStringList({"aaa", "-5", "80"}) << "-5 \u2026 80";
+        << "lists.family.4" << QStringList({"aaa", "-5", "80"}) << "-5 \u00B0C \u2026 80 \u00B0C";
     QTest::newRow("a limit at one side")
-        << "lists.family.3" << QStringList({"aaa", "", "2.5"}) << "2.5";
+        << "lists.family.3" << QStringList({"aaa", "", "2.5"}) << "High 2.5";
 }
 
 void TstPanelServices::entriesOfEachList()
@@ -180,6 +180,10 @@ void TstPanelServices::entriesThatAreRefused_data()
         << "lists.family.2" << QStringList({"aaa", ""}) << "This is not a number";
     QTest::newRow("limit that is no number")
         << "lists.family.4" << QStringList({"aaa", "--", ""}) << "This is not a number";
+    QTest::newRow("resistance that is no number")
+        << "lists.family.3" << QStringList({"aaa", "", "1.."}) << "This is not a number";
+    QTest::newRow("limit without bounds")
+        << "lists.family.3" << QStringList({"aaa", "", ""}) << "Enter a low or a high limit";
     QTest::newRow("limits the wrong way round")
         << "lists.family.4" << QStringList({"aaa", "80", "5"})
         << "The lower limit is above the upper one";
@@ -271,7 +275,7 @@ void TstPanelServices::namesOfNetworks()
 void TstPanelServices::preferANetwork()
 {
     PanelFixture panel;
-    WiFi::KTV_Connection *connection = panel.context.library().getConnection();
+    WiFi::KTV_Connection *connection = panel.session.library().getConnection();
     QVERIFY(connection->AddNetwork(QStringLiteral("North"), QStringLiteral("ohm-law-1827")));
     QVERIFY(connection->AddNetwork(QStringLiteral("South"), QString())); // and preferred
     const auto isPreferred = [](const char *name) {
@@ -322,7 +326,7 @@ void TstPanelServices::goneBeforeAScanIsTaken()
     {
         PanelFixture panel;
         QSemaphore sent;
-        WiFi::KTV_Connection *connection = panel.context.library().getConnection();
+        WiFi::KTV_Connection *connection = panel.session.library().getConnection();
         connect(
             connection, &WiFi::KTV_Connection::WiFi_Scan, connection,
             [&](const QList<WiFi::Network *> *networks) {
@@ -432,7 +436,7 @@ void TstPanelServices::portThatCannotBeSwitched()
     }));
     QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
     QCOMPARE(panel.labelText("usb.note"), QStringLiteral("The port could not be switched"));
-    panel.context.setLanguage(QStringLiteral("DE"));
+    panel.session.setLanguage(QStringLiteral("DE"));
     QCOMPARE(panel.labelText("usb.note"), QStringLiteral("Umschalten fehlgeschlagen"));
 }
 
@@ -452,7 +456,7 @@ void TstPanelServices::tones()
     const QString alarm = QStringLiteral("beep -f 2470 -l 600 -d 200 -r 2");
     QVERIFY(Finger::waitFor([&] { return Meter::journal().count(alarm) > 1; }));
     TAP(panel, "sound.stop");
-    QCOMPARE(Meter::processes(QStringLiteral("beep")), QStringList());
+    QVERIFY(Finger::waitFor([] { return Meter::processes(QStringLiteral("beep")).isEmpty(); }));
 
     TAP(panel, "sound.switch.1");
     Meter::clearJournal();
@@ -532,7 +536,7 @@ void TstPanelServices::stickAndUpdates()
     QVERIFY(!panel.finger.find(QStringLiteral("accessories.noStick")));
     QCOMPARE(panel.labelText("accessories.update"),
              QStringLiteral("An update was found: 3.9.update"));
-    panel.context.setSerialNumber(QStringLiteral("DV42006")); // the library has a new updater
+    panel.session.setSerialNumber(QStringLiteral("DV42006")); // the library has a new updater
     TAP(panel, "accessories.check");
     QCOMPARE(panel.labelText("accessories.update"),
              QStringLiteral("An update was found: 3.9.update"));

@@ -206,7 +206,7 @@ void TstPanelSettings::languageChangesEverythingAtOnce()
     QVERIFY(panel.list("lists.list")->row(0).detail.endsWith(text("Panel", "factory")));
     TAP(panel, "nav.USB");
     QCOMPARE(panel.titles("usb.choices").first(), text("USB", "network"));
-    QCOMPARE(panel.context.library().get_InterfaceConfig()->getValue(KTV_InterfaceConfig::MAIN_Lang,
+    QCOMPARE(panel.session.library().get_InterfaceConfig()->getValue(KTV_InterfaceConfig::MAIN_Lang,
                                                                      QString()),
              code);
 }
@@ -236,10 +236,10 @@ void TstPanelSettings::everythingCanBeTouchedAndRead()
     QFETCH(QString, code);
     PanelFixture panel;
     QCOMPARE(panel.window.size(), QSize(800, 480));
-    panel.context.setLanguage(code);
+    panel.session.setLanguage(code);
     Volume card(QStringLiteral("/media/sdcard/Clients"), 100);
     card.fill(85); // the alert takes room
-    panel.context.library().updateTimeDisk();
+    panel.session.library().updateTimeDisk();
     QStringList problems;
     for (const char *page : pages) {
         TAP(panel, page);
@@ -251,7 +251,7 @@ void TstPanelSettings::everythingCanBeTouchedAndRead()
         const char *opens;
         const char *closes;
     } sheets[] = {
-        {"nav.Measure", "measure.object", "sheet.ok"},
+        {"nav.Measure", "measure.testObject", "sheet.ok"},
         {"nav.Measure", "measure.current", "sheet.cancel"},
         {"nav.Lists", "lists.add", "sheet.cancel"},
         {"nav.Settings", "settings.reset", "sheet.cancel"},
@@ -264,7 +264,7 @@ void TstPanelSettings::everythingCanBeTouchedAndRead()
     }
     QCOMPARE(problems.join(QLatin1Char('\n')), QString());
     card.fill(0);
-    panel.context.library().updateTimeDisk();
+    panel.session.library().updateTimeDisk();
 }
 
 // --- settings
@@ -272,12 +272,12 @@ void TstPanelSettings::everythingCanBeTouchedAndRead()
 void TstPanelSettings::unitOfTemperatures()
 {
     PanelFixture panel;
-    TAP(panel, "nav.Settings", "settings.temperature.2", "nav.Measure", "measure.object");
+    TAP(panel, "nav.Settings", "settings.temperature.2", "nav.Measure", "measure.testObject");
     // 23.5 degrees Celsius
     const auto *temperature = panel.finger.find(QStringLiteral("object.3"));
     QVERIFY(temperature);
     TAP(panel, "sheet.ok", "measure.kind.2", "measure.start");
-    QVERIFY(Finger::waitFor([&] { return !panel.context.hardware().isRunning(); }));
+    QVERIFY(Finger::waitFor([&] { return !panel.session.hardware().isRunning(); }));
     QCOMPARE(panel.finger.see<ValueDisplay>(QStringLiteral("measure.value"))->value(),
              QStringLiteral("296.5 K"));
 }
@@ -285,12 +285,12 @@ void TstPanelSettings::unitOfTemperatures()
 void TstPanelSettings::limitFollowsTheUnit()
 {
     PanelFixture panel;
-    QVERIFY(panel.context.library().get_DataList()->AddLimit_T(
+    QVERIFY(panel.session.library().get_DataList()->AddLimit_T(
         QStringLiteral("winding"), QStringLiteral("30"), QStringLiteral("0")));
     TAP(panel, "measure.kind.2");
     QVERIFY(panel.pick("measure.limit", QStringLiteral("winding")));
     TAP(panel, "nav.Settings", "settings.temperature.1", "nav.Measure", "measure.start");
-    QVERIFY(Finger::waitFor([&] { return !panel.context.hardware().isRunning(); }));
+    QVERIFY(Finger::waitFor([&] { return !panel.session.hardware().isRunning(); }));
     const auto *display = panel.finger.see<ValueDisplay>(QStringLiteral("measure.value"));
     QCOMPARE(display->value(), QStringLiteral("74.0 \u00B0F"));
     QCOMPARE(display->verdict(), QStringLiteral("Pass")); // 0 to 30 are 32 to 86
@@ -348,13 +348,13 @@ void TstPanelSettings::factoryReset()
     QVERIFY(panel.finger.type(QStringLiteral("a")));
     TAP(panel, "key.done");
     QCOMPARE(panel.fieldValue("record.client"), QStringLiteral("a"));
-    QVERIFY(panel.context.library().get_DataList()->AddObiectTyp(QStringLiteral("aaa")));
+    QVERIFY(panel.session.library().get_DataList()->AddObiectTyp(QStringLiteral("aaa")));
     TAP(panel, "nav.Settings", "settings.temperature.1", "settings.theme.1", "settings.reset",
         "sheet.cancel");
-    QCOMPARE(panel.context.temperatureUnit(), ValueBox::Temp_Fahrenheit);
+    QCOMPARE(panel.session.preferences().temperatureUnit(), ValueBox::Temp_Fahrenheit);
     TAP(panel, "settings.reset", "sheet.yes");
-    QCOMPARE(panel.context.temperatureUnit(), ValueBox::Temp_Celsius);
-    QVERIFY(!panel.context.isDark());
+    QCOMPARE(panel.session.preferences().temperatureUnit(), ValueBox::Temp_Celsius);
+    QVERIFY(!panel.session.preferences().isDark());
     QVERIFY(panel.finger.see<QPushButton>(QStringLiteral("settings.temperature.0"))->isChecked());
     TAP(panel, "nav.Lists");
     QVERIFY(!panel.titles("lists.list").contains(QStringLiteral("aaa")));
@@ -431,13 +431,13 @@ void TstPanelSettings::help()
     TAP(panel, "help.next");
     QVERIFY(text->toPlainText() != first);
     QVERIFY(!panel.finger.find(QStringLiteral("help.next"))->isEnabled());
-    panel.context.setLanguage(QStringLiteral("PL"));
+    panel.session.setLanguage(QStringLiteral("PL"));
     QCOMPARE(panel.labelText("help.number"), QStringLiteral("1 / 2"));
     QVERIFY(text->toPlainText() != first);
-    panel.context.setLanguage(QStringLiteral("EN"));
+    panel.session.setLanguage(QStringLiteral("EN"));
     TAP(panel, "help.close", "nav.USB", "nav.Help");
     QVERIFY(text->toPlainText().startsWith(QLatin1String("The USB port")));
-    panel.context.setSerialNumber(QStringLiteral("unknown"));
+    panel.session.setSerialNumber(QStringLiteral("unknown"));
     QCOMPARE(text->toPlainText(), QStringLiteral("There is no help for this screen"));
     TAP(panel, "nav.Help");
     QVERIFY(panel.finger.find(QStringLiteral("usb.choices")));
@@ -454,11 +454,11 @@ void TstPanelSettings::helpOnEveryPage()
     PanelFixture panel;
     QStringList missing;
     for (const char *serial : {"JD10233", "CH20417", "DV42006"}) {
-        panel.context.setSerialNumber(QLatin1String(serial));
-        panel.context.setLanguage(code);
+        panel.session.setSerialNumber(QLatin1String(serial));
+        panel.session.setLanguage(code);
         for (const char *page : pages) {
             const QString topic = QString::fromLatin1(page).section(QLatin1Char('.'), 1);
-            if (!panel.context.library().getHelpManager()->HasHelp(topic))
+            if (!panel.session.library().getHelpManager()->HasHelp(topic))
                 missing += QLatin1String(serial) + QLatin1Char(' ') + topic;
         }
     }

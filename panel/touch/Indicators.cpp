@@ -50,9 +50,10 @@ void ValueDisplay::setCaption(const QString &caption)
     update();
 }
 
-void ValueDisplay::setVerdict(const QString &text, State state)
+void ValueDisplay::setVerdict(const QString &text, const QString &reason, State state)
 {
     m_verdict = text;
+    m_reason = reason;
     m_state = state;
     update();
 }

@@ -15,7 +15,8 @@ public:
     {
         Idle,
         Passed,
-        Failed
+        Failed,
+        Unjudged ///< a limit was asked about, and there is no answer
     };
 
     explicit ValueDisplay(const QString &name, QWidget *parent = nullptr);
@@ -24,9 +25,10 @@ public:
     QString value() const { return m_text; }
     /** A line above the value. */
     void setCaption(const QString &caption);
-    /** A line below it, in the colour of the state. */
-    void setVerdict(const QString &text, State state);
+    /** Below it, large, with the sign of the state; the reason in small letters. */
+    void setVerdict(const QString &text, const QString &reason, State state);
     QString verdict() const { return m_verdict; }
+    QString reason() const { return m_reason; }
     /** Small text at the right of the verdict. */
     void setNote(const QString &note);
 
@@ -39,6 +41,7 @@ private:
     QString m_text;
     QString m_caption;
     QString m_verdict;
+    QString m_reason;
     QString m_note;
     State m_state = Idle;
 };

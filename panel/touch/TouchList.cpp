@@ -63,6 +63,14 @@ private:
 
 } // namespace
 
+TouchRow TouchRow::of(const QString &title, const QString &detail)
+{
+    TouchRow row;
+    row.title = title;
+    row.detail = detail;
+    return row;
+}
+
 void scrollByFinger(QAbstractScrollArea *area)
 {
     QScroller *scroller = QScroller::scroller(area->viewport());

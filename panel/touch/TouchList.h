@@ -12,6 +12,8 @@ struct TouchRow
     QString detail; ///< small, below the title or, in a one-line list, at the right
     bool isMarked = false; ///< titled in the accent colour
     int bars = -1; ///< signal strength, 0 to 4; -1 for none
+
+    static TouchRow of(const QString &title, const QString &detail = QString());
 };
 
 /** Lets a finger draw what does not fit into view. */

@@ -1,6 +1,6 @@
 #include "Tour.h"
 
-#include "Context.h"
+#include "app/Context.h"
 #include "touch/Buttons.h"
 #include "touch/Indicators.h"
 #include "touch/TouchList.h"
@@ -122,14 +122,14 @@ void Tour::measure()
     picture(QStringLiteral("measure-compensated"));
     pick(QStringLiteral("measure.compensation"), QStringLiteral("None"));
 
-    tap(QStringLiteral("measure.object"));
+    tap(QStringLiteral("measure.testObject"));
     tap(QStringLiteral("object.0.more"));
     picture(QStringLiteral("object"));
     tap(QStringLiteral("sheet.ok"));
     say(QStringLiteral("Measure, another object: %1").arg(measureOnce()));
     picture(QStringLiteral("measure-fail"));
     for (int i = 0; i < 3; ++i) {
-        tap(QStringLiteral("measure.object"));
+        tap(QStringLiteral("measure.testObject"));
         tap(i < 1 ? QStringLiteral("object.0.more") : QStringLiteral("object.leads.%1").arg(i));
         if (i < 1)
             tap(QStringLiteral("object.0.more"));
@@ -137,7 +137,7 @@ void Tour::measure()
         const char *const what[] = {"above the range", "leads open", "leads swapped"};
         say(QStringLiteral("Measure, %1: %2").arg(QLatin1String(what[i]), measureOnce()));
     }
-    tap(QStringLiteral("measure.object"));
+    tap(QStringLiteral("measure.testObject"));
     tap(QStringLiteral("object.leads.0"));
     for (int i = 0; i < 3; ++i)
         tap(QStringLiteral("object.0.less"));
@@ -149,7 +149,7 @@ void Tour::measure()
     tap(QStringLiteral("measure.kind.0"));
 
     const auto stepResistance = [this](const char *button) {
-        tap(QStringLiteral("measure.object"));
+        tap(QStringLiteral("measure.testObject"));
         tap(QLatin1String(button));
         tap(QStringLiteral("sheet.ok"));
     };
@@ -206,7 +206,7 @@ void Tour::wifi()
         const auto *state = m_finger.see<QLabel>(QStringLiteral("wifi.state"));
         const auto *details = m_finger.see<QLabel>(QStringLiteral("wifi.details"));
         return state && !m_finger.find(QStringLiteral("sheet")) && !details->text().isEmpty()
-            && state->text() == m_context.text(Text {"WiFi", "connected", "Connected"});
+            && state->text() == m_context.texts().text(Text {"WiFi", "connected", "Connected"});
     };
     check(Finger::waitFor(isConnected), QStringLiteral("joins"));
     const auto *details = m_finger.see<QLabel>(QStringLiteral("wifi.details"));
@@ -350,7 +350,7 @@ QString Tour::measureOnce()
 {
     tap(QStringLiteral("measure.start"));
     const auto *display = m_finger.see<ValueDisplay>(QStringLiteral("measure.value"));
-    const QString measuring = m_context.text(Text {"Panel", "measuring", "Measuring"});
+    const QString measuring = m_context.texts().text(Text {"Panel", "measuring", "Measuring"});
     check(Finger::waitFor([&] { return display->verdict() != measuring; }),
           QStringLiteral("the measurement ends"));
     return display->value() + QStringLiteral("  ") + display->verdict();

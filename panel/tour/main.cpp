@@ -1,6 +1,7 @@
-#include "Context.h"
 #include "Tour.h"
-#include "Window.h"
+
+#include "app/Context.h"
+#include "app/Window.h"
 
 #include <datasource/KTV_DataSource.h>
 

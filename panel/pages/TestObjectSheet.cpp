@@ -1,7 +1,8 @@
-#include "pages/ObjectSheet.h"
+#include "pages/TestObjectSheet.h"
 
-#include "Context.h"
+#include "meter/Setup.h"
 #include "touch/Buttons.h"
+#include "touch/Texts.h"
 
 #include <valuebox/NumericalValueBox.h>
 
@@ -20,29 +21,29 @@ struct QuantityRow
     Text name;
     float TestObject::*value;
     QVector<float> steps;
-    QString (*text)(Context &context, float value);
+    QString (*text)(const Texts &texts, float value);
 };
 
-QString ohms(Context &, float value)
+QString ohms(const Texts &, float value)
 {
     return value < 1.F
         ? NumericalValueBox::autoFormat(value, ValueBox::Unit_Ohm, ValueBox::Prefix_m, 4, true)
         : NumericalValueBox::autoFormat(value, ValueBox::Unit_Ohm, ValueBox::Prefix_None, 4, true);
 }
 
-QString henries(Context &context, float value)
+QString henries(const Texts &texts, float value)
 {
     return NumericalValueBox::autoFormat(value, ValueBox::Unit_None, ValueBox::Prefix_m, 2, true)
-        + context.text(Text {"Units", "henry", "H"});
+        + texts.text(Text {"Units", "henry", "H"});
 }
 
-QString percent(Context &context, float value)
+QString percent(const Texts &texts, float value)
 {
     return NumericalValueBox::autoFormat(value, ValueBox::Unit_None, ValueBox::Prefix_None, 2, true)
-        + context.text(Text {"Units", "percent", "%"});
+        + texts.text(Text {"Units", "percent", "%"});
 }
 
-QString degrees(Context &, float value)
+QString degrees(const Texts &, float value)
 {
     return NumericalValueBox::formatTemperature(value);
 }
@@ -79,9 +80,9 @@ const Text leadsTexts[] = {
 
 } // namespace
 
-ObjectSheet::ObjectSheet(Context &context, QWidget *somewhere)
-    : Sheet(context, somewhere)
-    , m_context(context)
+TestObjectSheet::TestObjectSheet(Texts &texts, Setup &setup, QWidget *somewhere)
+    : Sheet(texts, somewhere)
+    , m_setup(setup)
     , m_leads(new Choice(QStringLiteral("object.leads"), std::size(leadsTexts)))
 {
     constexpr int sheetWidth = 680;
@@ -92,7 +93,7 @@ ObjectSheet::ObjectSheet(Context &context, QWidget *somewhere)
         auto *value = new FieldButton(QStringLiteral("object.%1").arg(i));
         value->setEnabled(true);
         value->setAttribute(Qt::WA_TransparentForMouseEvents);
-        context.translate(value, quantities().at(i).name);
+        texts.translate(value, quantities().at(i).name);
         auto *less = new TouchButton(QStringLiteral("object.%1.less").arg(i));
         less->setText(QStringLiteral("\u2212"));
         auto *more = new TouchButton(QStringLiteral("object.%1.more").arg(i));
@@ -110,50 +111,52 @@ ObjectSheet::ObjectSheet(Context &context, QWidget *somewhere)
     }
     card()->addLayout(grid);
     for (size_t i = 0; i < std::size(leadsTexts); ++i)
-        context.translate(m_leads->part(static_cast<int>(i)), leadsTexts[i]);
+        texts.translate(m_leads->part(static_cast<int>(i)), leadsTexts[i]);
     connect(m_leads, &Choice::chosen, this, [this](int leads) {
-        m_context.setup().object.leads = static_cast<TestObject::Leads>(leads);
-        emit m_context.setupChanged();
+        TestObject object = m_setup.testObject();
+        object.leads = static_cast<TestObject::Leads>(leads);
+        m_setup.setTestObject(object);
     });
     card()->addWidget(m_leads);
     auto *close = new TouchButton(QStringLiteral("sheet.ok"), TouchButton::Primary);
-    context.translate(close, Text {"Dialogs", "close", "Close"});
-    connect(close, &QPushButton::clicked, this, &ObjectSheet::finish);
+    texts.translate(close, Text {"Dialogs", "close", "Close"});
+    connect(close, &QPushButton::clicked, this, &TestObjectSheet::finish);
     card()->addWidget(close);
     refresh();
     open(sheetWidth);
 }
 
-QString ObjectSheet::summary(Context &context)
+QString TestObjectSheet::summary(const Texts &texts, const Setup &setup)
 {
-    const TestObject &object = context.setup().object;
+    const TestObject &object = setup.testObject();
     if (object.leads != TestObject::Connected)
-        return context.text(leadsTexts[object.leads]);
+        return texts.text(leadsTexts[object.leads]);
     QString temperature = NumericalValueBox::formatTemperature(object.temperature);
-    if (context.setup().kind() == Setup::Temperature)
+    if (setup.quantity() == Quantity::Temperature)
         return temperature;
-    const bool isResistance = context.setup().kind() == Setup::Resistance;
-    return (isResistance ? ohms(context, object.resistance) : henries(context, object.inductance))
+    const bool isResistance = setup.quantity() == Quantity::Resistance;
+    return (isResistance ? ohms(texts, object.resistance) : henries(texts, object.inductance))
         + QStringLiteral(", ") + temperature;
 }
 
-void ObjectSheet::refresh()
+void TestObjectSheet::refresh()
 {
-    const TestObject &object = m_context.setup().object;
+    const TestObject &object = m_setup.testObject();
     for (int i = 0; i < m_values.size(); ++i) {
         const QuantityRow &row = quantities().at(i);
-        m_values.at(i)->setValue(row.text(m_context, object.*row.value));
+        m_values.at(i)->setValue(row.text(texts(), object.*row.value));
     }
     m_leads->setCurrent(object.leads);
 }
 
-void ObjectSheet::step(int quantity, int direction)
+void TestObjectSheet::step(int quantity, int direction)
 {
     const QuantityRow &row = quantities().at(quantity);
-    float &value = m_context.setup().object.*row.value;
+    TestObject object = m_setup.testObject();
+    float &value = object.*row.value;
     const int at = static_cast<int>(std::lower_bound(row.steps.cbegin(), row.steps.cend(), value)
                                     - row.steps.cbegin());
     value = row.steps.at(qBound(0, at + direction, row.steps.size() - 1));
+    m_setup.setTestObject(object);
     refresh();
-    emit m_context.setupChanged();
 }

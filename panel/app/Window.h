@@ -10,6 +10,7 @@ class HelpPage;
 class Page;
 class QLabel;
 class QStackedWidget;
+class Session;
 class SignalBars;
 class TouchButton;
 
@@ -33,6 +34,8 @@ private:
     void showHelp();
     void refreshHeader();
     void askForWifi();
+
+    Session &session() const;
 
     Context &m_context;
     QStackedWidget *m_stack;

@@ -1,5 +1,5 @@
-#include "Context.h"
-#include "Window.h"
+#include "app/Context.h"
+#include "app/Window.h"
 
 #include <datasource/KTV_DataSource.h>
 

@@ -1,6 +1,6 @@
-#include "Window.h"
+#include "app/Window.h"
 
-#include "Context.h"
+#include "app/Context.h"
 #include "pages/AboutPage.h"
 #include "pages/HelpPage.h"
 #include "pages/LanguageSheet.h"
@@ -11,6 +11,7 @@
 #include "pages/SoundPage.h"
 #include "pages/UsbPage.h"
 #include "pages/WifiPage.h"
+#include "pages/Words.h"
 #include "touch/Buttons.h"
 #include "touch/Indicators.h"
 #include "touch/Keyboard.h"
@@ -40,16 +41,16 @@ constexpr int headerHeight = 48;
 constexpr int railWidth = 140;
 constexpr int clockInterval = 1000; // ms
 
-template <typename PageClass> Page *make(Context &context)
+template <typename PageClass> Page *make(Texts &texts, Session &session)
 {
-    return new PageClass(context);
+    return new PageClass(texts, session);
 }
 
 struct PageRow
 {
     const char *topic; ///< of its help; also its name on the rail
     Text title;
-    Page *(*make)(Context &);
+    Page *(*make)(Texts &texts, Session &session);
 };
 
 const PageRow pages[] = {
@@ -76,7 +77,7 @@ int barsOf(int state)
 Window::Window(Context &context)
     : m_context(context)
     , m_stack(new QStackedWidget)
-    , m_help(new HelpPage(context))
+    , m_help(new HelpPage(context.texts(), context.session()))
 {
     setFixedSize(windowWidth, windowHeight);
     auto *rows = new QVBoxLayout(this);
@@ -88,23 +89,24 @@ Window::Window(Context &context)
     columns->addWidget(makeRail());
     columns->addWidget(m_stack, 1);
     rows->addLayout(columns, 1);
-    new Keyboard(context, context, this);
+    new Keyboard(context.texts(), context.keyboard(), this);
 
     for (const PageRow &page : pages)
-        m_stack->addWidget(page.make(context));
+        m_stack->addWidget(page.make(context.texts(), session()));
     m_stack->addWidget(m_help);
     connect(m_help, &HelpPage::closed, this, [this] { showPage(m_current); });
 
-    context.keep(this, [this] { refreshHeader(); });
-    connect(&context, &Context::meterChanged, this, &Window::refreshHeader);
-    connect(&context, &Context::themeChanged, this, qOverload<>(&Window::update));
-    connect(&context.library(), &KTV_DataSource::changeFreeSpaceAlert, this,
+    context.texts().keep(this, [this] { refreshHeader(); });
+    connect(&session(), &Session::meterChanged, this, &Window::refreshHeader);
+    connect(&session().preferences(), &Preferences::appearanceChanged, this,
+            qOverload<>(&Window::update));
+    connect(&session().library(), &KTV_DataSource::changeFreeSpaceAlert, this,
             &Window::refreshHeader);
-    connect(context.library().getConnection(), &WiFi::KTV_Connection::WiFi_State_Change, m_bars,
+    connect(session().library().getConnection(), &WiFi::KTV_Connection::WiFi_State_Change, m_bars,
             [this](int state) { m_bars->setLevel(barsOf(state)); });
     connect(&m_tick, &QTimer::timeout, this, &Window::refreshHeader);
     m_tick.start(clockInterval);
-    context.library().updateTimeDisk();
+    session().library().updateTimeDisk();
     askForWifi();
     showPage(0);
 }
@@ -114,9 +116,14 @@ Window::~Window()
     m_wifiState.waitForFinished();
 }
 
+Session &Window::session() const
+{
+    return m_context.session();
+}
+
 void Window::welcome()
 {
-    new LanguageSheet(m_context, this, Text {"Main", "welcome", "Welcome"});
+    new LanguageSheet(m_context.texts(), session(), this, Text {"Main", "welcome", "Welcome"});
 }
 
 QWidget *Window::makeHeader()
@@ -163,7 +170,7 @@ QWidget *Window::makeRail()
                                        TouchButton::Navigation);
         button->setCheckable(true);
         button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-        m_context.translate(button, page.title);
+        m_context.texts().translate(button, page.title);
         connect(button, &QPushButton::clicked, this,
                 [this, index = m_buttons.size()] { showPage(index); });
         column->addWidget(button, 1);
@@ -202,7 +209,7 @@ void Window::askForWifi()
 {
     connect(&m_wifiState, &QFutureWatcher<int>::finished, m_bars,
             [this] { m_bars->setLevel(barsOf(m_wifiState.result())); });
-    m_wifiState.setFuture(QtConcurrent::run([connection = m_context.library().getConnection()] {
+    m_wifiState.setFuture(QtConcurrent::run([connection = session().library().getConnection()] {
         const std::unique_ptr<WiFi::Network> now(connection->getWiFi_Info());
         return now->state;
     }));
@@ -210,10 +217,10 @@ void Window::askForWifi()
 
 void Window::refreshHeader()
 {
-    const KTV_Configuration *meter = m_context.library().getMainConfig();
+    const KTV_Configuration *meter = session().library().getMainConfig();
     m_meter->setText(meter->get_MeterFullName() + QStringLiteral("   ")
                      + meter->get_SerialNumber());
-    m_alert->setText(m_context.cardAlert());
+    m_alert->setText(Words::cardAlert(m_context.texts(), session().library()));
     m_clock->setText(
-        QTime::currentTime().toString(m_context.library().get_Lang()->getTimeFormat()));
+        QTime::currentTime().toString(session().library().get_Lang()->getTimeFormat()));
 }

@@ -3,24 +3,24 @@
 #include "touch/Sheets.h"
 
 class Choice;
-class Context;
 class FieldButton;
+class Setup;
 
 /** The object under test, to be changed: what a person would do with leads and objects. */
-class ObjectSheet : public Sheet
+class TestObjectSheet : public Sheet
 {
     Q_OBJECT
 public:
-    ObjectSheet(Context &context, QWidget *somewhere);
+    TestObjectSheet(Texts &texts, Setup &setup, QWidget *somewhere);
 
     /** The object in a few words. */
-    static QString summary(Context &context);
+    static QString summary(const Texts &texts, const Setup &setup);
 
 private:
     void refresh();
     void step(int quantity, int direction);
 
-    Context &m_context;
+    Setup &m_setup;
     QVector<FieldButton *> m_values;
     Choice *m_leads;
 };

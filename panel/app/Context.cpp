@@ -1,0 +1,15 @@
+#include "app/Context.h"
+
+#include "touch/Theme.h"
+
+Context::Context(QObject *parent) : QObject(parent), m_texts(m_session), m_keyboard(m_session)
+{
+    takeAppearance();
+    connect(&m_session.preferences(), &Preferences::appearanceChanged, this,
+            &Context::takeAppearance);
+}
+
+void Context::takeAppearance()
+{
+    Theme::use(m_session.preferences().isDark() ? Theme::dark() : Theme::light());
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "app/LibraryKeyboard.h"
+#include "app/LibraryTexts.h"
+#include "meter/Session.h"
+
+#include <QObject>
+
+/** What the panel is put together from: the session, and what its screen takes from it. */
+class Context : public QObject
+{
+    Q_OBJECT
+public:
+    explicit Context(QObject *parent = nullptr);
+
+    Session &session() { return m_session; }
+    LibraryTexts &texts() { return m_texts; }
+    const KeyboardPolicy &keyboard() const { return m_keyboard; }
+
+private:
+    void takeAppearance();
+
+    Session m_session;
+    LibraryTexts m_texts;
+    LibraryKeyboard m_keyboard;
+};

@@ -1,0 +1,121 @@
+#include "meter/Limit.h"
+
+#include <valuebox/NumericalValueBox.h>
+
+#include <cmath>
+#include <limits>
+
+using ValueBox::NumericalValueBox;
+
+namespace {
+
+/** Hundredths of a degree: the lists keep no more of what is entered in another unit. */
+double rounded(double celsius)
+{
+    return std::round(celsius * 100) / 100;
+}
+
+double toCelsius(double degrees)
+{
+    switch (NumericalValueBox::getTempUnit()) {
+    case ValueBox::Temp_Fahrenheit:
+        return rounded((degrees - 32) / 1.8);
+    case ValueBox::Temp_Kelvin:
+        return rounded(degrees - 273.15);
+    case ValueBox::Temp_Celsius:
+        break;
+    }
+    return degrees;
+}
+
+double fromCelsius(double celsius)
+{
+    switch (NumericalValueBox::getTempUnit()) {
+    case ValueBox::Temp_Fahrenheit:
+        return celsius * 1.8 + 32;
+    case ValueBox::Temp_Kelvin:
+        return celsius + 273.15;
+    case ValueBox::Temp_Celsius:
+        break;
+    }
+    return celsius;
+}
+
+QString trimmedZeros(QString number)
+{
+    while (number.contains(QLatin1Char('.'))
+           && (number.endsWith(QLatin1Char('0')) || number.endsWith(QLatin1Char('.'))))
+        number.chop(1);
+    return number;
+}
+
+/**
+ * The shortest number of the unit in effect that the lists keep as these degrees Celsius: 80 °F are
+ * kept as 26.67 °C, which are 80.006 °F again, and nobody has entered that.
+ */
+QString degreesText(double celsius)
+{
+    if (NumericalValueBox::getTempUnit() == ValueBox::Temp_Celsius)
+        return QString::number(celsius, 'g', 7);
+    constexpr int mostDigits = 2;
+    const double degrees = fromCelsius(celsius);
+    for (int digits = 0; digits < mostDigits; ++digits) {
+        const double scale = std::pow(10, digits);
+        const double shorter = std::round(degrees * scale) / scale + 0.; // no minus before a zero
+        if (std::abs(toCelsius(shorter) - rounded(celsius)) < 0.001)
+            return QString::number(shorter, 'f', digits);
+    }
+    return trimmedZeros(QString::number(degrees, 'f', mostDigits));
+}
+
+float read(Quantity quantity, const QString &text)
+{
+    float value = std::numeric_limits<float>::quiet_NaN();
+    int precision = 0;
+    ValueBox::Units unit = ValueBox::Unit_None;
+    ValueBox::UnitPrefixs prefix = ValueBox::Prefix_None;
+    const ValueBox::Units wanted =
+        quantity == Quantity::Temperature ? ValueBox::Unit_Temperature : ValueBox::Unit_Ohm;
+    const bool isRead = NumericalValueBox::parse(text, value, precision, unit, prefix)
+        && (unit == ValueBox::Unit_None || unit == wanted) && std::isfinite(value);
+    return isRead ? value : std::numeric_limits<float>::quiet_NaN();
+}
+
+} // namespace
+
+QString Limit::kept(Quantity quantity, const QString &listed)
+{
+    const float value = read(quantity, listed);
+    if (quantity != Quantity::Temperature || std::isnan(value))
+        return listed;
+    return QString::number(toCelsius(static_cast<double>(value)), 'g', 7);
+}
+
+float Limit::number(Quantity quantity, const QString &kept)
+{
+    const float value = read(quantity, kept);
+    if (quantity != Quantity::Temperature || std::isnan(value))
+        return value;
+    return degreesText(static_cast<double>(value)).toFloat();
+}
+
+QString Limit::plainText(Quantity quantity, const QString &kept)
+{
+    const float value = read(quantity, kept);
+    if (quantity != Quantity::Temperature || std::isnan(value))
+        return kept;
+    return degreesText(kept.toDouble());
+}
+
+QString Limit::text(Quantity quantity, const QString &kept)
+{
+    const QString plain = plainText(quantity, kept);
+    if (quantity != Quantity::Temperature || !isReadable(quantity, kept))
+        return plain;
+    return plain + QLatin1Char(' ') + NumericalValueBox::getUnit(ValueBox::Unit_Temperature);
+}
+
+bool Limit::isReadable(Quantity quantity, const QString &bound)
+{
+    return !std::isnan(read(quantity, bound));
+}

@@ -1,0 +1,47 @@
+#include "meter/Reading.h"
+
+#include <valuebox/NumericalValueBox.h>
+
+#include <cmath>
+
+using ValueBox::NumericalValueBox;
+
+namespace {
+
+/** The library's texts know no henry: it goes behind the prefix, or behind the number. */
+QString withHenry(const QString &text)
+{
+    const QLatin1Char henry('H');
+    const QString bare = text.trimmed();
+    const bool hasPrefix = bare.section(QLatin1Char(' '), -1).at(0).isLetter()
+        || bare.endsWith(NumericalValueBox::getUnitPrefix(ValueBox::Prefix_u));
+    return hasPrefix ? bare + henry : bare + QLatin1Char(' ') + henry;
+}
+
+Reading::Range rangeOf(const QString &text, float value, float shown)
+{
+    if (std::isnan(value) || std::isnan(shown))
+        return Reading::Missing;
+    if (text.startsWith(QLatin1Char('<')))
+        return Reading::Below;
+    return text.startsWith(QLatin1Char('>')) ? Reading::Above : Reading::Inside;
+}
+
+} // namespace
+
+Reading::Reading(float measured, const Form &form) : value(measured)
+{
+    if (form.quantity == Quantity::Temperature) {
+        text = NumericalValueBox::formatTemperature(value);
+        shown = NumericalValueBox::getValue(text);
+    } else {
+        const bool isResistance = form.quantity == Quantity::Resistance;
+        NumericalValueBox box(isResistance ? ValueBox::Unit_Ohm : ValueBox::Unit_None, form.method);
+        box.setRealValue(value, form.current);
+        text = box.toString();
+        shown = box.getRealFormatedValue();
+        if (!isResistance)
+            text = withHenry(text);
+    }
+    range = rangeOf(text, value, shown);
+}

@@ -1,0 +1,127 @@
+#include "meter/SeriesFile.h"
+
+#include <tools/Tools.h>
+#include <valuebox/NumericalValueBox.h>
+
+#include <QDir>
+#include <QSaveFile>
+
+#include <cmath>
+
+using QERNTools::Tools;
+using ValueBox::NumericalValueBox;
+
+namespace {
+
+struct QuantityRow
+{
+    const char *name;
+    const char *unit;
+};
+
+/** By Quantity. */
+constexpr QuantityRow quantities[] = {
+    {"resistance", "ohm"},
+    {"inductance", "henry"},
+    {"temperature", "degree Celsius"},
+};
+
+/** By Verdict::Outcome. */
+constexpr const char *outcomes[] = {"", "pass", "fail"};
+
+QString quoted(QString text)
+{
+    return QLatin1Char('"') + text.replace(QLatin1Char('"'), QLatin1String("\"\""))
+        + QLatin1Char('"');
+}
+
+QString figure(float value)
+{
+    return std::isnan(value) ? QString() : QString::number(static_cast<double>(value), 'g', 7);
+}
+
+QString head(const Series &series)
+{
+    const SeriesConditions &conditions = series.conditions();
+    const Form &form = conditions.form;
+    const QuantityRow &quantity = quantities[static_cast<int>(form.quantity)];
+    const bool hasCurrent = form.quantity != Quantity::Temperature;
+    const bool isCompensated = !conditions.material.isEmpty();
+    const QString current = hasCurrent
+        ? NumericalValueBox::formatIinduction(NumericalValueBox::ConvertTestI_ToFlota(form.current))
+        : QString();
+    const struct
+    {
+        const char *name;
+        QString value;
+    } lines[] = {
+        {"meter", quoted(conditions.meterName)},
+        {"serial number", quoted(conditions.serialNumber)},
+        {"quantity", QLatin1String(quantity.name)},
+        {"unit", QLatin1String(quantity.unit)},
+        {"test current", current},
+        {"object type", quoted(conditions.objectType)},
+        {"object name", quoted(conditions.objectName)},
+        {"material", quoted(conditions.material)},
+        {"temperature coefficient in 1/K",
+         isCompensated ? QString::number(conditions.alpha) : QString()},
+        {"limit", quoted(conditions.limit.name)},
+        {"low limit", quoted(Limit::text(form.quantity, conditions.limit.low))},
+        {"high limit", quoted(Limit::text(form.quantity, conditions.limit.high))},
+        {"verdict", QLatin1String(outcomes[series.outcome()])},
+        {"start", conditions.start.toString(Qt::ISODate)},
+        {"interval in s", QString::number(conditions.interval / 1000.)},
+        {"count", QString::number(series.presentCount())},
+        {"minimum", figure(series.minimum())},
+        {"maximum", figure(series.maximum())},
+        {"mean", figure(series.mean())},
+        {"standard deviation", figure(series.standardDeviation())},
+    };
+    QString text;
+    for (const auto &line : lines)
+        text += QLatin1String(line.name) + QLatin1Char(',') + line.value + QLatin1String("\r\n");
+    return text;
+}
+
+/** A folder of its own for the client; a name of dots only would lead out of it. */
+QString folderOf(const QString &client)
+{
+    const QString folder = Tools::validFileName(client);
+    return folder.startsWith(QLatin1Char('.')) ? QLatin1Char('_') + folder : folder;
+}
+
+} // namespace
+
+QByteArray SeriesFile::csv(const Series &series)
+{
+    QByteArray content = head(series).toUtf8();
+    content += "\r\n";
+    content += "number,time,seconds,value,shown,verdict\r\n";
+    for (int index = 0; index < series.count(); ++index) {
+        content += QByteArray::number(index + 1) + ',';
+        content += series.time(index).toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")).toUtf8();
+        content += ',' + QByteArray::number(series.seconds(index), 'f', 3) + ',';
+        content += figure(series.value(index)).toUtf8() + ',';
+        content += quoted(series.text(index)).toUtf8() + ',';
+        content += outcomes[series.verdict(index).outcome()];
+        content += "\r\n";
+    }
+    return content;
+}
+
+SeriesFile::Result SeriesFile::save(const Series &series, const QString &directory,
+                                    const QString &client, const QDate &day)
+{
+    const QString folder = directory + folderOf(client) + QLatin1Char('/');
+    QDir().mkpath(folder);
+    const QString name = Tools::findFreeFileName(folder, day.toString(QStringLiteral("yyyy-MM-dd")),
+                                                 QStringLiteral("csv"));
+    const QByteArray content = csv(series);
+    // The flush is not for nothing: commit() does not notice that what was buffered finds no room.
+    QSaveFile file(folder + name);
+    if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush()
+        && file.commit())
+        return {Outcome::Saved, folder + name};
+    const qint64 free = Tools::getFreeSpace(directory);
+    return {free >= 0 && free < content.size() ? Outcome::CardFull : Outcome::Failed, QString()};
+}

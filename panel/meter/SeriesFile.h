@@ -1,0 +1,40 @@
+#pragma once
+
+#include "meter/Series.h"
+
+#include <QByteArray>
+#include <QDate>
+#include <QString>
+
+/** A series on the memory card. */
+namespace SeriesFile {
+
+enum class Outcome
+{
+    Saved,
+    CardFull,
+    Failed
+};
+
+struct Result
+{
+    Outcome outcome = Outcome::Failed;
+    QString path; ///< of the new file
+};
+
+/**
+ * What it was recorded of and with, a line each, then an empty line, a heading and the readings.
+ * Values are in the base unit, which the head names; texts are as they were shown.
+ */
+QByteArray csv(const Series &series);
+
+/**
+ * Writes a series into the client's folder, under the day and a number that is free. The file is
+ * there whole, or not at all. Blocks until the card has it; may be called on any thread.
+ * @param directory of the clients; ends in "/"
+ * @param client as it was entered: what a path cannot have is replaced
+ */
+Result save(const Series &series, const QString &directory, const QString &client,
+            const QDate &day);
+
+} // namespace SeriesFile

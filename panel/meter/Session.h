@@ -1,0 +1,66 @@
+#pragma once
+
+#include "meter/Hardware.h"
+#include "meter/Lists.h"
+#include "meter/Measurement.h"
+#include "meter/Mixer.h"
+#include "meter/Preferences.h"
+#include "meter/Recorder.h"
+#include "meter/Setup.h"
+#include "meter/Tones.h"
+#include "meter/UsbPort.h"
+
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+class KTV_DataSource;
+
+/**
+ * The panel without its screen: the library, and what the panel does with it. Whoever changes
+ * something asks its owner for it; the owner tells everybody.
+ */
+class Session : public QObject
+{
+    Q_OBJECT
+public:
+    /** Starts the library as an interface does: serial number first, then the user's settings. */
+    explicit Session(QObject *parent = nullptr);
+    ~Session() override;
+
+    KTV_DataSource &library() const { return *m_library; }
+    Preferences &preferences() { return m_preferences; }
+    Tones &tones() { return m_tones; }
+    Lists &lists() { return m_lists; }
+    Setup &setup() { return m_setup; }
+    Hardware &hardware() { return m_hardware; }
+    Measurement &measurement() { return m_measurement; }
+    Recorder &recorder() { return m_recorder; }
+    UsbPort &usbPort() { return m_usbPort; }
+
+    void setLanguage(const QString &code);
+    /** As if the measuring hardware had reported another serial number. */
+    void setSerialNumber(const QString &serial);
+    /** Factory reset of everything that a user can change, the panel's own settings included. */
+    void restoreFactorySettings();
+
+signals:
+    void languageChanged();
+    void meterChanged(); ///< Serial number, and with it perhaps the model.
+
+private:
+    void startMeter();
+    void takeBrightness() const;
+
+    std::unique_ptr<KTV_DataSource> m_library;
+    Preferences m_preferences;
+    Tones m_tones;
+    Mixer m_mixer;
+    Lists m_lists;
+    Setup m_setup;
+    Hardware m_hardware;
+    Measurement m_measurement;
+    Recorder m_recorder;
+    UsbPort m_usbPort;
+};

@@ -1,0 +1,44 @@
+#include "meter/Tones.h"
+
+#include "meter/Preferences.h"
+
+using Buzzer::BuzzerClass;
+
+Tones::Tones(const Preferences &preferences, QObject *parent)
+    : QObject(parent)
+    , m_preferences(preferences)
+{
+    m_worker.moveToThread(&m_thread);
+    m_thread.start();
+}
+
+Tones::~Tones()
+{
+    if (BuzzerClass::playWave)
+        silence(); // a sample's player belongs to the thread that ends here
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void Tones::play(BuzzerClass::Tone tone)
+{
+    if (m_preferences.isSoundOn())
+        ask(tone, false);
+}
+
+void Tones::repeat(BuzzerClass::Tone tone)
+{
+    if (m_preferences.isSoundOn())
+        ask(tone, true);
+}
+
+void Tones::silence()
+{
+    ask(BuzzerClass::Tone_Empty, true);
+}
+
+void Tones::ask(BuzzerClass::Tone tone, bool loop)
+{
+    m_isRepeating = loop && tone != BuzzerClass::Tone_Empty;
+    QMetaObject::invokeMethod(&m_worker, [tone, loop] { BuzzerClass::Beep(tone, loop); });
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <sound/BuzzerClass.h>
+
+#include <QObject>
+#include <QThread>
+
+class Preferences;
+
+/**
+ * Signal tones. The library's wait for the end of what sounds, up to some seconds: they are asked
+ * for on a thread of their own, one after the other.
+ */
+class Tones : public QObject
+{
+    Q_OBJECT
+public:
+    explicit Tones(const Preferences &preferences, QObject *parent = nullptr);
+    /** Waits for what has been asked for. */
+    ~Tones() override;
+
+    /** Sounds a tone once, unless the user has switched the sounds off. */
+    void play(Buzzer::BuzzerClass::Tone tone);
+    /** The same over and over, until the next tone or silence(). */
+    void repeat(Buzzer::BuzzerClass::Tone tone);
+    void silence();
+    bool isRepeating() const { return m_isRepeating; }
+
+private:
+    void ask(Buzzer::BuzzerClass::Tone tone, bool loop);
+
+    const Preferences &m_preferences;
+    QThread m_thread; ///< with an event loop, which notices the end of a sample's player
+    QObject m_worker;
+    bool m_isRepeating = false;
+};

@@ -1,0 +1,484 @@
+#include "meter/Limit.h"
+#include "meter/Lists.h"
+#include "meter/Measurement.h"
+#include "meter/NetworkName.h"
+#include "meter/Preferences.h"
+#include "meter/Recorder.h"
+#include "meter/SeriesFile.h"
+#include "meter/Setup.h"
+#include "meter/Tones.h"
+#include "meter/Verdict.h"
+
+#include "meter/Hardware.h"
+#include "support/Meter.h"
+
+#include <configuration/KTV_Configuration.h>
+#include <configuration/KTV_InterfaceConfig.h>
+#include <counters/KTV_Liczniki.h>
+#include <datalist/KTV_DataList.h>
+#include <valuebox/NumericalValueBox.h>
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cmath>
+
+using ValueBox::NumericalValueBox;
+
+Q_DECLARE_METATYPE(Quantity)
+Q_DECLARE_METATYPE(Limit)
+
+namespace {
+
+const float missing = std::numeric_limits<float>::quiet_NaN();
+const QString milliohm = QStringLiteral(" m\u2126");
+
+void useUnit(ValueBox::TemperatureUnit unit)
+{
+    NumericalValueBox::prepareStaticDefaultValue(unit);
+}
+
+/** The stores that the domain works on, in a directory of their own; no facade, no tools. */
+struct Stores
+{
+    QTemporaryDir directory;
+    QString path = directory.path() + QLatin1Char('/');
+    KTV_InterfaceConfig settings {path};
+    KTV_Liczniki counters {path};
+    KTV_Configuration meter;
+    Setup setup {settings};
+    Hardware hardware {setup};
+    Recorder recorder {settings, meter, setup, hardware, counters};
+};
+
+SeriesConditions circumstances(const Limit &limit = Limit())
+{
+    SeriesConditions conditions;
+    conditions.limit = limit;
+    conditions.start = QDateTime(QDate(2024, 3, 1), QTime(9, 30));
+    return conditions;
+}
+
+} // namespace
+
+/** What the panel does, without its screen: no touches, no facade, milliseconds. */
+class TstPanelMeter : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void verdictOfAReading_data();
+    void verdictOfAReading();
+    void limitInTheUnitInEffect_data();
+    void limitInTheUnitInEffect();
+    void limitOfTheListsInTheUnitInEffect();
+    void valuesThatAreRefused_data();
+    void valuesThatAreRefused();
+    void statistics();
+    void statisticsOfNothing();
+    void outcomeOfASeries_data();
+    void outcomeOfASeries();
+    void seriesAsAFile();
+    void seriesFollowsTheUnit();
+    void recorderEndsByItself();
+    void recorderKeepsItsConditions();
+    void settersTell();
+    void lastSettingComesBack();
+    void currentFollowsTheCompensation();
+    void namesOfNetworks_data();
+    void namesOfNetworks();
+};
+
+void TstPanelMeter::init()
+{
+    useUnit(ValueBox::Temp_Celsius);
+    NumericalValueBox::SetCurrentMeter(KTV_Configuration::KTV_420);
+}
+
+// --- judging
+
+void TstPanelMeter::verdictOfAReading_data()
+{
+    QTest::addColumn<Quantity>("quantity");
+    QTest::addColumn<float>("value");
+    QTest::addColumn<Limit>("limit");
+    QTest::addColumn<int>("reason");
+    QTest::addColumn<int>("outcome");
+    const auto ohms = [](const char *row, double value, const QString &low, const QString &high,
+                         Verdict::Reason reason, Verdict::Outcome outcome) {
+        QTest::newRow(row) << Quantity::Resistance << static_cast<float>(value)
+                           << Limit {QStringLiteral("joint"), low, high} << int(reason)
+                           << int(outcome);
+    };
+    const QString one = QLatin1Char('1') + milliohm;
+    const QString more = QStringLiteral("1.5") + milliohm;
+    const QString none;
+    const QString words = QStringLiteral("abc");
+    ohms("below", 0.0009, one, more, Verdict::TooLow, Verdict::Fail);
+    ohms("the low bound itself", 0.001, one, more, Verdict::Within, Verdict::Pass);
+    ohms("the high bound itself", 0.0015, one, more, Verdict::Within, Verdict::Pass);
+    ohms("above by the last digit shown", 0.0015001, one, more, Verdict::TooHigh, Verdict::Fail);
+    ohms("above by less than is shown", 0.00150004, one, more, Verdict::Within, Verdict::Pass);
+    ohms("no low bound", 0.0001, none, more, Verdict::Within, Verdict::Pass);
+    ohms("no high bound", 0.1, one, none, Verdict::Within, Verdict::Pass);
+    ohms("no bounds at all", 0.001, none, none, Verdict::LimitEmpty, Verdict::None);
+    ohms("high bound that is no number", 0.001, none, words, Verdict::LimitUnreadable,
+         Verdict::None);
+    ohms("low bound that is no number", 0.001, words, more, Verdict::LimitUnreadable,
+         Verdict::None);
+    ohms("bound of another unit", 0.001, none, QStringLiteral("5 V"), Verdict::LimitUnreadable,
+         Verdict::None);
+    ohms("bound that is NaN in words", 0.001, none, QStringLiteral("nan"), Verdict::LimitUnreadable,
+         Verdict::None);
+    ohms("infinite bound", 0.001, none, QStringLiteral("inf"), Verdict::LimitUnreadable,
+         Verdict::None);
+    ohms("leads swapped", -0.001, one, more, Verdict::LeadsSwapped, Verdict::None);
+    ohms("leads open", std::nan(""), one, more, Verdict::NothingMeasured, Verdict::None);
+    ohms("beyond the range, the limit is in it", 0.25, one, more, Verdict::TooHigh, Verdict::Fail);
+    ohms("beyond the range, and so is the limit", 0.25, one, QStringLiteral("300 m\u2126"),
+         Verdict::BeyondRange, Verdict::None);
+    ohms("beyond the range, without a high bound", 0.25, one, none, Verdict::BeyondRange,
+         Verdict::None);
+    QTest::newRow("no limit") << Quantity::Resistance << 0.001F << Limit() << int(Verdict::NoLimit)
+                              << int(Verdict::None);
+    const Limit winding {QStringLiteral("winding"), QStringLiteral("-5"), QStringLiteral("26.67")};
+    QTest::newRow("temperature within")
+        << Quantity::Temperature << 23.5F << winding << int(Verdict::Within) << int(Verdict::Pass);
+    QTest::newRow("temperature below zero")
+        << Quantity::Temperature << -4.F << winding << int(Verdict::Within) << int(Verdict::Pass);
+    QTest::newRow("temperature above")
+        << Quantity::Temperature << 27.F << winding << int(Verdict::TooHigh) << int(Verdict::Fail);
+}
+
+void TstPanelMeter::verdictOfAReading()
+{
+    QFETCH(Quantity, quantity);
+    QFETCH(float, value);
+    QFETCH(Limit, limit);
+    const Form form {quantity,
+                     quantity == Quantity::Temperature ? ValueBox::Round_Static : ValueBox::Round_R,
+                     ValueBox::testI_10A};
+    const Verdict verdict(Reading(value, form), quantity, limit);
+    QTEST(int(verdict.reason()), "reason");
+    QTEST(int(verdict.outcome()), "outcome");
+}
+
+void TstPanelMeter::limitInTheUnitInEffect_data()
+{
+    QTest::addColumn<int>("unit");
+    QTest::addColumn<QString>("listed");
+    QTest::addColumn<QString>("kept");
+    QTest::addColumn<QString>("shown");
+    const int celsius = ValueBox::Temp_Celsius;
+    const int fahrenheit = ValueBox::Temp_Fahrenheit;
+    const int kelvin = ValueBox::Temp_Kelvin;
+    QTest::newRow("as entered") << celsius << "26.5"
+                                << "26.5" << QStringLiteral("26.5 \u00B0C");
+    QTest::newRow("entered in another unit")
+        << celsius << QStringLiteral("26.67 \u00B0F") << "26.67" << QStringLiteral("26.67 \u00B0C");
+    QTest::newRow("80 degrees Fahrenheit, and back")
+        << fahrenheit << QStringLiteral("80.01 \u00B0F") << "26.67" << QStringLiteral("80 \u00B0F");
+    QTest::newRow("a tenth of a degree") << fahrenheit << QStringLiteral("80.49 \u00B0F") << "26.94"
+                                         << QStringLiteral("80.5 \u00B0F");
+    QTest::newRow("freezing point")
+        << fahrenheit << QStringLiteral("32 \u00B0F") << "0" << QStringLiteral("32 \u00B0F");
+    QTest::newRow("below zero") << fahrenheit << QStringLiteral("-4 \u00B0F") << "-20"
+                                << QStringLiteral("-4 \u00B0F");
+    QTest::newRow("kelvin") << kelvin << "300 K"
+                            << "26.85"
+                            << "300 K";
+    QTest::newRow("words") << fahrenheit << "abc"
+                           << "abc"
+                           << "abc";
+    QTest::newRow("none") << fahrenheit << ""
+                          << ""
+                          << "";
+}
+
+void TstPanelMeter::limitInTheUnitInEffect()
+{
+    QFETCH(int, unit);
+    QFETCH(QString, listed);
+    useUnit(static_cast<ValueBox::TemperatureUnit>(unit));
+    const QString kept = Limit::kept(Quantity::Temperature, listed);
+    QTEST(kept, "kept");
+    QTEST(Limit::text(Quantity::Temperature, kept), "shown");
+}
+
+void TstPanelMeter::limitOfTheListsInTheUnitInEffect()
+{
+    Stores stores;
+    KTV_DataList library(stores.path, stores.path, QStringLiteral("EN"));
+    Lists lists(library);
+    useUnit(ValueBox::Temp_Fahrenheit);
+    for (int degrees = -40; degrees <= 400; ++degrees)
+        QVERIFY(library.AddLimit_T(QString::number(degrees), QString::number(degrees), QString()));
+    for (const Lists::Entry &entry : lists.entries(Lists::TemperatureLimits))
+        QCOMPARE(entry.values.at(2), entry.values.at(0));
+    useUnit(ValueBox::Temp_Celsius);
+    // What was entered as 80 degrees Fahrenheit has no sign of theirs.
+    QCOMPARE(lists.entries(Lists::TemperatureLimits, QStringLiteral("80")).first().values.at(2),
+             QStringLiteral("26.67"));
+}
+
+void TstPanelMeter::valuesThatAreRefused_data()
+{
+    QTest::addColumn<int>("family");
+    QTest::addColumn<QStringList>("values");
+    QTest::addColumn<int>("problem");
+    const int ohms = Lists::ResistanceLimits;
+    const int degrees = Lists::TemperatureLimits;
+    QTest::newRow("no name") << int(Lists::ObjectTypes) << QStringList("")
+                             << int(Lists::NameMissing);
+    QTest::newRow("name") << int(Lists::ObjectTypes) << QStringList("a") << int(Lists::NoProblem);
+    QTest::newRow("coefficient") << int(Lists::Materials) << QStringList({"a", "0.004"})
+                                 << int(Lists::NoProblem);
+    QTest::newRow("no coefficient")
+        << int(Lists::Materials) << QStringList({"a", ""}) << int(Lists::NotANumber);
+    QTest::newRow("one bound") << ohms << QStringList({"a", "", "2" + milliohm})
+                               << int(Lists::NoProblem);
+    QTest::newRow("no bound") << ohms << QStringList({"a", "", ""}) << int(Lists::BoundsMissing);
+    QTest::newRow("words") << ohms << QStringList({"a", "", "abc"}) << int(Lists::NotANumber);
+    QTest::newRow("words beside a number")
+        << degrees << QStringList({"a", "5", "--"}) << int(Lists::NotANumber);
+    QTest::newRow("wrong way round, prefixes counted")
+        << ohms << QStringList({"a", "2 \u2126", "3" + milliohm}) << int(Lists::LowAboveHigh);
+    QTest::newRow("the same twice")
+        << degrees << QStringList({"a", "5", "5"}) << int(Lists::NoProblem);
+}
+
+void TstPanelMeter::valuesThatAreRefused()
+{
+    QFETCH(int, family);
+    QFETCH(QStringList, values);
+    QTEST(int(Lists::problemOf(static_cast<Lists::Family>(family), values)), "problem");
+}
+
+// --- series
+
+void TstPanelMeter::statistics()
+{
+    Series series(circumstances());
+    // Differences in the last digits of a float.
+    for (const float value : {100000.F, 100000.0625F, missing, 100000.125F, 99999.9375F})
+        series.add(0, value);
+    QCOMPARE(series.count(), 5);
+    QCOMPARE(series.presentCount(), 4);
+    QCOMPARE(series.minimum(), 99999.9375F);
+    QCOMPARE(series.maximum(), 100000.125F);
+    QCOMPARE(series.mean(), 100000.03125F);
+    QCOMPARE(series.standardDeviation(), static_cast<float>(std::sqrt(0.01953125 / 3)));
+}
+
+void TstPanelMeter::statisticsOfNothing()
+{
+    Series series(circumstances());
+    QVERIFY(std::isnan(series.minimum()));
+    QVERIFY(std::isnan(series.mean()));
+    series.add(0, missing);
+    QVERIFY(std::isnan(series.mean()));
+    series.add(0, 1);
+    QCOMPARE(series.mean(), 1.F);
+    QVERIFY(std::isnan(series.standardDeviation()));
+}
+
+void TstPanelMeter::outcomeOfASeries_data()
+{
+    QTest::addColumn<QVector<float>>("values");
+    QTest::addColumn<int>("outcome");
+    QTest::newRow("empty") << QVector<float>() << int(Verdict::None);
+    QTest::newRow("every one passes") << QVector<float> {0.001F, 0.002F} << int(Verdict::Pass);
+    QTest::newRow("one fails") << QVector<float> {0.001F, 0.003F, 0.001F} << int(Verdict::Fail);
+    QTest::newRow("one is missing") << QVector<float> {0.001F, missing} << int(Verdict::None);
+    QTest::newRow("one is missing, one fails")
+        << QVector<float> {0.003F, missing} << int(Verdict::Fail);
+}
+
+void TstPanelMeter::outcomeOfASeries()
+{
+    QFETCH(QVector<float>, values);
+    Series series(circumstances({QStringLiteral("joint"), QString(), QStringLiteral("2 m\u2126")}));
+    for (const float value : std::as_const(values))
+        series.add(0, value);
+    QTEST(int(series.outcome()), "outcome");
+}
+
+void TstPanelMeter::seriesAsAFile()
+{
+    SeriesConditions conditions =
+        circumstances({QStringLiteral("busbar, \"new\""), QString(), QStringLiteral("2 m\u2126")});
+    conditions.meterName = QStringLiteral("QERN KTV-420");
+    conditions.serialNumber = QStringLiteral("CH20417");
+    conditions.form.method = ValueBox::Round_R_TempCompensation;
+    conditions.material = QStringLiteral("Copper");
+    conditions.alpha = 0.00393;
+    conditions.objectType = QStringLiteral("Transformer");
+    conditions.objectName = QStringLiteral("T1");
+    conditions.interval = 200;
+    Series series(conditions);
+    series.add(0, 0.001F);
+    series.add(201, missing);
+    series.add(86400001, 0.0012347F);
+    const QString expected = QStringLiteral("meter,\"QERN KTV-420\"\r\n"
+                                            "serial number,\"CH20417\"\r\n"
+                                            "quantity,resistance\r\n"
+                                            "unit,ohm\r\n"
+                                            "test current,10.0 A\r\n"
+                                            "object type,\"Transformer\"\r\n"
+                                            "object name,\"T1\"\r\n"
+                                            "material,\"Copper\"\r\n"
+                                            "temperature coefficient in 1/K,0.00393\r\n"
+                                            "limit,\"busbar, \"\"new\"\"\"\r\n"
+                                            "low limit,\"\"\r\n"
+                                            "high limit,\"2 m\u2126\"\r\n"
+                                            "verdict,\r\n"
+                                            "start,2024-03-01T09:30:00\r\n"
+                                            "interval in s,0.2\r\n"
+                                            "count,2\r\n"
+                                            "minimum,0.001\r\n"
+                                            "maximum,0.0012347\r\n"
+                                            "mean,0.00111735\r\n"
+                                            "standard deviation,0.0001659579\r\n"
+                                            "\r\n"
+                                            "number,time,seconds,value,shown,verdict\r\n"
+                                            "1,2024-03-01T09:30:00.000,0.000,0.001,"
+                                            "\"1.0000 m\u2126\",pass\r\n"
+                                            "2,2024-03-01T09:30:00.201,0.201,,\"--- \u2126\",\r\n"
+                                            "3,2024-03-02T09:30:00.001,86400.001,0.0012347,"
+                                            "\"1.2347 m\u2126\",pass\r\n");
+    QCOMPARE(QString::fromUtf8(SeriesFile::csv(series)).split("\r\n"), expected.split("\r\n"));
+}
+
+void TstPanelMeter::seriesFollowsTheUnit()
+{
+    SeriesConditions conditions = circumstances();
+    conditions.form = {Quantity::Temperature, ValueBox::Round_Static, ValueBox::testI_None};
+    Series series(conditions);
+    series.add(0, 20);
+    QCOMPARE(series.text(0), QStringLiteral("20.0 \u00B0C"));
+    useUnit(ValueBox::Temp_Fahrenheit);
+    series.forgetTexts();
+    QCOMPARE(series.text(0), QStringLiteral("68.0 \u00B0F"));
+}
+
+void TstPanelMeter::recorderEndsByItself()
+{
+    Stores stores;
+    stores.recorder.setWanted(3);
+    stores.recorder.setInterval(1);
+    QSignalSpy added(&stores.recorder, &Recorder::added);
+    QVERIFY(!stores.recorder.isUnsaved());
+    stores.recorder.start();
+    QVERIFY(stores.recorder.isRunning());
+    QTRY_VERIFY(!stores.recorder.isRunning());
+    QCOMPARE(added.size(), 3);
+    QCOMPARE(stores.recorder.series().count(), 3);
+    QVERIFY(stores.recorder.isUnsaved());
+    QCOMPARE(
+        stores.counters.get_dictionary(KTV_Liczniki::Licznik_RejestracjaObiektowRezystancyjnych),
+        1);
+}
+
+void TstPanelMeter::recorderKeepsItsConditions()
+{
+    Stores stores;
+    stores.recorder.setWanted(1);
+    stores.recorder.setInterval(1);
+    stores.setup.setObject(QStringLiteral("Motor"), QStringLiteral("M1"));
+    stores.recorder.start();
+    QTRY_VERIFY(!stores.recorder.isRunning());
+    stores.setup.setQuantity(Quantity::Temperature);
+    stores.setup.setObject(QString(), QString());
+    useUnit(ValueBox::Temp_Kelvin);
+    stores.recorder.refresh();
+    const Series &series = stores.recorder.series();
+    QCOMPARE(series.count(), 1);
+    QCOMPARE(series.conditions().objectName, QStringLiteral("M1"));
+    QVERIFY(series.text(0).endsWith(milliohm));
+    QVERIFY(stores.recorder.isUnsaved());
+}
+
+// --- settings
+
+void TstPanelMeter::settersTell()
+{
+    Stores stores;
+    QSignalSpy changed(&stores.setup, &Setup::changed);
+    stores.setup.setCurrent(ValueBox::testI_1A);
+    stores.setup.setMaterial(QStringLiteral("Copper"), 0.00393);
+    stores.setup.setLimit({QStringLiteral("a"), QString(), QStringLiteral("1")});
+    stores.setup.setObject(QStringLiteral("Motor"), QStringLiteral("M1"));
+    stores.setup.setTestObject(TestObject());
+    stores.setup.setQuantity(Quantity::Inductance);
+    QCOMPARE(changed.size(), 6);
+    QSignalSpy settings(&stores.recorder, &Recorder::settingsChanged);
+    stores.recorder.setClient(QStringLiteral("a"));
+    stores.recorder.setInterval(5000);
+    stores.recorder.setWanted(10);
+    QCOMPARE(settings.size(), 3);
+    Preferences preferences(stores.settings, stores.path + QStringLiteral("panel.ini"));
+    QSignalSpy unit(&preferences, &Preferences::temperatureUnitChanged);
+    preferences.setTemperatureUnit(ValueBox::Temp_Kelvin);
+    QCOMPARE(unit.size(), 1);
+    QCOMPARE(NumericalValueBox::getTempUnit(), ValueBox::Temp_Kelvin);
+}
+
+void TstPanelMeter::lastSettingComesBack()
+{
+    Stores stores;
+    stores.setup.setCurrent(ValueBox::testI_1A);
+    stores.setup.setLimit({QStringLiteral("joint"), QStringLiteral("1"), QStringLiteral("2")});
+    stores.setup.setObject(QStringLiteral("Motor"), QStringLiteral("M1"));
+    stores.setup.setQuantity(Quantity::Inductance);
+    QVERIFY(stores.setup.limit().name.isEmpty());
+    QCOMPARE(stores.setup.objectName(), QStringLiteral("M1")); // the same object
+    stores.setup.setCurrent(ValueBox::testI_10mA);
+
+    Setup later(stores.settings);
+    later.load();
+    QCOMPARE(later.current(), ValueBox::testI_1A);
+    QCOMPARE(later.limit().high, QStringLiteral("2"));
+    QCOMPARE(later.objectType(), QStringLiteral("Motor"));
+    later.setQuantity(Quantity::Inductance);
+    QCOMPARE(later.current(), ValueBox::testI_10mA);
+}
+
+void TstPanelMeter::currentFollowsTheCompensation()
+{
+    Stores stores;
+    NumericalValueBox::SetCurrentMeter(KTV_Configuration::KTV_4200);
+    stores.setup.setCurrent(ValueBox::testI_150A);
+    QCOMPARE(stores.setup.current(), ValueBox::testI_150A);
+    stores.setup.setMaterial(QStringLiteral("Copper"), 0.00393); // known up to 100 A only
+    QVERIFY(stores.setup.testCurrents().contains(stores.setup.current()));
+    QVERIFY(stores.setup.current() != ValueBox::testI_150A);
+}
+
+// --- WiFi
+
+void TstPanelMeter::namesOfNetworks_data()
+{
+    QTest::addColumn<QString>("printed");
+    QTest::addColumn<QString>("readable");
+    QTest::newRow("plain") << "Workshop Guest"
+                           << "Workshop Guest";
+    QTest::newRow("two bytes") << "K\\xC3\\xB6ln" << QStringLiteral("K\u00F6ln");
+    QTest::newRow("small hexadecimal figures") << "K\\xc3\\xb6ln" << QStringLiteral("K\u00F6ln");
+    QTest::newRow("no UTF-8") << "a\\xFF"
+                              << "a\\xFF";
+    QTest::newRow("cut within a letter") << "a\\xC3"
+                                         << "a\\xC3";
+    QTest::newRow("not to be printed") << "a\\x0Ab"
+                                       << "a\\x0Ab";
+}
+
+void TstPanelMeter::namesOfNetworks()
+{
+    QFETCH(QString, printed);
+    QTEST(NetworkName::readable(printed), "readable");
+}
+
+KTV_METER_TEST_MAIN(TstPanelMeter)
+
+#include "tst_panel_meter.moc"
