@@ -1,9 +1,8 @@
 #include "configuration/KTV_Configuration.h"
 
+#include "internal/RegularFile_p.h"
 #include "internal/XmlFile_p.h"
 #include "internal/log_p.h"
-
-#include <QFile>
 
 #include <array>
 #include <optional>
@@ -59,7 +58,7 @@ QString modelNameOf(const QString &serial)
 
 std::optional<QString> readSystemVersion()
 {
-    QFile file(systemVersionFile);
+    Internal::RegularFile file(systemVersionFile);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         return std::nullopt;
     return QString::fromUtf8(file.readAll()).trimmed();
@@ -98,7 +97,7 @@ KTV_Configuration::KTV_Configuration(QObject *parent)
     : QObject(parent)
     , d(std::make_unique<Private>())
 {
-    QFile file(descriptionFile);
+    Internal::RegularFile file(descriptionFile);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         log() << "Fail to open KTV_Configuration:" << descriptionFile;
         return;

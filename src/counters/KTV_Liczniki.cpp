@@ -1,5 +1,6 @@
 #include "counters/KTV_Liczniki.h"
 
+#include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 
 #include <QDataStream>
@@ -65,7 +66,7 @@ KTV_Liczniki::~KTV_Liczniki()
 void KTV_Liczniki::LoadLiczniki()
 {
     try {
-        QFile file(d->path);
+        Internal::RegularFile file(d->path);
         if (file.exists()) {
             if (file.open(QIODevice::ReadOnly)) {
                 QDataStream stream(&file);

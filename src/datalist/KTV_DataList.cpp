@@ -2,6 +2,7 @@
 
 #include "datalist/ListFamily_p.h"
 #include "internal/NamedDatabase_p.h"
+#include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 #include "valuebox/NumericalValueBox.h"
 #include "valuebox/Temperature_p.h"
@@ -179,8 +180,8 @@ void KTV_DataList::Private::fill(const ListFamily &family)
     const std::optional<int> count = countFactoryRows(family);
     if (count.value_or(0) > 0)
         return;
-    QFile file(languagesDirectory + language + QLatin1Char('/')
-               + QLatin1String(family.factoryFile));
+    Internal::RegularFile file(languagesDirectory + language + QLatin1Char('/')
+                               + QLatin1String(family.factoryFile));
     if (!file.exists()) {
         log() << "Nie znaleziono lub nie otwarto pliku: " << file.fileName();
         return;

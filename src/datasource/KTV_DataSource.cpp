@@ -5,6 +5,7 @@
 #include "counters/KTV_Liczniki.h"
 #include "datalist/KTV_DataList.h"
 #include "internal/BackgroundWork_p.h"
+#include "internal/RegularFile_p.h"
 #include "language/LangSerwis.h"
 #include "language/helpManager.h"
 #include "platform/Pendrive.h"
@@ -198,13 +199,14 @@ int KTV_DataSource::getFreeSpaceAlert() const
 
 bool KTV_DataSource::FirstStart()
 {
-    QFile marker(QStringLiteral("/etc/korva/system-boot.status"));
+    const QString path = QStringLiteral("/etc/korva/system-boot.status");
+    Internal::RegularFile marker(path);
     if (!marker.exists() || !marker.open(QIODevice::ReadOnly))
         return false;
     const bool isFirst = QString::fromUtf8(marker.readAll()).startsWith(QLatin1Char('1'));
     marker.close();
     if (isFirst)
-        marker.remove();
+        QFile::remove(path);
     return isFirst;
 }
 

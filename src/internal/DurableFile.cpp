@@ -49,7 +49,7 @@ bool makeDirectory(const QString &path)
 bool replaceFile(const QString &path, const QByteArray &content, QString *reason)
 {
     const QFileInfo old(path);
-    const QString target = old.exists() ? old.canonicalFilePath() : path;
+    const QString target = old.isFile() ? old.canonicalFilePath() : path; // never a device
     QTemporaryFile file(target + QStringLiteral(".XXXXXX")); // beside it: the same file system
     if (!file.open() || file.write(content) != content.size() || !file.flush()) {
         *reason = file.errorString();

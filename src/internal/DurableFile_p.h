@@ -25,8 +25,8 @@ bool makeDirectory(const QString &path);
 /**
  * Puts @p content in the place of the file in one step, and waits until the card has it: a full
  * card or a pulled battery leaves the old file or the new one, never a part. Only on FAT, which
- * renames in several steps, a battery pulled between them may leave none. A symbolic link stays,
- * and the file that it leads to is replaced.
+ * renames in several steps, a battery pulled between them may leave none. A symbolic link to
+ * a file stays, and that file is replaced; one to anything else is replaced itself.
  *
  * The new file is readable and writable by its owner only, from its first moment. A battery
  * pulled meanwhile may leave a file named as this one with six more letters behind.

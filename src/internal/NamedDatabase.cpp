@@ -1,8 +1,8 @@
 #include "internal/NamedDatabase_p.h"
 
+#include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QtEndian>
 
@@ -26,13 +26,18 @@ bool isStatementsFault(const QSqlError &error)
     return error.nativeErrorCode() == QLatin1String("1"); // SQLITE_ERROR
 }
 
+QString journalOf(const QString &path)
+{
+    return path + QStringLiteral("-journal");
+}
+
 /** Whether the journal beside a database says that the database was empty before. */
 bool journalEmptiesDatabase(const QString &path)
 {
     static constexpr char magic[] = "\xd9\xd5\x05\xf9\x20\xa1\x63\xd7";
     static constexpr int magicSize = 8;
     static constexpr int pageCountOffset = 16;
-    QFile journal(path + QStringLiteral("-journal"));
+    RegularFile journal(journalOf(path));
     if (!journal.open(QIODevice::ReadOnly))
         return false;
     const QByteArray header = journal.read(pageCountOffset + int(sizeof(quint32)));
@@ -55,7 +60,11 @@ bool NamedDatabase::open(const QString &path)
 {
     release();
     m_db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
-    m_db.setDatabaseName(path);
+    // SQLite would take a device for an empty database: what lies beneath it does not open.
+    m_db.setDatabaseName(isSpecialFile(path) ? path + QStringLiteral("/none") : path);
+    // It would wait for the other end of a pipe, which has never been a journal.
+    if (isSpecialFile(journalOf(path)))
+        QFile::remove(journalOf(path));
     m_db.setConnectOptions(connectOptions());
     if (m_db.open())
         return true;

@@ -1,10 +1,10 @@
 #include "language/LangSerwis.h"
 
+#include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 #include "language/SectionIndex_p.h"
 
 #include <QDir>
-#include <QFile>
 
 using Internal::log;
 
@@ -57,7 +57,7 @@ LangSerwis::~LangSerwis() = default;
 bool LangSerwis::setLang(const QString &code)
 {
     QString loaded = code;
-    QFile file(d->filePath(code));
+    Internal::RegularFile file(d->filePath(code));
     if (!file.open(QIODevice::ReadOnly)) {
         log() << "LangSerwis::setLang(" << code << "): " << file.errorString() << ": "
               << file.fileName();

@@ -1,8 +1,11 @@
 #include "language/helpManager.h"
 
+#include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 
 #include <QDir>
+
+#include <algorithm>
 
 using Internal::log;
 
@@ -51,8 +54,16 @@ class helpManager::Private
 public:
     QStringList pagesIn(const QString &path) const
     {
-        return QDir(path).entryList({QStringLiteral("*_") + code + QStringLiteral(".html")},
-                                    QDir::Files, QDir::Name);
+        const QDir folder(path);
+        QStringList pages = folder.entryList(
+            {QStringLiteral("*_") + code + QStringLiteral(".html")}, QDir::Files, QDir::Name);
+        // A link counts as a file there, whatever it leads to.
+        pages.erase(std::remove_if(pages.begin(), pages.end(),
+                                   [&folder](const QString &page) {
+                                       return Internal::isSpecialFile(folder.filePath(page));
+                                   }),
+                    pages.end());
+        return pages;
     }
 
     QString directory;

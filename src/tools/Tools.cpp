@@ -1,5 +1,6 @@
 #include "tools/Tools.h"
 
+#include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 
 #include <QFile>
@@ -114,7 +115,7 @@ qint64 Tools::getUsedSpacePercent(const QString &path)
 bool Tools::SD_Card_is_OK()
 {
     try {
-        QFile file(QStringLiteral("/etc/korva/sdcard.error"));
+        Internal::RegularFile file(QStringLiteral("/etc/korva/sdcard.error"));
         if (!file.exists())
             return true;
         return file.open(QIODevice::ReadOnly | QIODevice::Text)

@@ -1,0 +1,269 @@
+#include "support/LogCapture.h"
+#include "support/Meter.h"
+#include "support/Volume.h"
+
+#include <configuration/KTV_Configuration.h>
+#include <configuration/KTV_InterfaceConfig.h>
+#include <counters/KTV_Liczniki.h>
+#include <datalist/KTV_DataList.h>
+#include <datasource/KTV_DataSource.h>
+#include <language/LangSerwis.h>
+#include <language/helpManager.h>
+#include <sound/Sound.h>
+#include <tools/Tools.h>
+#include <wifi/KTV_Connection.h>
+
+#include <QDir>
+#include <QtTest>
+
+#include <functional>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using Place = std::function<void(const QString &)>;
+Q_DECLARE_METATYPE(Place)
+
+namespace {
+
+const QString userData = QStringLiteral("/media/sdcard/UserData/");
+const QString languages = QStringLiteral("/home/root/Langs/");
+constexpr unsigned longest = 120; // s; a test that waits for a pipe would wait for ever
+
+void clear(const QString &path)
+{
+    QDir(path).removeRecursively();
+    QFile::remove(path);
+}
+
+/** What may stand in a file's place. */
+struct Kind
+{
+    const char *name;
+    void (*create)(const QString &path);
+};
+
+const Kind kinds[] = {
+    {"pipe", [](const QString &path) { ::mkfifo(QFile::encodeName(path), 0600); }},
+    {"link to a pipe",
+     [](const QString &path) {
+         clear("/tmp/pipe");
+         ::mkfifo("/tmp/pipe", 0600);
+         QFile::link("/tmp/pipe", path);
+     }},
+    {"device without end", [](const QString &path) { QFile::link("/dev/zero", path); }},
+    {"device that swallows", [](const QString &path) { QFile::link("/dev/full", path); }},
+    {"socket", [](const QString &path) { const SocketFile socket(path); }},
+    {"directory", [](const QString &path) { QDir().mkpath(path); }},
+};
+
+bool isDirectory(const QString &path)
+{
+    return QFileInfo(path).isDir();
+}
+
+bool hasLine(const LogCapture &log, const QString &begin)
+{
+    return !log.lines()
+                .filter(QRegularExpression('^' + QRegularExpression::escape(begin)))
+                .isEmpty();
+}
+
+// Each place: what is used there, and what it answers.
+
+void description(const QString &path)
+{
+    const LogCapture log;
+    const KTV_Configuration configuration;
+    QCOMPARE(log.lines(), QStringList("Fail to open KTV_Configuration:" + path));
+    QCOMPARE(configuration.get_clientsDirectory(), QStringLiteral("/media/sdcard/Clients/"));
+}
+
+void systemVersion(const QString &)
+{
+    QCOMPARE(KTV_Configuration().get_SystemVersion(), QStringLiteral(" - ????"));
+}
+
+void language(const QString &path)
+{
+    LangSerwis texts(languages, KTV_Configuration::KTV_420);
+    const LogCapture log;
+    QVERIFY(texts.setLang("XX"));
+    QCOMPARE(texts.getCurrentLang(), QStringLiteral("EN"));
+    QCOMPARE(log.lines().size(), 1);
+    QVERIFY(hasLine(log, "LangSerwis::setLang(XX): "));
+    QVERIFY(log.lines().constFirst().endsWith(": " + path));
+    QVERIFY(!log.lines().constFirst().contains("Unknown error"));
+}
+
+void fallbackLanguage(const QString &)
+{
+    LangSerwis texts(languages, KTV_Configuration::KTV_420);
+    const LogCapture log;
+    QVERIFY(!texts.setLang("XX"));
+    QCOMPARE(log.lines().size(), 3);
+    QVERIFY(hasLine(log, "LangSerwis::setLang to default (EN): "));
+}
+
+void helpPage(const QString &)
+{
+    QERNTools::helpManager help("/home/root/Help", KTV_Configuration::KTV_420, "XX");
+    QVERIFY(!help.HasHelp("odd"));
+    QVERIFY(std::unique_ptr<QStringList>(help.GetHelpFileList("odd"))->isEmpty());
+}
+
+void counters(const QString &)
+{
+    const LogCapture log;
+    const KTV_Liczniki counters("/media/sdcard/Log/");
+    QCOMPARE(log.lines(), QStringList("Liczniki open file error!!!"));
+    QCOMPARE(counters.get_dictionary(KTV_Liczniki::Licznik_Demagnetyzacja), 0);
+}
+
+void defaultList(const QString &)
+{
+    KTV_DataList lists(userData, languages, "XX");
+    QVERIFY(lists.Open());
+    QCOMPARE(lists.GetDefaultObiectTypCount(), 0);
+    QVERIFY(lists.AddObiectTyp("own"));
+}
+
+void lists(const QString &)
+{
+    const LogCapture log;
+    KTV_DataList lists(userData, languages, "EN");
+    QVERIFY(!lists.Open());
+    QVERIFY(!lists.AddObiectTyp("own"));
+    QVERIFY(hasLine(log, "!no open database:unable to open database file"));
+}
+
+/** Settings that cannot be opened are replaced, where they can be. */
+void settings(const QString &path)
+{
+    const LogCapture log;
+    KTV_InterfaceConfig settings(userData);
+    QVERIFY(hasLine(log, "!no open database:unable to open database file"));
+    settings.setValue(KTV_InterfaceConfig::MAIN_Lang, "PL");
+    QCOMPARE(settings.getValue(KTV_InterfaceConfig::MAIN_Lang, "none"),
+             isDirectory(path) ? QStringLiteral("none") : QStringLiteral("PL"));
+}
+
+void knownNetworks(const QString &)
+{
+    WiFi::KTV_Connection connection(userData);
+    QVERIFY(!connection.AddNetwork("name", "passphrase"));
+}
+
+/** What is no journal hinders nobody; a directory has no database opened, and none lost. */
+void journalOfSettings(const QString &path)
+{
+    const QString database = path.chopped(int(qstrlen("-journal")));
+    KTV_InterfaceConfig settings(userData);
+    settings.setValue(KTV_InterfaceConfig::MAIN_Lang, "PL");
+    if (!isDirectory(path))
+        QCOMPARE(settings.getValue(KTV_InterfaceConfig::MAIN_Lang, "none"), QStringLiteral("PL"));
+    QVERIFY(QFileInfo(database).isFile());
+}
+
+void sample(const QString &)
+{
+    using SoundNamespace::Sound;
+    for (const bool loop : {false, true}) {
+        Sound::Play(Sound::SOUND_ERROR, loop, true, "/tmp/");
+        Sound::KillProcess();
+        QTRY_COMPARE(Meter::processes("aplay"), QStringList());
+    }
+}
+
+void firstStartMarker(const QString &path)
+{
+    QVERIFY(!KTV_DataSource::FirstStart());
+    QVERIFY(QFileInfo(path).exists());
+}
+
+void cardMarker(const QString &)
+{
+    QVERIFY(!QERNTools::Tools::SD_Card_is_OK());
+}
+
+struct PlaceOf
+{
+    const char *path;
+    void (*look)(const QString &path);
+};
+
+const PlaceOf places[] = {
+    {"/home/root/globalInfo.xml", description},
+    {"/etc/version", systemVersion},
+    {"/home/root/Langs/XX/XX.xml", language},
+    {"/home/root/Langs/EN/EN.xml", fallbackLanguage},
+    {"/home/root/Help/KTV_420/odd/page_XX.html", helpPage},
+    {"/media/sdcard/Log/liczniki.bin", counters},
+    {"/home/root/Langs/XX/default_obiectTyp.txt", defaultList},
+    {"/media/sdcard/UserData/dataList.db", lists},
+    {"/media/sdcard/UserData/interfaceConfig.db", settings},
+    {"/media/sdcard/UserData/wifi.db", knownNetworks},
+    {"/media/sdcard/UserData/interfaceConfig.db-journal", journalOfSettings},
+    {"/tmp/SOUND_ERROR.raw", sample},
+    {"/etc/korva/system-boot.status", firstStartMarker},
+    {"/etc/korva/sdcard.error", cardMarker},
+};
+
+} // namespace
+
+/** What is no file, in the place of each file that the library reads or writes. */
+class TstOddFiles : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init() { ::alarm(longest); }
+    void cleanup() { ::alarm(0); }
+
+    void inTheFilesPlace_data();
+    void inTheFilesPlace();
+    void linkToAFile();
+};
+
+void TstOddFiles::inTheFilesPlace_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<Place>("look");
+    QTest::addColumn<Place>("create");
+    for (const PlaceOf &place : places) {
+        for (const Kind &kind : kinds)
+            QTest::addRow("%s: %s", place.path, kind.name)
+                << place.path << Place(place.look) << Place(kind.create);
+    }
+}
+
+void TstOddFiles::inTheFilesPlace()
+{
+    QFETCH(QString, path);
+    QFETCH(Place, look);
+    QFETCH(Place, create);
+    const QByteArray before = Meter::readFile(path);
+    const bool existed = QFile::exists(path);
+    QDir().mkpath(QFileInfo(path).path());
+    clear(path);
+    create(path);
+    look(path);
+    clear(path);
+    clear(userData);
+    if (existed)
+        Meter::writeFile(path, before);
+}
+
+/** A link to an ordinary file elsewhere is as good as the file. */
+void TstOddFiles::linkToAFile()
+{
+    Meter::writeFile("/tmp/version", "7.8.9\n");
+    const QByteArray before = Meter::readFile("/etc/version");
+    clear("/etc/version");
+    QVERIFY(QFile::link("/tmp/version", "/etc/version"));
+    QCOMPARE(KTV_Configuration().get_SystemVersion(), QStringLiteral("7.8.9"));
+    clear("/etc/version");
+    Meter::writeFile("/etc/version", before);
+}
+
+KTV_METER_TEST_MAIN(TstOddFiles)
+#include "tst_odd_files.moc"
