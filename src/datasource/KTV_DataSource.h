@@ -123,14 +123,14 @@ public:
     /** Whether the device has a touch screen. */
     static bool TouchScreenEnable();
 
-public slots:
+public Q_SLOTS:
     /**
      * Computes the alert level anew; the timer's handler, and free to be called directly. A
      * volume that cannot be examined counts as empty.
      */
     void updateTimeDisk();
 
-signals:
+Q_SIGNALS:
     /** The free-space alert level has changed; getFreeSpaceAlert() has the new one. */
     void changeFreeSpaceAlert();
 

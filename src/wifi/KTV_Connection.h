@@ -151,12 +151,12 @@ public:
     /** Switches the interface within 3000 ms, then reads the state anew. See the other workers. */
     static void _set_wifi_Enable_Avait(KTV_Connection *connection, bool on);
 
-public slots:
+public Q_SLOTS:
     void onStatusTime(); ///< Starts one reading of the state, unless two are outstanding.
     void onStatusDetailTime(); ///< Starts one reading of the details, unless two are outstanding.
     void onScanNetwokTime(); ///< Starts one scan, unless two are outstanding.
 
-signals:
+Q_SIGNALS:
     /** The state (a WiFi::Network::wifiStates) has changed, or in detail mode any detail. */
     void WiFi_State_Change(int state);
     /** In detail mode state, name or address have changed. The receiver owns the record. */
