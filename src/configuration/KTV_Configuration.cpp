@@ -1,10 +1,10 @@
 #include "configuration/KTV_Configuration.h"
 
+#include "configuration/MeterModel_p.h"
 #include "internal/RegularFile_p.h"
 #include "internal/XmlFile_p.h"
 #include "internal/log_p.h"
 
-#include <array>
 #include <optional>
 
 using Internal::log;
@@ -14,47 +14,8 @@ namespace {
 const QLatin1String descriptionFile("/home/root/globalInfo.xml");
 const QLatin1String systemVersionFile("/etc/version");
 const QLatin1String unknownVersion(" - ????");
-const QLatin1String unknownModelName("KTV-xxx");
 constexpr int defaultBatteryAlarm1 = 10;
 constexpr int defaultBatteryAlarm2 = 3;
-
-struct SerialPrefix
-{
-    QLatin1String prefix;
-    QLatin1String modelName;
-};
-
-const std::array<SerialPrefix, 6> serialPrefixes {{
-    {QLatin1String("DV"), QLatin1String("KTV-4200")},
-    {QLatin1String("CH"), QLatin1String("KTV-420")},
-    {QLatin1String("EL"), QLatin1String("KTV-420")},
-    {QLatin1String("JB"), QLatin1String("PLX-420")},
-    {QLatin1String("DW"), QLatin1String("KTV-4400")},
-    {QLatin1String("JD"), QLatin1String("KTV-410")},
-}};
-
-struct ModelName
-{
-    QLatin1String name;
-    KTV_Configuration::MeterModels model;
-};
-
-const std::array<ModelName, 5> modelNames {{
-    {QLatin1String("KTV-420"), KTV_Configuration::KTV_420},
-    {QLatin1String("PLX-420"), KTV_Configuration::PLX_420},
-    {QLatin1String("KTV-4200"), KTV_Configuration::KTV_4200},
-    {QLatin1String("KTV-4400"), KTV_Configuration::KTV_4400},
-    {QLatin1String("KTV-410"), KTV_Configuration::KTV_410},
-}};
-
-QString modelNameOf(const QString &serial)
-{
-    for (const auto &entry : serialPrefixes) {
-        if (serial.startsWith(entry.prefix))
-            return entry.modelName;
-    }
-    return unknownModelName;
-}
 
 std::optional<QString> readSystemVersion()
 {
@@ -72,7 +33,7 @@ class KTV_Configuration::Private
 {
 public:
     QString producer = QStringLiteral("QERN");
-    QString modelName = unknownModelName;
+    QString modelName = Internal::meterModel(MeterModels_NaN).name;
     QString interfaceVersion = QStringLiteral("0.0.0.0");
     QString betaVersion;
     QString clientsDirectory = QStringLiteral("/media/sdcard/Clients/");
@@ -187,20 +148,14 @@ void KTV_Configuration::set_SerialNumber(const QString &serial)
 {
     log() << "KTV_Configuration::set_SerialNumber(" << serial << ")";
     d->serialNumber = serial;
-    _ParseMeterModelName(modelNameOf(serial));
+    _ParseMeterModelName(Internal::meterModelOfSerialNumber(serial).name);
 }
 
 void KTV_Configuration::_ParseMeterModelName(const QString &name)
 {
-    for (const auto &entry : modelNames) {
-        if (name == entry.name) {
-            _meterModel = entry.model;
-            d->modelName = name;
-            return;
-        }
-    }
-    _meterModel = MeterModels_NaN;
-    d->modelName = unknownModelName;
+    const Internal::MeterModel &row = Internal::meterModelOfName(name);
+    _meterModel = row.model;
+    d->modelName = row.name;
 }
 
 QString KTV_Configuration::get_InterfaceVersion() const

@@ -1,5 +1,6 @@
 #include "language/LangSerwis.h"
 
+#include "configuration/MeterModel_p.h"
 #include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 #include "language/SectionIndex_p.h"
@@ -15,11 +16,6 @@ const QLatin1String presentationSection("Lang");
 const QLatin1String textAttribute("value");
 const QLatin1String defaultTimeFormat("hh:mm");
 const QLatin1String defaultDateFormat("yyyy.MM.dd");
-
-bool offersFixedLanguages(KTV_Configuration::MeterModels model)
-{
-    return model == KTV_Configuration::KTV_4200 || model == KTV_Configuration::KTV_4400;
-}
 
 } // namespace
 
@@ -116,8 +112,9 @@ QHash<QString, QString> *LangSerwis::getSection(const QString &section) const
 
 QStringList *LangSerwis::getLangList() const
 {
-    if (offersFixedLanguages(d->model))
-        return new QStringList {QStringLiteral("PL"), QStringLiteral("EN"), QStringLiteral("US")};
+    const auto offered = Internal::wordsOf(Internal::meterModel(d->model).languages);
+    if (!offered.isEmpty())
+        return new QStringList(offered);
     return new QStringList(
         QDir(d->directory).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name));
 }

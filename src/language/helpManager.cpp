@@ -1,5 +1,6 @@
 #include "language/helpManager.h"
 
+#include "configuration/MeterModel_p.h"
 #include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 
@@ -12,29 +13,6 @@ using Internal::log;
 namespace QERNTools {
 
 namespace {
-
-struct ModelFolder
-{
-    KTV_Configuration::MeterModels model;
-    QLatin1String folder;
-};
-
-const ModelFolder modelFolders[] = {
-    {KTV_Configuration::KTV_410, QLatin1String("KTV_410")},
-    {KTV_Configuration::KTV_420, QLatin1String("KTV_420")},
-    {KTV_Configuration::PLX_420, QLatin1String("KTV_420")},
-    {KTV_Configuration::KTV_4200, QLatin1String("KTV_4200")},
-    {KTV_Configuration::KTV_4400, QLatin1String("KTV_4200")},
-};
-
-QString folderOf(KTV_Configuration::MeterModels model)
-{
-    for (const ModelFolder &entry : modelFolders) {
-        if (entry.model == model)
-            return entry.folder;
-    }
-    return {};
-}
 
 /** Creates the last level of a path that does not exist yet. @return whether it exists */
 bool ensureDirectory(const QString &path)
@@ -78,7 +56,7 @@ helpManager::helpManager(const QString &directory, KTV_Configuration::MeterModel
     d->directory = withSeparator(directory);
     ensureDirectory(d->directory);
     // Without a model folder the path ends in two separators; the file system does not mind.
-    d->directory += folderOf(model) + QDir::separator();
+    d->directory += Internal::meterModel(model).helpFolder + QDir::separator();
     ensureDirectory(d->directory);
     SetLang(code);
 }

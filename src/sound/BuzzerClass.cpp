@@ -1,5 +1,6 @@
 #include "sound/BuzzerClass.h"
 
+#include "configuration/MeterModel_p.h"
 #include "internal/BackgroundWork_p.h"
 #include "internal/CommandRunner_p.h"
 #include "internal/SharedFlag_p.h"
@@ -124,7 +125,7 @@ void BuzzerClass::BuzzerClass_Initialiser(KTV_Configuration::MeterModels model, 
 {
     storeShared(pernamentOff, soundOff);
     storeShared(Sound::pernamentOFF, soundOff);
-    playWave = model == KTV_Configuration::KTV_4200 || model == KTV_Configuration::KTV_4400;
+    playWave = Internal::meterModel(model).playsSamples;
     if (playWave)
         _pathtoWave = path;
     if (!toneDefinition.isEmpty())

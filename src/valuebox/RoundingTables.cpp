@@ -1,3 +1,4 @@
+#include "configuration/MeterModel_p.h"
 #include "internal/log_p.h"
 #include "valuebox/NumericalValueBox.h"
 
@@ -157,16 +158,15 @@ void fillFamily4200()
     NumericalValueBox::prepareRound_R_KTV4200();
 }
 
-struct ModelTables
+struct FamilyTables
 {
-    KTV_Configuration::MeterModels model;
+    Internal::RoundingFamily family;
     void (*fillTables)();
 };
 
-constexpr ModelTables modelTables[] = {
-    {KTV_Configuration::KTV_410, fillFamily420},   {KTV_Configuration::KTV_420, fillFamily420},
-    {KTV_Configuration::PLX_420, fillFamily420},   {KTV_Configuration::KTV_4200, fillFamily4200},
-    {KTV_Configuration::KTV_4400, fillFamily4200},
+constexpr FamilyTables familyTables[] = {
+    {Internal::RoundingFamily::Ktv420, fillFamily420},
+    {Internal::RoundingFamily::Ktv4200, fillFamily4200},
 };
 
 } // namespace
@@ -175,8 +175,8 @@ void NumericalValueBox::SetCurrentMeter(KTV_Configuration::MeterModels model)
 {
     currentMeter = model;
     Internal::log() << "NumericalValueBox::SetCurrentMeter(" << int(model) << ")";
-    for (const ModelTables &entry : modelTables) {
-        if (entry.model == model)
+    for (const FamilyTables &entry : familyTables) {
+        if (entry.family == Internal::meterModel(model).rounding)
             entry.fillTables();
     }
 }
