@@ -1,12 +1,11 @@
 #include "configuration/KTV_InterfaceConfig.h"
 
+#include "internal/DurableFile_p.h"
 #include "internal/NamedDatabase_p.h"
 #include "internal/log_p.h"
 
-#include <QDir>
 #include <QFile>
 #include <QMetaEnum>
-#include <QSqlDriver>
 #include <QVariant>
 
 #include <optional>
@@ -37,47 +36,47 @@ public:
         , path(prefix + QStringLiteral("interfaceConfig.db"))
     { }
 
-    std::optional<QString> read(const QString &key) const;
-    bool remove(const QString &key, QLatin1String failure) const;
-    bool insert(const QString &key, const QString &value) const;
+    std::optional<QString> read(const QString &key);
+    bool remove(const QString &key, QLatin1String failure);
+    bool insert(const QString &key, const QString &value);
 
     const QString directory;
     const QString path;
     Internal::NamedDatabase database {QStringLiteral("interfaceConfig")};
 };
 
-std::optional<QString> KTV_InterfaceConfig::Private::read(const QString &key) const
+std::optional<QString> KTV_InterfaceConfig::Private::read(const QString &key)
 {
-    QSqlQuery query = database.query();
-    query.setForwardOnly(true);
     // The key is an enumerator's name: nothing in it can end the quotation.
-    if (!query.exec(QStringLiteral("SELECT `CON_Value` FROM CONFIG_STR WHERE `CON_Key` = '") + key
-                    + QLatin1Char('\''))
-        || !query.next())
+    Internal::Statement statement(
+        database,
+        QStringLiteral("SELECT `CON_Value` FROM CONFIG_STR WHERE `CON_Key` = '") + key
+            + QLatin1Char('\''));
+    if (!statement.isDone() || !statement.next())
         return std::nullopt;
-    return query.value(0).toString();
+    return statement.value(0).toString();
 }
 
-bool KTV_InterfaceConfig::Private::remove(const QString &key, QLatin1String failure) const
+bool KTV_InterfaceConfig::Private::remove(const QString &key, QLatin1String failure)
 {
-    QSqlQuery query = database.query();
-    if (query.exec(QStringLiteral("DELETE FROM CONFIG_STR WHERE `CON_Key` = '") + key
-                   + QLatin1Char('\'')))
-        return true;
-    log() << failure << query.lastError().text();
-    return false;
+    const Internal::Statement statement(database,
+                                        QStringLiteral("DELETE FROM CONFIG_STR WHERE `CON_Key` = '")
+                                            + key + QLatin1Char('\''));
+    if (!statement.isDone())
+        log() << failure << statement.lastError().text();
+    return statement.isDone();
 }
 
-bool KTV_InterfaceConfig::Private::insert(const QString &key, const QString &value) const
+bool KTV_InterfaceConfig::Private::insert(const QString &key, const QString &value)
 {
-    QSqlQuery query = database.query();
-    if (Internal::execute(query,
-                          QStringLiteral("INSERT INTO CONFIG_STR (`CON_Key`,`CON_Value`)VALUES "
-                                         "(:CON_Key,:CON_Value)"),
-                          {key, value}))
-        return true;
-    log() << "setValue - INSERT: " << query.lastError().text();
-    return false;
+    const Internal::Statement statement(
+        database,
+        QStringLiteral("INSERT INTO CONFIG_STR (`CON_Key`,`CON_Value`)VALUES "
+                       "(:CON_Key,:CON_Value)"),
+        {key, value});
+    if (!statement.isDone())
+        log() << "setValue - INSERT: " << statement.lastError().text();
+    return statement.isDone();
 }
 
 KTV_InterfaceConfig::KTV_InterfaceConfig(const QString &directory, QObject *parent)
@@ -108,8 +107,7 @@ bool KTV_InterfaceConfig::CreateNew()
         log() << "KTV_InterfaceConfig::CreateNew(): file delete error:" << file.errorString();
         return false;
     }
-    if (!QDir(d->directory).exists())
-        QDir().mkdir(d->directory);
+    Internal::makeDirectory(d->directory);
     if (!d->database.open(d->path)) {
         log() << "No open :(" << d->database.lastError().text();
         return false;

@@ -1,13 +1,13 @@
 #include "datalist/KTV_DataList.h"
 
 #include "datalist/ListFamily_p.h"
+#include "internal/DurableFile_p.h"
 #include "internal/NamedDatabase_p.h"
 #include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 #include "valuebox/NumericalValueBox.h"
 #include "valuebox/Temperature_p.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTextStream>
 #include <QVariant>
@@ -19,6 +19,7 @@
 using Internal::ListFamily;
 using Internal::log;
 using Internal::Rows;
+using Internal::Statement;
 
 namespace {
 
@@ -78,14 +79,14 @@ QString shownLimit(const ListFamily &family, const QString &limit)
     return scale ? converted(limit, scale->fromCelsius) : limit;
 }
 
-void readRow(const ListFamily &, const QSqlQuery &row, DataList_Element &element)
+void readRow(const ListFamily &, const Statement &row, DataList_Element &element)
 {
     element.ID = row.value(0).toInt();
     element.ReadOnly = row.value(1).toBool();
     element.Value = row.value(2).toString();
 }
 
-void readRow(const ListFamily &, const QSqlQuery &row, MaterialList_Element &element)
+void readRow(const ListFamily &, const Statement &row, MaterialList_Element &element)
 {
     element.ID = row.value(0).toInt();
     element.ReadOnly = row.value(1).toBool();
@@ -93,7 +94,7 @@ void readRow(const ListFamily &, const QSqlQuery &row, MaterialList_Element &ele
     element.Alpha = row.value(3).toReal();
 }
 
-void readRow(const ListFamily &family, const QSqlQuery &row, LimitList_Element &element)
+void readRow(const ListFamily &family, const Statement &row, LimitList_Element &element)
 {
     element.ID = row.value(0).toInt();
     element.Name = row.value(1).toString();
@@ -142,18 +143,17 @@ public:
     void fillAll();
     void fill(const ListFamily &family);
     void addFactoryEntries(const ListFamily &family, QFile &file);
-    std::optional<int> countFactoryRows(const ListFamily &family) const; ///< nothing: unknown
+    std::optional<int> countFactoryRows(const ListFamily &family); ///< nothing: unknown
 
     Added insert(const ListFamily &family, bool readOnly, const QVariantList &columns);
     Added insertUnlessRefused(const ListFamily &family, bool readOnly, const QVariantList &columns);
-    Added testDuplicate(const ListFamily &family, const QVariant &name) const;
+    Added testDuplicate(const ListFamily &family, const QVariant &name);
     bool add(const ListFamily &family, bool readOnly, const QVariantList &columns);
-    bool update(const ListFamily &family, int id, const QVariantList &columns) const;
-    bool remove(const ListFamily &family, int id) const;
-    bool isUserRow(const ListFamily &family, int id) const;
+    bool update(const ListFamily &family, int id, const QVariantList &columns);
+    bool remove(const ListFamily &family, int id);
+    bool isUserRow(const ListFamily &family, int id);
     template <typename Element>
-    QList<Element *> *select(const ListFamily &family, Rows rows, const QString &filter,
-                             int limit) const;
+    QList<Element *> *select(const ListFamily &family, Rows rows, const QString &filter, int limit);
 
     const QString directory;
     const QString path;
@@ -209,24 +209,22 @@ void KTV_DataList::Private::addFactoryEntries(const ListFamily &family, QFile &f
         transaction.commit();
 }
 
-std::optional<int> KTV_DataList::Private::countFactoryRows(const ListFamily &family) const
+std::optional<int> KTV_DataList::Private::countFactoryRows(const ListFamily &family)
 {
     if (!database.isOpen())
         return std::nullopt;
     return guarded([&]() -> std::optional<int> {
-        QSqlQuery query = database.query();
-        query.setForwardOnly(true);
-        if (!Internal::execute(query, family.countFactoryRows(language)) || !query.next())
+        Statement query(database, family.countFactoryRows(language));
+        if (!query.isDone() || !query.next())
             return std::nullopt;
         return query.value(0).toInt();
     });
 }
 
-Added KTV_DataList::Private::testDuplicate(const ListFamily &family, const QVariant &name) const
+Added KTV_DataList::Private::testDuplicate(const ListFamily &family, const QVariant &name)
 {
-    QSqlQuery query = database.query();
-    query.setForwardOnly(true);
-    if (!Internal::execute(query, family.countDuplicates(), {name}) || !query.next())
+    Statement query(database, family.countDuplicates(), {name});
+    if (!query.isDone() || !query.next())
         return Added::Failed;
     bool ok = false;
     const qint64 count = query.value(0).toLongLong(&ok);
@@ -242,19 +240,13 @@ Added KTV_DataList::Private::insertUnlessRefused(const ListFamily &family, bool 
     if (family.hasFactoryRows())
         values += readOnly;
     values += storedColumns(family, columns);
-    if (!family.isUnique) {
-        QSqlQuery query = database.query();
-        return Internal::execute(query, family.insert(), values) ? Added::Done : Added::Failed;
-    }
+    const auto isInserted = [&] { return Statement(database, family.insert(), values).isDone(); };
+    if (!family.isUnique)
+        return isInserted() ? Added::Done : Added::Failed;
     Internal::Transaction transaction(database);
     if (const Added test = testDuplicate(family, columns.first()); test != Added::Done)
         return test;
-    {
-        QSqlQuery query = database.query();
-        if (!Internal::execute(query, family.insert(), values))
-            return Added::Failed;
-    }
-    return transaction.commit() ? Added::Done : Added::Failed;
+    return isInserted() && transaction.commit() ? Added::Done : Added::Failed;
 }
 
 Added KTV_DataList::Private::insert(const ListFamily &family, bool readOnly,
@@ -275,44 +267,38 @@ bool KTV_DataList::Private::add(const ListFamily &family, bool readOnly,
     return insert(family, readOnly, columns) == Added::Done;
 }
 
-bool KTV_DataList::Private::update(const ListFamily &family, int id,
-                                   const QVariantList &columns) const
+bool KTV_DataList::Private::update(const ListFamily &family, int id, const QVariantList &columns)
 {
     if (columns.first().toString().isEmpty() || !database.isOpen())
         return false;
     return guarded([&] {
-        QSqlQuery query = database.query();
-        const bool isDone =
-            Internal::execute(query, family.update(id), storedColumns(family, columns));
-        if (!isDone)
-            log() << query.lastError().text();
-        return isDone;
+        const Statement statement(database, family.update(id), storedColumns(family, columns));
+        if (!statement.isDone())
+            log() << statement.lastError().text();
+        return statement.isDone();
     });
 }
 
-bool KTV_DataList::Private::isUserRow(const ListFamily &family, int id) const
+bool KTV_DataList::Private::isUserRow(const ListFamily &family, int id)
 {
-    QSqlQuery query = database.query();
-    query.setForwardOnly(true);
-    return Internal::execute(query, family.selectFlag(id)) && query.next()
-        && !query.value(0).toBool();
+    Statement query(database, family.selectFlag(id));
+    return query.isDone() && query.next() && !query.value(0).toBool();
 }
 
-bool KTV_DataList::Private::remove(const ListFamily &family, int id) const
+bool KTV_DataList::Private::remove(const ListFamily &family, int id)
 {
     if (!database.isOpen())
         return false;
     return guarded([&] {
         if (family.hasFactoryRows() && !isUserRow(family, id))
             return false;
-        QSqlQuery query = database.query();
-        return Internal::execute(query, family.remove(id));
+        return Statement(database, family.remove(id)).isDone();
     });
 }
 
 template <typename Element>
 QList<Element *> *KTV_DataList::Private::select(const ListFamily &family, Rows rows,
-                                                const QString &filter, int limit) const
+                                                const QString &filter, int limit)
 {
     if (!database.isOpen())
         return nullptr;
@@ -320,10 +306,8 @@ QList<Element *> *KTV_DataList::Private::select(const ListFamily &family, Rows r
         QVariantList values;
         if (!filter.isEmpty())
             values += QString(QLatin1Char('%') + filter + QLatin1Char('%'));
-        QSqlQuery query = database.query();
-        query.setForwardOnly(true);
-        if (!Internal::execute(query, family.select(language, rows, !filter.isEmpty(), limit),
-                               values))
+        Statement query(database, family.select(language, rows, !filter.isEmpty(), limit), values);
+        if (!query.isDone())
             return nullptr;
         OwnedList<Element> list;
         while (query.next())
@@ -361,8 +345,7 @@ bool KTV_DataList::CreateNew()
     d->database.close();
     if (QFile::exists(d->path) && !QFile::remove(d->path))
         return false;
-    if (!QDir(d->directory).exists())
-        QDir().mkdir(d->directory);
+    Internal::makeDirectory(d->directory);
     if (!d->database.open(d->path)) {
         log() << "No open :(";
         log() << d->database.handle().isOpenError();

@@ -1,11 +1,13 @@
 #include "internal/NamedDatabase_p.h"
 
+#include "internal/DurableFile_p.h"
 #include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 
 #include <QFileInfo>
 #include <QtEndian>
 
+#include <cerrno>
 #include <utility>
 
 namespace Internal {
@@ -24,6 +26,13 @@ QString connectOptions()
 bool isStatementsFault(const QSqlError &error)
 {
     return error.nativeErrorCode() == QLatin1String("1"); // SQLITE_ERROR
+}
+
+/** Runs a statement. @return why it failed, or no error */
+QSqlError failureOf(NamedDatabase &database, const QString &text)
+{
+    const Statement statement(database, text);
+    return statement.isDone() ? QSqlError() : statement.lastError();
 }
 
 QString journalOf(const QString &path)
@@ -93,6 +102,7 @@ bool NamedDatabase::begin()
     if (m_inTransaction)
         return false;
     m_inTransaction = m_db.transaction();
+    m_hasChanges = false;
     return m_inTransaction;
 }
 
@@ -106,7 +116,8 @@ bool NamedDatabase::commit()
         return false;
     }
     m_inTransaction = false;
-    return true;
+    m_lastError = m_hasChanges ? flush() : QSqlError();
+    return !m_lastError.isValid();
 }
 
 void NamedDatabase::rollback()
@@ -117,14 +128,34 @@ void NamedDatabase::rollback()
     m_inTransaction = false;
 }
 
-bool execute(QSqlQuery &query, const QString &statement, const QVariantList &values)
+QSqlError NamedDatabase::noteChange()
 {
+    m_hasChanges = true;
+    return m_inTransaction ? QSqlError() : flush();
+}
+
+QSqlError NamedDatabase::flush() const
+{
+    if (flushDirectoryOf(m_db.databaseName()))
+        return {};
+    return {QStringLiteral("Unable to flush the directory"), qt_error_string(errno),
+            QSqlError::TransactionError};
+}
+
+Statement::Statement(NamedDatabase &database, const QString &text, const QVariantList &values)
+    : m_query(database.m_db)
+{
+    m_query.setForwardOnly(true);
     // Running a statement whose preparation failed would replace the reason.
-    if (!query.prepare(statement))
-        return false;
+    if (!m_query.prepare(text))
+        return;
     for (int i = 0; i < values.size(); ++i)
-        query.bindValue(i, values.at(i));
-    return query.exec();
+        m_query.bindValue(i, values.at(i));
+    if (!m_query.exec())
+        return;
+    if (!m_query.isSelect())
+        m_error = database.noteChange();
+    m_isDone = !m_error.isValid();
 }
 
 QStringList versionTable(int version)
@@ -142,15 +173,14 @@ void createSchema(NamedDatabase &database, const QStringList &statements)
     bool canBeKept = true;
     Transaction transaction(database);
     for (const QString &statement : statements) {
-        QSqlQuery query = database.query();
-        if (execute(query, statement))
+        const QSqlError error = failureOf(database, statement);
+        if (!error.isValid())
             continue;
-        log() << query.lastError().text();
-        if (isStatementsFault(query.lastError()))
+        log() << error.text();
+        if (isStatementsFault(error))
             continue;
         // A full card may have ended the transaction: outside one, the rest would be kept alone.
         canBeKept = false;
-        query.finish();
         database.rollback();
         database.begin();
     }

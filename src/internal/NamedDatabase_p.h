@@ -12,7 +12,12 @@ namespace Internal {
  * One named QSQLITE connection of a store and the order in which it is given back.
  *
  * Policy stays with the stores: what is logged, what a failed open leads to, which tables
- * a new file gets. Queries on the connection must not outlive release().
+ * a new file gets. Statements on the connection must not outlive release().
+ *
+ * A change that is answered for is on the card. SQLite alone does not see to that: a transaction
+ * ends with the deletion of its journal, and a battery pulled before the directory is flushed
+ * brings the journal back, which then undoes the change. "PRAGMA synchronous = EXTRA" would flush
+ * it, but reads the file first: to open one that is locked would wait for the lock.
  */
 class NamedDatabase
 {
@@ -32,19 +37,29 @@ public:
     QSqlDatabase handle() const { return m_db; }
     /** Why the last open() or commit() that failed did so. */
     QSqlError lastError() const { return m_lastError; }
-    QSqlQuery query() const { return QSqlQuery(m_db); }
 
     /** Begins a transaction unless this object has one open already. @return whether it did */
     bool begin();
-    /** Ends the open transaction, if any; one that cannot be written is rolled back. */
+    /**
+     * Ends the open transaction, if any; one that cannot be written is rolled back.
+     * @return whether the card has it
+     */
     bool commit();
     void rollback();
 
 private:
+    friend class Statement;
+
+    /** A statement has changed something: outside of a transaction the card gets it at once. */
+    QSqlError noteChange();
+    /** Waits until the card has the end of a transaction. */
+    QSqlError flush() const;
+
     const QString m_connectionName;
     QSqlDatabase m_db;
     QSqlError m_lastError;
     bool m_inTransaction = false;
+    bool m_hasChanges = false; ///< since the transaction began
 };
 
 /**
@@ -76,10 +91,29 @@ private:
 };
 
 /**
- * Prepares and runs a statement, its placeholders filled in their order. After a failure the
- * query's last error is that of the step that failed.
+ * A statement that is prepared and run as this object is made, its placeholders filled in their
+ * order, and that is over when this object goes. A change outside of a transaction is one by
+ * itself: the card has it when the statement is done.
  */
-bool execute(QSqlQuery &query, const QString &statement, const QVariantList &values = {});
+class Statement
+{
+public:
+    Statement(NamedDatabase &database, const QString &text, const QVariantList &values = {});
+
+    bool isDone() const { return m_isDone; }
+    /** Why it was not done, or why next() found no more row: invalid at the end of the rows. */
+    QSqlError lastError() const { return m_error.isValid() ? m_error : m_query.lastError(); }
+
+    /** Goes on to the next row, the first one at first. @return whether there is one */
+    bool next() { return m_query.next(); }
+    QVariant value(int column) const { return m_query.value(column); }
+    QVariant value(const QString &column) const { return m_query.value(column); }
+
+private:
+    QSqlQuery m_query;
+    QSqlError m_error;
+    bool m_isDone = false;
+};
 
 /** The statements that every store's schema begins with: a table that holds its version. */
 QStringList versionTable(int version);

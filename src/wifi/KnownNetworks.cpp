@@ -1,9 +1,9 @@
 #include "wifi/KnownNetworks_p.h"
 
+#include "internal/DurableFile_p.h"
 #include "internal/log_p.h"
 #include "wifi/SecretFile_p.h"
 
-#include <QDir>
 #include <QFile>
 #include <QVariant>
 
@@ -79,8 +79,7 @@ bool KnownNetworks::createNew()
     if (QFile::exists(m_path) && !QFile::remove(m_path))
         return false;
     release();
-    if (!QDir(m_directory).exists())
-        QDir().mkdir(m_directory);
+    Internal::makeDirectory(m_directory);
     keepSecret(m_path);
     if (!m_database.open(m_path)) {
         log() << "KTV_Connection - No open database :("
@@ -127,16 +126,13 @@ bool KnownNetworks::updateRow(int id, const QString &essid, const QString &key)
         return false;
     const QLatin1String failure("_AddWifiToDataBase: ");
     Internal::Transaction transaction(m_database);
-    {
-        QSqlQuery query = m_database.query();
-        // Kept: the last backtick is never closed, so the statement is refused.
-        const QString statement =
-            QStringLiteral("UPDATE NETWORKS SET`NET_ESSID`=:NET_ESSID,`NET_Encrypton`="
-                           ":NET_Encrypton,`NET_Key`=:NET_Key WHERE `NETk_1_ID=")
-            + QString::number(id);
-        if (!Internal::execute(query, statement, columns(essid, key)))
-            return failed(failure, query.lastError());
-    }
+    // Kept: the last backtick is never closed, so the statement is refused.
+    const QString update =
+        QStringLiteral("UPDATE NETWORKS SET`NET_ESSID`=:NET_ESSID,`NET_Encrypton`="
+                       ":NET_Encrypton,`NET_Key`=:NET_Key WHERE `NETk_1_ID=")
+        + QString::number(id);
+    if (!run(update, columns(essid, key), failure))
+        return false;
     return transaction.commit() || failed(failure, m_database.lastError());
 }
 
@@ -146,24 +142,20 @@ bool KnownNetworks::removeRow(int id)
         return false;
     const QLatin1String failure("_DeleteWifiInDataBase:");
     Internal::Transaction transaction(m_database);
-    {
-        QSqlQuery query = m_database.query();
-        if (!query.exec(QStringLiteral("DELETE FROM NETWORKS WHERE `NETk_1_ID` = '")
-                        + QString::number(id) + QLatin1Char('\'')))
-            return failed(failure, query.lastError());
-    }
+    const QString deletion = QStringLiteral("DELETE FROM NETWORKS WHERE `NETk_1_ID` = '")
+        + QString::number(id) + QLatin1Char('\'');
+    if (!run(deletion, {}, failure))
+        return false;
     return transaction.commit() || failed(failure, m_database.lastError());
 }
 
-NetworkList KnownNetworks::all() const
+NetworkList KnownNetworks::all()
 {
     NetworkList networks = makeNetworkList();
     if (!m_database.isOpen())
         return networks;
     try {
-        QSqlQuery query = m_database.query();
-        query.setForwardOnly(true);
-        query.exec(QStringLiteral("SELECT * FROM NETWORKS"));
+        Internal::Statement query(m_database, QStringLiteral("SELECT * FROM NETWORKS"));
         while (query.next()) {
             auto network = std::make_unique<Network>();
             network->ESSID = query.value(QStringLiteral("NET_ESSID")).toString();
@@ -185,23 +177,23 @@ bool KnownNetworks::isOpenOrLog(QLatin1String text) const
     return m_database.isOpen();
 }
 
-bool KnownNetworks::removeName(const QString &essid, QLatin1String failure) const
+bool KnownNetworks::run(const QString &text, const QVariantList &values, QLatin1String failure)
 {
-    QSqlQuery query = m_database.query();
-    return Internal::execute(
-               query, QStringLiteral("DELETE FROM NETWORKS WHERE `NET_ESSID`=:NET_ESSID"), {essid})
-        || failed(failure, query.lastError());
+    const Internal::Statement statement(m_database, text, values);
+    return statement.isDone() || failed(failure, statement.lastError());
 }
 
-bool KnownNetworks::insert(const QString &essid, const QString &key) const
+bool KnownNetworks::removeName(const QString &essid, QLatin1String failure)
 {
-    QSqlQuery query = m_database.query();
-    return Internal::execute(
-               query,
-               QStringLiteral("INSERT INTO NETWORKS (`NET_ESSID`,`NET_Encrypton`,`NET_Key`)"
+    return run(QStringLiteral("DELETE FROM NETWORKS WHERE `NET_ESSID`=:NET_ESSID"), {essid},
+               failure);
+}
+
+bool KnownNetworks::insert(const QString &essid, const QString &key)
+{
+    return run(QStringLiteral("INSERT INTO NETWORKS (`NET_ESSID`,`NET_Encrypton`,`NET_Key`)"
                               "VALUES (:NET_ESSID,:NET_Encrypton,:NET_Key)"),
-               columns(essid, key))
-        || failed(QLatin1String("KTV_Connection::_AddWifiToDataBase: "), query.lastError());
+               columns(essid, key), QLatin1String("KTV_Connection::_AddWifiToDataBase: "));
 }
 
 } // namespace WiFi

@@ -35,12 +35,13 @@ public:
     bool removeRow(int id);
 
     /** Every network, in the order of the rows; never null. */
-    NetworkList all() const;
+    NetworkList all();
 
 private:
     bool isOpenOrLog(QLatin1String text) const;
-    bool removeName(const QString &essid, QLatin1String failure) const;
-    bool insert(const QString &essid, const QString &key) const;
+    bool run(const QString &text, const QVariantList &values, QLatin1String failure);
+    bool removeName(const QString &essid, QLatin1String failure);
+    bool insert(const QString &essid, const QString &key);
 
     const QString m_directory;
     const QString m_path;

@@ -8,7 +8,7 @@ set -euo pipefail
 }
 ktvctl=${1:?}
 lines=100
-most=16
+most=20
 
 folder=/home/root/Langs/EN
 store=/media/sdcard/UserData/dataList.db

@@ -12,6 +12,7 @@
 #include <optional>
 
 using Internal::NamedDatabase;
+using Internal::Statement;
 using Internal::Transaction;
 
 /** What the stores share of a database: its connection, transactions, and its creation. */
@@ -38,14 +39,14 @@ private:
     {
         return m_directory->path() + '/' + name;
     }
-    int rows(const NamedDatabase &database) const
+    static int rows(NamedDatabase &database)
     {
-        QSqlQuery query = database.query();
-        return query.exec("SELECT COUNT(*) FROM t") && query.next() ? query.value(0).toInt() : -1;
+        Statement query(database, "SELECT COUNT(*) FROM t");
+        return query.isDone() && query.next() ? query.value(0).toInt() : -1;
     }
-    static bool run(const NamedDatabase &database, const QString &statement)
+    static bool run(NamedDatabase &database, const QString &text)
     {
-        return database.query().exec(statement);
+        return Statement(database, text).isDone();
     }
 
     std::unique_ptr<QTemporaryDir> m_directory;
