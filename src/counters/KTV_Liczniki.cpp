@@ -1,14 +1,14 @@
 #include "counters/KTV_Liczniki.h"
 
+#include "internal/DurableFile_p.h"
 #include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 
 #include <QDataStream>
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QMetaEnum>
-#include <QSaveFile>
+
+#include <cerrno>
 
 using Internal::log;
 
@@ -28,12 +28,17 @@ constexpr KTV_Liczniki::Licznik fileOrder[] = {
     KTV_Liczniki::Licznik_RejestracjaObiektowRezystancyjnych,
 };
 
-/** A file that only its own mark protects may be replaced: its directory decides. */
-void makeWritable(const QString &path)
+/**
+ * Writes the bytes over those that the file has, so that no moment exists at which it holds none:
+ * they lie in one sector, which a card writes whole or not at all, and need no more room. What
+ * would replace the file needs room for a second one, and on FAT it has several steps.
+ *
+ * @return success; otherwise the file tells the reason
+ */
+bool overwrite(QFile &file, const QByteArray &bytes)
 {
-    const QFileInfo file(path);
-    if (file.isFile() && !file.isWritable())
-        QFile::setPermissions(path, file.permissions() | QFile::WriteOwner | QFile::WriteUser);
+    return file.seek(0) && file.write(bytes) == bytes.size()
+        && (file.size() == bytes.size() || file.resize(bytes.size()));
 }
 
 } // namespace
@@ -46,10 +51,38 @@ public:
         , path(prefix + QStringLiteral("liczniki.bin"))
     { }
 
+    QByteArray bytes() const;
+    bool save(QFile &file, bool exists, QString *reason) const;
+
     const QString directory;
     const QString path;
     QHash<Licznik, qint64> counters;
 };
+
+QByteArray KTV_Liczniki::Private::bytes() const
+{
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setVersion(streamVersion);
+    stream << fileMarker;
+    for (const Licznik counter : fileOrder)
+        stream << counters.value(counter, 0);
+    return bytes;
+}
+
+bool KTV_Liczniki::Private::save(QFile &file, bool exists, QString *reason) const
+{
+    if (!overwrite(file, bytes())) {
+        *reason = file.errorString();
+        if (!exists)
+            file.remove(); // the next start would take the empty file for a damaged one
+        return false;
+    }
+    if (Internal::flushFile(file.handle()) && (exists || Internal::flushDirectoryOf(path)))
+        return true;
+    *reason = qt_error_string(errno);
+    return false;
+}
 
 KTV_Liczniki::KTV_Liczniki(const QString &directory, QObject *parent)
     : QObject(parent)
@@ -95,26 +128,24 @@ void KTV_Liczniki::LoadLiczniki()
 void KTV_Liczniki::SaveLiczniki()
 {
     try {
-        if (!QDir(d->directory).exists() && !QDir().mkdir(d->directory)) {
+        if (!Internal::makeDirectory(d->directory)) {
             log() << "Liczniki create path error!!!";
             return;
         }
-        const bool replaces = QFile::exists(d->path);
-        makeWritable(d->path);
-        QSaveFile file(d->path); // the old file stays until the new one is whole
-        if (!file.open(QIODevice::WriteOnly)) {
-            log() << (replaces ? "Liczniki override file error!!!"
-                               : "Liczniki create file error!!!");
-            return;
+        QString reason;
+        const bool exists = QFile::exists(d->path);
+        QFile file(d->path);
+        // Not WriteOnly, which would empty the file first.
+        if (!Internal::isSpecialFile(d->path)
+            && file.open(QIODevice::ReadWrite | QIODevice::Unbuffered)) {
+            if (d->save(file, exists, &reason))
+                return;
+            log() << "Liczniki save error: " << reason;
+        } else if (!exists) {
+            log() << "Liczniki create file error!!!";
+        } else if (!Internal::replaceFile(d->path, d->bytes(), &reason)) {
+            log() << "Liczniki override file error!!!";
         }
-        QDataStream stream(&file);
-        stream.setVersion(streamVersion);
-        stream << fileMarker;
-        for (const Licznik counter : fileOrder)
-            stream << get_dictionary(counter);
-        // Flushed first: a commit does not notice that its own flush fails on a full card.
-        if (!file.flush() || !file.commit())
-            log() << "Liczniki save error: " << file.errorString();
     } catch (const std::exception &exception) {
         log() << "Liczniki save error: " << exception.what();
     }

@@ -14,7 +14,8 @@ class QDataStream;
  * Usage counters of the meter's main functions, kept in "liczniki.bin".
  *
  * Counts live in memory and reach the file only when the object is destroyed, in one step: a
- * pulled battery leaves the old file or the new one. Used from the interface's thread only.
+ * pulled battery leaves the old counts or the new ones, also on a FAT card, and a card that is
+ * full has room for them once the file exists. Used from the interface's thread only.
  * Nothing is reported to the caller; failures are lines of the debug log.
  */
 class KTV_DATASOURCE_EXPORT KTV_Liczniki : public QObject
@@ -64,8 +65,9 @@ public:
     /** Reads the file; counters that it lacks become 0, all of them when it is damaged. */
     void LoadLiczniki();
     /**
-     * Replaces the file, creating its directory (one level) when that is missing. Blocks until
-     * the card has it. On a failure the old file stays.
+     * Overwrites the file in place, creating it and its directory (one level) when they are
+     * missing. Blocks until the card has it. A file that cannot be written is replaced; if it
+     * cannot be replaced either, the old one stays.
      */
     void SaveLiczniki();
 

@@ -11,6 +11,8 @@
 
 #include <limits>
 #include <memory>
+#include <sys/mount.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -106,9 +108,15 @@ private slots:
     void directoryIsCreated();
     void obstacle_data();
     void obstacle();
-    void writeProtectedFileIsReplaced();
-    void fullCardKeepsTheOldFile();
-    void fileIsReplacedNotRewritten();
+    void writeProtectedFileIsWritten();
+    void fullCardTakesTheCounts_data();
+    void fullCardTakesTheCounts();
+    void fullCardWithoutFile_data();
+    void fullCardWithoutFile();
+    void mountPointIsOverwritten();
+    void whatIsNoFileIsReplaced_data();
+    void whatIsNoFileIsReplaced();
+    void fileIsOverwrittenInPlace();
 
 private:
     QString directory() const { return m_directory->path() + '/'; }
@@ -358,7 +366,7 @@ void TstKtvLiczniki::obstacle()
         QCOMPARE(Meter::readFile(path()), fileOf(some));
 }
 
-void TstKtvLiczniki::writeProtectedFileIsReplaced()
+void TstKtvLiczniki::writeProtectedFileIsWritten()
 {
     Meter::writeFile(path(), fileOf(some));
     QVERIFY(QFile::setPermissions(path(), QFile::ReadOwner));
@@ -373,22 +381,105 @@ void TstKtvLiczniki::writeProtectedFileIsReplaced()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void TstKtvLiczniki::fullCardKeepsTheOldFile()
+void TstKtvLiczniki::fullCardTakesTheCounts_data()
 {
+    QTest::addColumn<QByteArray>("old");
+    QTest::newRow("whole file") << fileOf(some);
+    QTest::newRow("shorter file") << fileOf(some).left(20);
+    QTest::newRow("longer file") << fileOf(some) + QByteArray(5000, 'x');
+}
+
+void TstKtvLiczniki::fullCardTakesTheCounts()
+{
+    QFETCH(QByteArray, old);
     Volume card(directory());
-    Meter::writeFile(path(), fileOf(some));
+    Meter::writeFile(path(), old);
     card.fillUp();
+    const LogCapture log;
+    Counts expected;
+    {
+        KTV_Liczniki counters(directory());
+        counters.set_dictionary(KTV_Liczniki::Licznik_Demagnetyzacja, 41);
+        expected = countsOf(counters);
+    }
+    QCOMPARE(log.lines(), QStringList());
+    QCOMPARE(Meter::readFile(path()), fileOf(expected));
+}
+
+void TstKtvLiczniki::fullCardWithoutFile_data()
+{
+    QTest::addColumn<bool>("exists");
+    QTest::newRow("no file") << false;
+    QTest::newRow("a file of no bytes") << true;
+}
+
+void TstKtvLiczniki::fullCardWithoutFile()
+{
+    QFETCH(bool, exists);
+    Volume card(directory());
+    if (exists)
+        Meter::writeFile(path(), QByteArray());
+    card.fillUp();
+    LogCapture log;
+    {
+        KTV_Liczniki counters(directory());
+        log.clear();
+    }
+    QCOMPARE(log.lines(), QStringList("Liczniki save error: No space left on device"));
+    QCOMPARE(QFile::exists(path()), exists);
+    card.fill(0);
+    {
+        const KTV_Liczniki counters(directory());
+    }
+    QCOMPARE(Meter::readFile(path()), fileOf(none));
+}
+
+void TstKtvLiczniki::mountPointIsOverwritten()
+{
+    // It can be neither removed nor replaced.
+    const QString source = directory() + "source";
+    Meter::writeFile(source, fileOf(some));
+    Meter::writeFile(path(), QByteArray());
+    const QByteArray from = QFile::encodeName(source);
+    const QByteArray to = QFile::encodeName(path());
+    QVERIFY(::mount(from.constData(), to.constData(), nullptr, MS_BIND, nullptr) == 0);
     const LogCapture log;
     {
         KTV_Liczniki counters(directory());
         counters.set_dictionary(KTV_Liczniki::Licznik_Demagnetyzacja, 41);
     }
-    QCOMPARE(log.lines(), QStringList("Liczniki save error: No space left on device"));
-    QCOMPARE(Meter::readFile(path()), fileOf(some));
+    QVERIFY(::umount2(to.constData(), MNT_DETACH) == 0);
+    Counts expected = some;
+    expected[KTV_Liczniki::Licznik_Demagnetyzacja] = 41;
+    QCOMPARE(Meter::readFile(source), fileOf(expected));
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TstKtvLiczniki::whatIsNoFileIsReplaced_data()
+{
+    QTest::addColumn<bool>("isPipe");
+    QTest::newRow("socket") << false;
+    QTest::newRow("pipe") << true;
+}
+
+void TstKtvLiczniki::whatIsNoFileIsReplaced()
+{
+    QFETCH(bool, isPipe);
+    std::unique_ptr<SocketFile> socket;
+    if (isPipe)
+        QVERIFY(::mkfifo(QFile::encodeName(path()).constData(), S_IRUSR | S_IWUSR) == 0);
+    else
+        socket = std::make_unique<SocketFile>(path());
+    const LogCapture log;
+    {
+        const KTV_Liczniki counters(directory());
+    }
+    QCOMPARE(log.lines(), QStringList("Liczniki open file error!!!"));
+    QCOMPARE(Meter::readFile(path()), fileOf(none));
     QCOMPARE(QDir(directory()).entryList(QDir::Files), QStringList("liczniki.bin"));
 }
 
-void TstKtvLiczniki::fileIsReplacedNotRewritten()
+void TstKtvLiczniki::fileIsOverwrittenInPlace()
 {
     Meter::writeFile(path(), fileOf(none));
     QFile old(path());
@@ -397,7 +488,7 @@ void TstKtvLiczniki::fileIsReplacedNotRewritten()
         KTV_Liczniki counters(directory());
         counters.Up_Licznik_Demagnetyzacja();
     }
-    QCOMPARE(old.readAll(), fileOf(none)); // the old file is whole until the new one is
+    QCOMPARE(old.readAll(), Meter::readFile(path())); // the same file, not another of that name
     QVERIFY(Meter::readFile(path()) != fileOf(none));
     QCOMPARE(QDir(directory()).entryList(QDir::Files), QStringList("liczniki.bin"));
 }

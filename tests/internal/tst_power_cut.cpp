@@ -5,6 +5,7 @@
 #include "internal/DurableFile_p.h"
 #include "wifi/KnownNetworks_p.h"
 #include <configuration/KTV_InterfaceConfig.h>
+#include <counters/KTV_Liczniki.h>
 #include <datalist/KTV_DataList.h>
 
 #include <QDir>
@@ -29,6 +30,8 @@ private slots:
     void lists();
     void listsOfTheFirstStart();
     void knownNetworks();
+    void counters_data();
+    void counters();
     void replacedFile();
 
 private:
@@ -63,7 +66,7 @@ QString TstPowerCut::find(const QString &directory, const std::function<QString(
 {
     const QString before = m_prefix;
     m_prefix = directory;
-    const QString found = look();
+    QString found = look();
     m_prefix = before;
     return found;
 }
@@ -233,6 +236,32 @@ void TstPowerCut::knownNetworks()
                 found += network->ESSID + ':' + network->key + ',';
             return found;
         });
+}
+
+void TstPowerCut::counters_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::newRow("whole file") << 64;
+    QTest::newRow("no file") << -1;
+    QTest::newRow("empty file") << 0;
+    QTest::newRow("file cut within a count") << 20;
+    QTest::newRow("bytes behind the last count") << 5000;
+}
+
+void TstPowerCut::counters()
+{
+    QFETCH(int, size);
+    const auto count = [this] { KTV_Liczniki(m_prefix).Up_Licznik_Demagnetyzacja(); };
+    const QString path = m_prefix + "liczniki.bin";
+    if (size >= 0) {
+        count();
+        const QByteArray bytes = Meter::readFile(path);
+        Meter::writeFile(path, bytes.left(size) + QByteArray(qMax(0, size - 64), 'x'));
+    }
+    cut({count, count}, [this] {
+        const KTV_Liczniki counters(m_prefix);
+        return QString::number(counters.get_dictionary(KTV_Liczniki::Licznik_Demagnetyzacja));
+    });
 }
 
 void TstPowerCut::replacedFile()
