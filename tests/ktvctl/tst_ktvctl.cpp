@@ -73,13 +73,14 @@ public:
 
     QString nextLine()
     {
-        while (!m_process.canReadLine() && m_process.waitForReadyRead(20000)) { }
+        while (!m_process.canReadLine() && m_process.waitForReadyRead(Meter::patience)) { }
         return QString::fromUtf8(m_process.readLine()).trimmed();
     }
     void signal(int number) { ::kill(pid_t(m_process.processId()), number); }
     int end()
     {
-        if (!m_process.waitForFinished(20000) || m_process.exitStatus() != QProcess::NormalExit)
+        if (!m_process.waitForFinished(Meter::patience)
+            || m_process.exitStatus() != QProcess::NormalExit)
             return -1;
         return m_process.exitCode();
     }

@@ -130,7 +130,7 @@ void TstKtvctlUsbSound::lineHeldByAStranger()
     QCOMPARE(typed("usb set serial").code, 0);
     QProcess stranger;
     stranger.start("sh", {"-c", "exec 3<>/dev/ttyGS0 && echo held && read word"});
-    QVERIFY(stranger.waitForReadyRead());
+    QVERIFY(stranger.waitForReadyRead(Meter::patience));
     // The kernel keeps a gadget that is in use, and the program says so.
     Meter::setBehaviour("modprobe-usb-gadget", "stdout=in use");
     const Answer answer = typed("usb set network");
@@ -156,7 +156,7 @@ void TstKtvctlUsbSound::bridgeRunsUntilASignal()
     QFETCH(int, number);
     QProcess bridge;
     bridge.start(KTVCTL, {"usb", "set", "serial", "bridge"});
-    QVERIFY(bridge.waitForReadyRead(30000));
+    QVERIFY(bridge.waitForReadyRead(Meter::patience));
     QCOMPARE(bridge.readAllStandardOutput(), QByteArray("serial, owned by bridge\n"));
     QCOMPARE(Meter::processes("socat").size(), 1);
     ::kill(pid_t(bridge.processId()), number);

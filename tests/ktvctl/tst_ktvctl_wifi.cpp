@@ -283,9 +283,9 @@ void TstKtvctlWifi::watchPrintsSignals()
         out += watch.readAllStandardOutput();
         return out.contains(text);
     };
-    QTRY_VERIFY_WITH_TIMEOUT(hasPrinted(scan) && hasPrinted(detail), 30000);
+    QTRY_VERIFY(hasPrinted(scan) && hasPrinted(detail));
     ::kill(pid_t(watch.processId()), SIGTERM);
-    QVERIFY(watch.waitForFinished(30000));
+    QVERIFY(watch.waitForFinished(Meter::patience));
     QCOMPARE(watch.exitStatus(), QProcess::NormalExit);
     QCOMPARE(watch.exitCode(), 0);
 }

@@ -61,11 +61,11 @@ void TstLeaving::leaves()
     for (const char *what : {"bridge", "tone", "melody", "sample", "loop"}) {
         leavers.push_back(start(what, how));
         if (how.startsWith("facade"))
-            leavers.back()->waitForFinished(30000); // one at a time has the databases
+            leavers.back()->waitForFinished(Meter::patience); // one at a time has the databases
     }
     for (const auto &leaver : leavers) {
         const bool isOver =
-            leaver->state() == QProcess::NotRunning || leaver->waitForFinished(30000);
+            leaver->state() == QProcess::NotRunning || leaver->waitForFinished(Meter::patience);
         QVERIFY2(isOver, qPrintable(leaver->arguments().first()));
         QCOMPARE(leaver->exitStatus(), QProcess::NormalExit);
         QVERIFY2(leaver->exitCode() == 0, qPrintable(leaver->arguments().first()));
@@ -87,7 +87,7 @@ void TstLeaving::leavesWifi()
     Meter::recordProgram("ls");
     Meter::setBehaviour("ls", "stdout=eth0"); // no interface: each poll looks for one
     const auto leaver = start("wifi", how);
-    const bool isOver = leaver->waitForFinished(30000);
+    const bool isOver = leaver->waitForFinished(Meter::patience);
     leaver->kill();
     Meter::setBehaviour("ls", "");
     Meter::showProgram("ls");
@@ -101,7 +101,7 @@ void TstLeaving::dies()
 {
     for (const char *what : {"bridge", "tone"}) {
         const auto leaver = start(what, "killed");
-        QVERIFY(leaver->waitForFinished(30000));
+        QVERIFY(leaver->waitForFinished(Meter::patience));
         QCOMPARE(leaver->exitStatus(), QProcess::CrashExit);
     }
     QTRY_COMPARE(leftBehind(), QStringList());
@@ -113,7 +113,7 @@ void TstLeaving::loopOfTheDeadStandsStill()
     Meter::recordProgram("cat");
     Meter::clearJournal();
     const auto leaver = start("loop", "killed");
-    QVERIFY(leaver->waitForFinished(30000));
+    QVERIFY(leaver->waitForFinished(Meter::patience));
     int before = 0;
     int unchanged = 0;
     QTRY_VERIFY([&] {
@@ -132,7 +132,7 @@ void TstLeaving::loopOfTheDeadStandsStill()
 void TstLeaving::isFreeToStartAgain()
 {
     const auto leaver = start("bridge", "application deleted");
-    QVERIFY(leaver->waitForFinished(30000));
+    QVERIFY(leaver->waitForFinished(Meter::patience));
     QCOMPARE(leaver->exitCode(), 0);
 }
 

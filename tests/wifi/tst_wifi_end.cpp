@@ -11,6 +11,8 @@
 #include <QtConcurrent>
 #include <QtTest>
 
+#include <algorithm>
+#include <limits>
 #include <memory>
 
 using WiFi::KTV_Connection;
@@ -72,26 +74,31 @@ void TstWifiEnd::toolsHang_data()
 void TstWifiEnd::toolsHang()
 {
     QFETCH(QString, tool);
-    auto wifi = manager();
-    const Inbox inbox(*wifi);
-    Tools::connected();
-    Meter::setBehaviour(tool, "hang=1");
-    Meter::clearJournal();
-    wifi->DetailInfoScan(true);
-    QVERIFY(wifi->ScanNetwork(true));
-    wifi->onStatusTime();
-    wifi->onStatusDetailTime();
-    QTRY_VERIFY(!Meter::journal().filter(tool).isEmpty()); // it hangs now
-    QElapsedTimer time;
-    time.start();
-    wifi.reset();
-    // Not one of the waits of 1000 ms and 5000 ms is waited for to its end.
-    QVERIFY2(time.elapsed() < 900, qPrintable(QString::number(time.elapsed())));
-    QTRY_COMPARE(leftOver(), QString());
-    const int count = inbox.count();
-    QVERIFY(QThreadPool::globalInstance()->waitForDone(0));
-    QCoreApplication::processEvents();
-    QCOMPARE(inbox.count(), count);
+    // Not one of the waits of 1000 ms and 5000 ms is waited for to its end. A busy machine may
+    // hold up one destruction so long, but hardly five in a row.
+    qint64 shortest = std::numeric_limits<qint64>::max();
+    for (int attempt = 0; attempt < 5 && shortest >= 900; ++attempt) {
+        auto wifi = manager();
+        const Inbox inbox(*wifi);
+        Tools::connected();
+        Meter::setBehaviour(tool, "hang=1");
+        Meter::clearJournal();
+        wifi->DetailInfoScan(true);
+        QVERIFY(wifi->ScanNetwork(true));
+        wifi->onStatusTime();
+        wifi->onStatusDetailTime();
+        QTRY_VERIFY(!Meter::journal().filter(tool).isEmpty()); // it hangs now
+        QElapsedTimer time;
+        time.start();
+        wifi.reset();
+        shortest = std::min(shortest, time.elapsed());
+        QTRY_COMPARE(leftOver(), QString());
+        const int count = inbox.count();
+        QVERIFY(QThreadPool::globalInstance()->waitForDone(0));
+        QCoreApplication::processEvents();
+        QCOMPARE(inbox.count(), count);
+    }
+    QVERIFY2(shortest < 900, QByteArray::number(shortest));
 }
 
 void TstWifiEnd::inEachMode_data()

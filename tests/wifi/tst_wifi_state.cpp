@@ -331,7 +331,7 @@ void TstWifiState::stateOnATimer()
     const auto wifi = manager();
     const Inbox inbox(*wifi);
     Tools::connected();
-    QTRY_COMPARE_WITH_TIMEOUT(inbox.states(), QVector<int> {Network::wifi_States_Connect_2}, 9000);
+    QTRY_COMPARE(inbox.states(), QVector<int> {Network::wifi_States_Connect_2});
 }
 
 void TstWifiState::detailChange()
@@ -386,7 +386,7 @@ void TstWifiState::detailOnATimer()
     QVERIFY(!wifi->isDetailInfoScan());
     QVERIFY(poolIsIdle());
     Tools::idle();
-    QTRY_COMPARE_WITH_TIMEOUT(inbox.order(), QByteArray("sds"), 9000); // the state's timer is back
+    QTRY_COMPARE(inbox.order(), QByteArray("sds")); // the state's timer is back
 }
 
 void TstWifiState::detailWithoutInterface()
@@ -588,7 +588,7 @@ void TstWifiState::scanOnATimer()
     const auto wifi = manager();
     const Inbox inbox(*wifi);
     QVERIFY(wifi->ScanNetwork(true));
-    QTRY_COMPARE_WITH_TIMEOUT(inbox.scans().size(), 2, 15000);
+    QTRY_COMPARE(inbox.scans().size(), 2);
     QVERIFY(wifi->ScanNetwork(false));
 }
 
@@ -610,7 +610,7 @@ void TstWifiState::scanThatDoesNotAnswer()
         KTV_Connection::check_wifiScan_Avait(wifi.get());
     } else {
         QVERIFY(wifi->ScanNetwork(true));
-        QTRY_COMPARE_WITH_TIMEOUT(inbox.count(), 1, 9000);
+        QTRY_COMPARE(inbox.count(), 1);
     }
     QCOMPARE(inbox.order(), QByteArray("n"));
     QVERIFY(inbox.scans().first().isNull);
@@ -638,7 +638,7 @@ void TstWifiState::scanSwitchedOnByItsReceiver()
         delete networks;
     });
     QVERIFY(wifi->ScanNetwork(true));
-    QTRY_COMPARE_WITH_TIMEOUT(scanned, 1, 9000);
+    QTRY_COMPARE(scanned, 1);
     QCOMPARE(wasOn, QVector<bool> {false});
     QVERIFY(wifi->isScanMode()); // what the failed scan has left behind does not end this one
 }
