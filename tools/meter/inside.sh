@@ -11,6 +11,39 @@ meter_options() {
     meter_options+=(--path "$repository/build/release/tools/ktvctl")
 }
 
+# show_inside PATH: adds to $meter_options what shows the folder of a file of this machine. Where the
+# meter has a folder of its own in its place, only the file is shown.
+show_inside() {
+    case $1 in
+    /usr/* | /bin/* | /sbin/* | /lib*/* | "$repository"/*) return 0 ;;
+    esac
+    local folder
+    folder=$(dirname -- "$1")
+    case $folder in
+    / | /etc | /home | /home/root | /media | /media/sdcard | /opt | /run | /tmp | /var)
+        meter_options+=(--show "$1")
+        ;;
+    *) meter_options+=(--show "$folder") ;;
+    esac
+}
+
+# client_options BUILD: when $rest begins with the path of a program of this machine, adds to
+# $meter_options what it needs inside: its own folder and those of what it links. The libraries of
+# the build tree BUILD come before those that it was linked with.
+client_options() {
+    local program=${rest[0]} library
+    local search=$1/src:$1/src/platform/standin${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}
+    [[ $program == */* ]] || return 0
+    program=$(cd -- "$caller_folder" && realpath -- "$program" 2>/dev/null) || return 0
+    [ -f "$program" ] || return 0 # a path inside
+    rest[0]=$program
+    meter_options+=(--setenv LD_LIBRARY_PATH "$search")
+    show_inside "$program"
+    while read -r library; do
+        show_inside "$library"
+    done < <(LD_LIBRARY_PATH=$search ldd "$program" 2>/dev/null | awk '$2 == "=>" && $3 ~ /^\// { print $3 }')
+}
+
 # display_cookies: adds to $meter_options what opens this machine's X server to the meter.
 # Cookies are looked up by host name, and the meter has its own: they are made to fit any.
 display_cookies() {
