@@ -12,9 +12,12 @@ target_compile_definitions(ktv_compile_settings INTERFACE
 
 set(ktv_sanitizer_address -fsanitize=address,undefined -fno-sanitize-recover=undefined)
 set(ktv_sanitizer_thread -fsanitize=thread)
+# Library and targets tell the fuzzer which paths were taken; its main() is the targets' alone.
+set(ktv_sanitizer_fuzzer ${ktv_sanitizer_address} -fsanitize=fuzzer-no-link)
 if(KTV_SANITIZER)
     # What the sanitizers weave in makes GCC see uninitialised variables where there are none.
     target_compile_options(ktv_compile_settings INTERFACE
-        ${ktv_sanitizer_${KTV_SANITIZER}} -fno-omit-frame-pointer -Wno-maybe-uninitialized)
+        ${ktv_sanitizer_${KTV_SANITIZER}} -fno-omit-frame-pointer
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     target_link_options(ktv_compile_settings INTERFACE ${ktv_sanitizer_${KTV_SANITIZER}})
 endif()

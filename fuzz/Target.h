@@ -1,0 +1,42 @@
+#pragma once
+
+#include "support/Meter.h"
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+/**
+ * What every fuzz target starts with. A target is a program of one function that takes any bytes:
+ * it may not crash, hang, or break what its FUZZ_EXPECT lines say. It runs in the simulated meter.
+ */
+
+/** Prints the broken rule and ends the program, as libFuzzer wants it. */
+#define FUZZ_EXPECT(rule)                                                                          \
+    do {                                                                                           \
+        if (!(rule)) {                                                                             \
+            std::fprintf(stderr, "%s:%d: broken: %s\n", __FILE__, __LINE__, #rule);                \
+            std::abort();                                                                          \
+        }                                                                                          \
+    } while (false)
+
+using FuzzInput = FuzzedDataProvider;
+
+/** A text of at most @p longest bytes, any characters. */
+inline QString consumeText(FuzzInput &input, size_t longest = 64)
+{
+    return QString::fromStdString(input.ConsumeRandomLengthString(longest));
+}
+
+inline QByteArray bytesOf(const uint8_t *data, size_t size)
+{
+    return QByteArray(reinterpret_cast<const char *>(data), int(size));
+}
+
+/** Called once, before the first input. */
+void prepareTarget();
