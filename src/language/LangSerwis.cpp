@@ -29,7 +29,7 @@ public:
 
     QString code = fallbackCode;
     QString directory;
-    SectionIndex texts;
+    Internal::SectionIndex texts;
     QString smallKeyboard;
     QString bigKeyboard;
     QString regionalSmallKeyboard;
@@ -65,7 +65,7 @@ bool LangSerwis::setLang(const QString &code)
         }
     }
 
-    SectionIndex texts;
+    Internal::SectionIndex texts;
     Internal::XmlError error;
     if (!Internal::readSections(file, textAttribute, texts, error)) {
         log() << "LangSerwis::setLang(" << loaded << ") Fail to load file:"

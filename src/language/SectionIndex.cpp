@@ -1,5 +1,7 @@
 #include "language/SectionIndex_p.h"
 
+namespace Internal {
+
 void SectionIndex::clear()
 {
     *this = {};
@@ -51,3 +53,5 @@ SectionIndex::Texts SectionIndex::section(const QString &name) const
         return {};
     return found->nodes.isEmpty() ? found->texts : found->nodes;
 }
+
+} // namespace Internal

@@ -4,8 +4,10 @@
 
 #include <QHash>
 
+namespace Internal {
+
 /** The texts of a language file, ready to be looked up. */
-class SectionIndex : public Internal::XmlSections
+class SectionIndex : public XmlSections
 {
 public:
     using Texts = QHash<QString, QString>;
@@ -32,3 +34,5 @@ private:
     QHash<QString, Section> m_sections;
     Section *m_open = nullptr; ///< null within a section that does not count
 };
+
+} // namespace Internal

@@ -130,8 +130,8 @@ void BuzzerClass::BuzzerClass_Initialiser(KTV_Configuration::MeterModels model, 
         _pathtoWave = path;
     if (!toneDefinition.isEmpty())
         return;
-    toneDefinition = toneSteps();
-    toneTranscode = toneSamples();
+    toneDefinition = Internal::toneSteps();
+    toneTranscode = Internal::toneSamples();
 }
 
 void BuzzerClass::BuzzerClass_Free()

@@ -2,10 +2,12 @@
 
 #include <iterator>
 
-namespace Buzzer {
+namespace Internal {
 
 namespace {
 
+using Buzzer::BeepParameter;
+using Buzzer::BuzzerClass;
 using SoundNamespace::Sound;
 
 struct Step
@@ -124,4 +126,4 @@ QMap<BuzzerClass::Tone, Sound::Sample> toneSamples()
     return samples;
 }
 
-} // namespace Buzzer
+} // namespace Internal

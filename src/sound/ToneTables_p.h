@@ -2,9 +2,11 @@
 
 #include "sound/BuzzerClass.h"
 
-namespace Buzzer {
+namespace Internal {
 
-QMap<BuzzerClass::Tone, QList<BeepParameter>> toneSteps(); ///< Beeps of every tone.
-QMap<BuzzerClass::Tone, SoundNamespace::Sound::Sample> toneSamples(); ///< Sample of every tone.
+/** Beeps of every tone. */
+QMap<Buzzer::BuzzerClass::Tone, QList<Buzzer::BeepParameter>> toneSteps();
+/** Sample of every tone. */
+QMap<Buzzer::BuzzerClass::Tone, SoundNamespace::Sound::Sample> toneSamples();
 
-} // namespace Buzzer
+} // namespace Internal

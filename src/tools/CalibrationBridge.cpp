@@ -9,7 +9,11 @@
 #include <QDeadlineTimer>
 #include <QThread>
 
+using Internal::bridgeCommand;
 using Internal::CommandResult;
+using Internal::finishOnly;
+using Internal::isFinished;
+using Internal::listBridge;
 using Internal::loadShared;
 using Internal::log;
 using Internal::runDirect;

@@ -6,7 +6,7 @@
 
 // Shared by what switches the USB port and what runs on its serial line.
 
-namespace QERNTools {
+namespace Internal {
 
 extern const QString serialLine; ///< device of the serial gadget
 extern const QString bridgeCommand; ///< connects the serial line with the measuring hardware
@@ -14,10 +14,10 @@ extern const QString listBridge; ///< shell: the process list's lines with the b
 extern const QString calibrationTool; ///< program of the system calibration
 extern const QString listCalibrationTool; ///< shell: the process list's lines with it
 
-constexpr Internal::Waits startAndFinish {3000, 5000};
-constexpr Internal::Waits finishOnly {Internal::Waits::NoStartWait, 5000};
+constexpr Waits startAndFinish {3000, 5000};
+constexpr Waits finishOnly {Waits::NoStartWait, 5000};
 
 /** Whether a command came to its end; else logs how far it came: "COMMAND no started!". */
-bool isFinished(const Internal::CommandResult &result, const QString &command);
+bool isFinished(const CommandResult &result, const QString &command);
 
-} // namespace QERNTools
+} // namespace Internal

@@ -11,14 +11,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-using Internal::CommandResult;
-using Internal::log;
-using Internal::runDirect;
-using Internal::runShell;
-using Internal::startDetached;
-using Internal::Waits;
-
-namespace QERNTools {
+namespace Internal {
 
 const QString serialLine = QStringLiteral("/dev/ttyGS0");
 const QString bridgeCommand = QStringLiteral("socat /dev/ttyGS0 /dev/ttycommunication");
@@ -36,6 +29,23 @@ bool isFinished(const CommandResult &result, const QString &command)
     return result.finished();
 }
 
+} // namespace Internal
+
+using Internal::calibrationTool;
+using Internal::CommandResult;
+using Internal::finishOnly;
+using Internal::isFinished;
+using Internal::listCalibrationTool;
+using Internal::log;
+using Internal::runDirect;
+using Internal::runShell;
+using Internal::serialLine;
+using Internal::startAndFinish;
+using Internal::startDetached;
+using Internal::Waits;
+
+namespace QERNTools {
+
 namespace {
 
 /** How the owner of the serial line is found; the first one that shows wins. */
@@ -48,7 +58,8 @@ struct Detection
 };
 
 const Detection detections[] = {
-    {listBridge, QStringLiteral("ps socat"), bridgeCommand, Tools::RS232_HardwareCalibration},
+    {Internal::listBridge, QStringLiteral("ps socat"), Internal::bridgeCommand,
+     Tools::RS232_HardwareCalibration},
     {listCalibrationTool, QStringLiteral("ps mactool"), calibrationTool,
      Tools::RS232_SystemCalibration},
     {QStringLiteral("systemctl status busybox.getty@ttyGS0.service"),
