@@ -3,6 +3,7 @@
 #include <QRandomGenerator>
 
 #include <cmath>
+#include <utility>
 
 using namespace ValueBox;
 using DynamicRounding::Round_Current_I;
@@ -70,7 +71,7 @@ ValueSamples ValueSamples::resistances(std::initializer_list<testI> currents)
     auto *box = samples.addBox(Round_R);
     while (samples.m_samples.size() < size) {
         const testI current = currents.begin()[numbers().bounded(int(currents.size()))];
-        for (const Round_Current_I *set : qAsConst(NumericalValueBox::tableRound_R)) {
+        for (const Round_Current_I *set : std::as_const(NumericalValueBox::tableRound_R)) {
             if (set->current == current)
                 samples.add(box, *set);
         }

@@ -1,5 +1,7 @@
 #include "valuebox/DynamicRounding.h"
 
+#include <utility>
+
 namespace ValueBox::DynamicRounding {
 
 Round_Current_I::Round_Current_I(Round_Current_I *other)
@@ -12,7 +14,7 @@ Round_Current_I::Round_Current_I(ValueBox::testI testCurrent, Round_Current_I *b
     if (!base)
         return;
     items.reserve(base->items.size());
-    for (const RoundItem *row : qAsConst(base->items))
+    for (const RoundItem *row : std::as_const(base->items))
         items.append(new RoundItem(*row));
 }
 

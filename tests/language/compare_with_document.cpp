@@ -24,6 +24,7 @@
 #include <cstdio>
 #include <memory>
 #include <random>
+#include <utility>
 
 using Internal::XmlError;
 
@@ -266,7 +267,7 @@ int main(int argc, char *argv[])
             files += "/home/root/Langs/" + code + '/' + code + ".xml";
     }
     QList<QByteArray> seeds;
-    for (const QString &file : qAsConst(files))
+    for (const QString &file : std::as_const(files))
         seeds += Meter::readFile(file);
     for (const char *text : hardFiles)
         seeds += QByteArray(text);

@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <utility>
 
 using QERNTools::helpManager;
 
@@ -147,7 +148,7 @@ void TstHelpManager::pages()
     QFETCH(QStringList, files);
     QFETCH(QString, code);
     QFETCH(QStringList, found);
-    for (const QString &file : qAsConst(files))
+    for (const QString &file : std::as_const(files))
         page("KTV_420/Main/" + file);
     const helpManager help(directory(), KTV_Configuration::KTV_420, code);
     const QString topic = directory() + "KTV_420/Main";

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <utility>
 
 using QERNTools::DiskInfo;
 using QERNTools::Tools;
@@ -169,7 +170,7 @@ void TstFilesAndDisk::freeNames()
     QFETCH(QString, extension);
     QFETCH(QString, name);
     const QTemporaryDir directory;
-    for (const QString &file : qAsConst(taken))
+    for (const QString &file : std::as_const(taken))
         Meter::writeFile(directory.path() + '/' + file, "x");
     QCOMPARE(Tools::findFreeFileName(directory.path() + '/', base, extension), name);
     QVERIFY(!QFile::exists(directory.path() + '/' + name)); // it is named, not made
@@ -208,7 +209,7 @@ void TstFilesAndDisk::freeNamesOfWholeNames()
     QFETCH(QString, fileName);
     QFETCH(QString, name);
     const QTemporaryDir directory;
-    for (const QString &file : qAsConst(taken))
+    for (const QString &file : std::as_const(taken))
         Meter::writeFile(directory.path() + '/' + file, "x");
     QCOMPARE(Tools::findFreeFileName(directory.path() + '/', fileName), name);
 }

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <mutex>
+#include <utility>
 
 /**
  * Takes a manager's signals on the thread that emits them, and the records with them. What it
@@ -53,7 +54,7 @@ public:
                 Scan scan;
                 scan.isNull = !networks;
                 if (networks) {
-                    for (WiFi::Network *network : qAsConst(*networks))
+                    for (WiFi::Network *network : std::as_const(*networks))
                         scan.networks += Record(network);
                     delete networks;
                 }

@@ -10,6 +10,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <utility>
 
 using WiFi::KTV_Connection;
 
@@ -84,7 +85,7 @@ QStringList known(KTV_Connection &connection)
 {
     QStringList result;
     const std::unique_ptr<QList<WiFi::Network *>> networks(connection.GetMyNetwork());
-    for (const WiFi::Network *network : qAsConst(*networks))
+    for (const WiFi::Network *network : std::as_const(*networks))
         result += network->ESSID + QLatin1Char('|') + QString::number(int(network->encryption))
             + QLatin1Char('|') + network->key;
     qDeleteAll(*networks);

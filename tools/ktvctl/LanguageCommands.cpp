@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -80,7 +81,7 @@ int printSection(const Call &call)
     std::sort(keys.begin(), keys.end());
     QJsonObject machine;
     Rows human;
-    for (const QString &key : qAsConst(keys)) {
+    for (const QString &key : std::as_const(keys)) {
         machine.insert(key, section->value(key));
         human.add(key, section->value(key));
     }

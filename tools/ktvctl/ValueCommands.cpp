@@ -8,6 +8,7 @@
 #include <cmath>
 #include <limits>
 #include <map>
+#include <utility>
 
 using namespace ValueBox;
 using DynamicRounding::RoundItem;
@@ -146,7 +147,7 @@ int format(const Call &call)
     box.setNegativeAllowed(request.isNegativeAllowed);
     QJsonArray machine;
     Rows human;
-    for (const testI current : qAsConst(request.currents)) {
+    for (const testI current : std::as_const(request.currents)) {
         box.setRealValue(request.value, current);
         const QString text = box.toString();
         machine += QJsonObject {{QStringLiteral("current"), int(current)},

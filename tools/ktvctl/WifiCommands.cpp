@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 #include <net/if.h>
 
@@ -238,7 +239,7 @@ int list(const Call &call)
     const Networks known(file.isEmpty ? new QList<Network *> : Manager().GetMyNetwork());
     QJsonArray machine;
     QStringList human;
-    for (const Network *network : qAsConst(*known)) {
+    for (const Network *network : std::as_const(*known)) {
         machine.append(QJsonObject {{QStringLiteral("name"), network->ESSID},
                                     {QStringLiteral("protected"), network->encryption}});
         human += protection(*network).leftJustified(11) + network->ESSID;
