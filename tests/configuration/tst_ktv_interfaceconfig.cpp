@@ -218,20 +218,18 @@ void TstKtvInterfaceConfig::directories_data()
 {
     QTest::addColumn<QString>("suffix");
     QTest::addColumn<QString>("file");
-    QTest::newRow("existing directory") << ""
-                                        << "interfaceConfig.db";
-    QTest::newRow("missing directory is created") << "new/"
-                                                  << "new/interfaceConfig.db";
-    QTest::newRow("without a slash the name is glued to it") << "Data"
-                                                             << "DatainterfaceConfig.db";
-    QTest::newRow("quotes") << "a'b\"c;--/"
-                            << "a'b\"c;--/interfaceConfig.db";
-    QTest::newRow("percent") << "%1%s%20/"
-                             << "%1%s%20/interfaceConfig.db";
+    // One row a line, though texts stand beside each other.
+    // clang-format off
+    QTest::newRow("existing directory") << "" << "interfaceConfig.db";
+    QTest::newRow("missing directory is created") << "new/" << "new/interfaceConfig.db";
+    QTest::newRow("without a slash the name is glued to it") << "Data" << "DatainterfaceConfig.db";
+    QTest::newRow("quotes") << "a'b\"c;--/" << "a'b\"c;--/interfaceConfig.db";
+    QTest::newRow("percent") << "%1%s%20/" << "%1%s%20/interfaceConfig.db";
     QTest::newRow("non-ASCII") << QStringLiteral("żółć 日本/")
-                               << QStringLiteral("żółć 日本/interfaceConfig.db");
+        << QStringLiteral("żółć 日本/interfaceConfig.db");
     QTest::newRow("looks like a file address") << "file:x?mode=ro/"
-                                               << "file:x?mode=ro/interfaceConfig.db";
+        << "file:x?mode=ro/interfaceConfig.db";
+    // clang-format on
 }
 
 void TstKtvInterfaceConfig::directories()

@@ -241,71 +241,45 @@ void TstLangSerwis::text_data()
     QTest::addColumn<QString>("section");
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("text");
-    QTest::newRow("text") << english << "Main"
-                          << "title"
-                          << "Title";
-    QTest::newRow("no such section") << english << "Other"
-                                     << "title" << unset;
-    QTest::newRow("no such key") << english << "Main"
-                                 << "other" << unset;
-    QTest::newRow("key of another section") << english << "Lang"
-                                            << "title" << unset;
-    QTest::newRow("letter case of the section") << english << "main"
-                                                << "title" << unset;
-    QTest::newRow("letter case of the key") << english << "Main"
-                                            << "Title" << unset;
-    QTest::newRow("empty text") << english << "Main"
-                                << "empty"
-                                << "";
-    QTest::newRow("no text") << english << "Main"
-                             << "bare" << unset;
-    QTest::newRow("letter case of the attribute") << english << "Main"
-                                                  << "upper" << unset;
-    QTest::newRow("nameless section") << english << ""
-                                      << "title" << unset;
-    QTest::newRow("nameless key") << english << "Main"
-                                  << "" << unset;
-    QTest::newRow("the root is no section") << english << "texts"
-                                            << "Main" << unset;
+    // One row a line, though texts stand beside each other.
+    // clang-format off
+    QTest::newRow("text") << english << "Main" << "title" << "Title";
+    QTest::newRow("no such section") << english << "Other" << "title" << unset;
+    QTest::newRow("no such key") << english << "Main" << "other" << unset;
+    QTest::newRow("key of another section") << english << "Lang" << "title" << unset;
+    QTest::newRow("letter case of the section") << english << "main" << "title" << unset;
+    QTest::newRow("letter case of the key") << english << "Main" << "Title" << unset;
+    QTest::newRow("empty text") << english << "Main" << "empty" << "";
+    QTest::newRow("no text") << english << "Main" << "bare" << unset;
+    QTest::newRow("letter case of the attribute") << english << "Main" << "upper" << unset;
+    QTest::newRow("nameless section") << english << "" << "title" << unset;
+    QTest::newRow("nameless key") << english << "Main" << "" << unset;
+    QTest::newRow("the root is no section") << english << "texts" << "Main" << unset;
     QTest::newRow("first entry of a name")
-        << QByteArray("<t><S><k value='1'/><k value='2'/></S></t>") << "S"
-        << "k"
-        << "1";
+        << QByteArray("<t><S><k value='1'/><k value='2'/></S></t>") << "S" << "k" << "1";
     QTest::newRow("first entry counts although it lacks a text")
-        << QByteArray("<t><S><k/><k value='2'/></S></t>") << "S"
-        << "k" << unset;
+        << QByteArray("<t><S><k/><k value='2'/></S></t>") << "S" << "k" << unset;
     QTest::newRow("first section of a name")
-        << QByteArray("<t><S><k value='1'/></S><S><k value='2'/></S></t>") << "S"
-        << "k"
-        << "1";
+        << QByteArray("<t><S><k value='1'/></S><S><k value='2'/></S></t>") << "S" << "k" << "1";
     QTest::newRow("first section counts although it lacks the key")
-        << QByteArray("<t><S/><S><k value='2'/></S></t>") << "S"
-        << "k" << unset;
+        << QByteArray("<t><S/><S><k value='2'/></S></t>") << "S" << "k" << unset;
     QTest::newRow("entry behind other nodes of the same name")
-        << QByteArray("<t><S>&k;<?k i?><k value='1'/><?k i?></S></t>") << "S"
-        << "k"
-        << "1";
+        << QByteArray("<t><S>&k;<?k i?><k value='1'/><?k i?></S></t>") << "S" << "k" << "1";
     QTest::newRow("deeper entries do not count")
-        << QByteArray("<t><S><a><k value='1'/></a></S></t>") << "S"
-        << "k" << unset;
+        << QByteArray("<t><S><a><k value='1'/></a></S></t>") << "S" << "k" << unset;
     QTest::newRow("deeper sections do not count")
-        << QByteArray("<t><a><S><k value='1'/></S></a></t>") << "S"
-        << "k" << unset;
+        << QByteArray("<t><a><S><k value='1'/></S></a></t>") << "S" << "k" << unset;
     QTest::newRow("comments and texts between")
-        << QByteArray("<!--c--><t>x<!--c--><S>y<?p i?><k value='1'/></S></t>") << "S"
-        << "k"
-        << "1";
-    QTest::newRow("prefix is part of the name")
-        << QByteArray("<t><a:S><b:k value='1'/></a:S></t>") << "a:S"
-        << "b:k"
-        << "1";
+        << QByteArray("<!--c--><t>x<!--c--><S>y<?p i?><k value='1'/></S></t>") << "S" << "k" << "1";
+    QTest::newRow("prefix is part of the name") << QByteArray("<t><a:S><b:k value='1'/></a:S></t>")
+        << "a:S" << "b:k" << "1";
     QTest::newRow("quotes, percent, letters and lines")
-        << QByteArray("<t><S><k value='&quot;%1&apos; żółć&#10;日本'/></S></t>") << "S"
-        << "k" << QStringLiteral("\"%1' żółć\n日本");
+        << QByteArray("<t><S><k value='&quot;%1&apos; żółć&#10;日本'/></S></t>") << "S" << "k"
+        << QStringLiteral("\"%1' żółć\n日本");
     QTest::newRow("non-ASCII names") << QByteArray("<t><Główne><tytuł value='1'/></Główne></t>")
-                                     << QStringLiteral("Główne") << QStringLiteral("tytuł") << "1";
-    QTest::newRow("root alone") << QByteArray("<t/>") << "S"
-                                << "k" << unset;
+        << QStringLiteral("Główne") << QStringLiteral("tytuł") << "1";
+    QTest::newRow("root alone") << QByteArray("<t/>") << "S" << "k" << unset;
+    // clang-format on
 }
 
 void TstLangSerwis::text()
