@@ -134,11 +134,12 @@ void otherTexts(Comparison &comparison)
     beside("temperature", [](const ValueSample &sample) {
         return NumericalValueBox::formatTemperature(sample.value);
     });
-    beside("autoFormat()", [](const ValueSample &sample) {
-        return NumericalValueBox::autoFormat(sample.value, Unit_Ohm, Prefix_m, 3, false);
+    const auto volts = [](const ValueSample &sample) { return sample.scaled * 1e-3F; };
+    beside("autoFormat()", [volts](const ValueSample &sample) {
+        return NumericalValueBox::autoFormat(volts(sample), Unit_V, Prefix_m, 3, false);
     });
-    beside("autoFormat() without zeros", [](const ValueSample &sample) {
-        return NumericalValueBox::autoFormat(sample.value, Unit_Ohm, Prefix_m, 3, true);
+    beside("autoFormat() without zeros", [volts](const ValueSample &sample) {
+        return NumericalValueBox::autoFormat(volts(sample), Unit_V, Prefix_m, 3, true);
     });
     beside("voltage drop", [](const ValueSample &sample) {
         return NumericalValueBox::formatDeltaU(sample.value, sample.current, false);

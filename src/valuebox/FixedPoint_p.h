@@ -24,35 +24,53 @@ inline double powerOfTen(int exponent)
     return powers[std::size_t(index)];
 }
 
+/** Powers of ten that are exact in double precision, and whose product with a float is, too. */
+constexpr std::array<double, 10> exactPowersOfTen {1e0, 1e1, 1e2, 1e3, 1e4,
+                                                   1e5, 1e6, 1e7, 1e8, 1e9};
+
 /** Value divided by 10^prefix in double precision, as single precision. */
 inline float scaled(float value, int prefix)
 {
+    // A division takes several times as long as a product. Quotient and product differ in the
+    // last bits of a double: both come to the same float unless the product, which is exact,
+    // lies halfway between two.
+    constexpr quint32 bitsBelowFloat = (1U << 29U) - 1;
+    constexpr quint32 halfway = 1U << 28U;
+    const quint32 zeros = 0U - quint32(prefix);
+    if (Q_LIKELY(zeros < exactPowersOfTen.size())) {
+        const double product = double(value) * exactPowersOfTen[zeros];
+        quint64 bits = 0;
+        std::memcpy(&bits, &product, sizeof bits);
+        if (Q_LIKELY((quint32(bits) & bitsBelowFloat) != halfway))
+            return float(product);
+    }
     return float(double(value) / powerOfTen(prefix));
 }
 
 /**
- * A single-precision number in fixed-point notation, worked out with integers.
+ * A single-precision number in fixed-point notation: the exact binary value rounded to so many
+ * decimals, ties away from zero, as QString::number(value, 'f', decimals) does it.
  *
- * Such a number is a 24-bit integer times a power of two. Times 10^decimals it still fits 64
- * bits, so one shift with half added gives exactly the digits of QString::number(value, 'f',
- * decimals): the exact binary value rounded, ties away from zero.
+ * Such a number has 24 significant bits and 10^8 has 19 beside its factors of two, so that their
+ * product is exact in double precision. So is the sum with a half where it is an integer, and
+ * elsewhere it is rounded by far less than it lacks of the next integer.
  */
 class FixedPoint
 {
 public:
-    static constexpr int maximumDecimals = 11;
+    static constexpr int mostDecimals = 8;
 
-    /** Nothing for numbers that do not fit: not finite, very large, too many decimals. */
+    /** Nothing for numbers that do not fit: not finite, too many decimals, more than 32 bits. */
     static std::optional<FixedPoint> of(float value, int decimals);
 
-    FixedPoint(quint64 digits, int decimals, bool isNegative)
+    FixedPoint(quint32 digits, int decimals, bool isNegative)
         : m_digits(digits)
         , m_decimals(decimals)
         , m_isNegative(isNegative)
     { }
 
     /** Magnitude in units of the last decimal. */
-    quint64 digits() const { return m_digits; }
+    quint32 digits() const { return m_digits; }
     /** Whether the number is below zero, also when its digits are not. */
     bool isNegative() const { return m_isNegative; }
 
@@ -64,58 +82,29 @@ public:
     {
         return qMax(countDigits(m_digits), m_decimals + 1) + (m_decimals > 0 ? 1 : 0);
     }
-    /** Writes the magnitude's text of size() characters. @return its end */
-    QChar *write(QChar *out, int size) const;
+    /** Writes the magnitude's text so that it ends at a place. @return its start */
+    QChar *writeBefore(QChar *end) const;
 
 private:
     static constexpr quint32 base = 10;
-    static constexpr std::array<quint64, 20> powersOfBase = [] {
-        std::array<quint64, 20> powers {};
-        quint64 power = 1;
-        for (quint64 &entry : powers) {
-            entry = power;
-            power *= base;
-        }
-        return powers;
-    }();
 
-    static int countDigits(quint64 number);
-    static QChar digit(quint64 value) { return QLatin1Char(char('0' + value)); }
+    static int countDigits(quint32 number);
 
-    quint64 m_digits;
+    quint32 m_digits;
     int m_decimals;
     bool m_isNegative;
 };
 
 inline std::optional<FixedPoint> FixedPoint::of(float value, int decimals)
 {
-    static_assert(std::numeric_limits<float>::is_iec559 && sizeof(float) == sizeof(quint32));
-    constexpr int mantissaBits = 23;
-    constexpr quint32 hiddenBit = 1U << mantissaBits;
-    constexpr quint32 exponentMask = 0xFF;
-    constexpr int exponentBias = 127 + mantissaBits;
-    constexpr int longestShift = 63;
-    // 2^24 * 2^12 * 10^8 is below 2^63.
-    constexpr int largestExponent = 12;
-    constexpr int decimalsOfLargeNumbers = 8;
-
-    if (decimals < 0 || decimals > maximumDecimals)
+    static_assert(std::numeric_limits<float>::is_iec559 && std::numeric_limits<double>::is_iec559);
+    constexpr double limit = 4294967296.; // 2^32
+    if (decimals < 0 || decimals > mostDecimals)
         return std::nullopt;
-    quint32 bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    const quint32 storedExponent = (bits >> mantissaBits) & exponentMask;
-    const quint64 mantissa = (bits & (hiddenBit - 1)) | (storedExponent != 0 ? hiddenBit : 0);
-    const int exponent = int(qMax(storedExponent, 1U)) - exponentBias;
-    const quint64 product = mantissa * powersOfBase[std::size_t(decimals)];
-    quint64 digits = 0;
-    if (exponent >= 0) {
-        if (exponent > largestExponent || (exponent > 0 && decimals > decimalsOfLargeNumbers))
-            return std::nullopt;
-        digits = product << exponent;
-    } else if (exponent >= -longestShift) {
-        digits = (product + (quint64(1) << (-exponent - 1))) >> -exponent;
-    } // else less than half of the last decimal
-    return FixedPoint(digits, decimals, value < 0);
+    const double units = std::fabs(double(value)) * exactPowersOfTen[std::size_t(decimals)] + 0.5;
+    if (!(units < limit)) // NaN is not, either
+        return std::nullopt;
+    return FixedPoint(quint32(units), decimals, value < 0);
 }
 
 inline void FixedPoint::trimZeros()
@@ -126,34 +115,64 @@ inline void FixedPoint::trimZeros()
     }
 }
 
-inline int FixedPoint::countDigits(quint64 number)
+inline int FixedPoint::countDigits(quint32 number)
 {
-    // 1233 / 4096 is log10(2), a little more than enough for 64 bits.
-    const int bits = 64 - int(qCountLeadingZeroBits(number | 1U));
-    const int estimate = (bits * 1233) >> 12;
-    return estimate + (number >= powersOfBase[std::size_t(estimate)] ? 1 : 0);
+    // By the number's bits: the digits in the upper half, and in the lower one what it lacks of
+    // carrying to the next where numbers of so many bits have one digit more. Without a branch,
+    // which no processor could foresee.
+    static constexpr auto digitsOfBits = [] {
+        std::array<quint64, 32> all {};
+        quint64 power = base;
+        quint64 digits = 1;
+        for (std::size_t bit = 0; bit < all.size(); ++bit) {
+            const bool isPowerAmong = power < (quint64(2) << bit);
+            digits += isPowerAmong ? 1 : 0;
+            all[bit] = (digits << 32) - (isPowerAmong ? power : 0);
+            power *= isPowerAmong ? base : 1;
+        }
+        return all;
+    }();
+    const auto bit = 31 - qCountLeadingZeroBits(number | 1U);
+    return int((digitsOfBits[bit] + number) >> 32);
 }
 
-inline QChar *FixedPoint::write(QChar *out, int size) const
+inline QChar *FixedPoint::writeBefore(QChar *end) const
 {
-    QChar *const end = out + size;
-    QChar *position = end;
-    quint64 wide = m_digits;
-    int decimalsLeft = m_decimals;
-    for (; wide > std::numeric_limits<quint32>::max(); wide /= base) {
-        *--position = digit(wide % base);
-        if (--decimalsLeft == 0)
-            *--position = QLatin1Char('.');
+    // Two digits a step: half the divisions, each by a constant.
+    using Pair = std::array<ushort, 2>;
+    static constexpr auto pairs = [] {
+        std::array<Pair, base * base> all {};
+        for (quint32 i = 0; i < all.size(); ++i)
+            all[i] = {ushort('0' + i / base), ushort('0' + i % base)};
+        return all;
+    }();
+    constexpr auto pairCount = quint32(pairs.size());
+    quint32 rest = m_digits;
+    QChar *out = end;
+    const auto writePair = [&out, &rest] {
+        const Pair &pair = pairs[rest % pairCount];
+        rest /= pairCount;
+        *--out = pair[1];
+        *--out = pair[0];
+    };
+    const auto writeDigit = [&out, &rest] {
+        *--out = ushort('0' + rest % base);
+        rest /= base;
+    };
+    if (m_decimals > 0) {
+        for (int left = m_decimals; left > 1; left -= 2)
+            writePair();
+        if (m_decimals % 2 != 0)
+            writeDigit();
+        *--out = QLatin1Char('.');
     }
-    auto narrow = quint32(wide); // 64-bit divisions are slow on 32-bit ARM
-    if (decimalsLeft > 0) {
-        for (; decimalsLeft > 0; --decimalsLeft, narrow /= base)
-            *--position = digit(narrow % base);
-        *--position = QLatin1Char('.');
-    }
-    for (; position != out; narrow /= base)
-        *--position = digit(narrow % base);
-    return end;
+    while (rest >= pairCount)
+        writePair();
+    if (rest >= base)
+        writePair();
+    else
+        writeDigit();
+    return out;
 }
 
 } // namespace Internal

@@ -34,38 +34,39 @@ const Table *tableOf(RoundMetods method)
     return index < tables.size() ? tables[index] : nullptr;
 }
 
-void logValue(float value, const char *label, int current)
+// Rare, and so kept out of the code that every value runs through.
+Q_NEVER_INLINE void logValue(float value, const char *label, int current)
 {
     log() << "NumericalValueBox::setRealValue:" << double(value) << label << current;
 }
 
 } // namespace
 
-void NumericalValueBox::Private::makeOwnRow(int digits, int prefix)
+void NumericalValueBox::makeOwnRow(int digits, UnitPrefixs prefix)
 {
-    ownRow = {std::numeric_limits<float>::max(), digits, prefix};
-    if (ownSet)
-        *ownSet->items.first() = ownRow;
+    m_ownRow = {std::numeric_limits<float>::max(), digits, prefix};
+    if (m_ownSet)
+        *m_ownSet->items.first() = m_ownRow;
 }
 
-void NumericalValueBox::Private::useOwnRow()
+Q_NEVER_INLINE void NumericalValueBox::useOwnRow()
 {
-    if (!ownSet) {
-        ownSet = std::make_unique<Round_Current_I>(testI_None, nullptr);
-        ownSet->items.append(new RoundItem(ownRow));
+    if (!m_ownSet) {
+        m_ownSet = std::make_unique<Round_Current_I>(testI_None, nullptr);
+        m_ownSet->items.append(new RoundItem(m_ownRow));
     }
-    active = ownSet.get();
+    m_active = m_ownSet.get();
 }
 
-void NumericalValueBox::Private::chooseRows(testI current)
+Q_NEVER_INLINE void NumericalValueBox::chooseRows(testI current)
 {
-    active = nullptr;
-    const Table *table = tableOf(method);
+    m_active = nullptr;
+    const Table *table = tableOf(m_method);
     if (!table)
         return;
     for (const Round_Current_I *set : *table) {
-        if (MergeTestI(set->current, current)) {
-            active = set;
+        if (set->current == current) {
+            m_active = set;
             return;
         }
     }
@@ -77,7 +78,8 @@ NumericalValueBox::NumericalValueBox(QObject *parent)
 
 NumericalValueBox::NumericalValueBox(Units unit, RoundMetods method, QObject *parent)
     : QObject(parent)
-    , d(std::make_unique<Private>(unit, method))
+    , m_unit(unit)
+    , m_method(method)
 {
     prepareRound_Static();
 }
@@ -91,51 +93,51 @@ NumericalValueBox::NumericalValueBox(float value, Units unit, UnitPrefixs prefix
                                      RoundMetods method, int digits, QObject *parent)
     : NumericalValueBox(unit, method, parent)
 {
-    d->value = value;
-    d->makeOwnRow(digits, prefix);
-    d->useOwnRow();
+    m_value = value;
+    makeOwnRow(digits, prefix);
+    useOwnRow();
 }
 
 NumericalValueBox::NumericalValueBox(const QString &text, QObject *parent)
     : NumericalValueBox(parent)
 {
     const auto content = Internal::parsed(text);
-    d->value = content.value;
-    d->unit = content.unit;
-    d->useOwnRow();
+    m_value = content.value;
+    m_unit = content.unit;
+    useOwnRow();
 }
 
 NumericalValueBox::~NumericalValueBox() = default;
 
 void NumericalValueBox::setNegativeAllowed(bool allowed)
 {
-    d->negativeAllowed = allowed;
+    m_negativeAllowed = allowed;
 }
 
 bool NumericalValueBox::isNegativeAllowed() const
 {
-    return d->negativeAllowed;
+    return m_negativeAllowed;
 }
 
 void NumericalValueBox::setDebug(bool enabled)
 {
-    d->debug = enabled;
+    m_debug = enabled;
 }
 
 bool NumericalValueBox::isDebug() const
 {
-    return d->debug;
+    return m_debug;
 }
 
 void NumericalValueBox::prepareRound_Static()
 {
-    d->makeOwnRow(ownDigits, Prefix_None);
+    makeOwnRow(ownDigits, Prefix_None);
 }
 
 void NumericalValueBox::setRoundMetod(RoundMetods method)
 {
-    d->method = method;
-    d->active = nullptr;
+    m_method = method;
+    m_active = nullptr;
 }
 
 void NumericalValueBox::setRealValue(float value)
@@ -145,37 +147,37 @@ void NumericalValueBox::setRealValue(float value)
 
 void NumericalValueBox::setRealValue(float value, testI current)
 {
-    if (d->debug)
+    if (Q_UNLIKELY(m_debug))
         logValue(value, " testI_Index_enum:", current);
-    d->setValue(value, current);
+    setValue(value, current);
 }
 
 void NumericalValueBox::setRealValue(float value, int index)
 {
-    if (d->debug)
+    if (Q_UNLIKELY(m_debug))
         logValue(value, " testI_Index:", index);
-    d->setValue(value, testI(index));
+    setValue(value, testI(index));
 }
 
-void NumericalValueBox::Private::setValue(float newValue, testI current)
+inline void NumericalValueBox::setValue(float value, testI current)
 {
-    value = newValue;
-    if (method == Round_Static) {
-        if (!active)
+    m_value = value;
+    if (m_method == Round_Static) {
+        if (!m_active)
             useOwnRow();
-    } else if (current != testI_None && !(active && MergeTestI(active->current, current))) {
+    } else if (current != testI_None && !(m_active && m_active->current == current)) {
         chooseRows(current);
     }
 }
 
 float NumericalValueBox::realValue() const
 {
-    return d->value;
+    return m_value;
 }
 
 int NumericalValueBox::findBestRange(float value) const
 {
-    return d->rangeOf(value);
+    return Internal::rangeOf(value, m_active);
 }
 
 float NumericalValueBox::_calculatePrefixValue(float value) const
@@ -183,9 +185,9 @@ float NumericalValueBox::_calculatePrefixValue(float value) const
     if (std::isnan(value))
         return missing;
     const int index = findBestRange(value);
-    if (index == Private::noRows)
+    if (index == Internal::noRows)
         return 0;
-    const RoundItem *row = d->rowAt(index);
+    const RoundItem *row = Internal::rowAt(index, m_active);
     return row ? float(Internal::powerOfTen(row->prefix)) : missing;
 }
 
@@ -196,22 +198,22 @@ float NumericalValueBox::getPrefixValue() const
 
 QString NumericalValueBox::_valueFormat(float value, int rangeIndex) const
 {
-    const RoundItem *row = d->rowAt(rangeIndex);
-    if (!row || std::isnan(d->value))
+    const RoundItem *row = Internal::rowAt(rangeIndex, m_active);
+    if (!row || std::isnan(m_value))
         return QStringLiteral("---");
     return Internal::roundedText(value, *row);
 }
 
 float NumericalValueBox::getFormatedValue() const
 {
-    const int index = findBestRange(d->value);
-    const RoundItem *row = d->rowAt(index);
-    if (!row || std::isnan(d->value))
+    const int index = findBestRange(m_value);
+    const RoundItem *row = Internal::rowAt(index, m_active);
+    if (!row || std::isnan(m_value))
         return missing;
-    float shown = d->value;
-    if (index == Private::belowZero)
+    float shown = m_value;
+    if (index == Internal::belowZero)
         shown = 0;
-    else if (index == d->rowCount())
+    else if (index == m_active->items.size())
         shown = row->maximum;
     bool ok = false;
     const float number = Internal::roundedText(shown, *row).toFloat(&ok);

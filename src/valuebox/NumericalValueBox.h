@@ -12,6 +12,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <limits>
 #include <memory>
 
 namespace ValueBox {
@@ -200,8 +201,23 @@ public:
     static QList<DynamicRounding::Round_Current_I *> tableRound_L_TempCompensation;
 
 private:
-    class KTV_DATASOURCE_NO_EXPORT Private;
-    const std::unique_ptr<Private> d;
+    QString shownText() const;
+    void logBeforeText() const;
+    void logText(const QString &text) const;
+    void makeOwnRow(int digits, UnitPrefixs prefix);
+    void useOwnRow();
+    void setValue(float value, testI current);
+    void chooseRows(testI current);
+
+    // Plain members: boxes are made by the thousand, and a private part would be an allocation.
+    bool m_negativeAllowed = false;
+    bool m_debug = false;
+    float m_value = std::numeric_limits<float>::quiet_NaN();
+    Units m_unit;
+    RoundMetods m_method;
+    DynamicRounding::RoundItem m_ownRow;
+    const DynamicRounding::Round_Current_I *m_active = nullptr; // rows in use; null for none
+    std::unique_ptr<DynamicRounding::Round_Current_I> m_ownSet; // made when it is used
 };
 
 } // namespace ValueBox

@@ -6,73 +6,37 @@
 
 #include <limits>
 
-namespace ValueBox {
-
-class KTV_DATASOURCE_NO_EXPORT NumericalValueBox::Private
-{
-public:
-    static constexpr int noRows = -2;
-    static constexpr int belowZero = -1;
-
-    Private(Units unitOfValue, RoundMetods roundMethod) : unit(unitOfValue), method(roundMethod) { }
-
-    /** Gives the own row set its single row. */
-    void makeOwnRow(int digits, int prefix);
-    /** Puts the own row set to use. It is made only now: most objects live by a table. */
-    void useOwnRow();
-    /** Stores a value and, where its current asks for others, chooses the rows. */
-    void setValue(float newValue, testI current);
-    /** Chooses the rows for a current from the method's table. */
-    void chooseRows(testI current);
-
-    int rowCount() const { return active ? active->items.size() : 0; }
-    /** Index of the row that fits a value, as findBestRange() hands it out. */
-    int rangeOf(float number) const
-    {
-        if (!active)
-            return noRows;
-        if (number < 0)
-            return belowZero;
-        const auto &rows = active->items;
-        const int count = rows.size();
-        int index = 0;
-        while (index < count && !(rows.at(index)->maximum >= number)) // NaN fits no row
-            ++index;
-        return index;
-    }
-    /** The row of such an index; null without rows. */
-    const DynamicRounding::RoundItem *rowAt(int rangeIndex) const
-    {
-        const int count = rowCount();
-        if (count == 0 || rangeIndex == noRows)
-            return nullptr;
-        return active->items.at(qBound(0, rangeIndex, count - 1));
-    }
-
-    /** The shown text of a value that is a number. */
-    QString text() const;
-    /** "< 0 mΩ" in the prefix of the lowest row. */
-    QString belowZeroText(const DynamicRounding::RoundItem &row) const;
-    /** Text of a number shown with a row, after a marker. */
-    QString rowText(QLatin1String marker, float number, const DynamicRounding::RoundItem &row,
-                    bool isMinusShown) const;
-    /** The same with unit and prefix of any content, and with any number. */
-    QString simplifiedRowText(QLatin1String marker, float number,
-                              const DynamicRounding::RoundItem &row, bool isMinusShown) const;
-
-    bool negativeAllowed = false;
-    bool debug = false;
-    float value = std::numeric_limits<float>::quiet_NaN();
-    Units unit;
-    RoundMetods method;
-    const DynamicRounding::Round_Current_I *active = nullptr; ///< rows in use; null for none
-    DynamicRounding::RoundItem ownRow;
-    std::unique_ptr<DynamicRounding::Round_Current_I> ownSet;
-};
-
-} // namespace ValueBox
-
 namespace Internal {
+
+constexpr int noRows = -2; ///< index of a row while no row set is in use
+constexpr int belowZero = -1; ///< index of a row for negative values
+
+/** Index of the first row that reaches a value; the number of rows when none does, and for NaN. */
+inline int firstRowFor(float value, const QList<ValueBox::DynamicRounding::RoundItem *> &rows)
+{
+    const int count = rows.size();
+    int index = 0;
+    while (index < count && !(rows.at(index)->maximum >= value))
+        ++index;
+    return index;
+}
+
+/** Index of the row that fits a value, as findBestRange() hands it out; the set may be null. */
+inline int rangeOf(float value, const ValueBox::DynamicRounding::Round_Current_I *set)
+{
+    if (!set)
+        return noRows;
+    return value < 0 ? belowZero : firstRowFor(value, set->items);
+}
+
+/** The row of such an index; null without rows. */
+inline const ValueBox::DynamicRounding::RoundItem *
+rowAt(int rangeIndex, const ValueBox::DynamicRounding::Round_Current_I *set)
+{
+    if (!set || set->items.isEmpty() || rangeIndex == noRows)
+        return nullptr;
+    return set->items.at(qBound(0, rangeIndex, set->items.size() - 1));
+}
 
 using UnitIndex = TextIndex<ValueBox::Units, ValueBox::Unit_None, ValueBox::Unit_Ohm>;
 using PrefixIndex = TextIndex<ValueBox::UnitPrefixs, ValueBox::Prefix_n, ValueBox::Prefix_G>;
@@ -97,10 +61,8 @@ ParsedText parsed(QStringView text);
 inline std::optional<FixedPoint> roundedNumber(float value,
                                                const ValueBox::DynamicRounding::RoundItem &row)
 {
-    // A nudge of the tenth decimal can reach the ninth of a float, never the eighth.
-    constexpr int untouchedDecimals = 8;
-    if (row.digits > untouchedDecimals)
-        return std::nullopt;
+    // The nudge of a tenth decimal can reach the ninth of a float, never the eighth.
+    static_assert(FixedPoint::mostDecimals <= 8);
     return FixedPoint::of(scaled(value, row.prefix), row.digits);
 }
 

@@ -27,14 +27,14 @@ float converted(float celsius, TemperatureUnit unit)
  */
 std::optional<FixedPoint> halfDegrees(float temperature)
 {
-    constexpr quint64 degree = 10;
-    constexpr quint64 half = degree / 2;
+    constexpr quint32 degree = 10;
+    constexpr quint32 half = degree / 2;
     const auto tenths = FixedPoint::of(temperature, 1);
     if (!tenths)
         return std::nullopt;
     const bool isNegative = tenths->isNegative() && tenths->digits() != 0;
-    const quint64 step = isNegative ? degree : half;
-    const quint64 up = isNegative ? degree - 1 : 0;
+    const quint32 step = isNegative ? degree : half;
+    const quint32 up = isNegative ? degree - 1 : 0;
     return FixedPoint((tenths->digits() + up) / step * step, 1, isNegative);
 }
 
@@ -55,7 +55,7 @@ QString NumericalValueBox::formatTemperature(float celsius)
         return QLatin1String("--- ") % getUnit(Unit_Temperature);
     prepareStaticDefaultValue(_tUnit);
     const float temperature = converted(celsius, _tUnit);
-    const QStringView unit = Internal::unitTexts.text(Unit_Temperature);
+    const QStringView unit = Internal::unitTexts.text(Unit_Temperature).view();
     if (const auto number = halfDegrees(temperature))
         return TextParts {{}, number->isNegative(), *number, true, {}, unit}.toString();
     return longHalfDegrees(temperature) + QLatin1Char(' ') + unit.toString();

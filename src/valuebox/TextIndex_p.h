@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QString>
 
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -19,11 +20,50 @@ inline bool isSpace(QChar character)
     return !isGreek && !isLetterlikeSymbol && character.isSpace();
 }
 
+/** A text of a unit or prefix, and what is to be known of it each time that it is shown. */
+class IndexedText
+{
+public:
+    /** The empty text. */
+    IndexedText() : IndexedText(noText()) { }
+    /** A text that lives at least as long as this object. */
+    explicit IndexedText(const QString &text)
+        : m_source(&text)
+        , m_content(text)
+        , m_view(m_content)
+        , m_isPlain(std::none_of(text.begin(), text.end(), [](QChar character) {
+            return character == QLatin1Char('-') || isSpace(character);
+        }))
+    { }
+
+    /** Whether nobody has edited the text since: an edit detaches it from the copy here. */
+    bool isCurrent() const { return m_source->isSharedWith(m_content); }
+    /** The text as it is now. */
+    const QString &source() const { return *m_source; }
+    /** The text, while it is current. */
+    QStringView view() const { return m_view; }
+    /** Whether it can stand in a value's text without being simplified or taken for a sign. */
+    bool isPlain() const { return m_isPlain; }
+
+private:
+    static const QString &noText()
+    {
+        static const QString text;
+        return text;
+    }
+
+    const QString *m_source;
+    QString m_content;
+    QStringView m_view;
+    bool m_isPlain;
+};
+
 /**
  * The entries of a hash of texts, side by side.
  *
- * Anybody may edit the hash at any time. The index shares its content, so that every edit
- * detaches one from the other: while they are the same, nothing has to be looked up anew.
+ * Anybody may edit the hash at any time, and a text in it through a reference taken before. The
+ * index shares their content, so that every edit detaches one from the other: while they are the
+ * same, nothing has to be looked up anew.
  * @tparam lowest,highest range of the keys that are found without a search
  */
 template <typename Key, int lowest, int highest> class TextIndex
@@ -32,12 +72,12 @@ public:
     struct Entry
     {
         Key key;
-        const QString *text;
+        IndexedText text;
     };
 
     explicit TextIndex(const QHash<Key, QString> &texts) : m_texts(texts) { }
 
-    /** All entries, in no particular order. */
+    /** All entries, in no particular order; some may have been edited since. */
     const std::vector<Entry> &entries()
     {
         update();
@@ -45,18 +85,26 @@ public:
     }
 
     /** Text of a key; empty when it has none. */
-    QStringView text(Key key)
+    const IndexedText &text(Key key)
     {
         update();
-        const bool isDirect = key >= lowest && key <= highest;
-        const QString *found = isDirect ? m_direct[std::size_t(key - lowest)] : searched(key);
-        return found ? QStringView(*found) : QStringView();
+        const IndexedText &text = found(key);
+        if (Q_LIKELY(text.isCurrent()))
+            return text;
+        renew();
+        return found(key);
     }
 
 private:
+    const IndexedText &found(Key key) const
+    {
+        const bool isDirect = key >= lowest && key <= highest;
+        return Q_LIKELY(isDirect) ? m_direct[std::size_t(key - lowest)] : searched(key);
+    }
+
     void update()
     {
-        if (!m_content.isSharedWith(m_texts))
+        if (Q_UNLIKELY(!m_content.isSharedWith(m_texts)))
             renew();
     }
 
@@ -65,24 +113,26 @@ private:
     {
         m_content = m_texts;
         m_entries.clear();
-        m_direct.fill(nullptr);
+        m_direct.fill(IndexedText());
         for (auto entry = m_content.constBegin(); entry != m_content.constEnd(); ++entry) {
-            m_entries.push_back({entry.key(), &entry.value()});
+            m_entries.push_back({entry.key(), IndexedText(entry.value())});
             if (entry.key() >= lowest && entry.key() <= highest)
-                m_direct[std::size_t(entry.key() - lowest)] = &entry.value();
+                m_direct[std::size_t(entry.key() - lowest)] = m_entries.back().text;
         }
     }
 
-    Q_NEVER_INLINE const QString *searched(Key key) const
+    Q_NEVER_INLINE const IndexedText &searched(Key key) const
     {
-        const auto entry = m_content.constFind(key);
-        return entry == m_content.constEnd() ? nullptr : &*entry;
+        static const IndexedText none;
+        const auto entry = std::find_if(m_entries.begin(), m_entries.end(),
+                                        [key](const Entry &other) { return other.key == key; });
+        return entry == m_entries.end() ? none : entry->text;
     }
 
     const QHash<Key, QString> &m_texts;
     QHash<Key, QString> m_content;
     std::vector<Entry> m_entries;
-    std::array<const QString *, std::size_t(highest - lowest + 1)> m_direct {};
+    std::array<IndexedText, std::size_t(highest - lowest + 1)> m_direct;
 };
 
 } // namespace Internal

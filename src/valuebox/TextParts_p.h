@@ -16,33 +16,41 @@ struct TextParts
 
     QString toString() const
     {
-        const int numberSize = number.size();
-        QString text(marker.size() + int(hasMinus) + numberSize + int(hasBlank)
+        QString text(marker.size() + int(hasMinus) + number.size() + int(hasBlank)
                          + int(prefix.size() + unit.size()),
                      Qt::Uninitialized);
-        QChar *out = text.data();
-        for (const char character : marker)
-            *out++ = QLatin1Char(character);
-        if (hasMinus)
-            *out++ = QLatin1Char('-');
-        out = number.write(out, numberSize);
+        QChar *out = text.data() + text.size();
+        out = writeBefore(out, unit);
+        out = writeBefore(out, prefix);
         if (hasBlank)
-            *out++ = QLatin1Char(' ');
-        for (const QChar character : prefix)
-            *out++ = character;
-        for (const QChar character : unit)
-            *out++ = character;
+            *--out = QLatin1Char(' ');
+        out = number.writeBefore(out);
+        if (hasMinus)
+            *--out = QLatin1Char('-');
+        writeBefore(out, marker);
         return text;
     }
+
+private:
+    template <typename Text> static QChar *writeBefore(QChar *end, const Text &text)
+    {
+        for (auto character = text.end(); character != text.begin();)
+            *--end = QChar(*--character); // one or two: not worth a call
+        return end;
+    }
 };
+
+/** A number's text with its sign. */
+inline QString toText(const FixedPoint &number)
+{
+    return TextParts {{}, number.isNegative(), number, false, {}, {}}.toString();
+}
 
 /** QString::number(value, 'f', decimals). */
 inline QString fixedText(float value, int decimals)
 {
     const auto number = FixedPoint::of(value, decimals);
-    if (!number)
-        return QString::number(double(value), 'f', decimals);
-    return TextParts {{}, number->isNegative(), *number, false, {}, {}}.toString();
+    return number ? toText(*number) : QString::number(double(value), 'f', decimals);
 }
 
 } // namespace Internal

@@ -110,7 +110,7 @@ QString NumericalValueBox::_enumUnitPrefixsToString(UnitPrefixs prefix)
 
 QString NumericalValueBox::_unitAndPrefixToString(UnitPrefixs prefix) const
 {
-    return getUnitPrefix(prefix) + getUnit(d->unit);
+    return getUnitPrefix(prefix) + getUnit(m_unit);
 }
 
 TemperatureUnit NumericalValueBox::getTempUnit()

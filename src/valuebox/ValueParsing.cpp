@@ -56,11 +56,11 @@ Ending<Key> longestEnding(QStringView part, const Entries &entries)
         return best;
     const QChar last = part.back();
     for (const auto &entry : entries) {
-        const QString &text = *entry.text;
-        const int size = text.size();
-        if (size == 0 || text.constData()[size - 1] != last || !endsWith(part, text))
+        const QStringView text = entry.text.source();
+        if (text.isEmpty() || text.back() != last || !endsWith(part, text))
             continue;
-        if (size > best.text.size() || (size == best.text.size() && entry.key < best.key))
+        if (text.size() > best.text.size()
+            || (text.size() == best.text.size() && entry.key < best.key))
             best = {entry.key, text};
     }
     return best;

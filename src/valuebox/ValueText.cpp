@@ -27,15 +27,6 @@ QString nothing()
 const QLatin1String overRange("> ");
 const QLatin1String underRange("< 0 ");
 
-/** Whether a unit or prefix can stand in a text without being simplified or taken for a sign. */
-bool isPlain(QStringView text)
-{
-    int others = 0; // texts of one or two characters: counting is quicker than leaving early
-    for (const QChar character : text)
-        others += int(character == QLatin1Char('-') || Internal::isSpace(character));
-    return others == 0;
-}
-
 /** A value that rounds to zero is never shown as negative. */
 void removeMinusOfZero(QString &text)
 {
@@ -56,7 +47,7 @@ using ValueBox::DynamicRounding::RoundItem;
 QString roundedText(float value, const RoundItem &row)
 {
     if (const auto number = roundedNumber(value, row))
-        return TextParts {{}, number->isNegative(), *number, false, {}, {}}.toString();
+        return toText(*number);
     return ValueBox::NumericalValueBox::round(double(scaled(value, row.prefix)),
                                               quint32(row.digits));
 }
@@ -76,65 +67,24 @@ QString NumericalValueBox::round(double value, unsigned int digits)
     return QString::number(value, 'f', int(digits));
 }
 
-QString NumericalValueBox::toString() const
+namespace {
+
+/** "< 0 mΩ" in the prefix of the lowest row. */
+QString belowZeroText(const RoundItem &row, Units unit)
 {
-    if (d->debug)
-        log() << "NumericalValueBox::toString()";
-    if (std::isnan(d->value)) {
-        if (d->debug)
-            log() << "NumericalValueBox::toString()= --- (" << double(d->value) << ")";
-        return QLatin1String("--- ") % getUnit(d->unit);
-    }
-    if (d->debug && !d->active)
-        log() << "NumericalValueBox::toString()= --- [2] (" << double(d->value) << ")";
-    QString text = d->text();
-    if (d->debug)
-        log() << "NumericalValueBox::toString()= " << text;
-    return text;
+    const QString text = underRange % NumericalValueBox::getUnitPrefix(UnitPrefixs(row.prefix))
+        % NumericalValueBox::getUnit(unit);
+    return text.contains(nothing()) ? nothing() : text.simplified();
 }
 
-QString NumericalValueBox::Private::text() const
-{
-    const bool isMinusShown = value < 0 && negativeAllowed;
-    const float shown = isMinusShown ? -value : value;
-    const int index = rangeOf(shown);
-    const RoundItem *row = rowAt(index);
-    if (!row)
-        return nothing();
-    if (index < 0)
-        return belowZeroText(*row);
-    const bool isAbove = index == rowCount();
-    return rowText(isAbove ? overRange : QLatin1String(), isAbove ? row->maximum : shown, *row,
-                   isMinusShown && !isAbove);
-}
-
-QString NumericalValueBox::Private::belowZeroText(const RoundItem &row) const
-{
-    QString text = underRange % getUnitPrefix(UnitPrefixs(row.prefix)) % getUnit(unit);
-    return text.contains(nothing()) ? nothing() : std::move(text).simplified();
-}
-
-QString NumericalValueBox::Private::rowText(QLatin1String marker, float number,
-                                            const RoundItem &row, bool isMinusShown) const
-{
-    const QStringView prefixText = Internal::prefixTexts.text(UnitPrefixs(row.prefix));
-    const QStringView unitText = Internal::unitTexts.text(unit);
-    const auto fixed = Internal::roundedNumber(number, row);
-    if (fixed && !fixed->isNegative() && isPlain(prefixText) && isPlain(unitText)) {
-        const bool hasUnit = !prefixText.isEmpty() || !unitText.isEmpty();
-        return TextParts {
-            marker, isMinusShown && fixed->digits() != 0, *fixed, hasUnit, prefixText, unitText}
-            .toString();
-    }
-    return simplifiedRowText(marker, number, row, isMinusShown);
-}
-
-QString NumericalValueBox::Private::simplifiedRowText(QLatin1String marker, float number,
-                                                      const RoundItem &row, bool isMinusShown) const
+/** What rowText() gives, with unit and prefix of any content, and with any number. */
+QString anyRowText(QLatin1String marker, bool isNegative, float number, const RoundItem &row,
+                   Units unit)
 {
     QString text = marker + Internal::roundedText(number, row) + QLatin1Char(' ')
-        + getUnitPrefix(UnitPrefixs(row.prefix)) + getUnit(unit);
-    if (isMinusShown)
+        + NumericalValueBox::getUnitPrefix(UnitPrefixs(row.prefix))
+        + NumericalValueBox::getUnit(unit);
+    if (isNegative)
         text.prepend(QLatin1Char('-'));
     if (text.contains(nothing()))
         return nothing();
@@ -142,12 +92,71 @@ QString NumericalValueBox::Private::simplifiedRowText(QLatin1String marker, floa
     return text.simplified();
 }
 
+/** Text of a number shown with a row, after a marker. */
+inline QString rowText(QLatin1String marker, bool isNegative, float number, const RoundItem &row,
+                       Units unit)
+{
+    const auto &prefix = Internal::prefixTexts.text(UnitPrefixs(row.prefix));
+    const auto &unitText = Internal::unitTexts.text(unit);
+    const auto fixed = Internal::roundedNumber(number, row);
+    if (Q_UNLIKELY(!fixed || fixed->isNegative() || !prefix.isPlain() || !unitText.isPlain()))
+        return anyRowText(marker, isNegative, number, row, unit);
+    const bool hasMinus = isNegative && fixed->digits() != 0;
+    const bool hasBlank = prefix.view().size() + unitText.view().size() != 0;
+    return TextParts {marker, hasMinus, *fixed, hasBlank, prefix.view(), unitText.view()}
+        .toString();
+}
+
+} // namespace
+
+QString NumericalValueBox::toString() const
+{
+    if (Q_UNLIKELY(m_debug))
+        logBeforeText();
+    QString text = shownText();
+    if (Q_UNLIKELY(m_debug))
+        logText(text);
+    return text;
+}
+
+void NumericalValueBox::logBeforeText() const
+{
+    log() << "NumericalValueBox::toString()";
+    if (std::isnan(m_value))
+        log() << "NumericalValueBox::toString()= --- (" << double(m_value) << ")";
+    else if (!m_active)
+        log() << "NumericalValueBox::toString()= --- [2] (" << double(m_value) << ")";
+}
+
+void NumericalValueBox::logText(const QString &text) const
+{
+    if (!std::isnan(m_value))
+        log() << "NumericalValueBox::toString()= " << text;
+}
+
+inline QString NumericalValueBox::shownText() const
+{
+    if (Q_UNLIKELY(std::isnan(m_value)))
+        return QLatin1String("--- ") % getUnit(m_unit);
+    if (Q_UNLIKELY(!m_active || m_active->items.isEmpty()))
+        return nothing();
+    const auto &rows = m_active->items;
+    const bool isNegative = m_value < 0;
+    if (Q_UNLIKELY(isNegative && !m_negativeAllowed))
+        return belowZeroText(*rows.first(), m_unit);
+    const float magnitude = isNegative ? -m_value : m_value;
+    const int index = Internal::firstRowFor(magnitude, rows);
+    if (Q_UNLIKELY(index == rows.size()))
+        return rowText(overRange, false, rows.last()->maximum, *rows.last(), m_unit);
+    return rowText({}, isNegative, magnitude, *rows.at(index), m_unit);
+}
+
 QString NumericalValueBox::autoFormat(float value, Units unit, UnitPrefixs prefix, int digits,
                                       bool trimZeros)
 {
     const float shown = scaled(value, prefix);
-    const QStringView prefixText = Internal::prefixTexts.text(prefix);
-    const QStringView unitText = Internal::unitTexts.text(unit);
+    const QStringView prefixText = Internal::prefixTexts.text(prefix).view();
+    const QStringView unitText = Internal::unitTexts.text(unit).view();
     if (auto number = FixedPoint::of(shown, digits)) {
         if (trimZeros)
             number->trimZeros();

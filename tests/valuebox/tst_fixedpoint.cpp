@@ -48,6 +48,7 @@ private slots:
     void ties();
     void edges();
     void whatDoesNotFit();
+    void quotientsAsProducts();
     void nudgeReachesNoEighthDecimal();
     void nudgeReachesTheNinthDecimal();
     void whiteSpaceIsThatOfQt();
@@ -75,7 +76,7 @@ void TstFixedPoint::ties()
     // Halves of the last decimal that a float holds exactly, and both their neighbours.
     QRandomGenerator random(13);
     int exact = 0;
-    for (int decimals = 0; decimals <= FixedPoint::maximumDecimals; ++decimals) {
+    for (int decimals = 0; decimals <= 11; ++decimals) {
         for (int i = 0; i < 20000; ++i) {
             // k / 2^(decimals + 1) with k odd has exactly decimals + 1 decimals, the last a 5.
             const quint32 odd = (random.generate() >> (8U + random.generate() % 20U)) | 1U;
@@ -118,12 +119,41 @@ void TstFixedPoint::whatDoesNotFit()
     QVERIFY(!FixedPoint::of(-infinity, 2));
     QVERIFY(!FixedPoint::of(largest, 2));
     QVERIFY(!FixedPoint::of(1, -1));
-    QVERIFY(!FixedPoint::of(1, FixedPoint::maximumDecimals + 1));
-    QVERIFY(FixedPoint::of(1, FixedPoint::maximumDecimals).has_value());
-    QVERIFY(FixedPoint::of(1e9F, 8).has_value()); // what a meter shows takes the short way
-    QCOMPARE(FixedPoint::of(-0.001F, 2)->digits(), quint64(0));
+    QVERIFY(!FixedPoint::of(1, FixedPoint::mostDecimals + 1));
+    QVERIFY(FixedPoint::of(1, FixedPoint::mostDecimals).has_value());
+    QVERIFY(FixedPoint::of(42.9F, 8).has_value());
+    QVERIFY(!FixedPoint::of(43.F, 8)); // 32 bits are full
+    QCOMPARE(FixedPoint::of(-0.001F, 2)->digits(), 0U);
     QVERIFY(FixedPoint::of(-0.001F, 2)->isNegative());
     QVERIFY(!FixedPoint::of(-0.F, 2)->isNegative());
+}
+
+void TstFixedPoint::quotientsAsProducts()
+{
+    const auto isQuotient = [](float value, int prefix) {
+        return same(Internal::scaled(value, prefix), float(double(value) / std::pow(10., prefix)));
+    };
+    QRandomGenerator random(16);
+    int halfway = 0;
+    for (int i = 0; i < 3000000; ++i) {
+        const int prefix = -int(random.generate() % 11U);
+        QVERIFY(isQuotient(ofBits(random.generate()), prefix));
+        // The product of a float and 10^n, halfway between two floats: an odd 25-bit number
+        // that 5^n divides.
+        const int zeros = 1 + i % 9;
+        const auto factor = quint32(std::lround(std::pow(5., zeros)));
+        const quint32 odd = (((1U << 24U) + random.generate() % (1U << 24U)) / factor) | 1U;
+        const quint32 product = odd * factor;
+        if (product >> 24U != 1 || odd == 0)
+            continue;
+        ++halfway;
+        const float value = std::ldexp(float(odd), int(random.generate() % 60U) - 60);
+        for (const float near : {previous(value), value, next(value), -value})
+            QVERIFY(isQuotient(near, -zeros));
+    }
+    QVERIFY(halfway > 1000000);
+    for (const int prefix : {-1000, -11, -10, 0, 1, 3, 6, 9, 10, 40, 1000})
+        QVERIFY(isQuotient(1.2345F, prefix));
 }
 
 void TstFixedPoint::nudgeReachesNoEighthDecimal()
