@@ -112,12 +112,20 @@ void helpPage(const QString &)
     QVERIFY(std::unique_ptr<QStringList>(help.GetHelpFileList("odd"))->isEmpty());
 }
 
-void counters(const QString &)
+/** Counts are not read from there, and replace it, where it can be replaced. */
+void counters(const QString &path)
 {
     const LogCapture log;
-    const KTV_Liczniki counters("/media/sdcard/Log/");
-    QCOMPARE(log.lines(), QStringList("Liczniki open file error!!!"));
-    QCOMPARE(counters.get_dictionary(KTV_Liczniki::Licznik_Demagnetyzacja), 0);
+    {
+        const KTV_Liczniki counters("/media/sdcard/Log/");
+        QCOMPARE(counters.get_dictionary(KTV_Liczniki::Licznik_Demagnetyzacja), 0);
+    }
+    QStringList lines("Liczniki open file error!!!");
+    if (isDirectory(path))
+        lines += "Liczniki override file error!!!";
+    QCOMPARE(log.lines(), lines);
+    QCOMPARE(QFileInfo(path).isFile() && !QFileInfo(path).isSymLink(), !isDirectory(path));
+    QVERIFY(!QFileInfo("/dev/zero").isFile());
 }
 
 void defaultList(const QString &)

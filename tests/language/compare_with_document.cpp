@@ -4,8 +4,7 @@
 //     compare_with_document COUNT [SEED] [FILE...]
 //
 // Without files, those of the meter's own languages and description are mutated; files that are
-// hard to read come with the program. A file that differs is kept beside the program's other
-// output.
+// hard to read come with the program. A file that differs is printed.
 
 #include "support/LogCapture.h"
 #include "support/Meter.h"
