@@ -1,0 +1,203 @@
+"""The virtual machine, from the host's side: its command line, its control socket (QMP), and the port
+through which it is told what to do."""
+
+import json
+import os
+import select
+import shutil
+import signal
+import socket
+import subprocess
+import time
+
+
+class Failed(Exception):
+    pass
+
+
+KERNEL_LINE = "quiet panic=-1 net.ifnames=0 systemd.show_status=0 mitigations=off"
+ARCHITECTURES = {
+    "amd64": {
+        "program": "qemu-system-x86_64",
+        "machine": ["-machine", "pc,usb=off", "-cpu", "max"],
+        "console": "ttyS0",
+    },
+    "arm64": {
+        "program": "qemu-system-aarch64",
+        "machine": ["-machine", "virt", "-cpu", "cortex-a53"],
+        "console": "ttyAMA0",
+    },
+    "armhf": {
+        "program": "qemu-system-arm",
+        "machine": ["-machine", "virt", "-cpu", "cortex-a15"],
+        "console": "ttyAMA0",
+    },
+}
+TCG = ["-accel", "tcg", "-icount", "shift=1,sleep=off"]
+
+
+class Machine:
+    """One machine. Its files (sockets, console's log) are in a folder of their own."""
+
+    def __init__(self, architecture, images, folder, accelerator, memory=768):
+        self.kind = ARCHITECTURES[architecture]
+        self.images = images
+        self.folder = folder
+        self.accelerator = accelerator
+        self.memory = memory
+        self.process = None
+        self.qmp = None
+        self.port = None
+        shutil.rmtree(folder, ignore_errors=True)
+        os.makedirs(folder)
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def command(self, extra_line=""):
+        line = f"console={self.kind['console']} {KERNEL_LINE} {extra_line}"
+        return [
+            self.kind["program"], *self.kind["machine"], *self.accelerator,
+            "-m", str(self.memory), "-nodefaults", "-no-reboot", "-nic", "none",
+            "-rtc", "clock=vm",
+            "-kernel", os.path.join(self.images, "vmlinuz"),
+            "-initrd", os.path.join(self.images, "initrd"),
+            "-append", line,
+            "-drive", f"if=none,id=root,file={self.images}/root.ext4,format=raw,readonly=on",
+            "-device", "virtio-blk-pci,drive=root,serial=root",
+            "-drive", f"if=none,id=device,file={self.images}/device.ext4,format=raw,readonly=on",
+            "-device", "virtio-blk-pci,drive=device,serial=device",
+            "-device", "virtio-serial-pci",
+            "-chardev", f"socket,id=agent,path={self.path('agent')},server=on,wait=off",
+            "-device", "virtserialport,chardev=agent,name=ktv.agent",
+            "-chardev", f"socket,id=line,path={self.path('line')},server=on,wait=off",
+            "-device", "pci-serial,chardev=line,addr=0xa",
+            "-chardev", f"socket,id=hardware,path={self.path('line')}",
+            "-device", "pci-serial,chardev=hardware,addr=0xb",
+            "-chardev", f"socket,id=qmp,path={self.path('qmp')},server=on,wait=off",
+            "-mon", "chardev=qmp,mode=control",
+        ]
+
+    def start(self, *options, extra_line=""):
+        console = ["-display", "none", "-chardev",
+                   f"file,id=console,path={self.path('console')}", "-serial", "chardev:console"]
+        with open(self.path("qemu.log"), "wb") as log:
+            self.process = subprocess.Popen(
+                [*self.command(extra_line), *console, *options],
+                stdin=subprocess.DEVNULL, stdout=log, stderr=log)
+        self.qmp = self._connect("qmp").makefile("rwb", buffering=0)
+        self.qmp.readline()
+        self.control("qmp_capabilities")
+        self.port = self._connect("agent")
+        self.received = b""
+
+    def _connect(self, name):
+        end = time.monotonic() + 20
+        while True:
+            link = socket.socket(socket.AF_UNIX)
+            try:
+                link.connect(self.path(name))
+                return link
+            except OSError:
+                link.close()
+                if self.process.poll() is not None or time.monotonic() > end:
+                    with open(self.path("qemu.log"), encoding="utf-8", errors="replace") as log:
+                        raise Failed("the emulator does not start: " + log.read())
+                time.sleep(0.05)
+
+    def _gone(self):
+        return Failed("the machine has gone; see " + self.folder)
+
+    def _read_line(self):
+        """The next line from the port."""
+        while b"\n" not in self.received:
+            # The emulator looks at what we have sent only when something wakes it; a question does.
+            while not select.select([self.port], [], [], 0.3)[0]:
+                self.control("query-status")
+            data = self.port.recv(65536)
+            if not data:
+                raise self._gone()
+            self.received += data
+        line, self.received = self.received.split(b"\n", 1)
+        return line
+
+    def control(self, command, **arguments):
+        """One QMP command; its answer. Events in between are dropped."""
+        request = {"execute": command, "arguments": arguments}
+        self.qmp.write(json.dumps(request).encode() + b"\n")
+        while True:
+            line = self.qmp.readline()
+            if not line:
+                raise self._gone()
+            answer = json.loads(line)
+            if "return" in answer:
+                return answer["return"]
+            if "error" in answer:
+                raise Failed(f"{command}: {answer['error']['desc']}")
+
+    def wait_for_agent(self):
+        while self._read_line() != b"\1ready":
+            pass
+
+    def run(self, script, on_line=None):
+        """Runs a script of bash inside. Returns its exit code; each line that it prints goes to
+        on_line, as bytes."""
+        data = script.encode()
+        self.port.sendall(b"%d\n" % len(data) + data)
+        self.control("query-status")
+        while True:
+            line = self._read_line()
+            if line.startswith(b"\1"):
+                return int(line[1:])
+            if on_line:
+                on_line(line)
+
+    def output(self, script):
+        lines = []
+        code = self.run(script, lines.append)
+        text = b"\n".join(lines).decode(errors="replace")
+        if code != 0:
+            raise Failed(f"ended with {code}: {script}\n{text}")
+        return text
+
+    def wait_for(self, status):
+        while self.control("query-status")["status"] != status:
+            time.sleep(0.05)
+
+    def save(self, file):
+        """Keeps memory and devices in a file, and halts."""
+        self.control("stop")
+        self.control("migrate", uri="exec:cat >" + file + ".new")
+        while True:
+            state = self.control("query-migrate")["status"]
+            if state == "completed":
+                break
+            if state in ("failed", "cancelled"):
+                raise Failed("the state cannot be saved")
+            time.sleep(0.1)
+        os.rename(file + ".new", file)
+
+    def resume(self, file):
+        self.start("-incoming", "defer")
+        self.control("migrate-incoming", uri="exec:cat " + file)
+        while self.control("query-status")["status"] == "inmigrate":
+            time.sleep(0.05)
+        if self.control("query-status")["status"] != "running":
+            self.control("cont")
+
+    def processor_time(self):
+        """Seconds that the emulator has computed."""
+        with open(f"/proc/{self.process.pid}/stat", encoding="ascii") as file:
+            user, system = file.read().rpartition(")")[2].split()[11:13]
+        return (int(user) + int(system)) / os.sysconf("SC_CLK_TCK")
+
+    def kill(self):
+        if self.process and self.process.poll() is None:
+            self.process.send_signal(signal.SIGKILL)
+            self.process.wait()
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.kill()
