@@ -7,6 +7,7 @@
 #include <QXmlSimpleReader>
 
 #include <optional>
+#include <utility>
 
 namespace Internal {
 
@@ -19,7 +20,7 @@ constexpr int mostNodes = 120000;
 // A document of some tens of thousands of levels overflows the stack when it is destroyed.
 constexpr int deepestNesting = 10000;
 // A document climbs from each new node to its root.
-constexpr qint64 mostSteps = 200 * 1000 * 1000;
+constexpr qint64 mostSteps = Q_INT64_C(200) * 1000 * 1000;
 
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
@@ -78,7 +79,7 @@ public:
     }
 
     bool hasRefused() const { return m_refused; }
-    const XmlError &error() const { return m_error; }
+    const XmlError &failure() const { return m_error; }
 
 protected:
     int depth() const { return m_depth; }
@@ -108,8 +109,8 @@ private:
 class SectionReader : public Limiter
 {
 public:
-    SectionReader(const QString &attribute, XmlSections &sections)
-        : m_attribute(attribute)
+    SectionReader(QString attribute, XmlSections &sections)
+        : m_attribute(std::move(attribute))
         , m_sections(sections)
     { }
 
@@ -200,7 +201,7 @@ bool parseDocument(const QString &text, QDomDocument &document, XmlError &error)
     Limiter limiter;
     parse(text, limiter);
     if (limiter.hasRefused()) {
-        error = limiter.error();
+        error = limiter.failure();
         return false;
     }
     QDomDocument parsed;
@@ -252,7 +253,7 @@ bool readSections(QIODevice &device, const QString &attribute, XmlSections &sect
     if (parse(text, reader))
         return true;
     if (!reader.needsDocument()) {
-        error = reader.error();
+        error = reader.failure();
         return false;
     }
     sections.clear();
