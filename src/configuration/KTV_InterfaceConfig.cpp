@@ -51,7 +51,8 @@ std::optional<QString> KTV_InterfaceConfig::Private::read(const QString &key)
     Internal::Statement statement(
         database,
         QStringLiteral("SELECT `CON_Value` FROM CONFIG_STR WHERE `CON_Key` = '") + key
-            + QLatin1Char('\''));
+            + QLatin1Char('\''),
+        {}, Internal::Statement::Often);
     if (!statement.isDone() || !statement.next())
         return std::nullopt;
     return statement.value(0).toString();
@@ -61,7 +62,8 @@ bool KTV_InterfaceConfig::Private::remove(const QString &key, QLatin1String fail
 {
     const Internal::Statement statement(database,
                                         QStringLiteral("DELETE FROM CONFIG_STR WHERE `CON_Key` = '")
-                                            + key + QLatin1Char('\''));
+                                            + key + QLatin1Char('\''),
+                                        {}, Internal::Statement::Often);
     if (!statement.isDone())
         log() << failure << statement.lastError().text();
     return statement.isDone();
@@ -73,7 +75,7 @@ bool KTV_InterfaceConfig::Private::insert(const QString &key, const QString &val
         database,
         QStringLiteral("INSERT INTO CONFIG_STR (`CON_Key`,`CON_Value`)VALUES "
                        "(:CON_Key,:CON_Value)"),
-        {key, value});
+        {key, value}, Internal::Statement::Often);
     if (!statement.isDone())
         log() << "setValue - INSERT: " << statement.lastError().text();
     return statement.isDone();

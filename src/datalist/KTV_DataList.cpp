@@ -9,6 +9,7 @@
 #include "valuebox/Temperature_p.h"
 
 #include <QFile>
+#include <QHash>
 #include <QTextStream>
 #include <QVariant>
 
@@ -155,10 +156,25 @@ public:
     template <typename Element>
     QList<Element *> *select(const ListFamily &family, Rows rows, const QString &filter, int limit);
 
+    /** Statements of a list, put together only once. */
+    struct Texts
+    {
+        QString countDuplicates;
+        QString insert;
+        QString select; ///< the latest query, and what it asked for
+        QString selectLanguage;
+        Rows selectRows = Rows::All;
+        bool selectHasFilter = false;
+        int selectLimit = 0;
+    };
+    Texts &texts(const ListFamily &family);
+    const QString &selectText(const ListFamily &family, Rows rows, bool hasFilter, int limit);
+
     const QString directory;
     const QString path;
     const QString languagesDirectory;
     QString language;
+    QHash<const ListFamily *, Texts> textsOfLists;
     Internal::NamedDatabase database {QStringLiteral("dataList")};
 };
 
@@ -166,6 +182,31 @@ void KTV_DataList::Private::setLanguage(const QString &code)
 {
     // A null text would be stored as NULL, which no query of a language ever finds.
     language = code.isNull() ? QLatin1String("") : code;
+}
+
+KTV_DataList::Private::Texts &KTV_DataList::Private::texts(const ListFamily &family)
+{
+    Texts &texts = textsOfLists[&family];
+    if (texts.insert.isNull()) {
+        texts.countDuplicates = family.countDuplicates();
+        texts.insert = family.insert();
+    }
+    return texts;
+}
+
+const QString &KTV_DataList::Private::selectText(const ListFamily &family, Rows rows,
+                                                 bool hasFilter, int limit)
+{
+    Texts &last = texts(family);
+    if (last.select.isNull() || last.selectLanguage != language || last.selectRows != rows
+        || last.selectHasFilter != hasFilter || last.selectLimit != limit) {
+        last.select = family.select(language, rows, hasFilter, limit);
+        last.selectLanguage = language;
+        last.selectRows = rows;
+        last.selectHasFilter = hasFilter;
+        last.selectLimit = limit;
+    }
+    return last.select;
 }
 
 void KTV_DataList::Private::fillAll()
@@ -214,7 +255,7 @@ std::optional<int> KTV_DataList::Private::countFactoryRows(const ListFamily &fam
     if (!database.isOpen())
         return std::nullopt;
     return guarded([&]() -> std::optional<int> {
-        Statement query(database, family.countFactoryRows(language));
+        Statement query(database, family.countFactoryRows(language), {}, Statement::Often);
         if (!query.isDone() || !query.next())
             return std::nullopt;
         return query.value(0).toInt();
@@ -223,7 +264,7 @@ std::optional<int> KTV_DataList::Private::countFactoryRows(const ListFamily &fam
 
 Added KTV_DataList::Private::testDuplicate(const ListFamily &family, const QVariant &name)
 {
-    Statement query(database, family.countDuplicates(), {name});
+    Statement query(database, texts(family).countDuplicates, {name}, Statement::Often);
     if (!query.isDone() || !query.next())
         return Added::Failed;
     bool ok = false;
@@ -240,7 +281,9 @@ Added KTV_DataList::Private::insertUnlessRefused(const ListFamily &family, bool 
     if (family.hasFactoryRows())
         values += readOnly;
     values += storedColumns(family, columns);
-    const auto isInserted = [&] { return Statement(database, family.insert(), values).isDone(); };
+    const auto isInserted = [&] {
+        return Statement(database, texts(family).insert, values, Statement::Often).isDone();
+    };
     if (!family.isUnique)
         return isInserted() ? Added::Done : Added::Failed;
     Internal::Transaction transaction(database);
@@ -306,7 +349,8 @@ QList<Element *> *KTV_DataList::Private::select(const ListFamily &family, Rows r
         QVariantList values;
         if (!filter.isEmpty())
             values += QString(QLatin1Char('%') + filter + QLatin1Char('%'));
-        Statement query(database, family.select(language, rows, !filter.isEmpty(), limit), values);
+        Statement query(database, selectText(family, rows, !filter.isEmpty(), limit), values,
+                        Statement::Often);
         if (!query.isDone())
             return nullptr;
         OwnedList<Element> list;

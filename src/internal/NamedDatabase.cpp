@@ -84,6 +84,7 @@ bool NamedDatabase::open(const QString &path)
 void NamedDatabase::close()
 {
     m_inTransaction = false;
+    m_kept.clear(); // they would hold the file
     if (m_db.isOpen())
         m_db.close();
 }
@@ -142,20 +143,53 @@ QSqlError NamedDatabase::flush() const
             QSqlError::TransactionError};
 }
 
-Statement::Statement(NamedDatabase &database, const QString &text, const QVariantList &values)
-    : m_query(database.m_db)
+QSqlQuery NamedDatabase::statement(const QString &text) const
 {
-    m_query.setForwardOnly(true);
-    // Running a statement whose preparation failed would replace the reason.
-    if (!m_query.prepare(text))
-        return;
+    const auto kept = m_kept.find(text);
+    if (kept != m_kept.end())
+        return *kept;
+    QSqlQuery query(m_db);
+    query.setForwardOnly(true);
+    return query;
+}
+
+void NamedDatabase::keep(const QString &text, const QSqlQuery &query)
+{
+    constexpr int most = 64; // more than a store needs, unless languages come and go
+    if (m_kept.size() >= most)
+        m_kept.clear();
+    m_kept.insert(text, query);
+}
+
+Statement::Statement(NamedDatabase &database, const QString &text, const QVariantList &values,
+                     Use use)
+    : m_run(database.statement(text))
+    , m_isDone(run(database, text, values, use))
+{
+    // Each failure is told by statements that are fresh: what was prepared before another program
+    // changed the tables would tell it in other words.
+    if (!m_isDone)
+        database.m_kept.clear();
+}
+
+bool Statement::run(NamedDatabase &database, const QString &text, const QVariantList &values,
+                    Use use)
+{
+    QSqlQuery &query = m_run.query;
+    if (query.lastQuery().isEmpty()) {
+        // Running a statement whose preparation failed would replace the reason.
+        if (!query.prepare(text))
+            return false;
+        if (use == Often)
+            database.keep(text, query);
+    }
     for (int i = 0; i < values.size(); ++i)
-        m_query.bindValue(i, values.at(i));
-    if (!m_query.exec())
-        return;
-    if (!m_query.isSelect())
+        query.bindValue(i, values.at(i));
+    if (!query.exec())
+        return false;
+    if (!query.isSelect())
         m_error = database.noteChange();
-    m_isDone = !m_error.isValid();
+    return !m_error.isValid();
 }
 
 QStringList versionTable(int version)

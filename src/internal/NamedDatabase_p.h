@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -50,6 +51,10 @@ public:
 private:
     friend class Statement;
 
+    /** A statement of that text, not yet prepared, unless it has been kept. */
+    QSqlQuery statement(const QString &text) const;
+    void keep(const QString &text, const QSqlQuery &query);
+
     /** A statement has changed something: outside of a transaction the card gets it at once. */
     QSqlError noteChange();
     /** Waits until the card has the end of a transaction. */
@@ -58,6 +63,7 @@ private:
     const QString m_connectionName;
     QSqlDatabase m_db;
     QSqlError m_lastError;
+    QHash<QString, QSqlQuery> m_kept; ///< prepared statements by their text; none is running
     bool m_inTransaction = false;
     bool m_hasChanges = false; ///< since the transaction began
 };
@@ -98,19 +104,38 @@ private:
 class Statement
 {
 public:
-    Statement(NamedDatabase &database, const QString &text, const QVariantList &values = {});
+    /** What becomes of the prepared statement. */
+    enum Use
+    {
+        Once, ///< its text may never come again
+        Often ///< it is kept, and prepared only once: for texts of which a store has few
+    };
+
+    Statement(NamedDatabase &database, const QString &text, const QVariantList &values = {},
+              Use use = Once);
 
     bool isDone() const { return m_isDone; }
     /** Why it was not done, or why next() found no more row: invalid at the end of the rows. */
-    QSqlError lastError() const { return m_error.isValid() ? m_error : m_query.lastError(); }
+    QSqlError lastError() const { return m_error.isValid() ? m_error : m_run.query.lastError(); }
 
     /** Goes on to the next row, the first one at first. @return whether there is one */
-    bool next() { return m_query.next(); }
-    QVariant value(int column) const { return m_query.value(column); }
-    QVariant value(const QString &column) const { return m_query.value(column); }
+    bool next() { return m_run.query.next(); }
+    QVariant value(int column) const { return m_run.query.value(column); }
+    QVariant value(const QString &column) const { return m_run.query.value(column); }
 
 private:
-    QSqlQuery m_query;
+    /** A kept statement that goes on running would hold its lock on the file. */
+    struct Run
+    {
+        QSqlQuery query;
+        explicit Run(const QSqlQuery &one) : query(one) { }
+        ~Run() { query.finish(); }
+        Q_DISABLE_COPY_MOVE(Run)
+    };
+
+    bool run(NamedDatabase &database, const QString &text, const QVariantList &values, Use use);
+
+    Run m_run;
     QSqlError m_error;
     bool m_isDone = false;
 };

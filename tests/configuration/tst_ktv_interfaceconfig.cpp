@@ -113,6 +113,7 @@ private slots:
     void fullCard();
     void fullCardAtCreation();
     void lockedFile();
+    void tablesChangeUnderneath();
     void leavesNothingRegistered();
 
 private:
@@ -712,6 +713,34 @@ void TstKtvInterfaceConfig::lockedFile()
     QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("DE"));
     config.setValue(Config::MAIN_Lang, QStringLiteral("PL"));
     QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("PL"));
+}
+
+void TstKtvInterfaceConfig::tablesChangeUnderneath()
+{
+    Config config(directory());
+    config.setValue(Config::MAIN_Lang, QStringLiteral("DE"));
+    QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("DE"));
+    const auto change = [this](const QString &statement) {
+        const LogCapture log;
+        QCOMPARE(Reader(path()).rows(statement), QStringList());
+    };
+    change("ALTER TABLE CONFIG_STR RENAME TO Elsewhere");
+    for (int i = 0; i < 2; ++i) {
+        const LogCapture log;
+        // The first one meets tables that it does not expect, the others know of them.
+        const QString ends[] {" Unable to fetch row", " Unable to execute statement"};
+        config.setValue(Config::MAIN_Lang, QStringLiteral("PL"));
+        const QString reason = "no such table: CONFIG_STR";
+        QCOMPARE(log.lines(),
+                 (QStringList {"setValue - DELETE:" + reason + ends[i],
+                               "setValue - INSERT: " + reason + ends[1]}));
+        QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("EN"));
+    }
+    change("ALTER TABLE Elsewhere RENAME TO CONFIG_STR");
+    QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("DE"));
+    config.setValue(Config::MAIN_Lang, QStringLiteral("PL"));
+    QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("PL"));
+    change("BEGIN EXCLUSIVE"); // nothing that goes on holds the file
 }
 
 void TstKtvInterfaceConfig::leavesNothingRegistered()

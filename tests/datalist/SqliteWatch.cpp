@@ -1,5 +1,7 @@
 #include "SqliteWatch.h"
 
+#include <QScopedValueRollback>
+
 #include <cerrno>
 #include <csignal>
 #include <dlfcn.h>
@@ -10,6 +12,8 @@
 namespace {
 
 QStringList s_statements;
+int s_preparations = 0;
+bool s_isInner = false;
 QString s_throwOn;
 QString s_fillCardOn;
 int s_syncs = 0;
@@ -40,6 +44,11 @@ QStringList statements()
     return s_statements;
 }
 
+int preparations()
+{
+    return s_preparations;
+}
+
 int syncs()
 {
     return s_syncs;
@@ -53,6 +62,7 @@ int changes()
 void clear()
 {
     s_statements.clear();
+    s_preparations = 0;
     s_syncs = 0;
     s_changes = 0;
 }
@@ -95,16 +105,30 @@ int sqlite3_prepare16_v2(sqlite3 *database, const void *text, int bytes, sqlite3
                          const void **tail)
 {
     static const auto original = next<decltype(&sqlite3_prepare16_v2)>("sqlite3_prepare16_v2");
-    s_statements += QString::fromUtf16(static_cast<const char16_t *>(text));
+    const QScopedValueRollback<bool> inner(s_isInner, true); // it reads the tables' names
+    ++s_preparations;
+    const int result = original(database, text, bytes, statement, tail);
+    if (result != SQLITE_OK)
+        s_statements += QString::fromUtf16(static_cast<const char16_t *>(text));
+    return result;
+}
+
+int sqlite3_step(sqlite3_stmt *statement)
+{
+    static const auto original = next<decltype(&sqlite3_step)>("sqlite3_step");
+    const bool isOfSqlite = s_isInner;
+    const QScopedValueRollback<bool> inner(s_isInner, true);
+    if (isOfSqlite || sqlite3_stmt_busy(statement) != 0)
+        return original(statement);
+    s_statements += QString::fromUtf8(sqlite3_sql(statement));
     if (!s_throwOn.isEmpty() && s_statements.last().contains(s_throwOn))
         throw std::runtime_error("thrown by the driver: %1 %s");
     if (!s_fillCardOn.isEmpty() && s_statements.last().contains(s_fillCardOn)) {
         // As SQLite itself does it: the transaction is gone, its changes too.
-        sqlite3_exec(database, "ROLLBACK", nullptr, nullptr, nullptr);
-        *statement = nullptr;
+        sqlite3_exec(sqlite3_db_handle(statement), "ROLLBACK", nullptr, nullptr, nullptr);
         return SQLITE_FULL;
     }
-    return original(database, text, bytes, statement, tail);
+    return original(statement);
 }
 
 int sqlite3_busy_timeout(sqlite3 *database, int milliseconds)

@@ -11,8 +11,10 @@
  */
 namespace SqliteWatch {
 
-/** Statements handed to SQLite since the last clear(), in their order. */
+/** Statements that SQLite began or refused since the last clear(), in their order. */
 QStringList statements();
+/** Statements that SQLite had to prepare since the last clear(). */
+int preparations();
 /** Waits for the card since the last clear(). */
 int syncs();
 void clear();

@@ -41,6 +41,9 @@ private slots:
     void firstStartWaits();
     void laterStartDoesNotWait();
     void operationsWait();
+    void fewAreTheirPreparations();
+    void preparedOnesHoldNoLock();
+    void preparedOnesMeetAnotherSchema();
     void exceptions_data();
     void exceptions();
     void exceptionWhileCreating();
@@ -322,6 +325,72 @@ void TstListStatements::operationsWait()
     }
 }
 
+void TstListStatements::fewAreTheirPreparations()
+{
+    ListStore::writeManyDefaults("PL", 100);
+    const auto store = ListStore::open();
+    SqliteWatch::clear();
+    store->SetLang("PL");
+    QVERIFY(SqliteWatch::statements().size() > 300);
+    QVERIFY(SqliteWatch::preparations() <= 3 * 5);
+    for (const Family &family : families()) {
+        family.names(*store);
+        QVERIFY(family.add(*store, "first"));
+        SqliteWatch::clear();
+        family.names(*store);
+        QVERIFY(family.add(*store, "second"));
+        // No more than the beginning and the end of a transaction.
+        QCOMPARE(SqliteWatch::preparations(), family.isUnique ? 2 : 0);
+    }
+    // Keys stand in the text: such statements come only once, however many there are.
+    SqliteWatch::clear();
+    for (int i = 0; i < 200; ++i)
+        QVERIFY(families().front().update(*store, -i, "text"));
+    families().front().names(*store);
+    QCOMPARE(SqliteWatch::preparations(), 200);
+}
+
+void TstListStatements::preparedOnesHoldNoLock()
+{
+    const auto store = ListStore::open();
+    for (const Family &family : families()) {
+        family.names(*store, QString(), 1);
+        QVERIFY(family.add(*store, "first"));
+        QCOMPARE(family.add(*store, "first"), !family.isUnique); // refused: half of the way
+        ListStore::change("BEGIN EXCLUSIVE"); // fails if anything goes on
+    }
+}
+
+void TstListStatements::preparedOnesMeetAnotherSchema()
+{
+    const auto store = ListStore::open();
+    for (const Family &family : families()) {
+        const auto alter = [&family](const char *text) {
+            ListStore::change(QString(text).arg(family.table));
+        };
+        const QStringList before = family.names(*store);
+        QVERIFY(family.add(*store, "first"));
+        alter("ALTER TABLE %1 ADD COLUMN Extra");
+        QCOMPARE(family.names(*store), before + QStringList("first"));
+        QVERIFY(family.add(*store, "second"));
+        alter("ALTER TABLE %1 RENAME TO Elsewhere");
+        QVERIFY(!family.get(*store, true, true, "", 0));
+        QVERIFY(!family.add(*store, "lost"));
+        ListStore::change(QString("ALTER TABLE Elsewhere RENAME TO %1").arg(family.table));
+        QCOMPARE(family.names(*store), before + QStringList({"first", "second"}));
+        QVERIFY(family.add(*store, "third"));
+    }
+    // The file goes with everything that was prepared for it.
+    QVERIFY(store->RestoreFabricalSetting());
+    for (const Family &family : families()) {
+        QVERIFY(family.add(*store, "after"));
+        QVERIFY(family.names(*store).contains("after"));
+    }
+    store->freeDB();
+    for (const Family &family : families())
+        QVERIFY(!family.add(*store, "closed"));
+}
+
 void TstListStatements::exceptions_data()
 {
     QTest::addColumn<QString>("part");
@@ -422,7 +491,7 @@ void TstListStatements::fullCardWhileCreating()
     SqliteWatch::clear();
     const auto store = ListStore::open();
     cleanup();
-    QVERIFY(log.lines().value(0).contains("Unable to execute statement"));
+    QVERIFY(log.lines().value(0).contains("Unable to fetch row"));
     QVERIFY(SqliteWatch::statements().filter("TABLE IF NOT EXISTS LIMITS_T").size() == 1);
     QVERIFY(!store->AddObiectTyp("no table"));
     QVERIFY(!store->AddLimit_T("no table", "1", "2"));

@@ -1,0 +1,266 @@
+// Settings and lists beside the bare SQLite library: the same statements, prepared once, on a file
+// of the same content, with every answered change on the card. On a disk as well where
+// KTV_BENCH_DISK names a directory of one.
+#include "Comparison.h"
+
+#include <configuration/KTV_InterfaceConfig.h>
+#include <datalist/KTV_DataList.h>
+
+#include <benchmark/benchmark.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <ctime>
+#include <map>
+#include <memory>
+#include <optional>
+#include <sqlite3.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+void check(bool ok)
+{
+    if (!ok)
+        qFatal("the bare library failed");
+}
+
+/** A connection to a file and its statements, each prepared once. */
+class RawStore
+{
+public:
+    explicit RawStore(const QString &path)
+    {
+        check(sqlite3_open(path.toUtf8().constData(), &m_database) == SQLITE_OK);
+        run("PRAGMA synchronous = EXTRA");
+    }
+    ~RawStore()
+    {
+        for (const auto &statement : m_statements)
+            sqlite3_finalize(statement.second);
+        sqlite3_close(m_database);
+    }
+    Q_DISABLE_COPY_MOVE(RawStore)
+
+    void run(const char *text, const std::vector<QString> &values = {})
+    {
+        sqlite3_stmt *const statement = begin(text, values);
+        check(sqlite3_step(statement) == SQLITE_DONE);
+        sqlite3_reset(statement);
+    }
+
+    /** Calls @p take with each row. */
+    template <typename Take>
+    void query(const char *text, const std::vector<QString> &values, Take take)
+    {
+        sqlite3_stmt *const statement = begin(text, values);
+        while (sqlite3_step(statement) == SQLITE_ROW)
+            take(statement);
+        sqlite3_reset(statement);
+    }
+
+    static QString text(sqlite3_stmt *row, int column)
+    {
+        return QString(static_cast<const QChar *>(sqlite3_column_text16(row, column)),
+                       sqlite3_column_bytes16(row, column) / int(sizeof(QChar)));
+    }
+
+private:
+    sqlite3_stmt *begin(const char *text, const std::vector<QString> &values)
+    {
+        sqlite3_stmt *&statement = m_statements[text];
+        if (!statement)
+            check(sqlite3_prepare_v2(m_database, text, -1, &statement, nullptr) == SQLITE_OK);
+        for (size_t i = 0; i < values.size(); ++i)
+            sqlite3_bind_text16(statement, int(i) + 1, values[i].utf16(),
+                                values[i].size() * int(sizeof(QChar)), SQLITE_STATIC);
+        return statement;
+    }
+
+    sqlite3 *m_database = nullptr;
+    std::map<const char *, sqlite3_stmt *> m_statements; // by the constants themselves
+};
+
+struct RawRow
+{
+    int id;
+    bool readOnly;
+    QString value;
+};
+
+/** A directory of the library and one of the bare library, with the same files in it. */
+struct Twins
+{
+    explicit Twins(const QString &where) : directory(where + QStringLiteral("/bench-XXXXXX"))
+    {
+        for (const QString &name : {ours(), theirs(), ours() + QStringLiteral("EN")})
+            QDir().mkpath(name);
+        for (const char *name : {"obiectTyp", "obiectName", "materials"}) {
+            QFile file(ours() + QStringLiteral("EN/default_") + QLatin1String(name)
+                       + QStringLiteral(".txt"));
+            check(file.open(QIODevice::WriteOnly));
+            for (int i = 0; i < entries; ++i)
+                file.write("Entry " + QByteArray::number(i)
+                           + (name == QByteArray("materials") ? "?0.00393\n" : "\n"));
+        }
+    }
+
+    QString ours() const { return directory.path() + QStringLiteral("/ours/"); }
+    QString theirs() const { return directory.path() + QStringLiteral("/theirs/"); }
+
+    std::unique_ptr<RawStore> copy(const QString &name) const
+    {
+        check(QFile::copy(ours() + name, theirs() + name));
+        return std::make_unique<RawStore>(theirs() + name);
+    }
+
+    static constexpr int entries = 100;
+    QTemporaryDir directory;
+};
+
+constexpr auto deletion = "DELETE FROM CONFIG_STR WHERE `CON_Key` = 'MAIN_Lang'";
+constexpr auto insertion =
+    "INSERT INTO CONFIG_STR (`CON_Key`,`CON_Value`)VALUES (:CON_Key,:CON_Value)";
+constexpr auto count = "SELECT COUNT(*) FROM OBIECT_TYP WHERE `OBT_Value` = :OBT_Value";
+constexpr auto typeInsertion = "INSERT INTO OBIECT_TYP (`OBT_Lang`,`OBT_ReadOnly`,`OBT_Value`) "
+                               "VALUES (:OBT_Lang,:OBT_ReadOnly,:OBT_Value)";
+
+void settings(Comparison &comparison, const QString &where, Comparison::Row write,
+              std::optional<Comparison::Row> read)
+{
+    const Twins twins(where);
+    KTV_InterfaceConfig config(twins.ours());
+    const auto key = KTV_InterfaceConfig::MAIN_Lang;
+    const QString name = QStringLiteral("MAIN_Lang");
+    config.setValue(key, QStringLiteral("PL"));
+    const auto raw = twins.copy(QStringLiteral("interfaceConfig.db"));
+    if (read) {
+        comparison.compare(
+            *read, [&] { benchmark::DoNotOptimize(config.getValue(key, QString())); },
+            [&] {
+                raw->query(
+                    "SELECT `CON_Value` FROM CONFIG_STR WHERE `CON_Key` = 'MAIN_Lang'", {},
+                    [](sqlite3_stmt *row) { benchmark::DoNotOptimize(RawStore::text(row, 0)); });
+            });
+    }
+    comparison.compare(
+        write, [&] { config.setValue(key, QStringLiteral("DE")); },
+        [&] {
+            raw->run("BEGIN");
+            raw->run(deletion);
+            raw->run(insertion, {name, QStringLiteral("DE")});
+            raw->run("COMMIT");
+        });
+}
+
+void addType(RawStore &raw, const QString &readOnly, const QString &value)
+{
+    raw.query(count, {value}, [](sqlite3_stmt *row) { check(sqlite3_column_int(row, 0) == 0); });
+    raw.run(typeInsertion, {QStringLiteral("EN"), readOnly, value});
+}
+
+void adding(Comparison &comparison, const QString &where, Comparison::Row row)
+{
+    const Twins twins(where);
+    KTV_DataList lists(twins.ours(), twins.ours(), QStringLiteral("EN"));
+    const auto raw = twins.copy(QStringLiteral("dataList.db"));
+    constexpr int id = Twins::entries + 1; // the next one, each time
+    row.before = [&] {
+        lists.DeleteObiectTyp(id);
+        raw->run("DELETE FROM OBIECT_TYP WHERE `OBTk_1_ID`=101");
+    };
+    comparison.compare(
+        row, [&] { check(lists.AddObiectTyp(QStringLiteral("added"))); },
+        [&] {
+            raw->run("BEGIN");
+            addType(*raw, QStringLiteral("0"), QStringLiteral("added"));
+            raw->run("COMMIT");
+        });
+}
+
+void firstRows(Comparison &comparison)
+{
+    const Twins twins(QDir::tempPath());
+    KTV_DataList lists(twins.ours(), twins.ours(), QStringLiteral("EN"));
+    const auto raw = twins.copy(QStringLiteral("dataList.db"));
+    comparison.compare(
+        {"first 20 rows of a list", 1.3},
+        [&] {
+            const std::unique_ptr<QList<DataList_Element *>> rows(
+                lists.GetObiectTyp(true, true, QString(), 20));
+            qDeleteAll(*rows);
+        },
+        [&] {
+            std::vector<RawRow> rows;
+            raw->query("SELECT `OBTk_1_ID`,`OBT_ReadOnly`,`OBT_Value` FROM OBIECT_TYP WHERE "
+                       "`OBT_Lang`='EN' LIMIT 20",
+                       {}, [&](sqlite3_stmt *row) {
+                           rows.push_back({sqlite3_column_int(row, 0),
+                                           sqlite3_column_int(row, 1) != 0,
+                                           RawStore::text(row, 2)});
+                       });
+            benchmark::DoNotOptimize(rows);
+        });
+}
+
+/** A list of a language that is seen for the first time, within one transaction. */
+void seeding(Comparison &comparison)
+{
+    const Twins twins(QDir::tempPath());
+    KTV_DataList lists(twins.ours(), twins.ours(), QStringLiteral("XX"));
+    const auto raw = twins.copy(QStringLiteral("dataList.db"));
+    RawStore ours(twins.ours() + QStringLiteral("dataList.db"));
+    lists.SetLang(QStringLiteral("EN"));
+    Comparison::Row row {"seeding a list of 100 entries"};
+    row.before = [&] {
+        ours.run("DELETE FROM OBIECT_TYP");
+        raw->run("DELETE FROM OBIECT_TYP");
+    };
+    comparison.compare(
+        row, [&] { lists.FillDefaultObiectTyp(); },
+        [&] {
+            QFile file(twins.ours() + QStringLiteral("EN/default_obiectTyp.txt"));
+            check(file.open(QIODevice::ReadOnly | QIODevice::Text));
+            raw->run("BEGIN");
+            while (!file.atEnd())
+                addType(*raw, QStringLiteral("1"), QString::fromUtf8(file.readLine().chopped(1)));
+            raw->run("COMMIT");
+        });
+}
+
+/** Tables and three lists, as the first start of a device makes them. */
+void firstStart(Comparison &comparison)
+{
+    constexpr int starts = 20;
+    const Twins twins(QDir::tempPath());
+    const std::clock_t begin = std::clock();
+    for (int i = 0; i < starts; ++i) {
+        KTV_DataList(twins.ours(), twins.ours(), QStringLiteral("EN"));
+        QFile::remove(twins.ours() + QStringLiteral("dataList.db"));
+    }
+    const double time = double(std::clock() - begin) / CLOCKS_PER_SEC / starts;
+    comparison.figure({"first start, three lists of 100 entries: processor", "ms", 3}, time * 1000);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    return benchmarkMain(argc, argv, [](Comparison &comparison) {
+        Comparison::Row read {"settings read", 1.2};
+        read.allocations = 21;
+        settings(comparison, QDir::tempPath(), {"settings write, in memory", 1.2}, read);
+        adding(comparison, QDir::tempPath(), {"list add, in memory", 1.2});
+        seeding(comparison);
+        firstStart(comparison);
+        firstRows(comparison);
+        const QString disk = qEnvironmentVariable("KTV_BENCH_DISK");
+        if (disk.isEmpty())
+            return;
+        settings(comparison, disk, {"settings write, on a disk", 1.05, Comparison::WallTime}, {});
+        adding(comparison, disk, {"list add, on a disk", 1.06, Comparison::WallTime});
+    });
+}
