@@ -103,6 +103,8 @@ bool KTV_InterfaceConfig::Open()
 
 bool KTV_InterfaceConfig::CreateNew()
 {
+    if (Internal::hasGivenUpDatabases())
+        return false; // what would be deleted could not be made anew
     d->database.release();
     QFile file(d->path);
     if (file.exists() && !file.remove()) {

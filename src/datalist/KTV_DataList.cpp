@@ -386,6 +386,8 @@ bool KTV_DataList::Open()
 
 bool KTV_DataList::CreateNew()
 {
+    if (Internal::hasGivenUpDatabases())
+        return false; // what would be deleted could not be made anew
     d->database.close();
     if (QFile::exists(d->path) && !QFile::remove(d->path))
         return false;

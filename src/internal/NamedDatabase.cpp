@@ -7,7 +7,10 @@
 #include <QFileInfo>
 #include <QtEndian>
 
+#include <atomic>
 #include <cerrno>
+#include <mutex>
+#include <set>
 #include <utility>
 
 namespace Internal {
@@ -55,7 +58,65 @@ bool journalEmptiesDatabase(const QString &path)
         && qFromBigEndian<quint32>(header.constData() + pageCountOffset) == 0;
 }
 
+/** The registered connections, to be given up before Qt's registry of them goes. */
+class Registered
+{
+public:
+    /** Never deleted: a client's static objects may still use the library after main(). */
+    static Registered &instance()
+    {
+        static auto *const registered = new Registered;
+        return *registered;
+    }
+
+    void add(NamedDatabase *database)
+    {
+        // Static objects go in the reverse order: this one before the registry, which is older.
+        QSqlDatabase::connectionNames();
+        static const AtExit atExit;
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_databases.insert(database);
+    }
+
+    void remove(NamedDatabase *database)
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_databases.erase(database);
+    }
+
+    bool areGivenUp() const { return m_areGivenUp; }
+
+private:
+    struct AtExit
+    {
+        AtExit() = default;
+        ~AtExit() { Registered::instance().giveUp(); }
+        Q_DISABLE_COPY_MOVE(AtExit)
+    };
+
+    void giveUp()
+    {
+        m_areGivenUp = true;
+        std::set<NamedDatabase *> databases;
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            databases = m_databases;
+        }
+        for (NamedDatabase *database : databases)
+            database->release();
+    }
+
+    std::mutex m_mutex;
+    std::set<NamedDatabase *> m_databases;
+    std::atomic<bool> m_areGivenUp {false};
+};
+
 } // namespace
+
+bool hasGivenUpDatabases()
+{
+    return Registered::instance().areGivenUp();
+}
 
 NamedDatabase::NamedDatabase(QString connectionName) : m_connectionName(std::move(connectionName))
 { }
@@ -68,6 +129,10 @@ NamedDatabase::~NamedDatabase()
 bool NamedDatabase::open(const QString &path)
 {
     release();
+    if (hasGivenUpDatabases())
+        return false;
+    Registered::instance().add(this);
+    m_isRegistered = true;
     m_db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
     // SQLite would take a device for an empty database: what lies beneath it does not open.
     m_db.setDatabaseName(isSpecialFile(path) ? path + QStringLiteral("/none") : path);
@@ -85,17 +150,21 @@ void NamedDatabase::close()
 {
     m_inTransaction = false;
     m_kept.clear(); // they would hold the file
-    if (m_db.isOpen())
+    if (isOpen())
         m_db.close();
 }
 
 void NamedDatabase::release()
 {
     close();
-    if (!m_db.isValid())
+    if (!m_isRegistered)
         return;
+    Registered::instance().remove(this);
+    m_isRegistered = false;
+    const bool isOurs = m_db.isValid(); // no longer, when another store has taken the name
     m_db = QSqlDatabase(); // the last handle goes first, or Qt complains
-    QSqlDatabase::removeDatabase(m_connectionName);
+    if (isOurs)
+        QSqlDatabase::removeDatabase(m_connectionName);
 }
 
 bool NamedDatabase::begin()

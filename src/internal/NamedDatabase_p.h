@@ -10,6 +10,12 @@
 namespace Internal {
 
 /**
+ * Whether the process is leaving so far that no database can be opened any more: main() has
+ * returned or exit() was called, and every connection has been given up.
+ */
+bool hasGivenUpDatabases();
+
+/**
  * One named QSQLITE connection of a store and the order in which it is given back.
  *
  * Policy stays with the stores: what is logged, what a failed open leads to, which tables
@@ -27,9 +33,13 @@ public:
     ~NamedDatabase();
     Q_DISABLE_COPY_MOVE(NamedDatabase)
 
-    /** Registers the connection anew for the file and opens it. @return success */
+    /**
+     * Registers the connection anew for the file and opens it. It is released at the latest as
+     * the process leaves, for a client's static store may outlive Qt's registry of connections.
+     * @return success
+     */
     bool open(const QString &path);
-    bool isOpen() const { return m_db.isOpen(); }
+    bool isOpen() const { return m_isRegistered && m_db.isOpen(); }
     /** Closes the file; the registration stays. */
     void close();
     /** Closes the file and removes the connection from the driver's registry. */
@@ -64,6 +74,7 @@ private:
     QSqlDatabase m_db;
     QSqlError m_lastError;
     QHash<QString, QSqlQuery> m_kept; ///< prepared statements by their text; none is running
+    bool m_isRegistered = false;
     bool m_inTransaction = false;
     bool m_hasChanges = false; ///< since the transaction began
 };

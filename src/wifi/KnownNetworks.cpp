@@ -75,6 +75,8 @@ bool KnownNetworks::open()
 
 bool KnownNetworks::createNew()
 {
+    if (Internal::hasGivenUpDatabases())
+        return false; // what would be deleted could not be made anew
     m_database.close();
     if (QFile::exists(m_path) && !QFile::remove(m_path))
         return false;
@@ -93,7 +95,8 @@ bool KnownNetworks::createNew()
 void KnownNetworks::release()
 {
     m_database.release();
-    QSqlDatabase::removeDatabase(connectionName()); // again, as ever: harmless when it is gone
+    if (!Internal::hasGivenUpDatabases())
+        QSqlDatabase::removeDatabase(connectionName()); // again, as ever: harmless when it is gone
 }
 
 bool KnownNetworks::add(const QString &essid, const QString &key)

@@ -1,11 +1,14 @@
 #include "support/Meter.h"
 
+#include <configuration/KTV_InterfaceConfig.h>
+#include <datalist/KTV_DataList.h>
 #include <datasource/KTV_DataSource.h>
 #include <sound/BuzzerClass.h>
 #include <tools/Tools.h>
 #include <wifi/KTV_Connection.h>
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QProcess>
 #include <QThread>
 #include <QThreadPool>
@@ -13,6 +16,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <map>
+#include <memory>
 #include <string>
 
 using Buzzer::BuzzerClass;
@@ -40,6 +44,39 @@ bool startWifiPoll()
     return true;
 }
 
+/** Services that a client has in static variables: they go after main(), and after Qt's own. */
+std::unique_ptr<WiFi::KTV_Connection> s_connection;
+std::unique_ptr<KTV_InterfaceConfig> s_config;
+std::unique_ptr<KTV_DataList> s_lists;
+
+/** The last one to go: reads and writes what has been given up. */
+struct LateUser
+{
+    ~LateUser()
+    {
+        if (!s_config)
+            return;
+        const bool isGone = s_config->getValue(KTV_InterfaceConfig::MAIN_Pin, 7) == 7
+            && !s_lists->AddObiectTyp(QStringLiteral("late")) && !s_lists->Open()
+            && s_connection->DeleteNetwork(QStringLiteral("late")) == false;
+        s_config->RestoreFabricalSetting();
+        if (!isGone)
+            std::abort();
+    }
+} s_lateUser;
+
+bool startStores()
+{
+    const QString directory = QStringLiteral("/media/sdcard/UserData/");
+    QDir().mkpath(directory);
+    s_connection = std::make_unique<WiFi::KTV_Connection>(directory);
+    s_config = std::make_unique<KTV_InterfaceConfig>(directory);
+    s_lists = std::make_unique<KTV_DataList>(directory, directory, QStringLiteral("EN"));
+    s_config->setValue(KTV_InterfaceConfig::MAIN_Pin, 4711);
+    return s_config->getValue(KTV_InterfaceConfig::MAIN_Pin, 7) == 4711
+        && s_lists->GetObiectTyp(true, true, QString(), 0);
+}
+
 using Start = bool (*)();
 const std::map<std::string, Start> starts {
     {"bridge", [] { return Tools::StartHardwareCalibrationMode(); }},
@@ -49,6 +86,7 @@ const std::map<std::string, Start> starts {
     {"sample",
      [] { return startTone(KTV_Configuration::KTV_4200, BuzzerClass::Tone_Melody, false); }},
     {"wifi", startWifiPoll},
+    {"stores", startStores},
     {"loop", [] { return startTone(KTV_Configuration::KTV_4200, BuzzerClass::Tone_Alarm, true); }},
 };
 

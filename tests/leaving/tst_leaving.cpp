@@ -1,5 +1,7 @@
 #include "support/Meter.h"
 
+#include <configuration/KTV_InterfaceConfig.h>
+
 #include <QtTest>
 
 #include <memory>
@@ -15,6 +17,8 @@ private slots:
     void leaves();
     void leavesWifi_data();
     void leavesWifi();
+    void leavesStores_data();
+    void leavesStores();
     void dies();
     void loopOfTheDeadStandsStill();
     void isFreeToStartAgain();
@@ -95,6 +99,26 @@ void TstLeaving::leavesWifi()
     QCOMPARE(leaver->exitStatus(), QProcess::NormalExit);
     QCOMPARE(leaver->exitCode(), 0);
     QTRY_COMPARE(leftBehind(), QStringList());
+}
+
+void TstLeaving::leavesStores_data()
+{
+    QTest::addColumn<QString>("how");
+    for (const char *how :
+         {"application deleted", "application kept", "without an application", "exit"})
+        QTest::newRow(how) << how;
+}
+
+void TstLeaving::leavesStores()
+{
+    QFETCH(QString, how);
+    const auto leaver = start("stores", how);
+    QVERIFY(leaver->waitForFinished(30000));
+    QCOMPARE(leaver->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(leaver->exitCode(), 0);
+    // Nobody has deleted the files because they did not open any more.
+    KTV_InterfaceConfig config(QStringLiteral("/media/sdcard/UserData/"));
+    QCOMPARE(config.getValue(KTV_InterfaceConfig::MAIN_Pin, 0), 4711);
 }
 
 void TstLeaving::dies()
