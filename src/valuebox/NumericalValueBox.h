@@ -24,6 +24,10 @@ namespace ValueBox {
  * float; a quiet NaN stands for a missing value. A rounding method and a test current choose a
  * row set; the row that fits the value's magnitude gives prefix and decimals.
  *
+ * No unit of inductance exists. An inductance, in henries, has Unit_None and Round_L: its text ends
+ * in the prefix ("12.500 m"), or in the number where there is none ("1.2345"), and the interface
+ * adds its own "H". getRealFormatedValue() gives henries.
+ *
  * Texts and tables are the process's own. Before anything is shown, fill the texts with
  * prepareStaticDefaultValue() or prepareStaticCustomtValue(), and the tables with
  * SetCurrentMeter(). Everything here belongs to the interface's thread. Nothing blocks and

@@ -26,15 +26,15 @@ enum Twin
     Wider ///< the line's further rows, then the common tail
 };
 
-using Rows = std::initializer_list<RoundItem>;
+using Items = std::initializer_list<RoundItem>;
 
 /** The row sets of one or more currents. */
 struct Line
 {
     std::initializer_list<testI> currents;
-    Rows rows;
+    Items rows;
     Twin twin;
-    Rows further;
+    Items further;
 };
 
 // clang-format off

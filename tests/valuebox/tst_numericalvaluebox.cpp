@@ -43,6 +43,7 @@ private slots:
     void customTexts();
     void customTextsBelowZero_data();
     void customTextsBelowZero();
+    void inductance();
     void textsEditedBetween();
     void anyDigitsAndPrefix();
     void manyValues();
@@ -405,6 +406,19 @@ void TstNumericalValueBox::customTextsBelowZero()
     NumericalValueBox::prefixString[Prefix_m] = prefix;
     const NumericalValueBox box(-0.005F, Unit_Ohm, Prefix_m, 1);
     QCOMPARE(box.toString(), text);
+}
+
+void TstNumericalValueBox::inductance()
+{
+    NumericalValueBox box(Unit_None, Round_L);
+    box.setRealValue(0.0125F, testI_10A);
+    QCOMPARE(box.toString(), QStringLiteral("12.500 m")); // the interface adds the "H"
+    QCOMPARE(box.getRealFormatedValue(), 0.0125F);
+    box.setRealValue(1.2345F, testI_10A);
+    QCOMPARE(box.toString(), QStringLiteral("1.2345"));
+    QCOMPARE(box.getRealFormatedValue(), 1.2345F);
+    box.setRealValue(NaN, testI_10A);
+    QCOMPARE(box.toString(), QStringLiteral("--- "));
 }
 
 void TstNumericalValueBox::textsEditedBetween()
