@@ -14,6 +14,7 @@ private slots:
     // One story: each row goes on where the one before ended.
     void story_data();
     void story();
+    void limitsThatAreNoNumbers();
     void closedStore();
 };
 
@@ -81,6 +82,20 @@ void TstKtvctlLists::story()
     QTEST(answer.out, "output");
     QTEST(answer.code, "exitCode");
     QCOMPARE(answer.error.isEmpty(), answer.code == 0);
+}
+
+void TstKtvctlLists::limitsThatAreNoNumbers()
+{
+    // Taken, as the store takes any text, but not in silence.
+    Answer answer = typed("lists limits-r add words abc \"1 m\u2126\"");
+    QCOMPARE(answer.code, 0);
+    QCOMPARE(answer.error,
+             "ktvctl: the high limit 'abc' is no number: nothing can be judged by it\n");
+    answer = typed("lists limits-t update 1 warm 80 1..");
+    QCOMPARE(answer.code, 0);
+    QVERIFY(answer.error.contains("the low limit '1..' is no number"));
+    answer = typed("lists limits-t add cold 80 5.5");
+    QCOMPARE(answer.error, QString());
 }
 
 void TstKtvctlLists::closedStore()

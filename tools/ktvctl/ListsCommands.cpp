@@ -10,6 +10,7 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -277,12 +278,27 @@ int badEntry()
     return misuse(QStringLiteral("an entry needs a text, a material a number as well"));
 }
 
+/** The lists take any text as a limit; an interface can judge by numbers only. */
+void remarkOnWords(const PickList &list, const QVariantList &columns)
+{
+    for (int i = 0; i < columns.size(); ++i) {
+        const QString text = columns.at(i).toString();
+        const bool isBound =
+            list.keys.at(i) == QLatin1String("high") || list.keys.at(i) == QLatin1String("low");
+        if (isBound && !text.isEmpty()
+            && !std::isfinite(ValueBox::NumericalValueBox::getValue(text)))
+            remark(QStringLiteral("the %1 limit '%2' is no number: nothing can be judged by it")
+                       .arg(list.keys.at(i), text));
+    }
+}
+
 int add(const PickList &list, const Call &call)
 {
     const auto columns = entryOf(list, call, 0);
     if (!columns)
         return badEntry();
     return onLists(call, [&](KTV_DataList &lists) {
+        remarkOnWords(list, *columns);
         return list.add(lists, *columns)
             ? int(Success)
             : fail(QStringLiteral("not added: it is there already, in this or another language, "
@@ -316,8 +332,10 @@ int update(const PickList &list, const Call &call)
     const auto columns = entryOf(list, call, 1);
     if (!columns)
         return badEntry();
-    return changeRow(list, call,
-                     [&](KTV_DataList &lists, int id) { return list.update(lists, id, *columns); });
+    return changeRow(list, call, [&](KTV_DataList &lists, int id) {
+        remarkOnWords(list, *columns);
+        return list.update(lists, id, *columns);
+    });
 }
 
 int remove(const PickList &list, const Call &call)
