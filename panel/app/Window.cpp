@@ -15,6 +15,8 @@
 #include "touch/Buttons.h"
 #include "touch/Indicators.h"
 #include "touch/Keyboard.h"
+#include "touch/Sheets.h"
+#include "touch/Theme.h"
 #ifdef KTV_PLATFORM_STANDIN
 #include "pages/AccessoriesPage.h"
 #endif
@@ -26,17 +28,18 @@
 #include <wifi/Network.h>
 
 #include <QHBoxLayout>
+#include <QLabel>
+#include <QScrollArea>
 #include <QStackedWidget>
 #include <QTime>
 #include <QVBoxLayout>
 #include <QtConcurrent>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
 
-constexpr int windowWidth = 800;
-constexpr int windowHeight = 480;
 constexpr int headerHeight = 48;
 constexpr int railWidth = 140;
 constexpr int clockInterval = 1000; // ms
@@ -67,6 +70,14 @@ const PageRow pages[] = {
     {"About", Text {"Panel", "about", "About"}, make<AboutPage>},
 };
 
+int pageOf(const char *topic)
+{
+    const auto row = std::find_if(std::begin(pages), std::end(pages), [topic](const PageRow &page) {
+        return qstrcmp(page.topic, topic) == 0;
+    });
+    return static_cast<int>(row - std::begin(pages));
+}
+
 int barsOf(int state)
 {
     return state - WiFi::Network::wifi_States_Connect_0;
@@ -74,30 +85,48 @@ int barsOf(int state)
 
 } // namespace
 
-Window::Window(Context &context)
-    : m_context(context)
-    , m_stack(new QStackedWidget)
-    , m_help(new HelpPage(context.texts(), context.session()))
+Window::Window(Context &context, const QSize &size) : m_context(context)
 {
-    setFixedSize(windowWidth, windowHeight);
+    Theme::fit(size);
+    setFixedSize(size);
+    m_stack = new QStackedWidget;
+    m_help = new HelpPage(context.texts(), session());
     auto *rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(0);
     rows->addWidget(makeHeader());
     auto *columns = new QHBoxLayout;
     columns->setSpacing(0);
-    columns->addWidget(makeRail());
-    columns->addWidget(m_stack, 1);
+    if (!Theme::isCompact())
+        columns->addWidget(makeRail());
+    auto *pageColumn = new QVBoxLayout;
+    pageColumn->addWidget(m_stack);
+    columns->addLayout(pageColumn, 1);
     rows->addLayout(columns, 1);
-    new Keyboard(context.texts(), context.keyboard(), this);
+    auto *keyboard = new Keyboard(context.texts(), context.keyboard(), this);
+    // A page makes room for it; a sheet stands above it anyway.
+    connect(keyboard, &Keyboard::opened, pageColumn,
+            [this, pageColumn](const QWidget *field, int height) {
+                if (m_stack->isAncestorOf(field))
+                    pageColumn->setContentsMargins(0, 0, 0, height);
+            });
+    connect(keyboard, &Keyboard::closed, pageColumn,
+            [pageColumn] { pageColumn->setContentsMargins(0, 0, 0, 0); });
 
-    for (const PageRow &page : pages)
-        m_stack->addWidget(page.make(context.texts(), session()));
+    for (const PageRow &row : pages) {
+        m_pages += row.make(context.texts(), session());
+        m_stack->addWidget(inScroller(m_pages.last()));
+    }
     m_stack->addWidget(m_help);
     connect(m_help, &HelpPage::closed, this, [this] { showPage(m_current); });
 
-    context.texts().keep(this, [this] { refreshHeader(); });
+    context.texts().keep(this, [this] {
+        refreshHeader();
+        refreshRecording();
+    });
     connect(&session(), &Session::meterChanged, this, &Window::refreshHeader);
+    connect(&session().recorder(), &Recorder::stateChanged, this, &Window::refreshRecording);
+    connect(&session().recorder(), &Recorder::added, this, &Window::refreshRecording);
     connect(&session().preferences(), &Preferences::appearanceChanged, this,
             qOverload<>(&Window::update));
     connect(&session().library(), &KTV_DataSource::changeFreeSpaceAlert, this,
@@ -130,26 +159,39 @@ QWidget *Window::makeHeader()
 {
     auto *header = new QWidget;
     header->setObjectName(QStringLiteral("header"));
-    header->setFixedHeight(headerHeight);
+    header->setFixedHeight(Theme::px(headerHeight));
     auto *row = new QHBoxLayout(header);
-    row->setContentsMargins(16, 0, 0, 0);
-    row->setSpacing(16);
+    row->setContentsMargins(Theme::margin(), 0, 0, 0);
+    row->setSpacing(Theme::margin());
+    if (Theme::isCompact()) {
+        row->setContentsMargins(0, 0, 0, 0);
+        auto *menu = new TouchButton(QStringLiteral("nav.menu"), TouchButton::Navigation);
+        menu->setFixedSize(Theme::px(56), Theme::px(headerHeight));
+        menu->setText(QStringLiteral("\u2630"));
+        connect(menu, &QPushButton::clicked, this, &Window::chooseFromMenu);
+        row->addWidget(menu);
+    }
     m_meter = new QLabel;
     m_meter->setObjectName(QStringLiteral("header.meter"));
+    m_recording = new TouchButton(QStringLiteral("header.recording"), TouchButton::Navigation);
+    m_recording->setProperty("role", QStringLiteral("recording"));
+    m_recording->hide();
+    connect(m_recording, &QPushButton::clicked, this, [this] { showPage(pageOf("Record")); });
     m_alert = new QLabel;
     m_alert->setObjectName(QStringLiteral("header.alert"));
     m_alert->setProperty("role", QStringLiteral("alarm"));
     m_clock = new QLabel;
     m_bars = new SignalBars;
     m_helpButton = new TouchButton(QStringLiteral("nav.Help"), TouchButton::Navigation);
-    m_helpButton->setFixedSize(64, headerHeight);
+    m_helpButton->setFixedSize(Theme::px(64), Theme::px(headerHeight));
     m_helpButton->setText(QStringLiteral("?"));
     m_helpButton->setStyleSheet(
-        QStringLiteral("font-size: 22px; padding: 0 0 0 22px; border: none;"));
+        Theme::scaled(QStringLiteral("font-size: 22px; padding: 0 0 0 22px; border: none;")));
     m_helpButton->setCheckable(true);
     connect(m_helpButton, &QPushButton::clicked, this, &Window::showHelp);
     row->addWidget(m_meter);
     row->addStretch(1);
+    row->addWidget(m_recording);
     row->addWidget(m_alert);
     row->addWidget(m_bars);
     row->addWidget(m_clock);
@@ -161,7 +203,7 @@ QWidget *Window::makeRail()
 {
     auto *rail = new QWidget;
     rail->setObjectName(QStringLiteral("rail"));
-    rail->setFixedWidth(railWidth);
+    rail->setFixedWidth(Theme::px(railWidth));
     auto *column = new QVBoxLayout(rail);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -179,10 +221,32 @@ QWidget *Window::makeRail()
     return rail;
 }
 
+QWidget *Window::inScroller(QWidget *page) const
+{
+    if (!Theme::isCompact())
+        return page;
+    auto *scroller = new QScrollArea;
+    scroller->setFrameShape(QFrame::NoFrame);
+    scroller->setWidgetResizable(true);
+    scroller->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroller->setWidget(page);
+    scrollByFinger(scroller);
+    return scroller;
+}
+
+void Window::chooseFromMenu()
+{
+    QVector<TouchRow> rows;
+    for (const PageRow &page : pages)
+        rows += TouchRow::of(m_context.texts().text(page.title));
+    new PickSheet(m_context.texts(), this, Text {"Panel", "pages", "Pages"}, rows, m_current,
+                  [this](int index) { showPage(index); });
+}
+
 void Window::showPage(int index)
 {
     if (index != m_current && m_current >= 0)
-        static_cast<Page *>(m_stack->widget(m_current))->leave();
+        page(m_current)->leave();
     const bool isNew = index != m_current;
     m_current = index;
     for (int i = 0; i < m_buttons.size(); ++i)
@@ -190,7 +254,7 @@ void Window::showPage(int index)
     m_helpButton->setChecked(false);
     m_stack->setCurrentIndex(index);
     if (isNew)
-        static_cast<Page *>(m_stack->widget(index))->enter();
+        page(index)->enter();
 }
 
 void Window::showHelp()
@@ -218,9 +282,21 @@ void Window::askForWifi()
 void Window::refreshHeader()
 {
     const KTV_Configuration *meter = session().library().getMainConfig();
-    m_meter->setText(meter->get_MeterFullName() + QStringLiteral("   ")
-                     + meter->get_SerialNumber());
+    m_meter->setText(Theme::isCompact() ? meter->get_MeterModelName()
+                                        : meter->get_MeterFullName() + QStringLiteral("   ")
+                             + meter->get_SerialNumber());
     m_alert->setText(Words::cardAlert(m_context.texts(), session().library()));
     m_clock->setText(
         QTime::currentTime().toString(session().library().get_Lang()->getTimeFormat()));
+}
+
+void Window::refreshRecording()
+{
+    const Recorder &recorder = session().recorder();
+    QString text = QStringLiteral("\u25CF ");
+    if (!Theme::isCompact())
+        text += m_context.texts().text(Text {"Panel", "recording", "Recording"}) + QLatin1Char(' ');
+    m_recording->setText(
+        text + QStringLiteral("%1 / %2").arg(recorder.series().count()).arg(recorder.wanted()));
+    m_recording->setVisible(recorder.isRunning());
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFutureWatcher>
+#include <QSize>
 #include <QTimer>
 #include <QVector>
 #include <QWidget>
@@ -14,12 +15,16 @@ class Session;
 class SignalBars;
 class TouchButton;
 
-/** The panel: a header, a rail of pages at the left, and the page that is chosen. */
+/**
+ * The panel: a header, a rail of pages at the left, and the page that is chosen. A small window has
+ * a menu in the rail's place.
+ */
 class Window : public QWidget
 {
     Q_OBJECT
 public:
-    explicit Window(Context &context);
+    /** @param size in pixels; letters and what is touched follow it */
+    explicit Window(Context &context, const QSize &size = QSize(800, 480));
     /** Waits for the tools that tell the state of WiFi, if they are still at it. */
     ~Window() override;
 
@@ -31,18 +36,24 @@ public:
 private:
     QWidget *makeHeader();
     QWidget *makeRail();
+    QWidget *inScroller(QWidget *page) const;
+    Page *page(int index) const { return m_pages.at(index); }
+    void chooseFromMenu();
     void showHelp();
     void refreshHeader();
+    void refreshRecording();
     void askForWifi();
 
     Session &session() const;
 
     Context &m_context;
     QStackedWidget *m_stack;
-    QVector<TouchButton *> m_buttons;
+    QVector<Page *> m_pages;
+    QVector<TouchButton *> m_buttons; ///< of the rail; none on a small window
     HelpPage *m_help;
     int m_current = -1;
     QLabel *m_meter;
+    TouchButton *m_recording;
     QLabel *m_alert;
     QLabel *m_clock;
     SignalBars *m_bars;

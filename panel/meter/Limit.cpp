@@ -1,5 +1,7 @@
 #include "meter/Limit.h"
 
+#include "meter/Degrees.h"
+
 #include <valuebox/NumericalValueBox.h>
 
 #include <cmath>
@@ -9,36 +11,9 @@ using ValueBox::NumericalValueBox;
 
 namespace {
 
-/** Hundredths of a degree: the lists keep no more of what is entered in another unit. */
 double rounded(double celsius)
 {
     return std::round(celsius * 100) / 100;
-}
-
-double toCelsius(double degrees)
-{
-    switch (NumericalValueBox::getTempUnit()) {
-    case ValueBox::Temp_Fahrenheit:
-        return rounded((degrees - 32) / 1.8);
-    case ValueBox::Temp_Kelvin:
-        return rounded(degrees - 273.15);
-    case ValueBox::Temp_Celsius:
-        break;
-    }
-    return degrees;
-}
-
-double fromCelsius(double celsius)
-{
-    switch (NumericalValueBox::getTempUnit()) {
-    case ValueBox::Temp_Fahrenheit:
-        return celsius * 1.8 + 32;
-    case ValueBox::Temp_Kelvin:
-        return celsius + 273.15;
-    case ValueBox::Temp_Celsius:
-        break;
-    }
-    return celsius;
 }
 
 QString trimmedZeros(QString number)
@@ -58,11 +33,11 @@ QString degreesText(double celsius)
     if (NumericalValueBox::getTempUnit() == ValueBox::Temp_Celsius)
         return QString::number(celsius, 'g', 7);
     constexpr int mostDigits = 2;
-    const double degrees = fromCelsius(celsius);
+    const double degrees = Degrees::fromCelsius(celsius);
     for (int digits = 0; digits < mostDigits; ++digits) {
         const double scale = std::pow(10, digits);
         const double shorter = std::round(degrees * scale) / scale + 0.; // no minus before a zero
-        if (std::abs(toCelsius(shorter) - rounded(celsius)) < 0.001)
+        if (std::abs(Degrees::toCelsius(shorter) - rounded(celsius)) < 0.001)
             return QString::number(shorter, 'f', digits);
     }
     return trimmedZeros(QString::number(degrees, 'f', mostDigits));
@@ -88,7 +63,7 @@ QString Limit::kept(Quantity quantity, const QString &listed)
     const float value = read(quantity, listed);
     if (quantity != Quantity::Temperature || std::isnan(value))
         return listed;
-    return QString::number(toCelsius(static_cast<double>(value)), 'g', 7);
+    return QString::number(Degrees::toCelsius(static_cast<double>(value)), 'g', 7);
 }
 
 float Limit::number(Quantity quantity, const QString &kept)

@@ -1,5 +1,6 @@
 #include "meter/Series.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -51,6 +52,18 @@ Verdict::Outcome Series::outcome() const
     if (m_failed > 0)
         return Verdict::Fail;
     return m_passed > 0 && m_passed == count() ? Verdict::Pass : Verdict::None;
+}
+
+int Series::nearest(double seconds) const
+{
+    const auto ms = static_cast<qint64>(seconds * 1000);
+    const auto later = std::lower_bound(m_times.cbegin(), m_times.cend(), ms);
+    const int index = static_cast<int>(later - m_times.cbegin());
+    if (index == 0)
+        return isEmpty() ? -1 : 0;
+    if (later == m_times.cend() || ms - m_times.at(index - 1) <= *later - ms)
+        return index - 1;
+    return index;
 }
 
 void Series::forgetTexts()

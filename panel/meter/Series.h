@@ -59,6 +59,9 @@ public:
     /** Fails with its first reading that fails; passes when every reading does. */
     Verdict::Outcome outcome() const;
 
+    /** Index of the reading nearest in time; -1 for none. */
+    int nearest(double seconds) const;
+
     /** The unit of temperatures has changed: texts are made anew. */
     void forgetTexts();
     /** Makes the texts that nobody has asked for yet; they belong to the interface's thread. */

@@ -25,6 +25,7 @@ Session::Session(QObject *parent)
     , m_measurement(m_setup, m_hardware, *m_library->getLiczniki(), m_tones)
     , m_recorder(*m_library->get_InterfaceConfig(), *m_library->getMainConfig(), m_setup,
                  m_hardware, *m_library->getLiczniki())
+    , m_networks(*m_library->getConnection())
     , m_usbPort(*m_library)
 {
     startMeter();

@@ -4,6 +4,7 @@
 #include "meter/Lists.h"
 #include "meter/Measurement.h"
 #include "meter/Mixer.h"
+#include "meter/Networks.h"
 #include "meter/Preferences.h"
 #include "meter/Recorder.h"
 #include "meter/Setup.h"
@@ -37,6 +38,7 @@ public:
     Hardware &hardware() { return m_hardware; }
     Measurement &measurement() { return m_measurement; }
     Recorder &recorder() { return m_recorder; }
+    Networks &networks() { return m_networks; }
     UsbPort &usbPort() { return m_usbPort; }
 
     void setLanguage(const QString &code);
@@ -62,5 +64,6 @@ private:
     Hardware m_hardware;
     Measurement m_measurement;
     Recorder m_recorder;
+    Networks m_networks;
     UsbPort m_usbPort;
 };

@@ -58,7 +58,7 @@ AboutPage::AboutPage(Texts &texts, Session &session)
 {
     auto *identity = new QGridLayout;
     identity->setVerticalSpacing(6);
-    identity->setHorizontalSpacing(Theme::margin);
+    identity->setHorizontalSpacing(Theme::margin());
     m_model = addFact(identity, Text {"About", "model", "Model"}, "about.model");
     m_serial = addFact(identity, Text {"About", "serialNumber", "Serial number"}, "about.serial");
     m_interface = addFact(identity, Text {"About", "interfaceVersion", "Interface version"},
@@ -67,7 +67,7 @@ AboutPage::AboutPage(Texts &texts, Session &session)
 
     auto *counts = new QGridLayout;
     counts->setVerticalSpacing(4);
-    counts->setHorizontalSpacing(Theme::margin);
+    counts->setHorizontalSpacing(Theme::margin());
     for (const CounterRow &row : counters) {
         m_counters += addFact(
             counts, row.caption,
@@ -84,7 +84,7 @@ AboutPage::AboutPage(Texts &texts, Session &session)
     right->addLayout(counts);
     right->addStretch(1);
     auto *upper = new QHBoxLayout;
-    upper->setSpacing(2 * Theme::margin);
+    upper->setSpacing(2 * Theme::margin());
     upper->addLayout(left, 1);
     upper->addLayout(right, 1);
     column()->addLayout(upper, 1);

@@ -56,8 +56,8 @@ void AccessoriesPage::layOut()
         {Text {"Settings", "update", "Update"}, m_update, m_check},
     };
     auto *grid = new QGridLayout;
-    grid->setVerticalSpacing(Theme::gap);
-    grid->setHorizontalSpacing(Theme::margin);
+    grid->setVerticalSpacing(Theme::gap());
+    grid->setHorizontalSpacing(Theme::margin());
     grid->setColumnStretch(1, 1);
     for (int row = 0; row < static_cast<int>(std::size(rows)); ++row) {
         grid->addWidget(caption(rows[row].caption), row, 0);

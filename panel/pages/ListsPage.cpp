@@ -71,6 +71,7 @@ ListsPage::ListsPage(Texts &texts, Session &session)
     , m_clear(new TouchButton(QStringLiteral("lists.clear")))
     , m_list(new TouchList(QStringLiteral("lists.list")))
     , m_empty(caption(Text {"Lists", "empty", "The list is empty"}))
+    , m_buttons(new QWidget)
     , m_add(new TouchButton(QStringLiteral("lists.add"), TouchButton::Primary))
     , m_rename(new TouchButton(QStringLiteral("lists.rename")))
     , m_delete(new TouchButton(QStringLiteral("lists.delete"), TouchButton::Danger))
@@ -84,8 +85,8 @@ ListsPage::ListsPage(Texts &texts, Session &session)
     });
     connect(m_search, &QLineEdit::textChanged, this, &ListsPage::refresh);
     // Room for what is found, above the keyboard.
-    connect(m_search, &TextField::written, m_family, &QWidget::hide);
-    connect(m_search, &TextField::finished, m_family, &QWidget::show);
+    connect(m_search, &TextField::written, this, [this] { setSearching(true); });
+    connect(m_search, &TextField::finished, this, [this] { setSearching(false); });
     connect(m_clear, &QPushButton::clicked, m_search, &QLineEdit::clear);
     connect(m_list, &TouchList::chosen, this, &ListsPage::refreshButtons);
     connect(m_add, &QPushButton::clicked, this, [this] { edit(true); });
@@ -103,28 +104,35 @@ void ListsPage::layOut()
     for (size_t i = 0; i < std::size(families); ++i) {
         QPushButton *part = m_family->part(static_cast<int>(i));
         texts().translate(part, families[i].title);
-        part->setStyleSheet(QStringLiteral("padding: 0 2px;"));
+        part->setStyleSheet(Theme::scaled(QStringLiteral("padding: 0 2px;")));
     }
     m_family->setCurrent(m_current);
     texts().translate(m_add, Text {"Lists", "add", "Add"});
     texts().translate(m_rename, Text {"Lists", "rename", "Rename"});
     texts().translate(m_delete, Text {"Lists", "delete", "Delete"});
     m_clear->setText(QStringLiteral("\u2715"));
-    m_clear->setFixedWidth(Theme::target);
-    m_clear->setStyleSheet(QStringLiteral("padding: 0;"));
+    m_clear->setFixedWidth(Theme::target());
+    m_clear->setStyleSheet(Theme::scaled(QStringLiteral("padding: 0;")));
 
     auto *search = new QHBoxLayout;
     search->addWidget(m_search, 1);
     search->addWidget(m_clear);
-    auto *buttons = new QHBoxLayout;
-    buttons->setSpacing(Theme::gap);
+    auto *buttons = new QHBoxLayout(m_buttons);
+    buttons->setContentsMargins(0, 0, 0, 0);
+    buttons->setSpacing(Theme::gap());
     for (TouchButton *button : {m_add, m_rename, m_delete})
         buttons->addWidget(button, 1);
     column()->addWidget(m_family);
     column()->addLayout(search);
     column()->addWidget(m_list, 1);
     column()->addWidget(m_empty);
-    column()->addLayout(buttons);
+    column()->addWidget(m_buttons);
+}
+
+void ListsPage::setSearching(bool isSearching)
+{
+    m_family->setVisible(!isSearching);
+    m_buttons->setVisible(!isSearching);
 }
 
 void ListsPage::refresh()

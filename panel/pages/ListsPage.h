@@ -20,6 +20,7 @@ private:
     void layOut();
     Lists &lists() const { return session().lists(); }
     void refresh();
+    void setSearching(bool isSearching);
     void refreshButtons();
     const Lists::Entry *chosenEntry() const;
     void edit(bool isNew);
@@ -33,6 +34,7 @@ private:
     TouchButton *m_clear;
     TouchList *m_list;
     QLabel *m_empty;
+    QWidget *m_buttons;
     TouchButton *m_add;
     TouchButton *m_rename;
     TouchButton *m_delete;

@@ -85,7 +85,7 @@ void MeasurePage::layOut()
     column()->addWidget(m_display, 1);
     constexpr int columns = 4;
     auto *grid = new QGridLayout;
-    grid->setSpacing(Theme::gap);
+    grid->setSpacing(Theme::gap());
     int cell = 0;
     for (FieldButton *field :
          {m_meter, m_current, m_compensation, m_limit, m_object, m_testObject}) {

@@ -12,8 +12,9 @@ Page::Page(Texts &texts, Session &session)
     , m_session(session)
     , m_column(new QVBoxLayout(this))
 {
-    m_column->setContentsMargins(Theme::margin, Theme::margin, Theme::margin, Theme::margin);
-    m_column->setSpacing(Theme::gap);
+    m_column->setContentsMargins(Theme::margin(), Theme::margin(), Theme::margin(),
+                                 Theme::margin());
+    m_column->setSpacing(Theme::gap());
 }
 
 QLabel *Page::caption(const Text &text)

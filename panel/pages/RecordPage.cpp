@@ -1,8 +1,11 @@
 #include "pages/RecordPage.h"
 
+#include "meter/AxisScale.h"
+#include "meter/Degrees.h"
 #include "pages/Words.h"
 #include "touch/Buttons.h"
 #include "touch/Indicators.h"
+#include "touch/Plot.h"
 #include "touch/Sheets.h"
 #include "touch/Theme.h"
 #include "touch/TouchList.h"
@@ -11,7 +14,12 @@
 #include <datasource/KTV_DataSource.h>
 #include <valuebox/NumericalValueBox.h>
 
+#include <QGridLayout>
+#include <QStackedWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
 
 using Buzzer::BuzzerClass;
 using ValueBox::NumericalValueBox;
@@ -20,7 +28,7 @@ namespace {
 
 constexpr int intervals[] = {200, 500, 1000, 5000, 10000, 60000}; // ms
 constexpr int counts[] = {10, 25, 50, 100, 1000, 10000, Series::capacity};
-constexpr int tableWidth = 240;
+constexpr int sideWidth = 214;
 
 template <size_t size> int indexOf(const int (&values)[size], int value)
 {
@@ -28,14 +36,25 @@ template <size_t size> int indexOf(const int (&values)[size], int value)
                             - std::begin(values));
 }
 
+/** A reading on the value axis: temperatures in the unit in effect. */
+double shown(const Series &series, int index)
+{
+    const auto value = static_cast<double>(series.value(index));
+    return series.conditions().form.quantity == Quantity::Temperature ? Degrees::fromCelsius(value)
+                                                                      : value;
+}
+
 } // namespace
 
 RecordPage::RecordPage(Texts &texts, Session &session)
     : Page(texts, session)
     , m_plot(new Plot(QStringLiteral("record.plot")))
+    , m_view(new Choice(QStringLiteral("record.view"), 2))
+    , m_views(new QStackedWidget)
     , m_table(new TouchList(QStringLiteral("record.table")))
     , m_what(label(QStringLiteral("record.what"), "quiet"))
     , m_status(label(QStringLiteral("record.status"), "quiet"))
+    , m_verdict(new VerdictLabel(QStringLiteral("record.verdict")))
     , m_client(new FieldButton(QStringLiteral("record.client")))
     , m_interval(new FieldButton(QStringLiteral("record.interval")))
     , m_count(new FieldButton(QStringLiteral("record.count")))
@@ -48,12 +67,20 @@ RecordPage::RecordPage(Texts &texts, Session &session)
     connect(m_count, &QPushButton::clicked, this, &RecordPage::chooseCount);
     connect(m_start, &QPushButton::clicked, this, &RecordPage::toggle);
     connect(m_save, &QPushButton::clicked, this, &RecordPage::save);
-    connect(&session.recorder(), &Recorder::added, this, &RecordPage::showSeries);
-    connect(&session.recorder(), &Recorder::stateChanged, this, &RecordPage::refresh);
+    connect(&session.recorder(), &Recorder::added, this, &RecordPage::takeReading);
+    connect(&session.recorder(), &Recorder::stateChanged, this, [this] {
+        refresh();
+        refreshSeries();
+    });
+    connect(m_plot, &Plot::touched, this, &RecordPage::readPoint);
+    connect(m_view, &Choice::chosen, m_views, &QStackedWidget::setCurrentIndex);
     connect(&session.recorder(), &Recorder::settingsChanged, this, &RecordPage::refresh);
     connect(&session.recorder(), &Recorder::saved, this, &RecordPage::tellSaved);
     connect(&session.setup(), &Setup::changed, this, &RecordPage::refresh);
-    texts.keep(this, [this] { refresh(); });
+    texts.keep(this, [this] {
+        refresh();
+        refreshSeries();
+    });
 }
 
 void RecordPage::layOut()
@@ -63,39 +90,86 @@ void RecordPage::layOut()
     texts().translate(m_count, Text {"Record", "count", "Number of measurements"});
     texts().translate(m_save, Text {"Record", "save", "Save"});
 
-    column()->addWidget(m_what);
+    texts().translate(m_view->part(0), Text {"Panel", "figures", "Figures"});
+    texts().translate(m_view->part(1), Text {"Panel", "values", "Values"});
+    m_view->setCurrent(0);
+    m_views->addWidget(makeFigures());
+    m_views->addWidget(m_table);
+
+    auto *head = new QHBoxLayout;
+    head->addWidget(m_what, 1);
+    head->addWidget(m_status);
+    column()->addLayout(head);
+    auto *side = new QWidget;
+    side->setFixedWidth(Theme::px(sideWidth));
+    auto *sideColumn = new QVBoxLayout(side);
+    sideColumn->setContentsMargins(0, 0, 0, 0);
+    sideColumn->setSpacing(Theme::gap());
+    sideColumn->addWidget(m_view);
+    sideColumn->addWidget(m_views, 1);
     auto *series = new QHBoxLayout;
-    series->setSpacing(Theme::gap);
+    series->setSpacing(Theme::gap());
     series->addWidget(m_plot, 1);
-    m_table->setFixedWidth(tableWidth);
-    series->addWidget(m_table);
+    series->addWidget(side);
     column()->addLayout(series, 1);
-    column()->addWidget(m_status);
     auto *settings = new QHBoxLayout;
-    settings->setSpacing(Theme::gap);
+    settings->setSpacing(Theme::gap());
     settings->addWidget(m_client, 1);
     settings->addWidget(m_interval, 1);
     settings->addWidget(m_count, 1);
     column()->addLayout(settings);
     auto *buttons = new QHBoxLayout;
-    buttons->setSpacing(Theme::gap);
+    buttons->setSpacing(Theme::gap());
     buttons->addWidget(m_save, 1);
     buttons->addWidget(m_start, 2);
     column()->addLayout(buttons);
+}
+
+QWidget *RecordPage::makeFigures()
+{
+    auto *figures = new QWidget;
+    auto *grid = new QGridLayout(figures);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setVerticalSpacing(Theme::px(2));
+    grid->addWidget(m_verdict, 0, 0, 1, 2);
+    addFigure(grid, Text {"Panel", "countOf", "Count"}, "record.figure.count");
+    addFigure(grid, Text {"Panel", "minimum", "Minimum"}, "record.figure.minimum");
+    addFigure(grid, Text {"Panel", "maximum", "Maximum"}, "record.figure.maximum");
+    addFigure(grid, Text {"Panel", "mean", "Mean"}, "record.figure.mean");
+    addFigure(grid, Text {"Panel", "deviation", "Std. deviation"}, "record.figure.deviation");
+    grid->setRowStretch(grid->rowCount(), 1);
+    return figures;
+}
+
+void RecordPage::addFigure(QGridLayout *grid, const Text &captionText, const char *name)
+{
+    QLabel *figure = label(QLatin1String(name), "");
+    figure->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    const int row = grid->rowCount();
+    grid->addWidget(caption(captionText), row, 0);
+    grid->addWidget(figure, row, 1);
+    m_figures += figure;
 }
 
 // --- showing
 
 void RecordPage::refresh()
 {
+    // Of the series that is there, or of the one that would be recorded.
     const Setup &setup = session().setup();
-    QString what = library().getMainConfig()->get_MeterModelName();
-    if (setup.quantity() != Quantity::Temperature)
-        what += QStringLiteral("   ")
-            + NumericalValueBox::formatIinduction(
-                    NumericalValueBox::ConvertTestI_ToFlota(setup.current()))
-            + QStringLiteral("   ") + setup.material();
-    m_what->setText(what);
+    const SeriesConditions &conditions = recorder().series().conditions();
+    const bool isThere = !recorder().series().isEmpty() || recorder().isRunning();
+    const Form form = isThere ? conditions.form : setup.form();
+    QStringList what {isThere ? conditions.meterName
+                              : library().getMainConfig()->get_MeterFullName()};
+    if (form.quantity != Quantity::Temperature)
+        what += NumericalValueBox::formatIinduction(
+            NumericalValueBox::ConvertTestI_ToFlota(form.current));
+    what += isThere ? conditions.material : setup.isCompensated() ? setup.material() : QString();
+    what += isThere ? Words::object(conditions.objectType, conditions.objectName)
+                    : Words::object(setup.objectType(), setup.objectName());
+    what.removeAll(QString());
+    m_what->setText(what.join(QStringLiteral("   ")));
     m_client->setValue(recorder().client().isEmpty() ? text(Text {"Panel", "none", "None"})
                                                      : recorder().client());
     m_interval->setValue(Words::seconds(texts(), recorder().interval()));
@@ -107,24 +181,128 @@ void RecordPage::refresh()
     m_start->setText(isRunning ? text(Text {"Measure", "stop", "Stop"})
                                : text(Text {"Measure", "start", "Start"}));
     m_save->setEnabled(!isRunning && !recorder().isSaving() && !recorder().series().isEmpty());
-    showSeries();
 }
 
-void RecordPage::showSeries()
+void RecordPage::refreshSeries()
+{
+    if (!isVisible())
+        return; // enter() does so
+    const Series &series = recorder().series();
+    plotAnew();
+    m_table->setSource(
+        [this](int index) {
+            return TouchRow::of(recorder().series().text(index), QString::number(index + 1));
+        },
+        series.count());
+    refreshFigures();
+}
+
+void RecordPage::takeReading()
+{
+    if (!isVisible())
+        return; // enter() catches up
+    const int index = recorder().series().count() - 1;
+    if (m_plotted != index) {
+        refreshSeries();
+        return;
+    }
+    plot(index);
+    refreshAxes();
+    m_plot->refresh();
+    m_table->grow(index + 1);
+    refreshFigures();
+}
+
+void RecordPage::plot(int index)
 {
     const Series &series = recorder().series();
-    QVector<float> values;
-    QVector<TouchRow> rows;
-    for (int i = 0; i < series.count(); ++i) {
-        values += series.value(i);
-        rows += TouchRow::of(series.text(i), QString::number(i + 1));
-    }
+    m_plot->add(series.seconds(index), shown(series, index));
+    m_plotted = index + 1;
+}
+
+void RecordPage::plotAnew()
+{
+    const Series &series = recorder().series();
     const Form &form = series.conditions().form;
-    m_plot->setValues(values);
-    m_plot->setScale(Reading(series.maximum(), form).text, Reading(series.minimum(), form).text);
-    m_table->setRows(rows);
-    m_table->scrollToBottom();
-    m_status->setText(QStringLiteral("%1 / %2").arg(series.count()).arg(recorder().wanted()));
+    m_plot->clear();
+    m_plotted = 0;
+    while (m_plotted < series.count())
+        plot(m_plotted);
+    QVector<Plot::Bound> bounds;
+    const Limit &limit = series.conditions().limit;
+    const struct
+    {
+        Text name;
+        const QString &bound;
+    } lines[] = {{Text {"Lists", "low", "Low"}, limit.low},
+                 {Text {"Lists", "high", "High"}, limit.high}};
+    for (const auto &line : lines) {
+        const float number = Limit::number(form.quantity, line.bound);
+        if (!std::isnan(number))
+            bounds += {static_cast<double>(number),
+                       text(line.name) + QLatin1Char(' ') + Limit::text(form.quantity, line.bound)};
+    }
+    m_plot->setBounds(bounds);
+    refreshAxes();
+    m_plot->refresh();
+}
+
+void RecordPage::refreshAxes()
+{
+    const Series &series = recorder().series();
+    const double magnitude = std::fmax(std::abs(static_cast<double>(series.minimum())),
+                                       std::abs(static_cast<double>(series.maximum())));
+    const AxisScale values = AxisScale::ofValues(series.conditions().form.quantity, magnitude);
+    const AxisScale time =
+        AxisScale::ofTime(series.isEmpty() ? 0 : series.seconds(series.count() - 1));
+    m_plot->setAxes(time.divisor, time.unit, values.divisor, values.unit);
+}
+
+void RecordPage::refreshFigures()
+{
+    const Series &series = recorder().series();
+    const Form &form = series.conditions().form;
+    const bool isEmpty = series.isEmpty();
+    const auto textOf = [&](float value) {
+        return isEmpty ? QString() : Reading(value, form).text;
+    };
+    const QString figures[] = {isEmpty ? QString() : QString::number(series.presentCount()),
+                               textOf(series.minimum()), textOf(series.maximum()),
+                               textOf(series.mean()),
+                               Words::deviation(form.quantity, series.standardDeviation())};
+    for (int i = 0; i < m_figures.size(); ++i)
+        m_figures.at(i)->setText(figures[i]);
+
+    QString verdict;
+    ValueDisplay::State state = ValueDisplay::Idle;
+    if (series.outcome() == Verdict::Pass) {
+        verdict = text(Text {"Measure", "pass", "Pass"});
+        state = ValueDisplay::Passed;
+    } else if (series.outcome() == Verdict::Fail) {
+        verdict = QStringLiteral("%1 %2 / %3")
+                      .arg(text(Text {"Measure", "fail", "Fail"}))
+                      .arg(series.failed())
+                      .arg(series.count());
+        state = ValueDisplay::Failed;
+    } else if (!isEmpty && !series.conditions().limit.name.isEmpty()) {
+        verdict = text(Text {"Panel", "noVerdict", "No verdict"});
+        state = ValueDisplay::Unjudged;
+    }
+    m_verdict->setVerdict(verdict, state);
+
+    QString status = QStringLiteral("%1 / %2").arg(series.count()).arg(recorder().wanted());
+    if (recorder().isUnsaved() && !recorder().isRunning())
+        status += QStringLiteral("   ") + text(Text {"Panel", "notSaved", "Not saved"});
+    m_status->setText(status);
+}
+
+void RecordPage::readPoint(double seconds)
+{
+    const Series &series = recorder().series();
+    const int index = series.nearest(seconds);
+    if (index < 0)
+        return;
+    m_plot->mark({series.seconds(index), shown(series, index)}, series.text(index));
 }
 
 // --- recording

@@ -2,22 +2,41 @@
 
 #include "pages/Page.h"
 
+#include <functional>
+
+class Choice;
 class FieldButton;
 class Plot;
 class TouchButton;
+class QGridLayout;
+class QStackedWidget;
 class TouchList;
+class VerdictLabel;
 
-/** A series of measurements, seen while it grows, and saved in the client's folder. */
+/**
+ * A series of measurements: its curve while it grows, its figures and its values; saved in the
+ * client's folder.
+ */
 class RecordPage : public Page
 {
     Q_OBJECT
 public:
     RecordPage(Texts &texts, Session &session);
 
+    void enter() override { refreshSeries(); }
+
 private:
     void layOut();
     void refresh();
-    void showSeries();
+    QWidget *makeFigures();
+    void addFigure(QGridLayout *grid, const Text &captionText, const char *name);
+    void refreshSeries();
+    void takeReading();
+    void plot(int index);
+    void plotAnew();
+    void refreshAxes();
+    void refreshFigures();
+    void readPoint(double seconds);
     void toggle();
     void save();
     void tellSaved(const SeriesFile::Result &result);
@@ -28,12 +47,17 @@ private:
     Recorder &recorder() const { return session().recorder(); }
 
     Plot *m_plot;
+    Choice *m_view;
+    QStackedWidget *m_views;
     TouchList *m_table;
     QLabel *m_what;
     QLabel *m_status;
+    VerdictLabel *m_verdict;
+    QVector<QLabel *> m_figures; ///< count, minimum, maximum, mean, standard deviation
     FieldButton *m_client;
     FieldButton *m_interval;
     FieldButton *m_count;
     TouchButton *m_start;
     TouchButton *m_save;
+    int m_plotted = 0; ///< readings in the plot
 };

@@ -64,13 +64,13 @@ void SettingsPage::layOut()
             this->texts(), this,
             Text {"Dialogs", "confirmReset", "All settings and lists will be lost. Go on?"},
             Text {"Settings", "factoryReset", "Restore factory settings"},
-            [this] { this->session().restoreFactorySettings(); });
+            [this] { restoreFactorySettings(); });
     });
 
     column()->addWidget(m_language);
     auto *grid = new QGridLayout;
-    grid->setVerticalSpacing(12);
-    grid->setHorizontalSpacing(Theme::margin);
+    grid->setVerticalSpacing(Theme::px(12));
+    grid->setHorizontalSpacing(Theme::margin());
     const struct
     {
         Text caption;
@@ -86,10 +86,16 @@ void SettingsPage::layOut()
         grid->addWidget(rows[row].choice, row, 1);
     }
     grid->setColumnStretch(1, 1);
-    column()->addSpacing(Theme::gap);
+    column()->addSpacing(Theme::gap());
     column()->addLayout(grid);
     column()->addStretch(1);
     column()->addWidget(reset);
+}
+
+void SettingsPage::restoreFactorySettings()
+{
+    new StillSheet(texts(), this, Text {"Settings", "factoryReset", "Restore factory settings"},
+                   [this] { session().restoreFactorySettings(); });
 }
 
 void SettingsPage::refresh()

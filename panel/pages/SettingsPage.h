@@ -16,6 +16,7 @@ public:
 private:
     void layOut();
     void refresh();
+    void restoreFactorySettings();
     Preferences &preferences() const { return session().preferences(); }
 
     FieldButton *m_language;

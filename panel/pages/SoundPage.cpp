@@ -65,11 +65,11 @@ void SoundPage::layOut()
     column()->addWidget(m_switch);
 
     auto *grid = new QGridLayout;
-    grid->setSpacing(Theme::gap);
+    grid->setSpacing(Theme::gap());
     int index = 0;
     const auto add = [&](TouchButton *button, int columns) {
         button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Expanding);
-        button->setStyleSheet(QStringLiteral("font-size: 15px; padding: 0 4px;"));
+        button->setStyleSheet(Theme::scaled(QStringLiteral("font-size: 15px; padding: 0 4px;")));
         grid->addWidget(button, index / toneColumns, index % toneColumns, 1, columns);
         ++index;
     };
@@ -89,7 +89,7 @@ void SoundPage::layOut()
     column()->addLayout(grid, 1);
 
     auto *volume = new QHBoxLayout;
-    volume->setSpacing(Theme::gap);
+    volume->setSpacing(Theme::gap());
     volume->addWidget(caption(Text {"Sound", "volume", "Volume"}));
     volume->addWidget(m_volume, 1);
     column()->addLayout(volume);

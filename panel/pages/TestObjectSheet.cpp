@@ -3,6 +3,7 @@
 #include "meter/Setup.h"
 #include "touch/Buttons.h"
 #include "touch/Texts.h"
+#include "touch/Theme.h"
 
 #include <valuebox/NumericalValueBox.h>
 
@@ -98,8 +99,8 @@ TestObjectSheet::TestObjectSheet(Texts &texts, Setup &setup, QWidget *somewhere)
         less->setText(QStringLiteral("\u2212"));
         auto *more = new TouchButton(QStringLiteral("object.%1.more").arg(i));
         more->setText(QStringLiteral("+"));
-        less->setFixedWidth(stepWidth);
-        more->setFixedWidth(stepWidth);
+        less->setFixedWidth(Theme::px(stepWidth));
+        more->setFixedWidth(Theme::px(stepWidth));
         connect(less, &QPushButton::clicked, this, [this, i] { step(i, -1); });
         connect(more, &QPushButton::clicked, this, [this, i] { step(i, +1); });
         const int left = (i % 2) * 3;

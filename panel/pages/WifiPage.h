@@ -2,15 +2,8 @@
 
 #include "pages/Page.h"
 
-#include <QSet>
-#include <QStringList>
-
 #include <functional>
 
-namespace WiFi {
-class KTV_Connection;
-class Network;
-} // namespace WiFi
 class TouchButton;
 class TouchList;
 
@@ -20,50 +13,37 @@ class WifiPage : public Page
     Q_OBJECT
 public:
     WifiPage(Texts &texts, Session &session);
-    /** Takes what the library has already sent: nobody else would delete it. */
-    ~WifiPage() override;
 
     void enter() override;
     void leave() override;
 
 private:
-    /** A network in reach. */
-    struct Cell
-    {
-        QString name;
-        int bars;
-        bool isProtected;
-    };
-
     void layOut();
-    WiFi::KTV_Connection &connection() const;
-    void takeScan(QList<WiFi::Network *> *networks);
-    void takeDetails(WiFi::Network *network);
-    void readKnown();
     void refresh();
-    void refreshDetails();
+    void refreshState();
     void refreshButtons();
+    QString stateText() const;
+    QString detailsText() const;
     QString chosenName() const;
-    void join();
-    void add(const QString &name, const QString &key);
-    /** Says that it takes its time, and then keeps the interface's thread as long as it does. */
-    void block(const std::function<void()> &work);
 
-    QVector<Cell> m_cells;
-    QSet<QString> m_known;
-    bool m_isScanned = false;
-    int m_state = 0;
-    QString m_name;
-    QString m_address;
-    QString m_mask;
-    QString m_broadcast;
+    void chooseToJoin();
+    void askPassPhrase(const QString &name);
+    void askHidden();
+    void join(const QString &name, const QString &key);
+    void tellJoined(const QString &name, bool isWell);
+    /** Says that it takes its time, and then keeps the interface's thread as long as it does. */
+    void block(std::function<void()> work);
+
+    Networks &networks() const { return session().networks(); }
 
     TouchList *m_list;
     QLabel *m_note;
-    QLabel *m_stateText;
+    QLabel *m_state;
     QLabel *m_details;
+    TouchButton *m_hidden;
     TouchButton *m_power;
     TouchButton *m_join;
     TouchButton *m_prefer;
     TouchButton *m_forget;
+    bool m_isOpen = false; ///< the network that is joined has no pass phrase
 };

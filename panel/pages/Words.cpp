@@ -1,11 +1,15 @@
 #include "pages/Words.h"
 
+#include "meter/AxisScale.h"
+#include "meter/Degrees.h"
 #include "touch/Texts.h"
 
 #include <datasource/KTV_DataSource.h>
 #include <valuebox/NumericalValueBox.h>
 
 #include <QStringList>
+
+#include <cmath>
 
 using ValueBox::NumericalValueBox;
 
@@ -78,6 +82,17 @@ QString Words::object(const QString &type, const QString &name)
     QStringList parts {type, name};
     parts.removeAll(QString());
     return parts.join(QStringLiteral(" \u00B7 "));
+}
+
+QString Words::deviation(Quantity quantity, float deviation)
+{
+    if (std::isnan(deviation))
+        return {};
+    double shown = static_cast<double>(deviation);
+    if (quantity == Quantity::Temperature)
+        shown = Degrees::fromCelsius(shown) - Degrees::fromCelsius(0);
+    const AxisScale scale = AxisScale::ofValues(quantity, shown);
+    return QString::number(shown / scale.divisor, 'g', 3) + QLatin1Char(' ') + scale.unit;
 }
 
 QString Words::seconds(const Texts &texts, int milliseconds)

@@ -18,7 +18,12 @@
 class PanelFixture
 {
 public:
-    PanelFixture() : window(context), finger(window) { window.show(); }
+    explicit PanelFixture(const QSize &size = QSize(800, 480))
+        : window(context, size)
+        , finger(window)
+    {
+        window.show();
+    }
 
     QString labelText(const char *name) const
     {

@@ -1,6 +1,7 @@
 #include "PanelFixture.h"
 
 #include "support/Volume.h"
+#include "touch/Plot.h"
 #include "touch/Theme.h"
 
 #include <configuration/KTV_Configuration.h>
@@ -78,6 +79,14 @@ private slots:
     void startsAsAMeterThatMeasures();
     void seriesIsSeenWhileItGrows();
     void seriesIsSavedUnderASafeAndFreeName();
+    void limitThatIsNoNumber();
+    void verdictNeedsSoundLeads();
+    void objectOfTheLists();
+    void figuresOfASeries();
+    void pointIsReadByTouch();
+    void seriesIsKeptUntilItIsDropped();
+    void recordingGoesOnBesideOtherPages();
+    void savingGoesOnAfterTheClient();
     void seriesOnAFullCard();
     void seriesWithoutAFolder();
     void nameOfDotsStaysInItsDirectory();
@@ -210,6 +219,7 @@ void TstPanelMeasuring::objectIsChangedByTouches()
     TAP(panel, "measure.testObject", "object.2.more", "object.2.more", "object.2.more",
         "object.2.more", "sheet.ok");
     QVERIFY(record(panel));
+    TAP(panel, "record.view.1");
     QStringList values = panel.titles("record.table");
     values.removeDuplicates();
     QVERIFY(values.size() > 5);
@@ -307,7 +317,7 @@ void TstPanelMeasuring::seriesIsSeenWhileItGrows()
         return pixels;
     };
     QCOMPARE(accent(), 0);
-    TAP(panel, "record.start");
+    TAP(panel, "record.view.1", "record.start");
     QVERIFY(Finger::waitFor([&] { return panel.list("record.table")->rowCount() == 3; }));
     QVERIFY(panel.session.hardware().isRunning());
     QCOMPARE(panel.labelText("record.status"), QStringLiteral("3 / 25"));
@@ -326,6 +336,7 @@ void TstPanelMeasuring::seriesIsSavedUnderASafeAndFreeName()
     PanelFixture panel;
     measureWith(panel, objectOf(0.0012347F));
     QVERIFY(record(panel));
+    TAP(panel, "record.view.1");
     QCOMPARE(panel.list("record.table")->rowCount(), 10);
     QVERIFY(writeClient(panel, QStringLiteral("Yard 7/4: \"B\"")));
     const QDir directory(QLatin1String(clients) + QStringLiteral("/Yard 7_4_ _B_"));
@@ -344,6 +355,134 @@ void TstPanelMeasuring::seriesIsSavedUnderASafeAndFreeName()
     QCOMPARE(panel.session.library().getLiczniki()->get_dictionary(
                  KTV_Liczniki::Licznik_RejestracjaObiektowRezystancyjnych),
              1);
+}
+
+void TstPanelMeasuring::limitThatIsNoNumber()
+{
+    PanelFixture panel;
+    QVERIFY(panel.session.library().get_DataList()->AddLimit_R(QStringLiteral("words"),
+                                                               QStringLiteral("abc"), QString()));
+    measureWith(panel, objectOf(0.0012F));
+    QVERIFY(panel.pick("measure.limit", QStringLiteral("words")));
+    QCOMPARE(measured(panel), QStringLiteral("1.2000 m\u2126|No verdict"));
+    QCOMPARE(panel.finger.see<ValueDisplay>(QStringLiteral("measure.value"))->reason(),
+             QStringLiteral("The limit is not a number"));
+}
+
+void TstPanelMeasuring::verdictNeedsSoundLeads()
+{
+    PanelFixture panel;
+    QVERIFY(panel.session.library().get_DataList()->AddLimit_R(
+        QStringLiteral("joint"), QStringLiteral("1.5 m\u2126"), QStringLiteral("1 m\u2126")));
+    QVERIFY(panel.pick("measure.limit", QStringLiteral("joint")));
+    TestObject object = objectOf(0.0012F);
+    const auto *display = panel.finger.see<ValueDisplay>(QStringLiteral("measure.value"));
+    object.leads = TestObject::Reversed;
+    measureWith(panel, object);
+    QCOMPARE(measured(panel), QStringLiteral("< 0 \u03BC\u2126|No verdict"));
+    QCOMPARE(display->reason(), QStringLiteral("The leads are swapped"));
+    object.leads = TestObject::Open;
+    measureWith(panel, object);
+    QCOMPARE(measured(panel), QStringLiteral("--- \u2126|No verdict"));
+    QCOMPARE(display->reason(), QStringLiteral("Current lead is open"));
+}
+
+void TstPanelMeasuring::objectOfTheLists()
+{
+    PanelFixture panel;
+    KTV_DataList *lists = panel.session.library().get_DataList();
+    QVERIFY(lists->AddObiectTyp(QStringLiteral("My busbar")));
+    QVERIFY(lists->AddObiectName(QStringLiteral("Joint 7")));
+    QVERIFY(panel.pick("measure.object", QStringLiteral("My busbar")));
+    QVERIFY(panel.finger.tapRow(QStringLiteral("sheet.list"), QStringLiteral("Joint 7")));
+    QCOMPARE(panel.fieldValue("measure.object"), QStringLiteral("My busbar \u00B7 Joint 7"));
+    QVERIFY(record(panel));
+    QVERIFY(panel.labelText("record.what").endsWith(QStringLiteral("My busbar \u00B7 Joint 7")));
+    QCOMPARE(panel.session.recorder().series().conditions().objectName, QStringLiteral("Joint 7"));
+}
+
+void TstPanelMeasuring::figuresOfASeries()
+{
+    PanelFixture panel;
+    QVERIFY(panel.session.library().get_DataList()->AddLimit_R(
+        QStringLiteral("joint"), QStringLiteral("1 m\u2126"), QString()));
+    QVERIFY(panel.pick("measure.limit", QStringLiteral("joint")));
+    measureWith(panel, objectOf(0.0012347F));
+    QVERIFY(record(panel));
+    QCOMPARE(panel.labelText("record.figure.count"), QStringLiteral("10"));
+    for (const char *figure : {"minimum", "maximum", "mean"})
+        QCOMPARE(panel.labelText(qPrintable(QStringLiteral("record.figure.") + figure)),
+                 QStringLiteral("1.2347 m\u2126"));
+    QCOMPARE(panel.labelText("record.figure.deviation"), QStringLiteral("0 \u03BC\u2126"));
+    QCOMPARE(panel.finger.see<VerdictLabel>(QStringLiteral("record.verdict"))->text(),
+             QStringLiteral("Fail 10 / 10"));
+}
+
+void TstPanelMeasuring::pointIsReadByTouch()
+{
+    PanelFixture panel;
+    QVERIFY(record(panel));
+    auto *plot = panel.finger.see<Plot>(QStringLiteral("record.plot"));
+    QSignalSpy touched(plot, &Plot::touched);
+    const QImage before = plot->grab().toImage();
+    TAP(panel, "record.plot");
+    QCOMPARE(touched.size(), 1);
+    const double seconds = touched.first().first().toDouble();
+    QVERIFY2(seconds > 0.2 && seconds < 2, qPrintable(QString::number(seconds)));
+    QVERIFY(plot->grab().toImage() != before);
+}
+
+void TstPanelMeasuring::seriesIsKeptUntilItIsDropped()
+{
+    PanelFixture panel;
+    measureWith(panel, objectOf(0.0012347F));
+    QVERIFY(record(panel));
+    QCOMPARE(panel.labelText("record.status"), QStringLiteral("10 / 10   Not saved"));
+    TAP(panel, "nav.Settings", "settings.temperature.1", "settings.temperature.0", "nav.Measure",
+        "measure.kind.2", "nav.WiFi", "nav.Record", "record.view.1");
+    QCOMPARE(panel.titles("record.table").size(), 10);
+    QCOMPARE(panel.titles("record.table").first(), QStringLiteral("1.2347 m\u2126"));
+    TAP(panel, "record.start", "sheet.cancel");
+    QVERIFY(!panel.session.recorder().isRunning());
+    QCOMPARE(panel.titles("record.table").size(), 10);
+    QVERIFY(panel.session.recorder().isUnsaved());
+
+    QVERIFY(writeClient(panel, QStringLiteral("a")));
+    TAP(panel, "record.save");
+    QVERIFY(panel.message().startsWith(QLatin1String(clients)));
+    TAP(panel, "sheet.ok");
+    QCOMPARE(panel.labelText("record.status"), QStringLiteral("10 / 10"));
+    TAP(panel, "record.start"); // nothing to lose: nothing is asked
+    QVERIFY(Finger::waitFor([&] { return panel.session.recorder().series().count() > 0; }));
+    TAP(panel, "record.start", "record.start", "sheet.yes");
+    QVERIFY(panel.session.recorder().isRunning());
+}
+
+void TstPanelMeasuring::recordingGoesOnBesideOtherPages()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.Record");
+    QVERIFY(!panel.finger.find(QStringLiteral("header.recording")));
+    TAP(panel, "record.start", "nav.WiFi", "nav.Measure");
+    QVERIFY(!panel.finger.find(QStringLiteral("measure.start"))->isEnabled());
+    QVERIFY(!panel.finger.find(QStringLiteral("measure.current"))->isEnabled());
+    const int before = panel.session.recorder().series().count();
+    QVERIFY(Finger::waitFor([&] { return panel.session.recorder().series().count() > before; }));
+    QVERIFY(panel.buttonText("header.recording").contains(QLatin1String("Recording")));
+    TAP(panel, "header.recording", "record.view.1");
+    QCOMPARE(panel.list("record.table")->rowCount(), panel.session.recorder().series().count());
+    TAP(panel, "record.start");
+    QVERIFY(!panel.finger.find(QStringLiteral("header.recording")));
+}
+
+void TstPanelMeasuring::savingGoesOnAfterTheClient()
+{
+    PanelFixture panel;
+    QVERIFY(record(panel));
+    TAP(panel, "record.save");
+    QVERIFY(panel.finger.type(QStringLiteral("yard")));
+    TAP(panel, "key.done");
+    QVERIFY(panel.message().startsWith(QLatin1String(clients) + QStringLiteral("/yard/")));
 }
 
 void TstPanelMeasuring::seriesOnAFullCard()

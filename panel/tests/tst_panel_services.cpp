@@ -61,6 +61,10 @@ private slots:
     void joinANetworkBeyondAscii();
     void namesOfNetworks_data();
     void namesOfNetworks();
+    void wrongPassPhrase();
+    void hiddenNetwork();
+    void everyPassPhraseCanBeTyped_data();
+    void everyPassPhraseCanBeTyped();
     void preferANetwork();
     void networkThatCannotBeStored();
     void switchWifiOff();
@@ -272,6 +276,72 @@ void TstPanelServices::namesOfNetworks()
     QCOMPARE(panel.titles("wifi.list"), QStringList(shown));
 }
 
+void TstPanelServices::wrongPassPhrase()
+{
+    const QString name = QStringLiteral("Substation North");
+    PanelFixture panel;
+    QVERIFY(chooseNetwork(panel, name));
+    panel.session.networks().setPatience(2500);
+    QVERIFY(typePassPhrase(panel, QStringLiteral("ohm-law-1828")));
+    QVERIFY(Finger::waitFor(
+        [&] { return panel.labelText("wifi.state") == QStringLiteral("Connecting to ") + name; }));
+    QVERIFY(Finger::waitFor([&] { return panel.finger.find(QStringLiteral("sheet.yes")); }));
+    QCOMPARE(panel.buttonText("sheet.yes"), QStringLiteral("Enter it again"));
+    QVERIFY(panel.labelText("wifi.state") != QStringLiteral("Connecting to ") + name);
+    TAP(panel, "sheet.yes");
+    const QList<QLabel *> labels =
+        panel.finger.find(QStringLiteral("sheet"))->findChildren<QLabel *>();
+    QVERIFY(std::any_of(labels.begin(), labels.end(),
+                        [&](const QLabel *label) { return label->text().endsWith(name); }));
+    panel.session.networks().setPatience(20000);
+    QVERIFY(panel.finger.type(QStringLiteral("ohm-law-1827")));
+    TAP(panel, "key.done");
+    QVERIFY(Finger::waitFor(
+        [&] { return panel.labelText("wifi.state") == QLatin1String("Connected"); }));
+}
+
+void TstPanelServices::hiddenNetwork()
+{
+    PanelFixture panel;
+    TAP(panel, "nav.WiFi", "wifi.hidden");
+    QVERIFY(panel.fill({QStringLiteral("attic"), QStringLiteral("short")}));
+    TAP(panel, "key.done");
+    QCOMPARE(panel.labelText("sheet.error"),
+             QStringLiteral("The pass phrase has 8 to 63 characters"));
+    TAP(panel, "sheet.line.1");
+    QVERIFY(panel.finger.type(QStringLiteral("ly8"))); // now it is long enough
+    TAP(panel, "key.done");
+    QVERIFY(Finger::waitFor(
+        [&] { return panel.labelText("wifi.state") == QLatin1String("Connecting to attic"); }));
+    QVERIFY(Meter::readFile(QStringLiteral("/etc/wpa_supplicant/wpa_supplicant-wlan0.conf"))
+                .contains("ssid=\"attic\""));
+}
+
+void TstPanelServices::everyPassPhraseCanBeTyped_data()
+{
+    QTest::addColumn<QString>("language");
+    for (const char *language : {"EN", "US", "PL", "DE"})
+        QTest::newRow(language) << language;
+}
+
+void TstPanelServices::everyPassPhraseCanBeTyped()
+{
+    QFETCH(QString, language);
+    QString all;
+    for (char16_t character = u' '; character <= u'~'; ++character)
+        all += QChar(character);
+    PanelFixture panel;
+    panel.session.setLanguage(language);
+    TAP(panel, "nav.Lists", "lists.add");
+    QVERIFY(panel.finger.type(all));
+    QCOMPARE(panel.finger.see<QLineEdit>(QStringLiteral("sheet.line.0"))->text(), all);
+    // Shift is for one letter.
+    TAP(panel, "key.shift");
+    QVERIFY(panel.finger.find(QStringLiteral("key.A")));
+    TAP(panel, "key.A");
+    QVERIFY(!panel.finger.find(QStringLiteral("key.A")));
+}
+
 void TstPanelServices::preferANetwork()
 {
     PanelFixture panel;
@@ -316,6 +386,7 @@ void TstPanelServices::switchWifiOff()
     QVERIFY(offers("Switch WiFi off"));
     TAP(panel, "wifi.power");
     QVERIFY(offers("Switch WiFi on"));
+    QCOMPARE(panel.labelText("wifi.state"), QStringLiteral("WiFi is off"));
     TAP(panel, "wifi.power");
     QVERIFY(offers("Switch WiFi off"));
 }
@@ -359,10 +430,9 @@ void TstPanelServices::withoutWifi()
     {
         PanelFixture panel;
         TAP(panel, "nav.WiFi");
-        QCOMPARE(panel.labelText("wifi.note"), QStringLiteral("No WiFi adapter"));
         QVERIFY(!panel.finger.find(QStringLiteral("wifi.power"))->isEnabled());
         QVERIFY(!panel.finger.find(QStringLiteral("wifi.join"))->isEnabled());
-        QCOMPARE(panel.labelText("wifi.state"), QStringLiteral("Not connected"));
+        QCOMPARE(panel.labelText("wifi.state"), QStringLiteral("No WiFi adapter"));
         TAP(panel, "nav.Measure");
     }
     Meter::setBehaviour(QStringLiteral("ls"), QByteArray());

@@ -337,6 +337,7 @@ void TstPanelSettings::brightness()
         TAP(panel, "settings.brightness.less");
     QCOMPARE(Meter::readFile(display), QByteArray("10\n")); // never dark
     TAP(panel, "settings.reset", "sheet.yes");
+    QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
     QCOMPARE(Meter::readFile(display), QByteArray("50\n"));
     QCOMPARE(panel.labelText("settings.brightness.percent"), QStringLiteral("50 %"));
 }
@@ -353,6 +354,7 @@ void TstPanelSettings::factoryReset()
         "sheet.cancel");
     QCOMPARE(panel.session.preferences().temperatureUnit(), ValueBox::Temp_Fahrenheit);
     TAP(panel, "settings.reset", "sheet.yes");
+    QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
     QCOMPARE(panel.session.preferences().temperatureUnit(), ValueBox::Temp_Celsius);
     QVERIFY(!panel.session.preferences().isDark());
     QVERIFY(panel.finger.see<QPushButton>(QStringLiteral("settings.temperature.0"))->isChecked());

@@ -19,7 +19,7 @@ constexpr int valueSize = 17;
 
 QFont sized(QFont font, int size)
 {
-    font.setPixelSize(size);
+    font.setPixelSize(Theme::px(size));
     return font;
 }
 
@@ -30,7 +30,7 @@ TouchButton::TouchButton(const QString &name, Role role, QWidget *parent) : QPus
     setObjectName(name);
     setProperty("role", QString::fromLatin1(roleNames[role]));
     setFocusPolicy(Qt::NoFocus);
-    setMinimumHeight(Theme::target);
+    setMinimumHeight(Theme::target());
 }
 
 FieldButton::FieldButton(const QString &name, QWidget *parent) : TouchButton(name, Plain, parent)
@@ -52,19 +52,21 @@ void FieldButton::setValue(const QString &value)
 
 int FieldButton::captionWidth() const
 {
-    return QFontMetrics(sized(font(), captionSize)).horizontalAdvance(m_caption) + 2 * padding;
+    return QFontMetrics(sized(font(), captionSize)).horizontalAdvance(m_caption)
+        + 2 * Theme::px(padding);
 }
 
 QSize FieldButton::sizeHint() const
 {
-    return {160, 60};
+    return {Theme::px(120), Theme::px(60)};
 }
 
 void FieldButton::paintEvent(QPaintEvent *event)
 {
     QPushButton::paintEvent(event);
     QPainter painter(this);
-    const QRect inside = rect().adjusted(padding, 8, -padding, -8);
+    const QRect inside =
+        rect().adjusted(Theme::px(padding), Theme::px(8), -Theme::px(padding), -Theme::px(8));
     const auto line = [&](const QString &text, int size, const QColor &colour, int alignment) {
         painter.setFont(sized(font(), size));
         painter.setPen(isEnabled() ? colour : Theme::current().line);
@@ -72,7 +74,11 @@ void FieldButton::paintEvent(QPaintEvent *event)
                          painter.fontMetrics().elidedText(text, Qt::ElideRight, inside.width()));
     };
     line(m_caption, captionSize, Theme::current().quiet, Qt::AlignLeft | Qt::AlignTop);
-    line(m_value, valueSize, Theme::current().text, Qt::AlignLeft | Qt::AlignBottom);
+    int size = valueSize;
+    while (size > captionSize
+           && QFontMetrics(sized(font(), size)).horizontalAdvance(m_value) > inside.width())
+        --size;
+    line(m_value, size, Theme::current().text, Qt::AlignLeft | Qt::AlignBottom);
 }
 
 Choice::Choice(const QString &name, int count, QWidget *parent)
@@ -82,7 +88,7 @@ Choice::Choice(const QString &name, int count, QWidget *parent)
     setObjectName(name);
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(Theme::gap);
+    layout->setSpacing(Theme::gap());
     for (int index = 0; index < count; ++index) {
         auto *button = new TouchButton(name + QLatin1Char('.') + QString::number(index));
         button->setCheckable(true);

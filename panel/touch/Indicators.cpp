@@ -3,10 +3,8 @@
 #include "touch/Theme.h"
 
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -69,34 +67,36 @@ void ValueDisplay::paintEvent(QPaintEvent *)
     const Theme &theme = Theme::current();
     QPainter painter(this);
     paintCard(painter, rect());
-    const QRect inside = rect().adjusted(16, 10, -16, -10);
+    const int side = Theme::px(16);
+    const int top = Theme::px(10);
+    const QRect inside = rect().adjusted(side, top, -side, -top);
 
-    useFont(painter, 15);
+    const int lineHeight = Theme::px(20);
+    useFont(painter, Theme::px(15));
     painter.setPen(theme.quiet);
     painter.drawText(inside, Qt::AlignLeft | Qt::AlignTop, m_caption);
-    painter.drawText(inside, Qt::AlignRight | Qt::AlignBottom, m_note);
-    useFont(painter, 20, true);
-    painter.setPen(m_state == Failed       ? theme.alarm
-                       : m_state == Passed ? theme.accent
-                                           : theme.quiet);
-    painter.drawText(inside, Qt::AlignLeft | Qt::AlignBottom, m_verdict);
-    paintValue(painter, inside.adjusted(0, 22, 0, -26));
+
+    const QRect lower = inside.adjusted(0, lineHeight, 0, 0);
+    const int verdictHeight = std::min(lower.height() * 2 / 5, Theme::px(56));
+    const int unitSize = paintValue(painter, lower.adjusted(0, 0, 0, -verdictHeight));
+    paintVerdict(painter, lower.adjusted(0, lower.height() - verdictHeight, 0, 0), unitSize);
 }
 
-void ValueDisplay::paintValue(QPainter &painter, const QRect &area) const
+int ValueDisplay::paintValue(QPainter &painter, const QRect &area) const
 {
     const Theme &theme = Theme::current();
     const QString unit = m_text.section(QLatin1Char(' '), -1);
     const QString number = m_text.left(m_text.size() - unit.size()).trimmed();
-    int size = std::min(area.height(), 92);
+    const int signWidth = m_state == Idle ? 0 : area.height();
+    int size = std::min(area.height(), Theme::px(96));
     int numberWidth = 0;
     int unitWidth = 0;
-    for (; size > 24; size -= 4) {
+    for (; size > Theme::px(24); size -= 4) {
         useFont(painter, size);
         numberWidth = painter.fontMetrics().horizontalAdvance(number);
         useFont(painter, size / 2);
         unitWidth = painter.fontMetrics().horizontalAdvance(unit);
-        if (numberWidth + size / 4 + unitWidth <= area.width())
+        if (signWidth + numberWidth + size / 4 + unitWidth <= area.width())
             break;
     }
     const int left = area.right() - numberWidth - size / 4 - unitWidth;
@@ -108,13 +108,114 @@ void ValueDisplay::paintValue(QPainter &painter, const QRect &area) const
     useFont(painter, size / 2);
     painter.setPen(theme.quiet);
     painter.drawText(area.right() - unitWidth, base, unit);
+    const int signSize = std::min(area.height(), Theme::px(72)) - Theme::px(4);
+    paintSign(painter, QRect(area.left(), area.center().y() - signSize / 2, signSize, signSize),
+              m_state);
+    return size / 2;
+}
+
+void ValueDisplay::paintSign(QPainter &painter, const QRectF &area, State state)
+{
+    if (state == Idle)
+        return;
+    const Theme &theme = Theme::current();
+    const auto at = [&area](double x, double y) {
+        return QPointF(area.left() + area.width() * x, area.top() + area.height() * y);
+    };
+    QPen stroke(theme.surface, area.width() / 9, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    painter.setPen(Qt::NoPen);
+    if (state == Passed) {
+        painter.setBrush(theme.accent);
+        painter.drawEllipse(area);
+        painter.setPen(stroke);
+        painter.drawPolyline(QVector<QPointF> {at(0.27, 0.52), at(0.44, 0.69), at(0.74, 0.34)});
+    } else if (state == Failed) {
+        painter.setBrush(theme.alarm);
+        painter.drawRect(area);
+        painter.setPen(stroke);
+        painter.drawLine(at(0.28, 0.28), at(0.72, 0.72));
+        painter.drawLine(at(0.72, 0.28), at(0.28, 0.72));
+    } else {
+        stroke.setColor(theme.quiet);
+        stroke.setWidthF(area.width() / 14);
+        painter.setPen(stroke);
+        painter.setBrush(Qt::NoBrush);
+        painter.drawPolygon(
+            QVector<QPointF> {at(0.5, 0.04), at(0.96, 0.5), at(0.5, 0.96), at(0.04, 0.5)});
+        painter.drawLine(at(0.36, 0.5), at(0.64, 0.5));
+    }
+    painter.setBrush(Qt::NoBrush);
+}
+
+void ValueDisplay::paintVerdict(QPainter &painter, const QRect &area, int unitSize) const
+{
+    const Theme &theme = Theme::current();
+    // As large as the unit, unless it is long.
+    int size = std::min(unitSize, area.height() * 4 / 5);
+    const auto width = [&] {
+        useFont(painter, size, true);
+        return painter.fontMetrics().horizontalAdvance(m_verdict);
+    };
+    while (width() > area.width() * 3 / 5 && size > Theme::px(16))
+        size -= 2;
+    painter.setPen(m_state == Failed       ? theme.alarm
+                       : m_state == Passed ? theme.accent
+                       : m_state == Idle   ? theme.quiet
+                                           : theme.text);
+    const int taken = width();
+    painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter, m_verdict);
+
+    useFont(painter, Theme::px(15));
+    painter.setPen(m_state == Failed ? theme.alarm : theme.text);
+    const QRect right = area.adjusted(taken + Theme::px(16), 0, 0, 0);
+    const auto elided = [&](const QString &text) {
+        return painter.fontMetrics().elidedText(text, Qt::ElideRight, right.width());
+    };
+    painter.drawText(right, Qt::AlignRight | Qt::AlignTop, elided(m_reason));
+    painter.setPen(theme.quiet);
+    painter.drawText(right, Qt::AlignRight | Qt::AlignBottom, elided(m_note));
+}
+
+// --- VerdictLabel
+
+VerdictLabel::VerdictLabel(const QString &name, QWidget *parent) : QWidget(parent)
+{
+    setObjectName(name);
+    setFixedHeight(Theme::px(30));
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void VerdictLabel::setVerdict(const QString &text, ValueDisplay::State state)
+{
+    m_text = text;
+    m_state = state;
+    update();
+}
+
+void VerdictLabel::paintEvent(QPaintEvent *)
+{
+    const Theme &theme = Theme::current();
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QRect inside = rect().adjusted(0, 1, 0, -1);
+    if (m_state != ValueDisplay::Idle) {
+        ValueDisplay::paintSign(painter, {inside.topLeft(), QSize(height() - 2, height() - 2)},
+                                m_state);
+        inside.setLeft(height() + Theme::px(6));
+    }
+    useFont(painter, Theme::px(18), true);
+    painter.setPen(m_state == ValueDisplay::Failed       ? theme.alarm
+                       : m_state == ValueDisplay::Passed ? theme.accent
+                                                         : theme.text);
+    painter.drawText(inside, Qt::AlignLeft | Qt::AlignVCenter,
+                     painter.fontMetrics().elidedText(m_text, Qt::ElideRight, inside.width()));
 }
 
 // --- SignalBars
 
 SignalBars::SignalBars(QWidget *parent) : QWidget(parent)
 {
-    setFixedSize(26, 18);
+    setFixedSize(Theme::px(26), Theme::px(18));
     setAttribute(Qt::WA_TransparentForMouseEvents);
 }
 
@@ -146,7 +247,7 @@ void SignalBars::paintEvent(QPaintEvent *)
 
 Gauge::Gauge(QWidget *parent) : QWidget(parent)
 {
-    setFixedHeight(14);
+    setFixedHeight(Theme::px(14));
 }
 
 void Gauge::setPercent(float percent, bool isAlarm)
@@ -163,74 +264,11 @@ void Gauge::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme.line);
-    painter.drawRoundedRect(rect(), 7, 7);
+    painter.drawRoundedRect(rect(), height() / 2., height() / 2.);
     QRectF full(rect());
     full.setWidth(full.width() * std::clamp(static_cast<double>(m_percent), 0., 100.) / 100);
     if (full.width() < full.height())
         return; // too little to be round
     painter.setBrush(m_isAlarm ? theme.alarm : theme.accent);
-    painter.drawRoundedRect(full, 7, 7);
-}
-
-// --- Plot
-
-Plot::Plot(const QString &name, QWidget *parent) : QWidget(parent)
-{
-    setObjectName(name);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-}
-
-void Plot::setValues(const QVector<float> &values)
-{
-    m_values = values;
-    update();
-}
-
-void Plot::setScale(const QString &top, const QString &bottom)
-{
-    m_top = top;
-    m_bottom = bottom;
-    update();
-}
-
-void Plot::paintEvent(QPaintEvent *)
-{
-    const Theme &theme = Theme::current();
-    QPainter painter(this);
-    paintCard(painter, rect());
-    const QRectF area = QRectF(rect()).adjusted(14, 30, -14, -30);
-    painter.setPen(theme.line);
-    constexpr int parts = 4;
-    for (int part = 0; part <= parts; ++part) {
-        const double y = std::round(area.top() + area.height() * part / parts) + 0.5;
-        painter.drawLine(QPointF(area.left(), y), QPointF(area.right(), y));
-    }
-    useFont(painter, 14);
-    painter.setPen(theme.quiet);
-    painter.drawText(rect().adjusted(14, 7, -14, -7), Qt::AlignLeft | Qt::AlignTop, m_top);
-    painter.drawText(rect().adjusted(14, 7, -14, -7), Qt::AlignLeft | Qt::AlignBottom, m_bottom);
-
-    QVector<float> present = m_values;
-    present.erase(std::remove_if(present.begin(), present.end(),
-                                 [](float value) { return std::isnan(value); }),
-                  present.end());
-    if (present.isEmpty())
-        return;
-    const auto [low, high] = std::minmax_element(present.cbegin(), present.cend());
-    const auto bottom = static_cast<double>(*low);
-    const double span = static_cast<double>(*high) - bottom;
-    const double step = area.width() / std::max(1, m_values.size() - 1);
-    QPainterPath path;
-    bool isGap = true; // missing values interrupt the line
-    for (int i = 0; i < m_values.size(); ++i) {
-        const auto value = static_cast<double>(m_values.at(i));
-        const double part = span > 0 ? (value - bottom) / span : 0.5;
-        const QPointF point(area.left() + step * i, area.bottom() - area.height() * part);
-        if (!std::isnan(value))
-            isGap ? path.moveTo(point) : path.lineTo(point);
-        isGap = std::isnan(value);
-    }
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(theme.accent, 2));
-    painter.drawPath(path);
+    painter.drawRoundedRect(full, height() / 2., height() / 2.);
 }

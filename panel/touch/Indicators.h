@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QColor>
-#include <QVector>
 #include <QWidget>
 
 class QPainter;
@@ -18,6 +17,9 @@ public:
         Failed,
         Unjudged ///< a limit was asked about, and there is no answer
     };
+
+    /** Each state has its own shape: who cannot tell the colours apart sees it as well. */
+    static void paintSign(QPainter &painter, const QRectF &area, State state);
 
     explicit ValueDisplay(const QString &name, QWidget *parent = nullptr);
 
@@ -36,7 +38,9 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    void paintValue(QPainter &painter, const QRect &area) const;
+    /** @return size of the unit's letters */
+    int paintValue(QPainter &painter, const QRect &area) const;
+    void paintVerdict(QPainter &painter, const QRect &area, int unitSize) const;
 
     QString m_text;
     QString m_caption;
@@ -44,6 +48,24 @@ private:
     QString m_reason;
     QString m_note;
     State m_state = Idle;
+};
+
+/** A verdict in one line, behind its sign. */
+class VerdictLabel : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit VerdictLabel(const QString &name, QWidget *parent = nullptr);
+
+    void setVerdict(const QString &text, ValueDisplay::State state);
+    QString text() const { return m_text; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QString m_text;
+    ValueDisplay::State m_state = ValueDisplay::Idle;
 };
 
 /** Bars of a radio signal. */
@@ -78,23 +100,4 @@ protected:
 private:
     float m_percent = 0;
     bool m_isAlarm = false;
-};
-
-/** A series of values over their number, scaled to what is there. */
-class Plot : public QWidget
-{
-    Q_OBJECT
-public:
-    explicit Plot(const QString &name, QWidget *parent = nullptr);
-    void setValues(const QVector<float> &values);
-    /** Texts of the highest and the lowest value. */
-    void setScale(const QString &top, const QString &bottom);
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
-
-private:
-    QVector<float> m_values;
-    QString m_top;
-    QString m_bottom;
 };

@@ -15,6 +15,10 @@ constexpr int keyGap = 5;
 constexpr int keyHeight = 44;
 const QLatin1String keyboardName("keyboard");
 
+/** What no layout of letters is sure to have. */
+const QLatin1String symbolRows[] = {QLatin1String("1234567890"), QLatin1String("!\"#$%&'()*+"),
+                                    QLatin1String(",-./:;<=>?@"), QLatin1String("[\\]^_`{|}~")};
+
 QStringList characters(const QString &row)
 {
     QStringList keys;
@@ -32,7 +36,7 @@ TextField::TextField(const QString &name, Kind kind, QWidget *parent)
     , m_kind(kind)
 {
     setObjectName(name);
-    setMinimumHeight(Theme::target);
+    setMinimumHeight(Theme::target());
     setContextMenuPolicy(Qt::NoContextMenu);
     setProperty("isEmpty", true); // the style sheet greys what is asked for
     connect(this, &QLineEdit::textChanged, this, [this](const QString &text) {
@@ -88,11 +92,13 @@ void Keyboard::open(TextField *field)
     m_field = field;
     m_isBig = false;
     m_isRegional = false;
+    m_isSymbols = false;
     if (!m_policy.isOnScreen())
         return;
     build();
     show();
     raise();
+    emit opened(field, height());
     emit field->written();
 }
 
@@ -101,9 +107,10 @@ void Keyboard::close(const TextField *field)
     if (!m_field || m_field != field)
         return;
     m_field->clearFocus();
+    hide();
+    emit closed();
     emit m_field->finished();
     m_field = nullptr;
-    hide();
 }
 
 void Keyboard::paintEvent(QPaintEvent *)
@@ -114,6 +121,12 @@ void Keyboard::paintEvent(QPaintEvent *)
 
 QVector<QStringList> Keyboard::rows() const
 {
+    if (m_isSymbols) {
+        QVector<QStringList> rows;
+        for (const QLatin1String row : symbolRows)
+            rows += characters(row);
+        return rows;
+    }
     if (m_field->kind() == TextField::Letters)
         return m_policy.letters(m_isRegional, m_isBig);
     QStringList second = characters(QStringLiteral(".-"));
@@ -131,9 +144,10 @@ void Keyboard::build()
     }
     m_keys = new QWidget(this);
     m_keys->setObjectName(keyboardName);
+    const int gap = Theme::px(keyGap);
     auto *layout = new QVBoxLayout(m_keys);
-    layout->setContentsMargins(keyGap, keyGap, keyGap, keyGap);
-    layout->setSpacing(keyGap);
+    layout->setContentsMargins(gap, gap, gap, gap);
+    layout->setSpacing(gap);
     for (const QStringList &row : rows())
         addTextRow(row);
     addLastRow();
@@ -141,19 +155,26 @@ void Keyboard::build()
     place();
 }
 
+void Keyboard::insert(const QString &text)
+{
+    if (m_field)
+        m_field->insert(text);
+    if (!m_isBig)
+        return;
+    m_isBig = false; // for one letter
+    build();
+}
+
 void Keyboard::addTextRow(const QStringList &texts)
 {
     auto *row = new QHBoxLayout;
-    row->setSpacing(keyGap);
+    row->setSpacing(Theme::px(keyGap));
     for (const QString &text : texts) {
         auto *key = new TouchButton(QStringLiteral("key.") + text.trimmed(), TouchButton::Key);
         key->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-        key->setMinimumHeight(keyHeight);
+        key->setMinimumHeight(Theme::px(keyHeight));
         key->setText(text == QLatin1String("&") ? QStringLiteral("&&") : text.trimmed());
-        connect(key, &QPushButton::clicked, this, [this, text] {
-            if (m_field)
-                m_field->insert(text);
-        });
+        connect(key, &QPushButton::clicked, this, [this, text] { insert(text); });
         row->addWidget(key, 1);
     }
     static_cast<QVBoxLayout *>(m_keys->layout())->addLayout(row);
@@ -162,11 +183,11 @@ void Keyboard::addTextRow(const QStringList &texts)
 void Keyboard::addLastRow()
 {
     auto *row = new QHBoxLayout;
-    row->setSpacing(keyGap);
+    row->setSpacing(Theme::px(keyGap));
     const auto add = [&](const char *name, const QString &text, int stretch, auto action) {
         auto *key = new TouchButton(QLatin1String(name), TouchButton::Key);
         key->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-        key->setMinimumHeight(keyHeight);
+        key->setMinimumHeight(Theme::px(keyHeight));
         key->setText(text);
         connect(key, &QPushButton::clicked, this, action);
         row->addWidget(key, stretch);
@@ -175,16 +196,25 @@ void Keyboard::addLastRow()
     if (m_field->kind() == TextField::Letters) {
         QPushButton *shift = add("key.shift", QStringLiteral("\u21E7"), 2, [this] {
             m_isBig = !m_isBig;
+            m_isSymbols = false;
             build();
         });
         shift->setCheckable(true);
         shift->setChecked(m_isBig);
         QPushButton *regional = add("key.regional", m_policy.regionalName(), 2, [this] {
             m_isRegional = !m_isRegional;
+            m_isSymbols = false;
             build();
         });
         regional->setCheckable(true);
-        regional->setChecked(m_isRegional);
+        regional->setChecked(m_isRegional && !m_isSymbols);
+        QPushButton *symbols = add("key.symbols", QStringLiteral("[#]"), 2, [this] {
+            m_isSymbols = !m_isSymbols;
+            m_isBig = false;
+            build();
+        });
+        symbols->setCheckable(true);
+        symbols->setChecked(m_isSymbols);
         add("key.space", QString(), 6, [this] {
             if (m_field)
                 m_field->insert(QStringLiteral(" "));

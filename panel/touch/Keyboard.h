@@ -40,7 +40,8 @@ private:
 
 /**
  * The keyboard at the bottom of the window, one for all fields. The policy says which letters
- * there are. Keys are called "key.a", "key.shift", "key.done" and so on.
+ * there are; the symbols of ASCII have a page of their own, so that every pass phrase can be typed.
+ * Keys are called "key.a", "key.shift", "key.done" and so on.
  */
 class Keyboard : public QWidget
 {
@@ -55,12 +56,18 @@ public:
     void open(TextField *field);
     void close(const TextField *field);
 
+signals:
+    /** The lower part of the window is covered. */
+    void opened(const QWidget *field, int height);
+    void closed();
+
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
     void build();
     QVector<QStringList> rows() const;
+    void insert(const QString &text);
     void addTextRow(const QStringList &texts);
     void addLastRow();
     void place();
@@ -70,4 +77,5 @@ private:
     QWidget *m_keys = nullptr;
     bool m_isBig = false;
     bool m_isRegional = false;
+    bool m_isSymbols = false;
 };

@@ -24,11 +24,11 @@ PercentSlider::PercentSlider(const QString &name, int least, QWidget *parent)
 {
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(Theme::gap);
+    row->setSpacing(Theme::gap());
     const auto addStep = [&](const char *part, const QString &text, int change) {
         auto *button = new TouchButton(name + QLatin1String(part));
         button->setText(text);
-        button->setFixedWidth(stepWidth);
+        button->setFixedWidth(Theme::px(stepWidth));
         connect(button, &QPushButton::clicked, this,
                 [this, change] { m_slider->setValue(m_slider->value() + change); });
         row->addWidget(button);
@@ -36,11 +36,11 @@ PercentSlider::PercentSlider(const QString &name, int least, QWidget *parent)
     m_slider->setObjectName(name + QLatin1String(".slider"));
     m_slider->setRange(least, 100);
     m_slider->setPageStep(step);
-    m_slider->setMinimumHeight(Theme::target);
+    m_slider->setMinimumHeight(Theme::target());
     m_slider->setFocusPolicy(Qt::NoFocus);
     m_figure->setObjectName(name + QLatin1String(".percent"));
     m_figure->setProperty("role", QStringLiteral("title"));
-    m_figure->setFixedWidth(figureWidth);
+    m_figure->setFixedWidth(Theme::px(figureWidth));
     m_figure->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 
     addStep(".less", QStringLiteral("\u2212"), -step);

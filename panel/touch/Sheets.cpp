@@ -40,8 +40,9 @@ Sheet::Sheet(Texts &texts, QWidget *somewhere)
 {
     setObjectName(QStringLiteral("sheet"));
     m_card->setProperty("role", QStringLiteral("card"));
-    m_layout->setContentsMargins(Theme::margin, Theme::margin, Theme::margin, Theme::margin);
-    m_layout->setSpacing(12);
+    m_layout->setContentsMargins(Theme::margin(), Theme::margin(), Theme::margin(),
+                                 Theme::margin());
+    m_layout->setSpacing(Theme::px(12));
 }
 
 void Sheet::finish()
@@ -51,12 +52,15 @@ void Sheet::finish()
     deleteLater();
 }
 
-void Sheet::addTitle(const Text &title)
+void Sheet::addTitle(const Text &title, const QString &subject)
 {
     auto *label = new QLabel;
     label->setProperty("role", QStringLiteral("title"));
     label->setWordWrap(true);
-    m_texts.translate(label, title);
+    m_texts.keep(label, [this, label, title, subject] {
+        label->setText(m_texts.text(title)
+                       + (subject.isEmpty() ? QString() : QStringLiteral(" ") + subject));
+    });
     m_layout->addWidget(label);
 }
 
@@ -64,10 +68,11 @@ void Sheet::open(int width, bool atTop)
 {
     const QSize window = parentWidget()->size();
     setGeometry(QRect(QPoint(), window));
-    m_card->setFixedWidth(width);
+    const int fitting = qMin(Theme::px(width), window.width() - 2 * Theme::gap());
+    m_card->setFixedWidth(fitting);
     m_card->adjustSize();
-    const int top = atTop ? Theme::gap : (window.height() - m_card->height()) / 2;
-    m_card->move((window.width() - width) / 2, top);
+    const int top = atTop ? Theme::gap() : (window.height() - m_card->height()) / 2;
+    m_card->move((window.width() - fitting) / 2, top);
     show();
     raise();
 }
@@ -90,7 +95,7 @@ PickSheet::PickSheet(Texts &texts, QWidget *somewhere, const Text &title,
     auto *list = new TouchList(QStringLiteral("sheet.list"));
     list->setRows(rows);
     list->choose(chosen);
-    list->setFixedHeight(qBound(2, rows.size(), tallestList - 2) * Theme::target + 2);
+    list->setFixedHeight(qBound(2, rows.size(), tallestList - 2) * Theme::target() + 2);
     card()->addWidget(list);
     auto *buttons = new QHBoxLayout;
     connect(addButton(buttons, texts, "sheet.cancel", cancelText), &QPushButton::clicked, this,
@@ -106,16 +111,19 @@ PickSheet::PickSheet(Texts &texts, QWidget *somewhere, const Text &title,
 // --- ConfirmSheet
 
 ConfirmSheet::ConfirmSheet(Texts &texts, QWidget *somewhere, const Text &question, const Text &yes,
-                           std::function<void()> onYes)
+                           std::function<void()> onYes, const QString &subject,
+                           TouchButton::Role yesRole)
     : Sheet(texts, somewhere)
 {
     addTitle(question);
+    if (!subject.isEmpty())
+        card()->addWidget(new QLabel(subject));
     auto *buttons = new QHBoxLayout;
-    buttons->setSpacing(12);
+    buttons->setSpacing(Theme::px(12));
     connect(addButton(buttons, texts, "sheet.cancel", cancelText), &QPushButton::clicked, this,
             &Sheet::finish);
-    connect(addButton(buttons, texts, "sheet.yes", yes, TouchButton::Danger), &QPushButton::clicked,
-            this, [this, onYes = std::move(onYes)] {
+    connect(addButton(buttons, texts, "sheet.yes", yes, yesRole), &QPushButton::clicked, this,
+            [this, onYes = std::move(onYes)] {
                 finish();
                 onYes();
             });
@@ -145,14 +153,15 @@ MessageSheet::MessageSheet(Texts &texts, QWidget *somewhere, const Text &title,
 
 FormSheet::FormSheet(Texts &texts, QWidget *somewhere, const Text &title,
                      const QVector<Field> &fields,
-                     std::function<QString(const QStringList &lines)> onAccepted)
+                     std::function<QString(const QStringList &lines)> onAccepted,
+                     const QString &subject)
     : Sheet(texts, somewhere)
     , m_onAccepted(std::move(onAccepted))
 {
     constexpr int formWidth = 720;
-    addTitle(title);
+    addTitle(title, subject);
     auto *row = new QHBoxLayout;
-    row->setSpacing(12);
+    row->setSpacing(Theme::px(12));
     for (const Field &field : fields) {
         auto *column = new QVBoxLayout;
         column->setSpacing(4);
@@ -170,7 +179,7 @@ FormSheet::FormSheet(Texts &texts, QWidget *somewhere, const Text &title,
     card()->addLayout(row);
 
     auto *buttons = new QHBoxLayout;
-    buttons->setSpacing(12);
+    buttons->setSpacing(Theme::px(12));
     m_error = new QLabel;
     m_error->setObjectName(QStringLiteral("sheet.error"));
     m_error->setProperty("role", QStringLiteral("alarm"));
@@ -195,6 +204,27 @@ void FormSheet::accept()
         finish();
     else
         m_error->setText(error);
+}
+
+// --- StillSheet
+
+StillSheet::StillSheet(Texts &texts, QWidget *somewhere, const Text &what,
+                       std::function<void()> work)
+    : Sheet(texts, somewhere)
+{
+    constexpr int readingTime = 300; // ms; long enough for the card to be seen
+    addTitle(what);
+    auto *still = new QLabel;
+    still->setWordWrap(true);
+    texts.translate(still,
+                    Text {"Panel", "standsStill",
+                          "The screen stands still until it is done, usually a few seconds."});
+    card()->addWidget(still);
+    open(sheetWidth);
+    QTimer::singleShot(readingTime, this, [this, work = std::move(work)] {
+        work();
+        finish();
+    });
 }
 
 // --- BusySheet

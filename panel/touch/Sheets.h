@@ -1,5 +1,6 @@
 #pragma once
 
+#include "touch/Buttons.h"
 #include "touch/Keyboard.h"
 #include "touch/Text.h"
 #include "touch/TouchList.h"
@@ -29,7 +30,8 @@ protected:
 
     Texts &texts() { return m_texts; }
     QVBoxLayout *card() { return m_layout; }
-    void addTitle(const Text &title);
+    /** @param subject what it is about, behind the title; in no language */
+    void addTitle(const Text &title, const QString &subject = QString());
     /** Shows the card, at the top when there is something to be written. */
     void open(int width, bool atTop = false);
     void paintEvent(QPaintEvent *event) override;
@@ -54,8 +56,10 @@ class ConfirmSheet : public Sheet
 {
     Q_OBJECT
 public:
+    /** @param yesRole of the button: Danger, unless the answer costs nothing */
     ConfirmSheet(Texts &texts, QWidget *somewhere, const Text &question, const Text &yes,
-                 std::function<void()> onYes);
+                 std::function<void()> onYes, const QString &subject = QString(),
+                 TouchButton::Role yesRole = TouchButton::Danger);
 };
 
 /** Something to be read. */
@@ -78,9 +82,13 @@ public:
         QString value;
     };
 
-    /** @param onAccepted takes the lines; what it returns is shown as an error, if anything */
+    /**
+     * @param onAccepted takes the lines; what it returns is shown as an error, if anything
+     * @param subject what the lines are about, behind the title
+     */
     FormSheet(Texts &texts, QWidget *somewhere, const Text &title, const QVector<Field> &fields,
-              std::function<QString(const QStringList &lines)> onAccepted);
+              std::function<QString(const QStringList &lines)> onAccepted,
+              const QString &subject = QString());
 
 private:
     void accept();
@@ -88,6 +96,17 @@ private:
     QVector<TextField *> m_lines;
     QLabel *m_error = nullptr;
     std::function<QString(const QStringList &lines)> m_onAccepted;
+};
+
+/**
+ * Says beforehand that the interface's thread is going to be kept, and with it the screen; then
+ * runs the work and goes.
+ */
+class StillSheet : public Sheet
+{
+    Q_OBJECT
+public:
+    StillSheet(Texts &texts, QWidget *somewhere, const Text &what, std::function<void()> work);
 };
 
 /** Says that something takes its time, and how long it has been at it. */

@@ -3,11 +3,19 @@
 #include <QApplication>
 #include <QFont>
 #include <QPalette>
-#include <QString>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 
+constexpr QSize designed(800, 480);
+constexpr double leastScale = 0.75; // smaller cannot be read, or touched
+
 const Theme *currentTheme = nullptr;
+double scale = 1;
+bool isSmall = false;
 
 const char sheet[] = R"(
 QWidget { background: @background; color: @text; }
@@ -15,14 +23,14 @@ QLabel { background: transparent; }
 QLabel[role="title"] { font-size: 20px; font-weight: bold; }
 QLabel[role="quiet"] { color: @quiet; font-size: 14px; }
 QLabel[role="alarm"] { color: @alarm; font-size: 14px; }
-QWidget[role="card"], QListWidget, QTextBrowser, QLineEdit {
+QWidget[role="card"], QListView, QTextBrowser, QLineEdit {
     background: @surface; border: 1px solid @line; border-radius: 6px; }
 QLineEdit { padding: 0 12px; min-height: 46px; font-size: 18px;
     selection-background-color: @accent; selection-color: @onAccent; }
 QLineEdit[isEmpty="true"] { color: @quiet; }
 QLineEdit:focus { border: 2px solid @accent; }
 QTextBrowser { padding: 8px; }
-QListWidget { outline: none; }
+QListView { outline: none; }
 QPushButton { background: @surface; border: 1px solid @line; border-radius: 6px;
     min-height: 46px; padding: 0 12px; font-size: 16px; }
 QPushButton:pressed { background: @line; }
@@ -37,6 +45,8 @@ QPushButton[role="navigation"] { background: transparent; border: none; border-r
     text-align: left; padding: 0 8px 0 16px; font-size: 15px; }
 QPushButton[role="navigation"]:checked { background: @background; color: @accent;
     border-left: 4px solid @accent; padding-left: 12px; font-weight: bold; }
+QPushButton[role="recording"] { background: transparent; border: none; color: @alarm;
+    font-size: 15px; font-weight: bold; padding: 0 4px; }
 QPushButton[role="key"], QPushButton[role="lastKey"] { font-size: 20px; padding: 0;
     min-height: 42px; }
 QPushButton[role="lastKey"] { background: @accent; color: @onAccent; }
@@ -74,7 +84,7 @@ QString styleSheet(const Theme &theme)
     QString text = QString::fromLatin1(sheet);
     for (const auto &entry : names)
         text.replace(QLatin1String(entry.name), entry.colour.name());
-    return text;
+    return Theme::scaled(text);
 }
 
 } // namespace
@@ -102,7 +112,7 @@ void Theme::use(const Theme &theme)
 {
     currentTheme = &theme;
     QFont font(QStringLiteral("DejaVu Sans"));
-    font.setPixelSize(16);
+    font.setPixelSize(px(16));
     QApplication::setFont(font);
     QPalette palette;
     palette.setColor(QPalette::Window, theme.background);
@@ -113,4 +123,40 @@ void Theme::use(const Theme &theme)
     palette.setColor(QPalette::PlaceholderText, theme.quiet);
     QApplication::setPalette(palette);
     qApp->setStyleSheet(styleSheet(theme));
+}
+
+void Theme::fit(const QSize &window)
+{
+    const double fitting = std::min(static_cast<double>(window.width()) / designed.width(),
+                                    static_cast<double>(window.height()) / designed.height());
+    scale = std::max(fitting, leastScale);
+    isSmall = fitting < leastScale;
+    use(current());
+}
+
+bool Theme::isCompact()
+{
+    return isSmall;
+}
+
+int Theme::px(int length)
+{
+    // A line of one pixel stays one.
+    return length == 0 ? 0 : std::max(1, static_cast<int>(std::lround(length * scale)));
+}
+
+QString Theme::scaled(const QString &sheet)
+{
+    static const QRegularExpression length(QStringLiteral("(\\d+)px"));
+    QString text = sheet;
+    int from = 0;
+    for (;;) {
+        const QRegularExpressionMatch match = length.match(text, from);
+        if (!match.hasMatch())
+            return text;
+        const QString replaced =
+            QString::number(px(match.capturedRef(1).toInt())) + QLatin1String("px");
+        text.replace(match.capturedStart(), match.capturedLength(), replaced);
+        from = match.capturedStart() + replaced.size();
+    }
 }

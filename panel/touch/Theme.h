@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QColor>
+#include <QSize>
+#include <QString>
 
 /** The panel's few colours: greys, one accent, and red for what needs attention. */
 struct Theme
@@ -20,7 +22,18 @@ struct Theme
     /** Dresses the whole application. */
     static void use(const Theme &theme);
 
-    static constexpr int target = 48; ///< least height of what is touched, in pixels
-    static constexpr int margin = 16;
-    static constexpr int gap = 8;
+    /**
+     * Sizes letters and what is touched for a window; call it before the widgets are made. All
+     * lengths in the sources are pixels of a window of 800 x 480.
+     */
+    static void fit(const QSize &window);
+    /** Whether the window is too small for everything at once. */
+    static bool isCompact();
+    /** A length in pixels of this window. */
+    static int px(int length);
+    /** The same for every length of a style sheet. */
+    static QString scaled(const QString &sheet);
+    static int target() { return px(48); } ///< least height of what is touched
+    static int margin() { return isCompact() ? px(10) : px(16); }
+    static int gap() { return px(8); }
 };

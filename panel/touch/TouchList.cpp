@@ -3,14 +3,16 @@
 #include "touch/Indicators.h"
 #include "touch/Theme.h"
 
+#include <QAbstractListModel>
 #include <QPainter>
+#include <QScrollBar>
 #include <QScroller>
 #include <QScrollerProperties>
 #include <QStyledItemDelegate>
 
-namespace {
+#include <utility>
 
-constexpr int padding = 12;
+namespace {
 
 class RowPainter : public QStyledItemDelegate
 {
@@ -19,13 +21,13 @@ public:
 
     QSize sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const override
     {
-        return {0, Theme::target};
+        return {0, Theme::target()};
     }
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override
     {
-        const TouchRow &row = m_list->row(index.row());
+        const TouchRow row = m_list->row(index.row());
         const Theme &theme = Theme::current();
         const bool isChosen = option.state & QStyle::State_Selected;
         painter->save();
@@ -33,21 +35,23 @@ public:
         painter->setPen(theme.line);
         painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
 
+        const int padding = Theme::px(12);
         QRect inside = option.rect.adjusted(padding, 0, -padding, 0);
         if (row.bars >= 0) {
-            const QRect bars(inside.left(), inside.center().y() - 9, 26, 18);
+            const QRect bars(inside.left(), inside.center().y() - Theme::px(9), Theme::px(26),
+                             Theme::px(18));
             SignalBars::paint(*painter, bars, row.bars, isChosen ? theme.onAccent : theme.accent,
                               isChosen ? theme.accent.darker(130) : theme.line);
             inside.setLeft(bars.right() + padding);
         }
         QFont font = option.font;
-        font.setPixelSize(14);
+        font.setPixelSize(Theme::px(14));
         painter->setFont(font);
         painter->setPen(isChosen ? theme.onAccent : theme.quiet);
         painter->drawText(inside, Qt::AlignRight | Qt::AlignVCenter, row.detail);
         inside.setRight(inside.right() - painter->fontMetrics().horizontalAdvance(row.detail)
                         - padding);
-        font.setPixelSize(17);
+        font.setPixelSize(Theme::px(17));
         font.setBold(row.isMarked);
         painter->setFont(font);
         painter->setPen(isChosen ? theme.onAccent : row.isMarked ? theme.accent : theme.text);
@@ -83,9 +87,46 @@ void scrollByFinger(QAbstractScrollArea *area)
     QScroller::grabGesture(area->viewport(), QScroller::LeftMouseButtonGesture);
 }
 
-TouchList::TouchList(const QString &name, QWidget *parent) : QListWidget(parent)
+class TouchList::Rows : public QAbstractListModel
+{
+public:
+    using QAbstractListModel::QAbstractListModel;
+
+    int rowCount(const QModelIndex &parent) const override
+    {
+        return parent.isValid() ? 0 : m_count;
+    }
+    QVariant data(const QModelIndex &, int) const override { return {}; } // the delegate asks row()
+    TouchRow row(int index) const { return m_rowAt(index); }
+
+    void reset(std::function<TouchRow(int)> rowAt, int count)
+    {
+        beginResetModel();
+        m_rowAt = std::move(rowAt);
+        m_count = count;
+        endResetModel();
+    }
+
+    void grow(int count)
+    {
+        if (count <= m_count)
+            return;
+        beginInsertRows(QModelIndex(), m_count, count - 1);
+        m_count = count;
+        endInsertRows();
+    }
+
+private:
+    std::function<TouchRow(int)> m_rowAt;
+    int m_count = 0;
+};
+
+TouchList::TouchList(const QString &name, QWidget *parent)
+    : QListView(parent)
+    , m_rows(new Rows(this))
 {
     setObjectName(name);
+    setModel(m_rows);
     auto *delegate = new RowPainter(this);
     delegate->setParent(this);
     setItemDelegate(delegate);
@@ -94,23 +135,61 @@ TouchList::TouchList(const QString &name, QWidget *parent) : QListWidget(parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(ScrollPerPixel);
     scrollByFinger(this);
-    connect(this, &QListWidget::itemClicked, this,
-            [this](QListWidgetItem *item) { emit chosen(QListWidget::row(item)); });
+    connect(this, &QListView::clicked, this,
+            [this](const QModelIndex &index) { emit chosen(index.row()); });
 }
 
 void TouchList::setRows(const QVector<TouchRow> &rows)
 {
-    const QString before = chosenRow() ? chosenRow()->title : QString();
-    clear();
-    m_rows = rows;
-    for (const TouchRow &row : rows) {
-        addItem(row.title);
-        if (!before.isEmpty() && row.title == before)
-            setCurrentRow(count() - 1);
-    }
+    const std::optional<TouchRow> before = chosenRow();
+    const int place = verticalScrollBar()->value();
+    m_rows->reset([rows](int index) { return rows.at(index); }, rows.size());
+    if (before)
+        for (int index = 0; index < rows.size(); ++index)
+            if (rows.at(index).title == before->title)
+                choose(index);
+    doItemsLayout(); // else the bar is not yet long enough
+    verticalScrollBar()->setValue(place);
 }
 
-const TouchRow *TouchList::chosenRow() const
+void TouchList::setSource(std::function<TouchRow(int index)> rowAt, int count)
 {
-    return currentRow() >= 0 && currentRow() < m_rows.size() ? &m_rows.at(currentRow()) : nullptr;
+    m_rows->reset(std::move(rowAt), count);
+    scrollToBottom();
+}
+
+void TouchList::grow(int count)
+{
+    const QScrollBar *bar = verticalScrollBar();
+    const bool isAtEnd = bar->value() == bar->maximum();
+    m_rows->grow(count);
+    if (isAtEnd)
+        scrollToBottom();
+}
+
+int TouchList::rowCount() const
+{
+    return m_rows->rowCount(QModelIndex());
+}
+
+TouchRow TouchList::row(int index) const
+{
+    return m_rows->row(index);
+}
+
+std::optional<TouchRow> TouchList::chosenRow() const
+{
+    if (currentRow() < 0 || currentRow() >= rowCount())
+        return std::nullopt;
+    return row(currentRow());
+}
+
+void TouchList::choose(int index)
+{
+    setCurrentIndex(m_rows->index(index, 0)); // of an index beyond the rows: none
+}
+
+QRect TouchList::rowRect(int index) const
+{
+    return visualRect(m_rows->index(index, 0));
 }

@@ -1,15 +1,18 @@
 #pragma once
 
-#include <QListWidget>
+#include <QListView>
 #include <QString>
 #include <QVector>
+
+#include <functional>
+#include <optional>
 
 /** One row of a TouchList. */
 struct TouchRow
 {
     int id = 0;
     QString title;
-    QString detail; ///< small, below the title or, in a one-line list, at the right
+    QString detail; ///< small, at the right
     bool isMarked = false; ///< titled in the accent colour
     int bars = -1; ///< signal strength, 0 to 4; -1 for none
 
@@ -20,7 +23,7 @@ struct TouchRow
 void scrollByFinger(QAbstractScrollArea *area);
 
 /** A list for a finger: drag to scroll, touch to choose. */
-class TouchList : public QListWidget
+class TouchList : public QListView
 {
     Q_OBJECT
 public:
@@ -28,15 +31,22 @@ public:
 
     /** Shows these rows; the row that was chosen stays so when its title is still there. */
     void setRows(const QVector<TouchRow> &rows);
-    int rowCount() const { return m_rows.size(); }
-    const TouchRow &row(int index) const { return m_rows.at(index); }
-    /** The row that is chosen; null for none. */
-    const TouchRow *chosenRow() const;
-    void choose(int index) { setCurrentRow(index); }
+    /** Shows rows that are asked for when they come into view. */
+    void setSource(std::function<TouchRow(int index)> rowAt, int count);
+    /** The source has more rows; who looks at the last one goes on to do so. */
+    void grow(int count);
+    int rowCount() const;
+    TouchRow row(int index) const;
+    int currentRow() const { return currentIndex().row(); }
+    std::optional<TouchRow> chosenRow() const;
+    void choose(int index); ///< -1 for none
+    /** Where a row lies on the viewport. */
+    QRect rowRect(int index) const;
 
 signals:
     void chosen(int index);
 
 private:
-    QVector<TouchRow> m_rows;
+    class Rows;
+    Rows *m_rows;
 };

@@ -54,7 +54,7 @@ bool Finger::tapRow(const QString &name, const QString &title)
     for (int index = 0; index < list->rowCount(); ++index) {
         if (list->row(index).title != title)
             continue;
-        const auto place = [&] { return list->visualItemRect(list->item(index)); };
+        const auto place = [&] { return list->rowRect(index); };
         const auto isInView = [&] { return list->viewport()->rect().contains(place().center()); };
         constexpr int stroke = 120; // pixels
         for (int strokes = 0; !isInView() && strokes < 60; ++strokes)
@@ -93,8 +93,9 @@ bool Finger::typeKey(QChar key)
 {
     const QString name =
         key == QLatin1Char(' ') ? QStringLiteral("key.space") : QStringLiteral("key.") + key;
-    // On one of the four layouts, reached by two keys.
-    for (const char *change : {"key.shift", "key.regional", "key.shift", "key.regional"}) {
+    // On one of the four layouts, reached by two keys, or among the symbols.
+    for (const char *change :
+         {"key.shift", "key.regional", "key.shift", "key.regional", "key.symbols"}) {
         if (find(name))
             return tap(name);
         if (!tap(QLatin1String(change)))

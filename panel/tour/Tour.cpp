@@ -175,14 +175,32 @@ void Tour::record()
     check(m_finger.type(QStringLiteral("Substation 7/4")), QStringLiteral("the client"));
     picture(QStringLiteral("keyboard"));
     tap(QStringLiteral("key.done"));
-    tap(QStringLiteral("record.start"));
+    if (m_context.session().recorder().isUnsaved()) {
+        tap(QStringLiteral("record.start"));
+        tap(QStringLiteral("sheet.yes"));
+    } else {
+        tap(QStringLiteral("record.start"));
+    }
+    tap(QStringLiteral("nav.Lists"));
+    check(Finger::waitFor([this] { return m_context.session().recorder().series().count() > 2; }),
+          QStringLiteral("the recording goes on"));
+    say(QStringLiteral("Record: goes on beside other pages, \"%1\"")
+            .arg(m_finger.see<QPushButton>(QStringLiteral("header.recording"))->text()));
+    picture(QStringLiteral("recording-elsewhere"));
+    tap(QStringLiteral("header.recording"));
     check(Finger::waitFor([this] {
               const QWidget *save = m_finger.find(QStringLiteral("record.save"));
               return save && save->isEnabled();
           }),
           QStringLiteral("the series ends"));
+    tap(QStringLiteral("record.plot"));
     picture(QStringLiteral("record"));
+    tap(QStringLiteral("record.view.1"));
+    picture(QStringLiteral("record-values"));
+    tap(QStringLiteral("record.view.0"));
     tap(QStringLiteral("record.save"));
+    check(Finger::waitFor([this] { return m_finger.find(QStringLiteral("sheet.message")); }),
+          QStringLiteral("the series is saved"));
     const auto *message = m_finger.see<QLabel>(QStringLiteral("sheet.message"));
     check(message, QStringLiteral("a series is saved"));
     if (message)
@@ -232,7 +250,7 @@ void Tour::usb()
         picture(QStringLiteral("usb-switching"));
         check(Finger::waitFor([this] { return !m_finger.find(QStringLiteral("sheet")); }),
               QStringLiteral("the port is switched"));
-        const TouchRow *row = m_finger.see<TouchList>(QStringLiteral("usb.choices"))->chosenRow();
+        const auto row = m_finger.see<TouchList>(QStringLiteral("usb.choices"))->chosenRow();
         check(row && row->title == title, title);
         say(QStringLiteral("USB: %1").arg(row ? row->title : QStringLiteral("nothing")));
     };

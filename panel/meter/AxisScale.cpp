@@ -1,0 +1,34 @@
+#include "meter/AxisScale.h"
+
+#include <valuebox/NumericalValueBox.h>
+
+#include <cmath>
+
+using ValueBox::NumericalValueBox;
+
+AxisScale AxisScale::ofValues(Quantity quantity, double magnitude)
+{
+    if (quantity == Quantity::Temperature)
+        return {1, NumericalValueBox::getUnit(ValueBox::Unit_Temperature)};
+    const QString unit = quantity == Quantity::Resistance
+        ? NumericalValueBox::getUnit(ValueBox::Unit_Ohm)
+        : QStringLiteral("H");
+    for (const ValueBox::UnitPrefixs prefix :
+         {ValueBox::Prefix_k, ValueBox::Prefix_None, ValueBox::Prefix_m}) {
+        const double divisor = std::pow(10, static_cast<int>(prefix));
+        if (std::abs(magnitude) >= divisor)
+            return {divisor, NumericalValueBox::getUnitPrefix(prefix) + unit};
+    }
+    return {1e-6, NumericalValueBox::getUnitPrefix(ValueBox::Prefix_u) + unit};
+}
+
+AxisScale AxisScale::ofTime(double seconds)
+{
+    constexpr double minute = 60;
+    constexpr double hour = 60 * minute;
+    if (seconds >= 2 * hour)
+        return {hour, QStringLiteral("h")};
+    if (seconds >= 2 * minute)
+        return {minute, QStringLiteral("min")};
+    return {1, QStringLiteral("s")};
+}

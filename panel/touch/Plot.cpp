@@ -1,0 +1,289 @@
+#include "touch/Plot.h"
+
+#include "touch/Theme.h"
+
+#include <QEvent>
+#include <QMouseEvent>
+#include <QVBoxLayout>
+
+#include <qwt_plot.h>
+#include <qwt_plot_canvas.h>
+#include <qwt_plot_curve.h>
+#include <qwt_plot_grid.h>
+#include <qwt_plot_layout.h>
+#include <qwt_plot_marker.h>
+#include <qwt_scale_draw.h>
+#include <qwt_scale_widget.h>
+#include <qwt_symbol.h>
+#include <qwt_text.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+/** A curve with gaps where values are missing. */
+class Curve : public QwtPlotCurve
+{
+public:
+    void drawSeries(QPainter *painter, const QwtScaleMap &xMap, const QwtScaleMap &yMap,
+                    const QRectF &canvas, int from, int to) const override
+    {
+        const int last = to < 0 ? static_cast<int>(dataSize()) - 1 : to;
+        const auto isGap = [this](int i) { return std::isnan(sample(i).y()); };
+        for (int begin = from; begin <= last;) {
+            int end = begin;
+            while (end <= last && !isGap(end))
+                ++end;
+            if (end > begin)
+                QwtPlotCurve::drawSeries(painter, xMap, yMap, canvas, begin, end - 1);
+            begin = end + 1;
+        }
+    }
+};
+
+/** Numbers of one unit, with the decimals that tell the ticks apart. */
+class Numbers : public QwtScaleDraw
+{
+public:
+    explicit Numbers(double divisor) : m_divisor(divisor) { }
+
+    QwtText label(double value) const override
+    {
+        const QList<double> ticks = scaleDiv().ticks(QwtScaleDiv::MajorTick);
+        const double step = ticks.size() > 1 ? (ticks.at(1) - ticks.at(0)) / m_divisor : 1;
+        // A step of 0.25 needs one more than its magnitude says.
+        const double digits = std::ceil(-std::log10(std::abs(step)) - 1e-9);
+        int decimals = std::clamp(static_cast<int>(digits), 0, 9);
+        const double scaled = std::abs(step) * std::pow(10, decimals);
+        if (std::abs(scaled - std::round(scaled)) > 1e-6)
+            ++decimals;
+        const double number = value / m_divisor;
+        const bool isZero = std::abs(number) < std::abs(step) / 1000;
+        return QString::number(isZero ? 0 : number, 'f', decimals);
+    }
+
+private:
+    const double m_divisor;
+};
+
+} // namespace
+
+Plot::Plot(const QString &name, QWidget *parent)
+    : QWidget(parent)
+    , m_plot(new QwtPlot)
+    , m_curve(new Curve)
+    , m_mark(new QwtPlotMarker)
+{
+    setObjectName(name);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_plot);
+    auto *grid = new QwtPlotGrid;
+    grid->attach(m_plot);
+    m_curve->attach(m_plot);
+    m_mark->setLineStyle(QwtPlotMarker::VLine);
+    m_mark->attach(m_plot);
+    m_mark->hide();
+    m_plot->plotLayout()->setAlignCanvasToScales(true);
+    m_plot->setMinimumSize(Theme::px(120), Theme::px(100));
+    m_plot->canvas()->installEventFilter(this);
+    m_plot->canvas()->setCursor(Qt::ArrowCursor);
+    setAxes(1, QString(), 1, QString());
+    dress();
+}
+
+// --- what is shown
+
+void Plot::clear()
+{
+    m_envelope.clear();
+    unmark();
+}
+
+void Plot::add(double x, double y)
+{
+    m_envelope.add({x, y});
+}
+
+void Plot::setAxes(double xDivisor, const QString &xUnit, double yDivisor, const QString &yUnit)
+{
+    const struct
+    {
+        int axis;
+        double divisor;
+        const QString &unit;
+    } axes[] = {{QwtPlot::xBottom, xDivisor, xUnit}, {QwtPlot::yLeft, yDivisor, yUnit}};
+    for (const auto &axis : axes) {
+        auto *numbers = new Numbers(axis.divisor); // owned by the axis
+        numbers->enableComponent(QwtAbstractScaleDraw::Backbone, false);
+        numbers->setTickLength(QwtScaleDiv::MinorTick, 0);
+        numbers->setTickLength(QwtScaleDiv::MediumTick, 0);
+        numbers->setTickLength(QwtScaleDiv::MajorTick, Theme::px(4));
+        m_plot->setAxisScaleDraw(axis.axis, numbers);
+        QwtText title(axis.unit);
+        QFont font = this->font();
+        font.setPixelSize(Theme::px(13));
+        title.setFont(font);
+        title.setColor(Theme::current().quiet);
+        m_plot->setAxisTitle(axis.axis, title);
+        m_plot->setAxisMaxMajor(axis.axis, 5);
+    }
+}
+
+void Plot::setBounds(const QVector<Bound> &bounds)
+{
+    for (QwtPlotMarker *line : std::as_const(m_lines)) {
+        line->detach();
+        delete line;
+    }
+    m_lines.clear();
+    m_bounds = bounds;
+    for (int i = 0; i < bounds.size(); ++i) {
+        auto *line = new QwtPlotMarker;
+        line->setLineStyle(QwtPlotMarker::HLine);
+        line->attach(m_plot);
+        m_lines += line;
+    }
+}
+
+void Plot::mark(const QPointF &point, const QString &text)
+{
+    m_mark->setValue(point);
+    QwtText label(text);
+    QFont font = this->font();
+    font.setPixelSize(Theme::px(15));
+    font.setBold(true);
+    label.setFont(font);
+    label.setColor(Theme::current().text);
+    label.setBackgroundBrush(Theme::current().surface);
+    m_mark->setLabel(label);
+    const bool isRight = point.x() > m_envelope.lastX() / 2;
+    m_mark->setLabelAlignment((isRight ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignTop);
+    m_mark->setSpacing(Theme::px(6));
+    m_mark->show();
+    refresh();
+}
+
+void Plot::unmark()
+{
+    m_mark->hide();
+}
+
+void Plot::refresh()
+{
+    if (!isVisible())
+        return;
+    m_curve->setSamples(m_envelope.points());
+    scale();
+    m_plot->replot();
+}
+
+void Plot::scale()
+{
+    m_plot->setAxisScale(QwtPlot::xBottom, 0, std::max(m_envelope.lastX(), 1.));
+    double low = m_envelope.minimum();
+    double high = m_envelope.maximum();
+    if (std::isnan(low)) {
+        low = 0;
+        high = 1;
+    }
+    // Bounds come into view as long as the curve stays more than a line between them.
+    constexpr double flattest = 20;
+    const double span = std::max(high - low, std::abs(high) * 1e-4);
+    double reachedLow = low;
+    double reachedHigh = high;
+    for (const Bound &bound : std::as_const(m_bounds)) {
+        reachedLow = std::min(reachedLow, bound.value);
+        reachedHigh = std::max(reachedHigh, bound.value);
+    }
+    if (reachedHigh - reachedLow <= flattest * span) {
+        low = reachedLow;
+        high = reachedHigh;
+    }
+    const double margin = std::max((high - low) / 10, span / 10);
+    low -= margin;
+    high += margin;
+    m_plot->setAxisScale(QwtPlot::yLeft, low, high);
+
+    for (int i = 0; i < m_lines.size(); ++i) {
+        const Bound &bound = m_bounds.at(i);
+        // One that is out of view stands at the edge, with an arrow.
+        const bool isAbove = bound.value > high;
+        const bool isBelow = bound.value < low;
+        QwtText text(bound.text
+                     + (isAbove       ? QStringLiteral(" \u2191")
+                            : isBelow ? QStringLiteral(" \u2193")
+                                      : QString()));
+        QFont font = this->font();
+        font.setPixelSize(Theme::px(12));
+        text.setFont(font);
+        text.setColor(Theme::current().alarm);
+        m_lines.at(i)->setYValue(std::clamp(bound.value, low, high));
+        m_lines.at(i)->setLinePen(Theme::current().alarm, 1,
+                                  isAbove || isBelow ? Qt::NoPen : Qt::DashLine);
+        const bool isInUpperHalf = bound.value > (low + high) / 2;
+        m_lines.at(i)->setLabel(text);
+        m_lines.at(i)->setLabelAlignment(Qt::AlignRight
+                                         | (isInUpperHalf ? Qt::AlignBottom : Qt::AlignTop));
+    }
+}
+
+// --- how it looks
+
+void Plot::dress()
+{
+    const Theme &theme = Theme::current();
+    m_plot->setCanvasBackground(theme.surface);
+    if (auto *canvas = qobject_cast<QwtPlotCanvas *>(m_plot->canvas())) {
+        canvas->setFrameStyle(QFrame::NoFrame);
+        canvas->setStyleSheet(QStringLiteral("QwtPlotCanvas { background: %1; border: none; }")
+                                  .arg(theme.surface.name()));
+    }
+    for (QwtPlotItem *item : m_plot->itemList(QwtPlotItem::Rtti_PlotGrid))
+        static_cast<QwtPlotGrid *>(item)->setPen(theme.line, 0);
+    m_curve->setPen(theme.accent, std::max(1, Theme::px(2)));
+    m_mark->setLinePen(theme.quiet, 1, Qt::DashLine);
+    m_mark->setSymbol(new QwtSymbol(QwtSymbol::Ellipse, theme.surface, QPen(theme.accent, 2),
+                                    QSize(Theme::px(10), Theme::px(10))));
+    QFont font = this->font();
+    font.setPixelSize(Theme::px(12));
+    for (const int axis : {int(QwtPlot::xBottom), int(QwtPlot::yLeft)}) {
+        m_plot->setAxisFont(axis, font);
+        QPalette palette = m_plot->axisWidget(axis)->palette();
+        palette.setColor(QPalette::Text, theme.quiet);
+        palette.setColor(QPalette::WindowText, theme.line);
+        m_plot->axisWidget(axis)->setPalette(palette);
+        QwtText title = m_plot->axisTitle(axis);
+        title.setColor(theme.quiet);
+        m_plot->setAxisTitle(axis, title);
+    }
+}
+
+void Plot::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::StyleChange && event->type() != QEvent::PaletteChange)
+        return;
+    dress();
+    refresh();
+}
+
+void Plot::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    refresh();
+}
+
+bool Plot::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool isTouch =
+        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseMove;
+    if (watched == m_plot->canvas() && isTouch && !m_envelope.isEmpty()) {
+        const int x = static_cast<QMouseEvent *>(event)->pos().x();
+        emit touched(m_plot->invTransform(QwtPlot::xBottom, x));
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
