@@ -1,13 +1,13 @@
 #include "sound/Player_p.h"
 
-#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
 #include <QFileInfo>
+#include <QPointer>
 #include <QStandardPaths>
 #include <QThread>
 #include <QTimer>
 
 #include <csignal>
-#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,26 +18,54 @@ namespace {
 constexpr int startWait = 3000; // ms
 constexpr int emptyTime = 300; // ms that an empty file is played over and over
 constexpr int mostComplaints = 20;
-constexpr int complaintsSize = 4096; // bytes, the least that a pipe can have
 
-bool canSound(const QString &file)
+/** A player that another thread has ended, until its own thread gets to deleting it. */
+struct Ended
 {
-    return !QStandardPaths::findExecutable(QStringLiteral("aplay")).isEmpty()
-        && QFileInfo::exists(file);
+    const QThread *thread = nullptr;
+    QPointer<Player> player;
+};
+
+Ended lastEnded;
+
+/** As far as is known before; of an empty file nothing complains. */
+bool canSound(const QFileInfo &file)
+{
+    return file.exists() && (!file.isFile() || file.size() > 0)
+        && !QStandardPaths::findExecutable(QStringLiteral("aplay")).isEmpty();
+}
+
+/** The application's thread gets to its event loop, if it is not in it already. */
+bool hasEventLoop()
+{
+    const QThread *const current = QThread::currentThread();
+    const QCoreApplication *const application = QCoreApplication::instance();
+    return (application && application->thread() == current) || current->loopLevel() > 0;
 }
 
 } // namespace
 
 Player::~Player()
 {
-    end(); // while its own slot can still be called
+    if (state() == NotRunning)
+        return;
+    signalGroup(SIGKILL);
+    kill(); // covers a child that leaves for its own group between the two
+    waitForFinished(-1); // while its own slot can still be called
 }
 
 bool Player::launch(const QString &program, const QStringList &arguments)
 {
+    if (lastEnded.thread == QThread::currentThread())
+        delete lastEnded.player;
     start(program, arguments, ReadWrite);
     const bool isStarted = waitForStarted(startWait);
     m_id = static_cast<pid_t>(processId());
+    if (!hasEventLoop()) {
+        if (!m_canSound) // nobody will count the complaints
+            halt();
+        moveToThread(nullptr);
+    }
     return isStarted;
 }
 
@@ -67,18 +95,30 @@ void Player::discard()
     }
     if (const pid_t leader = id(); leader > 0)
         ::kill(-leader, SIGKILL);
+    lastEnded = {thread(), this};
     deleteLater();
 }
 
 void Player::expectRepeats(const QString &file)
 {
     m_repeats = true;
-    m_canSound = canSound(file);
-    connect(this, &QProcess::readyReadStandardError, this, &Player::countComplaints);
-    // Of an empty file nothing complains.
     const QFileInfo sample(file);
-    if (sample.isFile() && sample.size() == 0 && QAbstractEventDispatcher::instance())
+    m_canSound = canSound(sample);
+    if (!hasEventLoop())
+        return;
+    connect(this, &QProcess::readyReadStandardError, this, &Player::countComplaints);
+    if (sample.isFile() && sample.size() == 0)
         QTimer::singleShot(emptyTime, this, &Player::halt);
+}
+
+void Player::signalGroup(int signal)
+{
+    const auto leader = static_cast<pid_t>(processId());
+    if (leader <= 0)
+        return;
+    // The child has not reached its own group yet when it was started just now.
+    if (::kill(-leader, signal) != 0)
+        ::kill(leader, signal);
 }
 
 void Player::halt()
@@ -97,15 +137,9 @@ void Player::countComplaints()
 // Runs between fork and exec: plain system calls only.
 void Player::setupChildProcess()
 {
-    GroupProcess::setupChildProcess();
-    if (!m_repeats)
-        return;
-    ::signal(SIGPIPE, SIG_IGN); // so that a missing player, too, is something to complain about
-    // In a thread without an event loop nobody counts: there a full pipe halts what complains;
-    // and also after a crash of this process, because the child can read the pipe itself.
-    ::open("/proc/self/fd/2", O_RDONLY);
-    if (!m_canSound)
-        ::fcntl(STDERR_FILENO, F_SETPIPE_SZ, complaintsSize);
+    ::setpgid(0, 0);
+    if (m_repeats)
+        ::signal(SIGPIPE, SIG_IGN); // so that a missing player, too, is something to complain about
 }
 
 } // namespace SoundNamespace

@@ -1,16 +1,16 @@
 #pragma once
 
-#include "internal/GroupProcess_p.h"
+#include <QProcess>
 
 namespace SoundNamespace {
 
 /**
  * The child process that plays a sound, with everything that it has started.
  *
- * It belongs to the thread that has started it, whose event loop notices its end; the tones of
- * another thread can still find it and end it.
+ * It belongs to the thread that has started it, whose event loop notices its end; where there is
+ * no event loop it belongs to no thread. In either case any thread can end it.
  */
-class Player : public Internal::GroupProcess
+class Player : public QProcess
 {
 public:
     /** Ends the player. */
@@ -20,13 +20,17 @@ public:
     bool launch(const QString &program, const QStringList &arguments);
     /** Process id; 0 when the player has ended. From any thread. */
     pid_t id() const;
-    /** Ends the player and deletes it, or has its own thread delete it. From any thread. */
+    /**
+     * Ends the player and deletes it. From any thread; one that another thread's event loop looks
+     * after is deleted by that thread.
+     */
     void discard();
 
     /**
      * For a shell that feeds @p file to a player over and over. Where that cannot sound, it would
      * start one process after the other: it is halted after some of them, until it is ended.
-     * Before launch().
+     * Without an event loop, what is known not to sound is halted at once, and anything else
+     * when a pipe is full of complaints. Before launch().
      */
     void expectRepeats(const QString &file);
 
@@ -35,12 +39,13 @@ protected:
 
 private:
     bool isOwnThread() const;
+    void signalGroup(int signal);
     void halt();
     void countComplaints();
 
     pid_t m_id = 0;
     bool m_repeats = false;
-    bool m_canSound = true; ///< as far as is known before
+    bool m_canSound = true;
     int m_complaints = 0;
 };
 

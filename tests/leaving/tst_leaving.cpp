@@ -20,7 +20,6 @@ private slots:
     void leavesStores_data();
     void leavesStores();
     void dies();
-    void loopOfTheDeadStandsStill();
     void isFreeToStartAgain();
 
 private:
@@ -128,28 +127,6 @@ void TstLeaving::dies()
         QVERIFY(leaver->waitForFinished(Meter::patience));
         QCOMPARE(leaver->exitStatus(), QProcess::CrashExit);
     }
-    QTRY_COMPARE(leftBehind(), QStringList());
-}
-
-void TstLeaving::loopOfTheDeadStandsStill()
-{
-    Meter::hideProgram("aplay");
-    Meter::recordProgram("cat");
-    Meter::clearJournal();
-    const auto leaver = start("loop", "killed");
-    QVERIFY(leaver->waitForFinished(Meter::patience));
-    int before = 0;
-    int unchanged = 0;
-    QTRY_VERIFY([&] {
-        const int now = Meter::journal().size();
-        unchanged = now == before && now > 20 ? unchanged + 1 : 0;
-        before = now;
-        return unchanged >= 5;
-    }());
-    QProcess::execute("/usr/bin/pkill", {"-KILL", "-f", "while true; do [c]at"});
-    QProcess::execute("/usr/bin/pkill", {"-KILL", "-x", "cat"});
-    Meter::showProgram("aplay");
-    Meter::showProgram("cat");
     QTRY_COMPARE(leftBehind(), QStringList());
 }
 
