@@ -65,7 +65,7 @@ void enter(World world)
     QProcess::execute(
         QStringLiteral("ifconfig"),
         {QStringLiteral("wlan0"), isUp ? QStringLiteral("up") : QStringLiteral("down")});
-    write("/run/meter/behaviour/iwgetid", world == Connected ? "stdout=Lab" : "silent=1\nexit=255");
+    write("/run/meter/behaviour/iwgetid", world == Connected ? "stdout=Lab" : "stdout=");
     if (world == Connected)
         QProcess::execute(QStringLiteral("ifconfig"),
                           {QStringLiteral("wlan0"), QStringLiteral("10.0.0.7")});

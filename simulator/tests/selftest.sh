@@ -42,7 +42,8 @@ helpers='
     journal_has() { grep -qxF "$(printf "$1")" /run/meter/journal; }
     address() { ifconfig wlan0 | grep -q "inet addr:$1 *Bcast:.* *Mask:255.255.255.0"; }
     joined() { [ "$(iwgetid wlan0 -r)" = "$1" ]; }
-    no_link() { fails iwgetid wlan0 -r >/dev/null; }
+    no_link() { [ "$(iwgetid wlan0 -r; echo $?)" = "
+0" ]; }
     bridge() { ps | grep -q "[s]ocat /dev/ttyGS0 /dev/ttycommunication"; }
     milliseconds() { python3 -c "import time; print(int(time.monotonic() * 1000))"; }
     configure() { { echo ap_scan=1; "$@"; } >/etc/wpa_supplicant/wpa_supplicant-wlan0.conf; }

@@ -125,10 +125,10 @@ void KTV_Connection::Private::read(Network &network) const
     if (!answer(QStringLiteral("ifconfig | grep -e \"") + name + QLatin1Char('"')).startsWith(name))
         return;
     network.state = Network::wifi_States_ON;
-    const QString essid = answer(QStringLiteral("iwgetid ") + name + QStringLiteral(" -r"));
-    if (essid.isEmpty())
+    // Without an association the tool prints a line feed and ends as ever.
+    network.ESSID = answer(QStringLiteral("iwgetid ") + name + QStringLiteral(" -r")).trimmed();
+    if (network.ESSID.isEmpty())
         return;
-    network.ESSID = essid.trimmed();
     ToolOutput::readAddress(
         answer(QStringLiteral("ifconfig ") + name + QStringLiteral(" | grep -e \"inet \"")),
         network);

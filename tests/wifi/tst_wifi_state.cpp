@@ -158,7 +158,8 @@ void TstWifiState::reading_data()
     QTest::newRow("down") << QByteArray("stdout=lo        Link") << lab << level << 1 << "";
     QTest::newRow("line of another interface first")
         << QByteArray("stdout=p2p-wlan0-0 Link\\nwlan0     Link") << lab << level << 1 << "";
-    QTest::newRow("up") << up << QByteArray("silent=1\nexit=255") << level << 2 << "";
+    QTest::newRow("up") << up << QByteArray("stdout=") << level << 2 << ""; // a line feed
+    QTest::newRow("no answer") << up << QByteArray("silent=1\nexit=255") << level << 2 << "";
     QTest::newRow("associated") << up << lab << level << 3 << "Lab";
     QTest::newRow("connected") << address << lab << level << 5 << "Lab";
     QTest::newRow("connected, no level") << address << lab << QByteArray("stdout=no") << 2 << "Lab";
@@ -169,7 +170,8 @@ void TstWifiState::reading_data()
     QTest::newRow("iwconfig hangs") << address << lab << hang << 2 << "Lab";
     QTest::newRow("blanks around the name")
         << address << QByteArray("stdout=  a  b  ") << level << 5 << "a  b";
-    QTest::newRow("a blank line is a name") << address << QByteArray("stdout=") << level << 5 << "";
+    QTest::newRow("blanks alone are no name")
+        << address << QByteArray("stdout=  ") << level << 2 << "";
 }
 
 void TstWifiState::reading()
