@@ -1,17 +1,15 @@
 #include "wifi/KTV_Connection.h"
 
 #include "internal/CommandRunner_p.h"
+#include "internal/DurableFile_p.h"
 #include "internal/log_p.h"
 #include "wifi/KnownNetworks_p.h"
 #include "wifi/NetworkList_p.h"
-#include "wifi/SecretFile_p.h"
 #include "wifi/SupplicantConfiguration_p.h"
 #include "wifi/ToolOutput_p.h"
 #include "wifi/Workers_p.h"
 
-#include <QFile>
 #include <QMetaMethod>
-#include <QTextStream>
 #include <QTimer>
 
 using Internal::log;
@@ -247,17 +245,8 @@ QString KTV_Connection::_WPA_Passphrase(const QString &essid, const QString &pas
 
 void KTV_Connection::_buildConfFile(const QString &preferred, QList<Network *> *networks)
 {
-    keepSecret(d->configurationFile);
-    QFile file(d->configurationFile);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        log() << "KTV_Connection::_buildConfFile: open file:" << file.errorString();
-        return;
-    }
     try {
-        QTextStream stream(&file);
-        stream.setCodec("UTF-8");
-        stream << SupplicantConfiguration::header();
-        stream.flush(); // with no network to follow, the restart would find an empty file
+        QString text = SupplicantConfiguration::header();
         for (const Network *network : qAsConst(*networks)) {
             QString entry = network->encryption
                 ? _WPA_Passphrase(network->ESSID, network->key)
@@ -266,15 +255,16 @@ void KTV_Connection::_buildConfFile(const QString &preferred, QList<Network *> *
                 continue;
             if (network->ESSID == preferred)
                 entry = SupplicantConfiguration::preferred(entry);
-            stream << entry << '\n';
-            stream.flush();
+            text += entry + QLatin1Char('\n');
         }
-        _restart(); // while the file is open: everything in it has been flushed
+        QString reason;
+        if (Internal::replaceFile(d->configurationFile, text.toUtf8(), &reason))
+            _restart();
+        else
+            log() << "KTV_Connection::_buildConfFile: open file:" << reason;
     } catch (const std::exception &exception) {
         log() << "KTV_Connection::_buildConfFile: exception:" << exception.what();
     }
-    file.flush();
-    file.close();
 }
 
 void KTV_Connection::_updateSystem(const QString &preferred)

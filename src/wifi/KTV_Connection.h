@@ -17,7 +17,8 @@ namespace WiFi {
  *
  * The known networks live in the SQLite file "wifi.db". The supplicant's whole configuration
  * file is derived from it whenever the list or the preference changes, and the supplicant is
- * restarted. The state of the interface is learnt from the wireless tools' output.
+ * restarted when the new file is on the card. Where that fails, on a full card for instance, the
+ * file stays as it was, the supplicant is not restarted, and the log has the reason. The state of the interface is learnt from the wireless tools' output.
  *
  * Threads: the object belongs to the interface's thread, and so do all its operations except
  * the workers. Slow tools run in workers on the global thread pool, at most two of a kind at a

@@ -1,5 +1,6 @@
 #include "support/LogCapture.h"
 #include "support/Meter.h"
+#include "support/Volume.h"
 
 #include <wifi/KTV_Connection.h>
 
@@ -9,6 +10,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <cerrno>
 #include <memory>
 #include <utility>
 
@@ -143,6 +145,7 @@ private slots:
     void toolFailure_data();
     void toolFailure();
     void fileThatCannotBeOpened();
+    void fullCardLeavesTheFileAsItWas();
     void withoutInterfaceNothingIsRestarted();
     void neighbouringInterfaceNames();
     void secretsAreTheOwners();
@@ -563,6 +566,28 @@ void TstWifiNetworks::fileThatCannotBeOpened()
     QCOMPARE(log.lines().filter(line).size(), 2);
     QVERIFY(!Meter::journal().contains(restart));
     QDir().rmdir(supplicantFile);
+}
+
+void TstWifiNetworks::fullCardLeavesTheFileAsItWas()
+{
+    Volume card(QFileInfo(supplicantFile).path());
+    auto wifi = manager();
+    QVERIFY(wifi->AddNetwork(QStringLiteral("Lab"), QString()));
+    const QByteArray before = Meter::readFile(supplicantFile);
+    card.fillUp();
+    Meter::clearJournal();
+    const LogCapture log;
+    QVERIFY(wifi->AddNetwork(QStringLiteral("Office"), QString())); // it is stored all the same
+    QCOMPARE(log.lines(),
+             QStringList(QStringLiteral("KTV_Connection::_buildConfFile: open file:")
+                         + qt_error_string(ENOSPC)));
+    QCOMPARE(Meter::readFile(supplicantFile), before);
+    QVERIFY(!Meter::journal().contains(restart));
+    card.fill(0);
+    wifi->SetPreferedNetwork(QString());
+    QCOMPARE(Meter::readFile(supplicantFile), header + openEntry("Lab") + openEntry("Office"));
+    QCOMPARE(Meter::readFile(fileAtRestart), Meter::readFile(supplicantFile));
+    QCOMPARE(QDir(QFileInfo(supplicantFile).path()).entryList(QDir::Files).size(), 1);
 }
 
 void TstWifiNetworks::withoutInterfaceNothingIsRestarted()
