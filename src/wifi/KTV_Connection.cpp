@@ -81,7 +81,7 @@ public:
         , workers(connection)
     { }
 
-    static void carryOutPowerWishes(KTV_Connection *connection);
+    static void carryOutPowerRequests(KTV_Connection *connection);
     QString answer(const QString &command) const;
     void read(Network &network) const;
     void dropEndedScanTimer();
@@ -99,7 +99,7 @@ public:
     QTimer *scanTimer = nullptr;
     std::atomic<bool> isDetailed {false}; ///< whether the detail timer exists
     std::atomic<bool> isScanning {false}; ///< off before the timer when a worker ends scanning
-    PowerWish powerWish;
+    PowerRequests powerRequests;
 
     Workers workers;
     const StopFlag stopping = workers.stopping();
@@ -294,16 +294,18 @@ bool KTV_Connection::get_wifi_Enable() const
 
 void KTV_Connection::set_wifi_Enable(bool on)
 {
-    if (!getInterfaceName().isEmpty() && d->powerWish.ask(on))
-        d->workers.start(Workers::Power, Private::carryOutPowerWishes);
+    if (!getInterfaceName().isEmpty() && d->powerRequests.add(on))
+        d->workers.start(Workers::Power, Private::carryOutPowerRequests);
 }
 
-void KTV_Connection::Private::carryOutPowerWishes(KTV_Connection *connection)
+void KTV_Connection::Private::carryOutPowerRequests(KTV_Connection *connection)
 {
-    PowerWish &wish = connection->d->powerWish;
+    PowerRequests &requests = connection->d->powerRequests;
+    const std::atomic<bool> &isStopping = *connection->d->stopping;
     do
-        _set_wifi_Enable_Avait(connection, wish.take());
-    while (!wish.finish());
+        _set_wifi_Enable_Avait(connection,
+                               isStopping ? requests.takeLatest() : requests.takeOldest());
+    while (!requests.finish());
 }
 
 void KTV_Connection::_set_wifi_Enable_Avait(KTV_Connection *connection, bool on)

@@ -18,7 +18,8 @@ namespace WiFi {
  * The known networks live in the SQLite file "wifi.db". The supplicant's whole configuration
  * file is derived from it whenever the list or the preference changes, and the supplicant is
  * restarted when the new file is on the card. Where that fails, on a full card for instance, the
- * file stays as it was, the supplicant is not restarted, and the log has the reason. The state of the interface is learnt from the wireless tools' output.
+ * file stays as it was, the supplicant is not restarted, and the log has the reason. The state of
+ * the interface is learnt from the wireless tools' output.
  *
  * Threads: the object belongs to the interface's thread, and so do all its operations except
  * the workers. Slow tools run in workers on the global thread pool, at most two of a kind at a
@@ -48,9 +49,9 @@ public:
     explicit KTV_Connection(const QString &directory, QObject *parent = nullptr);
     /**
      * Ends the commands of workers under way and waits for the workers, which takes some
-     * hundredths of a second, or 300 ms and more for a tool that does not heed SIGTERM. What
-     * set_wifi_Enable() was asked for is carried out first, within 3000 ms, twice when a newer
-     * wish waits. Nothing is emitted from then on; a signal that already waits in a
+     * hundredths of a second, or 300 ms and more for a tool that does not heed SIGTERM. The call
+     * of set_wifi_Enable() under way and the last one that waits are carried out first, each
+     * within 3000 ms. Nothing is emitted from then on; a signal that already waits in a
      * receiver's event queue is still delivered.
      *
      * Delete the object on its own thread only: a slot that is connected directly runs on the
@@ -101,8 +102,9 @@ public:
      */
     bool get_wifi_Enable() const;
     /**
-     * Switches the interface on or off; returns at once. Of calls that come while an earlier
-     * one is still being carried out, only the last is. Does nothing without an interface.
+     * Switches the interface on or off; returns at once. Calls are carried out one after the
+     * other in their order, each within 3000 ms and with a reading of the state after it; of
+     * more than 30 that wait the oldest are dropped. Does nothing without an interface.
      */
     void set_wifi_Enable(bool on);
 

@@ -59,4 +59,32 @@ void Workers::perform(Workers *workers, Kind kind, Work work)
     --outstanding;
 }
 
+bool PowerRequests::add(bool on)
+{
+    std::uint32_t state = m_state;
+    std::uint32_t next = 0;
+    do {
+        const std::uint32_t waiting = state == Idle ? Busy : state;
+        next = (waiting << 1U) | (on ? 1U : 0U);
+        if (waiting >= Full)
+            next = Full | (next & (Full - 1U));
+    } while (!m_state.compare_exchange_weak(state, next));
+    return state == Idle;
+}
+
+bool PowerRequests::takeOldest()
+{
+    std::uint32_t state = m_state;
+    std::uint32_t oldest = 0;
+    std::uint32_t next = 0;
+    do {
+        std::uint32_t end = Busy;
+        while ((end << 1U) <= state)
+            end <<= 1U;
+        oldest = end >> 1U;
+        next = oldest | (state & (oldest - 1U));
+    } while (!m_state.compare_exchange_weak(state, next));
+    return (state & oldest) != 0;
+}
+
 } // namespace WiFi

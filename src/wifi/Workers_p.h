@@ -5,6 +5,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstdint>
 #include <memory>
 
 namespace WiFi {
@@ -62,32 +63,34 @@ private:
 };
 
 /**
- * The newest wish for the interface's power, handed to one worker at a time without a lock: the
- * last of several wishes counts, and they do not pile up while the tool is slow.
+ * The requests for the interface's power in their order, handed to one worker at a time without a
+ * lock. Of more than 30 that wait the oldest are dropped.
  */
-class PowerWish
+class PowerRequests
 {
 public:
-    /** Notes a wish. @return whether a worker must be started for it */
-    bool ask(bool on) { return m_state.exchange(on ? Up : Down) == Idle; }
-    /** The wish to be carried out now. */
-    bool take() { return m_state.exchange(Busy) == Up; }
-    /** @return false when a newer wish waits */
+    /** Notes a request. @return whether a worker must be started for it */
+    bool add(bool on);
+    /** The oldest request that waits; the worker has been told of one. */
+    bool takeOldest();
+    /** The latest request that waits; the others are dropped. */
+    bool takeLatest() { return (m_state.exchange(Busy) & 1U) != 0; }
+    /** @return false when more requests wait */
     bool finish()
     {
-        State busy = Busy;
+        std::uint32_t busy = Busy;
         return m_state.compare_exchange_strong(busy, Idle);
     }
 
 private:
-    enum State
+    /** A bit for each request that waits, the latest one lowest, below a bit that marks the end. */
+    enum : std::uint32_t
     {
-        Idle,
-        Busy,
-        Down,
-        Up
+        Idle = 0, ///< no worker
+        Busy = 1, ///< a worker, and nothing waits
+        Full = 1U << 30U
     };
-    std::atomic<State> m_state {Idle};
+    std::atomic<std::uint32_t> m_state {Idle};
 };
 
 /** A value that any thread may read and replace; a reader keeps the one that it took. */

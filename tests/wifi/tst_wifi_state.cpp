@@ -4,6 +4,7 @@
 
 #include <wifi/KTV_Connection.h>
 
+#include <QSemaphore>
 #include <QTemporaryDir>
 #include <QThreadPool>
 #include <QtTest>
@@ -52,7 +53,8 @@ private slots:
     void power();
     void powerToolIsLogged_data();
     void powerToolIsLogged();
-    void lastPowerWishCounts();
+    void powerRequestsRunInOrder();
+    void oldestPowerRequestsAreDropped();
     void powerRefreshesDetails();
     void powerWithoutInterface();
 
@@ -77,6 +79,8 @@ private:
         return std::make_unique<KTV_Connection>(m_directory->path() + QLatin1Char('/'));
     }
     /** All workers have ended. */
+    /** What the interface was switched to: "u" for up, "d" for down. */
+    static QString powerCalls();
     static bool poolIsIdle() { return QThreadPool::globalInstance()->waitForDone(20000); }
 
     std::unique_ptr<QTemporaryDir> m_directory;
@@ -504,26 +508,50 @@ void TstWifiState::powerToolIsLogged()
     QTEST(inbox.states(), "states");
 }
 
-void TstWifiState::lastPowerWishCounts()
+QString TstWifiState::powerCalls()
 {
-    const QString up = QStringLiteral("ifconfig wlan0 up");
-    const QString down = QStringLiteral("ifconfig wlan0 down");
-    const auto calls = [] {
-        return Meter::journal().filter(
-            QRegularExpression(QStringLiteral("^ifconfig wlan0 (up|down)$")));
-    };
+    QString order;
+    const QRegularExpression call(QStringLiteral("^ifconfig wlan0 (up|down)$"));
+    for (const QString &line : Meter::journal().filter(call))
+        order += line.endsWith(QLatin1String("up")) ? QLatin1Char('u') : QLatin1Char('d');
+    return order;
+}
+
+void TstWifiState::powerRequestsRunInOrder()
+{
     const auto wifi = manager();
+    Meter::clearJournal();
+    wifi->set_wifi_Enable(false);
+    wifi->set_wifi_Enable(true);
+    QVERIFY(poolIsIdle());
+    QCOMPARE(powerCalls(), QStringLiteral("du"));
+    // What comes while one is under way waits for its turn.
     Meter::clearJournal();
     Tools::delay("ifconfig", "0.3");
     wifi->set_wifi_Enable(true);
-    QTRY_COMPARE(calls(), QStringList(up)); // it is under way
-    for (int i = 0; i < 20; ++i)
-        wifi->set_wifi_Enable(i % 2 == 0);
+    QTRY_COMPARE(powerCalls(), QStringLiteral("u"));
+    Tools::delay("ifconfig", "0");
+    for (const bool on : {false, true, true, false, false})
+        wifi->set_wifi_Enable(on);
     QVERIFY(poolIsIdle());
-    QCOMPARE(calls(), QStringList({up, down}));
-    wifi->set_wifi_Enable(true); // and a later one is heard again
+    QCOMPARE(powerCalls(), QStringLiteral("uduudd"));
+}
+
+void TstWifiState::oldestPowerRequestsAreDropped()
+{
+    QThreadPool &pool = *QThreadPool::globalInstance();
+    const auto wifi = manager();
+    const int threads = pool.maxThreadCount();
+    pool.setMaxThreadCount(1);
+    QSemaphore release;
+    pool.start([&release] { release.acquire(); });
+    Meter::clearJournal();
+    for (int i = 0; i < 100; ++i)
+        wifi->set_wifi_Enable(i >= 98);
+    release.release();
     QVERIFY(poolIsIdle());
-    QCOMPARE(calls(), QStringList({up, down, up}));
+    pool.setMaxThreadCount(threads);
+    QCOMPARE(powerCalls(), QString(28, QLatin1Char('d')) + QStringLiteral("uu"));
 }
 
 void TstWifiState::powerRefreshesDetails()
