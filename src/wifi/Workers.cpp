@@ -46,17 +46,12 @@ void Workers::stop()
     for (QFuture<void> &future : m_futures)
         future.waitForFinished();
     m_futures.clear();
-    // The counts are zero now; reading them shows this thread what the workers did last.
-    for (const std::atomic<int> &outstanding : m_outstanding)
-        outstanding.load(std::memory_order_acquire);
 }
 
 void Workers::perform(Workers *workers, Kind kind, Work work)
 {
-    std::atomic<int> &outstanding = workers->m_outstanding.at(kind);
-    outstanding.load(std::memory_order_acquire); // shows what the manager did before it counted
     work(workers->m_connection);
-    --outstanding;
+    --workers->m_outstanding.at(kind);
 }
 
 bool PowerRequests::add(bool on)
