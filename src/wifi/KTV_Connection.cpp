@@ -27,20 +27,6 @@ constexpr int readingLimit = 1000; // ms, each tool
 constexpr int scanLimit = 5000; // ms
 constexpr int powerLimit = 3000; // ms
 
-/** A level above the bound, in dBm, and what it is shown as. */
-struct SignalStep
-{
-    int above;
-    Network::wifiStates state;
-};
-
-constexpr SignalStep signalSteps[] = {
-    {-50, Network::wifi_States_Connect_4},
-    {-60, Network::wifi_States_Connect_3},
-    {-70, Network::wifi_States_Connect_2},
-    {-80, Network::wifi_States_Connect_1},
-};
-
 /** What of the last detailed record the next one is compared with. */
 struct Detail
 {
@@ -53,19 +39,6 @@ struct Detail
         return state == other.state && essid == other.essid && address == other.address;
     }
 };
-
-std::unique_ptr<Network> copyOf(const Network &network)
-{
-    auto copy = std::make_unique<Network>();
-    copy->ESSID = network.ESSID;
-    copy->state = network.state;
-    copy->encryption = network.encryption;
-    copy->key = network.key;
-    copy->address = network.address;
-    copy->mask = network.mask;
-    copy->broadcast = network.broadcast;
-    return copy;
-}
 
 } // namespace
 
@@ -491,36 +464,22 @@ void KTV_Connection::check_wifiScan_Avait(KTV_Connection *connection)
 
 int KTV_Connection::_dbmToSignal(int dbm)
 {
-    for (const SignalStep &step : signalSteps) {
-        if (dbm > step.above)
-            return step.state;
-    }
-    return Network::wifi_States_Connect_0;
+    return ToolOutput::signalState(dbm);
 }
 
 bool KTV_Connection::_validateNetwork(Network *network)
 {
-    return network && !network->ESSID.trimmed().isEmpty();
+    return ToolOutput::isNamed(network);
 }
 
 void KTV_Connection::_addToList(QList<Network *> *list, Network *network)
 {
-    for (auto entry = list->begin(); entry != list->end();) {
-        if ((*entry)->ESSID != network->ESSID) {
-            ++entry;
-            continue;
-        }
-        if ((*entry)->state > network->state)
-            return;
-        delete *entry;
-        entry = list->erase(entry);
-    }
-    list->append(copyOf(*network).release());
+    ToolOutput::merge(*list, *network);
 }
 
 bool variantLessThan(const Network *a, const Network *b)
 {
-    return a->state < b->state;
+    return ToolOutput::isWeaker(a, b);
 }
 
 } // namespace WiFi

@@ -1,7 +1,5 @@
 #include "wifi/ToolOutput_p.h"
 
-#include "wifi/KTV_Connection.h"
-
 #include <QStringList>
 
 #include <algorithm>
@@ -29,6 +27,33 @@ const AddressField addressFields[] = {
     {QLatin1String("Bcast:"), 6, &Network::broadcast},
 };
 
+/** A level above the bound, in dBm, and what it is shown as. */
+struct SignalStep
+{
+    int above;
+    Network::wifiStates state;
+};
+
+constexpr SignalStep signalSteps[] = {
+    {-50, Network::wifi_States_Connect_4},
+    {-60, Network::wifi_States_Connect_3},
+    {-70, Network::wifi_States_Connect_2},
+    {-80, Network::wifi_States_Connect_1},
+};
+
+std::unique_ptr<Network> copyOf(const Network &network)
+{
+    auto copy = std::make_unique<Network>();
+    copy->ESSID = network.ESSID;
+    copy->state = network.state;
+    copy->encryption = network.encryption;
+    copy->key = network.key;
+    copy->address = network.address;
+    copy->mask = network.mask;
+    copy->broadcast = network.broadcast;
+    return copy;
+}
+
 void readScanLine(const QString &line, Network &network)
 {
     const QLatin1String name("ESSID:");
@@ -44,11 +69,45 @@ void readScanLine(const QString &line, Network &network)
                             .trimmed()
                             .toInt(&ok);
         if (ok)
-            network.state = KTV_Connection::_dbmToSignal(dbm);
+            network.state = signalState(dbm);
     }
 }
 
 } // namespace
+
+int signalState(int dbm)
+{
+    for (const SignalStep &step : signalSteps) {
+        if (dbm > step.above)
+            return step.state;
+    }
+    return Network::wifi_States_Connect_0;
+}
+
+bool isNamed(const Network *network)
+{
+    return network && !network->ESSID.trimmed().isEmpty();
+}
+
+void merge(QList<Network *> &networks, const Network &network)
+{
+    for (auto entry = networks.begin(); entry != networks.end();) {
+        if ((*entry)->ESSID != network.ESSID) {
+            ++entry;
+            continue;
+        }
+        if ((*entry)->state > network.state)
+            return;
+        delete *entry;
+        entry = networks.erase(entry);
+    }
+    networks.append(copyOf(network).release());
+}
+
+bool isWeaker(const Network *a, const Network *b)
+{
+    return a->state < b->state;
+}
 
 QString interfaceName(const QString &listing)
 {
@@ -82,8 +141,8 @@ void readSignal(const QString &line, Network &network)
     for (QString piece : pieces) {
         // A level that is no number counts as 0: connected it is all the same.
         if (piece.startsWith(marker))
-            network.state = KTV_Connection::_dbmToSignal(
-                piece.remove(0, marker.size()).remove(QLatin1String(" dBm")).toInt());
+            network.state =
+                signalState(piece.remove(0, marker.size()).remove(QLatin1String(" dBm")).toInt());
     }
 }
 
@@ -92,8 +151,8 @@ NetworkList readScan(const QString &lines)
     NetworkList networks = makeNetworkList();
     std::unique_ptr<Network> network; // none before the first cell
     const auto finish = [&networks, &network] {
-        if (KTV_Connection::_validateNetwork(network.get()))
-            KTV_Connection::_addToList(networks.get(), network.get());
+        if (isNamed(network.get()))
+            merge(*networks, *network);
     };
     const QStringList split = lines.split(lineEnd);
     for (const QString &line : split) {
@@ -106,7 +165,7 @@ NetworkList readScan(const QString &lines)
         }
     }
     finish();
-    std::stable_sort(networks->begin(), networks->end(), variantLessThan);
+    std::stable_sort(networks->begin(), networks->end(), isWeaker);
     return networks;
 }
 

@@ -7,6 +7,15 @@
 /** What the wireless tools print, read into records. Only the markers named are relied upon. */
 namespace WiFi::ToolOutput {
 
+/** A level in dBm as wifi_States_Connect_0 (weakest) to wifi_States_Connect_4. */
+int signalState(int dbm);
+/** Whether a scanned network has a name to show; false for null. */
+bool isNamed(const Network *network);
+/** Appends a copy, unless the list has a stronger one of that name; any other makes room. */
+void merge(QList<Network *> &networks, const Network &network);
+/** Sort order of scan results: the weakest network comes first. */
+bool isWeaker(const Network *a, const Network *b);
+
 /** The WiFi interface in a listing of interfaces, one a line; empty when there is none. */
 QString interfaceName(const QString &listing);
 /** Address, mask and broadcast address from the "inet addr:" line of "ifconfig". */
