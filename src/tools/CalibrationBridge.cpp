@@ -82,14 +82,16 @@ void Tools::socatProces_Avait()
 {
     if (!loadShared(isCalibrationModeActive))
         return;
-    const QFuture<void> self = bridge.handle();
+    // The latest run's future counts, whichever run this is.
+    const auto isCancelled = [] { return bridge.handle().isCanceled(); };
     do {
-        if (self.isCanceled() || bridge.isStopping() || !ConfigurePort())
+        if (isCancelled() || bridge.isStopping() || !ConfigurePort())
             return;
         const QDeadlineTimer nextStart(shortestRun); // not at once after a breakdown
         runDirect(bridgeCommand, {Waits::NoStartWait, Waits::Forever, &bridge.isStopping()});
-        bridge.rest(nextStart,
-                    [&self] { return self.isCanceled() || !loadShared(isCalibrationModeActive); });
+        bridge.rest(nextStart, [&isCancelled] {
+            return isCancelled() || !loadShared(isCalibrationModeActive);
+        });
     } while (loadShared(isCalibrationModeActive));
 }
 

@@ -161,7 +161,10 @@ public:
 
     /** Whether the bridge is wanted. Clients only read it. */
     static bool isCalibrationModeActive;
-    /** The bridge's run; cancelling it does not interrupt a bridge, but it comes back no more. */
+    /**
+     * The latest run of the bridge. Cancelling it does not interrupt a bridge, but none comes back
+     * any more: not before the next start, which speaks for a bridge that still runs, too.
+     */
     static QFuture<void> asyncSocatRuner;
 };
 

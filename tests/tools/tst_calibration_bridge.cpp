@@ -89,6 +89,7 @@ private slots:
     void doesNotEnd();
     void cannotBeKilled();
     void bridgeThatStaysComesBackNoMore();
+    void cancelledAndStartedAgain();
     void listIsAskedForUntilItComes();
     void switchesBetweenBridgeAndNetwork();
 
@@ -310,6 +311,23 @@ void TstCalibrationBridge::bridgeThatStaysComesBackNoMore()
     kill();
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
     QCOMPARE(log.lines(), QStringList());
+}
+
+void TstCalibrationBridge::cancelledAndStartedAgain()
+{
+    Meter::replaceProgram("socat", "wait_for_ever");
+    const auto starts = [] { return Meter::journal().filter(QRegularExpression("^socat")).size(); };
+    QVERIFY(Tools::StartHardwareCalibrationMode());
+    Tools::asyncSocatRuner.cancel();
+    QVERIFY(Tools::StartHardwareCalibrationMode());
+    QCOMPARE(starts(), 2);
+    kill();
+    QTRY_COMPARE(starts(), 4); // both come back: the latest run has not been cancelled
+    Tools::asyncSocatRuner.cancel();
+    kill();
+    QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
+    QTRY_COMPARE(bridges(), QStringList());
+    QCOMPARE(starts(), 4);
 }
 
 void TstCalibrationBridge::listIsAskedForUntilItComes()
