@@ -53,8 +53,15 @@ class KTV_DATASOURCE_EXPORT KTV_DataSource : public QObject
 public:
     /**
      * Builds every service but the help manager, and starts the disk check (once a minute).
+     * What fails is told on the debug log, and by the service itself.
+     *
      * Blocks while the databases open, the supplicant restarts and the wireless tools answer, as
-     * WiFi::KTV_Connection does. What fails is told on the debug log, and by the service itself.
+     * WiFi::KTV_Connection does. With a WiFi interface that is in no network, a start runs four
+     * commands, which are nine processes: it looks for the interface, restarts the supplicant
+     * with the known networks, and reads the state by two more; one is added for each protected
+     * network, and two where there is a connection. Most of the time goes into the restart: 31 of
+     * 51 ms on a workstation. The commands run one after the other and are waited for, so that
+     * the supplicant has the known networks and the state is known when the interface begins.
      */
     explicit KTV_DataSource(QObject *parent = nullptr);
     /**
