@@ -1,12 +1,18 @@
 #include "internal/BackgroundWork_p.h"
 
+#include "internal/ChildProcess_p.h"
+#include "internal/log_p.h"
+
 #include <QCoreApplication>
 #include <QThread>
 #include <QThreadPool>
 #include <QtConcurrentRun>
 
+#include <algorithm>
+#include <array>
 #include <map>
 #include <memory>
+#include <sys/eventfd.h>
 #include <utility>
 
 namespace Internal {
@@ -110,6 +116,16 @@ void stopBackgroundWork()
     LeavingList::instance().stopAll();
 }
 
+bool canBeginThread()
+{
+    constexpr std::size_t enough = 16; // for others that begin just now, and for a command in each
+    std::array<Descriptor, enough> spare;
+    return std::all_of(spare.begin(), spare.end(), [](Descriptor &one) {
+        one.reset(::eventfd(0, EFD_CLOEXEC));
+        return one.isOpen();
+    });
+}
+
 EndlessWork::EndlessWork(QFuture<void> &handle, std::function<void()> beforeStop)
     : m_handle(handle)
     , m_beforeStop(std::move(beforeStop))
@@ -123,6 +139,10 @@ EndlessWork::~EndlessWork()
 
 void EndlessWork::start(const std::function<void()> &work)
 {
+    if (!canBeginThread()) {
+        log() << "EndlessWork::start: too few file descriptors are left";
+        return;
+    }
     stopBeforeLeaving(this, [this] { stop(); });
     const auto thread = std::make_shared<ExtraThread>();
     // Held until the future is stored: a run that asks for it waits so long, for it would take

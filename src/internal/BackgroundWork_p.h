@@ -23,6 +23,12 @@ void forgetBeforeLeaving(const void *owner);
 /** Calls every registered stop at once, in the calling thread. */
 void stopBackgroundWork();
 
+/**
+ * Whether the global pool may begin another thread. Each thread of Qt's makes an event dispatcher
+ * of its own first, and where no descriptor is left for that, Qt ends the whole process.
+ */
+bool canBeginThread();
+
 /** Drops the futures of what has ended from a container. */
 template <typename Futures> void dropFinished(Futures &futures)
 {
@@ -50,7 +56,7 @@ public:
     ~EndlessWork();
     Q_DISABLE_COPY_MOVE(EndlessWork)
 
-    /** Starts a run. One thread at a time. */
+    /** Starts a run, unless canBeginThread() says no, which is logged. One thread at a time. */
     void start(const std::function<void()> &work);
     /** The future of the latest run; from any thread, never one that is just being stored. */
     QFuture<void> handle() const;

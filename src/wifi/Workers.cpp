@@ -1,7 +1,9 @@
 #include "wifi/Workers_p.h"
 
 #include "internal/BackgroundWork_p.h"
+#include "wifi/KTV_Connection.h"
 
+#include <QTimer>
 #include <QtConcurrent>
 
 namespace WiFi {
@@ -9,6 +11,7 @@ namespace WiFi {
 namespace {
 
 constexpr int mostOutstanding = 2;
+constexpr int retryInterval = 1000; // ms
 
 } // namespace
 
@@ -28,11 +31,19 @@ Workers::~Workers()
 
 void Workers::poll(Kind kind, Work work)
 {
-    if (m_outstanding.at(kind) < mostOutstanding)
-        start(kind, work);
+    if (m_outstanding.at(kind) < mostOutstanding && Internal::canBeginThread())
+        run(kind, work);
 }
 
 void Workers::start(Kind kind, Work work)
+{
+    if (Internal::canBeginThread())
+        run(kind, work);
+    else
+        QTimer::singleShot(retryInterval, m_connection, [this, kind, work] { start(kind, work); });
+}
+
+void Workers::run(Kind kind, Work work)
 {
     Internal::dropFinished(m_futures);
     *m_stopping = false; // the process has not left after all

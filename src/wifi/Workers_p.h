@@ -40,9 +40,9 @@ public:
     ~Workers();
     Q_DISABLE_COPY_MOVE(Workers)
 
-    /** Starts a worker unless two of its kind are outstanding. */
+    /** Starts a worker unless two of its kind are outstanding, or no thread can begin. */
     void poll(Kind kind, Work work);
-    /** Starts a worker in any case. */
+    /** Starts a worker in any case, as soon as a thread can begin. */
     void start(Kind kind, Work work);
     /**
      * Sets the flag and waits for every worker. One that the pool has not begun is run here,
@@ -54,6 +54,7 @@ public:
     StopFlag stopping() const { return m_stopping; }
 
 private:
+    void run(Kind kind, Work work);
     static void perform(Workers *workers, Kind kind, Work work);
 
     KTV_Connection *const m_connection;

@@ -98,6 +98,8 @@ private slots:
     void clearInterface();
     void onOneCore();
     void manyThreadsAsk();
+    void fewDescriptorsLeft_data();
+    void fewDescriptorsLeft();
 
     void samplesOnSamplingModels_data();
     void samplesOnSamplingModels();
@@ -413,6 +415,32 @@ void TstBuzzer::manyThreadsAsk()
         QVERIFY(!Sound::process);
     }
     QTRY_COMPARE(Meter::processes("aplay"), QStringList());
+}
+
+void TstBuzzer::fewDescriptorsLeft_data()
+{
+    QTest::addColumn<int>("left");
+    for (const int left : {0, 1, 2, 3, 4, 6, 10, 20})
+        QTest::addRow("%d", left) << left;
+}
+
+void TstBuzzer::fewDescriptorsLeft()
+{
+    QFETCH(int, left);
+    QThreadPool::globalInstance()->waitForDone(); // the next thread needs some
+    {
+        const Meter::FewDescriptors few(left);
+        for (const auto model : {KTV_Configuration::KTV_420, KTV_Configuration::KTV_4200}) {
+            BuzzerClass::BuzzerClass_Initialiser(model, samples, false);
+            for (const bool loop : {false, true})
+                BuzzerClass::Beep(tone(1), loop);
+            BuzzerClass::Beep(tone(0), true);
+        }
+    }
+    BuzzerClass::BuzzerClass_Initialiser(KTV_Configuration::KTV_420, samples, false);
+    Meter::clearJournal();
+    BuzzerClass::Beep(tone(1), false);
+    QTRY_COMPARE(beeps(), QStringList("beep -f 1400 -l 100 -d 0 -r 1"));
 }
 
 void TstBuzzer::samplesOnSamplingModels_data()

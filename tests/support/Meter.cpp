@@ -6,6 +6,8 @@
 #include <QProcess>
 
 #include <cstdio>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace Meter {
 
@@ -88,6 +90,31 @@ void writeFile(const QString &path, const QByteArray &content)
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("cannot write %s", qPrintable(path));
+}
+
+FewDescriptors::FewDescriptors(int left)
+{
+    // A low limit, so that there is not much to be taken.
+    rlimit limit {};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = 100;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+    for (int one = ::dup(0); one >= 0; one = ::dup(0))
+        m_taken.push_back(one);
+    for (; left > 0; --left) {
+        ::close(m_taken.back());
+        m_taken.pop_back();
+    }
+}
+
+FewDescriptors::~FewDescriptors()
+{
+    for (const int one : m_taken)
+        ::close(one);
+    rlimit limit {};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = limit.rlim_max;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
 }
 
 } // namespace Meter

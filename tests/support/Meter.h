@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <QtTest>
 
+#include <vector>
+
 /** The simulated meter, as a test inside it sees it. */
 namespace Meter {
 
@@ -36,6 +38,18 @@ QStringList processes(const QString &name);
 QByteArray readFile(const QString &path);
 /** Writes a file whole, creating its directories. */
 void writeFile(const QString &path, const QByteArray &content);
+
+/** Leaves this process so many descriptors, or all that it had when it goes. */
+class FewDescriptors
+{
+public:
+    explicit FewDescriptors(int left);
+    ~FewDescriptors();
+    Q_DISABLE_COPY_MOVE(FewDescriptors)
+
+private:
+    std::vector<int> m_taken;
+};
 
 } // namespace Meter
 

@@ -35,6 +35,8 @@ private slots:
     void inAReceiver_data();
     void inAReceiver();
     void failedScanOfAManagerThatIsGone();
+    void fewDescriptorsLeft_data();
+    void fewDescriptorsLeft();
 
 private:
     std::unique_ptr<KTV_Connection> manager() const
@@ -222,6 +224,36 @@ void TstWifiEnd::failedScanOfAManagerThatIsGone()
     wifi.reset();
     QCoreApplication::processEvents();
     QCOMPARE(log.lines(), QStringList(QStringLiteral("iwlist - not respond!")));
+}
+
+void TstWifiEnd::fewDescriptorsLeft_data()
+{
+    QTest::addColumn<int>("left");
+    for (const int left : {0, 1, 2, 3, 4, 6, 10, 15, 20})
+        QTest::addRow("%d", left) << left;
+}
+
+void TstWifiEnd::fewDescriptorsLeft()
+{
+    QFETCH(int, left);
+    auto wifi = manager();
+    QThreadPool *const pool = QThreadPool::globalInstance();
+    Meter::clearJournal();
+    pool->waitForDone(); // and none of its threads is left: the next ones need descriptors
+    {
+        const Meter::FewDescriptors few(left);
+        wifi->ScanNetwork(true);
+        wifi->DetailInfoScan(true);
+        wifi->set_wifi_Enable(true);
+        for (int i = 0; i < 2; ++i) {
+            wifi->onStatusTime();
+            wifi->onStatusDetailTime();
+            wifi->onScanNetwokTime();
+        }
+        QVERIFY(pool->waitForDone(20000));
+    }
+    // Not lost: with room for it, the request is carried out.
+    QTRY_VERIFY(Meter::journal().contains(QStringLiteral("ifconfig wlan0 up")));
 }
 
 KTV_METER_TEST_MAIN(TstWifiEnd)
