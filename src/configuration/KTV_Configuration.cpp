@@ -1,12 +1,14 @@
 #include "configuration/KTV_Configuration.h"
 
 #include "configuration/MeterModel_p.h"
+#include "internal/Guarded_p.h"
 #include "internal/RegularFile_p.h"
 #include "internal/XmlFile_p.h"
 #include "internal/log_p.h"
 
 #include <optional>
 
+using Internal::guarded;
 using Internal::log;
 
 namespace {
@@ -114,13 +116,11 @@ QString KTV_Configuration::getValueString(const QDomElement *root, const QString
 {
     if (!root || root->isNull())
         return defaultValue;
-    try {
+    const QString text = QStringLiteral("getValue(") + key + QStringLiteral(") error:");
+    return guarded(text, defaultValue, [root, &key, &defaultValue] {
         const QDomElement element = root->elementsByTagName(key).item(0).toElement();
         return element.attribute(QStringLiteral("Value"), defaultValue);
-    } catch (const std::exception &exception) {
-        log() << "getValue(" << key << ") error:" << exception.what();
-    }
-    return defaultValue;
+    });
 }
 
 int KTV_Configuration::getValueInt(const QDomElement *root, const QString &key,

@@ -1,6 +1,7 @@
 #include "configuration/KTV_InterfaceConfig.h"
 
 #include "internal/DurableFile_p.h"
+#include "internal/Guarded_p.h"
 #include "internal/NamedDatabase_p.h"
 #include "internal/log_p.h"
 
@@ -10,6 +11,7 @@
 
 #include <optional>
 
+using Internal::guarded;
 using Internal::log;
 
 namespace {
@@ -139,14 +141,11 @@ int KTV_InterfaceConfig::getValue(SettingKey key, int defaultValue)
         log() << "DB is CLOSE!";
         return defaultValue;
     }
-    try {
+    return guarded("getValue: ", defaultValue, [&] {
         bool ok = false;
         const int value = d->read(enumToString(key)).value_or(QString()).toInt(&ok);
         return ok ? value : defaultValue;
-    } catch (const std::exception &exception) {
-        log() << "getValue: " << exception.what();
-    }
-    return defaultValue;
+    });
 }
 
 void KTV_InterfaceConfig::setValue(SettingKey key, const QString &value)
@@ -156,16 +155,14 @@ void KTV_InterfaceConfig::setValue(SettingKey key, const QString &value)
         return;
     }
     Internal::Transaction transaction(d->database);
-    try {
+    guarded("setValue: ", [&] {
         const QString name = enumToString(key);
         const bool removed = d->remove(name, QLatin1String("setValue - DELETE:"));
         const bool inserted = d->insert(name, value);
         // Also after a failed statement, which has told its reason: the other one counts.
         if (!transaction.commit() && removed && inserted)
             log() << "setValue: " << d->database.lastError().text();
-    } catch (const std::exception &exception) {
-        log() << "setValue: " << exception.what();
-    }
+    });
 }
 
 void KTV_InterfaceConfig::setValue(SettingKey key, int value)
@@ -180,15 +177,13 @@ void KTV_InterfaceConfig::deleteValue(const QList<SettingKey> &keys)
         return;
     }
     Internal::Transaction transaction(d->database);
-    try {
+    guarded("deleteValue: ", [&] {
         bool removed = true;
         for (const SettingKey key : keys)
             removed &= d->remove(enumToString(key), QLatin1String("deleteValue:"));
         if (!transaction.commit() && removed)
             log() << "deleteValue: " << d->database.lastError().text();
-    } catch (const std::exception &exception) {
-        log() << "deleteValue: " << exception.what();
-    }
+    });
 }
 
 QString KTV_InterfaceConfig::enumToString(SettingKey key) const

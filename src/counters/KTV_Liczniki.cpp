@@ -1,6 +1,7 @@
 #include "counters/KTV_Liczniki.h"
 
 #include "internal/DurableFile_p.h"
+#include "internal/Guarded_p.h"
 #include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 
@@ -10,6 +11,7 @@
 
 #include <cerrno>
 
+using Internal::guarded;
 using Internal::log;
 
 namespace {
@@ -98,7 +100,7 @@ KTV_Liczniki::~KTV_Liczniki()
 
 void KTV_Liczniki::LoadLiczniki()
 {
-    try {
+    guarded("Liczniki load error: ", [&] {
         Internal::RegularFile file(d->path);
         if (file.exists()) {
             if (file.open(QIODevice::ReadOnly)) {
@@ -120,14 +122,12 @@ void KTV_Liczniki::LoadLiczniki()
             if (!d->counters.contains(counter))
                 d->counters.insert(counter, 0);
         }
-    } catch (const std::exception &exception) {
-        log() << "Liczniki load error: " << exception.what();
-    }
+    });
 }
 
 void KTV_Liczniki::SaveLiczniki()
 {
-    try {
+    guarded("Liczniki save error: ", [&] {
         if (!Internal::makeDirectory(d->directory)) {
             log() << "Liczniki create path error!!!";
             return;
@@ -146,9 +146,7 @@ void KTV_Liczniki::SaveLiczniki()
         } else if (!Internal::replaceFile(d->path, d->bytes(), &reason)) {
             log() << "Liczniki override file error!!!";
         }
-    } catch (const std::exception &exception) {
-        log() << "Liczniki save error: " << exception.what();
-    }
+    });
 }
 
 void KTV_Liczniki::load(QDataStream *stream, Licznik counter)

@@ -2,6 +2,7 @@
 
 #include "datalist/ListFamily_p.h"
 #include "internal/DurableFile_p.h"
+#include "internal/Guarded_p.h"
 #include "internal/NamedDatabase_p.h"
 #include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
@@ -17,6 +18,7 @@
 #include <optional>
 #include <utility>
 
+using Internal::guarded;
 using Internal::ListFamily;
 using Internal::log;
 using Internal::Rows;
@@ -117,17 +119,6 @@ enum class Added
     Refused, ///< the store has the text already
     Done
 };
-
-/** Result of an operation; what it throws is logged, and counts as its failure. */
-template <typename Operation> auto guarded(Operation operation) -> decltype(operation())
-{
-    try {
-        return operation();
-    } catch (const std::exception &exception) {
-        log() << exception.what();
-        return decltype(operation())();
-    }
-}
 
 } // namespace
 

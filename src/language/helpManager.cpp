@@ -1,6 +1,7 @@
 #include "language/helpManager.h"
 
 #include "configuration/MeterModel_p.h"
+#include "internal/Guarded_p.h"
 #include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 
+using Internal::guarded;
 using Internal::log;
 
 namespace QERNTools {
@@ -73,7 +75,7 @@ bool helpManager::HasHelp(const QString &topic) const
     if (topic.isEmpty())
         return false;
     const QString path = d->directory + topic;
-    try {
+    return guarded("helpManager::HasHelp: ", [&] {
         if (!QDir(path).exists()) {
             ensureDirectory(path);
             return false;
@@ -81,9 +83,7 @@ bool helpManager::HasHelp(const QString &topic) const
         const auto count = d->pagesIn(path).count();
         log() << "helpManager::HasHelp(" << path << "): " << count;
         return count > 0;
-    } catch (const std::exception &) {
-        return false;
-    }
+    });
 }
 
 QStringList *helpManager::GetHelpFileList(const QString &topic) const
@@ -91,16 +91,14 @@ QStringList *helpManager::GetHelpFileList(const QString &topic) const
     auto list = std::make_unique<QStringList>();
     if (topic.isEmpty())
         return list.release();
-    try {
+    guarded("GetHelpFileList:", [&] {
         const QString path = withSeparator(d->directory + topic);
         if (!ensureDirectory(path))
             log() << "Error creat help directory:" << path;
         const QStringList pages = d->pagesIn(path);
         for (const QString &page : pages)
             list->append(path + page);
-    } catch (const std::exception &exception) {
-        log() << "GetHelpFileList:" << exception.what();
-    }
+    });
     return list.release();
 }
 

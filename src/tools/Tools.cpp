@@ -1,7 +1,7 @@
 #include "tools/Tools.h"
 
+#include "internal/Guarded_p.h"
 #include "internal/RegularFile_p.h"
-#include "internal/log_p.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -9,7 +9,7 @@
 
 #include <memory>
 
-using Internal::log;
+using Internal::guarded;
 
 namespace QERNTools {
 
@@ -114,16 +114,13 @@ qint64 Tools::getUsedSpacePercent(const QString &path)
 
 bool Tools::SD_Card_is_OK()
 {
-    try {
+    return guarded("Tools::SD_Card_is_OK(): ", [] {
         Internal::RegularFile file(QStringLiteral("/etc/korva/sdcard.error"));
         if (!file.exists())
             return true;
         return file.open(QIODevice::ReadOnly | QIODevice::Text)
             && QString::fromUtf8(file.readAll()).startsWith(QLatin1Char('0'));
-    } catch (const std::exception &exception) {
-        log() << "Tools::SD_Card_is_OK(): " << exception.what();
-        return false;
-    }
+    });
 }
 
 } // namespace QERNTools

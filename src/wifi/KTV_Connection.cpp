@@ -2,6 +2,7 @@
 
 #include "internal/CommandRunner_p.h"
 #include "internal/DurableFile_p.h"
+#include "internal/Guarded_p.h"
 #include "internal/log_p.h"
 #include "wifi/KnownNetworks_p.h"
 #include "wifi/NetworkList_p.h"
@@ -12,6 +13,7 @@
 #include <QMetaMethod>
 #include <QTimer>
 
+using Internal::guarded;
 using Internal::log;
 using Internal::Waits;
 
@@ -218,7 +220,7 @@ QString KTV_Connection::_WPA_Passphrase(const QString &essid, const QString &pas
 
 void KTV_Connection::_buildConfFile(const QString &preferred, QList<Network *> *networks)
 {
-    try {
+    guarded("KTV_Connection::_buildConfFile: exception:", [&] {
         QString text = SupplicantConfiguration::header();
         for (const Network *network : qAsConst(*networks)) {
             QString entry = network->encryption
@@ -235,9 +237,7 @@ void KTV_Connection::_buildConfFile(const QString &preferred, QList<Network *> *
             _restart();
         else
             log() << "KTV_Connection::_buildConfFile: open file:" << reason;
-    } catch (const std::exception &exception) {
-        log() << "KTV_Connection::_buildConfFile: exception:" << exception.what();
-    }
+    });
 }
 
 void KTV_Connection::_updateSystem(const QString &preferred)

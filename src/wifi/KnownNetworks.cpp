@@ -1,6 +1,7 @@
 #include "wifi/KnownNetworks_p.h"
 
 #include "internal/DurableFile_p.h"
+#include "internal/Guarded_p.h"
 #include "internal/log_p.h"
 #include "wifi/SecretFile_p.h"
 
@@ -9,6 +10,7 @@
 
 #include <memory>
 
+using Internal::guarded;
 using Internal::log;
 
 namespace WiFi {
@@ -157,7 +159,7 @@ NetworkList KnownNetworks::all()
     NetworkList networks = makeNetworkList();
     if (!m_database.isOpen())
         return networks;
-    try {
+    guarded("GetMyNetwork: ", [&] {
         Internal::Statement query(m_database, QStringLiteral("SELECT * FROM NETWORKS"));
         while (query.next()) {
             auto network = std::make_unique<Network>();
@@ -167,9 +169,7 @@ NetworkList KnownNetworks::all()
             networks->append(network.get());
             static_cast<void>(network.release()); // the list's from here on
         }
-    } catch (const std::exception &exception) {
-        log() << "GetMyNetwork: " << exception.what();
-    }
+    });
     return networks;
 }
 
