@@ -1,0 +1,45 @@
+// A pick list with search: the materials whose name holds what the user has typed so far, the
+// user's own and those that came with the device.
+
+#include <datalist/KTV_DataList.h>
+#include <datalist/MaterialList_Element.h>
+#include <datasource/KTV_DataSource.h>
+
+#include <QCoreApplication>
+#include <QTextStream>
+
+#include <memory>
+
+namespace {
+
+/** The first @p limit rows that hold @p typed. */
+void show(KTV_DataList &lists, const QString &typed, int limit)
+{
+    QTextStream out(stdout);
+    out << "\"" << typed << "\":\n";
+    // The list and its rows are ours to delete.
+    const std::unique_ptr<QList<MaterialList_Element *>> rows(
+        lists.GetMaterials(true, true, typed, limit));
+    for (const MaterialList_Element *row : std::as_const(*rows))
+        out << "  " << row->Name << ", " << row->Alpha << " 1/K"
+            << (row->ReadOnly ? "" : ", the user's own") << "\n";
+    qDeleteAll(*rows);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    KTV_DataSource meter;
+    meter.setMeterSerialName(QStringLiteral("CH20417"));
+    KTV_DataList &lists = *meter.get_DataList();
+
+    // False for a name that is there already, and when the card cannot be written.
+    if (!lists.AddMaterial(QStringLiteral("Copper, tinned"), 0.00389))
+        QTextStream(stderr) << "not stored\n";
+    constexpr int all = 100;
+    show(lists, QStringLiteral("co"), all);
+    show(lists, QStringLiteral("copper, t"), all);
+    show(lists, QString(), 2);
+}

@@ -1,0 +1,40 @@
+// The WiFi symbol of an interface: known networks are stored, and the state is told whenever it
+// changes. Ends once the network is joined.
+
+#include <datasource/KTV_DataSource.h>
+#include <wifi/KTV_Connection.h>
+#include <wifi/Network.h>
+
+#include <QCoreApplication>
+#include <QMetaEnum>
+#include <QTextStream>
+
+using WiFi::KTV_Connection;
+using WiFi::Network;
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    if (argc < 2) {
+        QTextStream(stderr) << "usage: example-wifi NETWORK [PASS-PHRASE]\n";
+        return 2;
+    }
+    KTV_DataSource meter;
+    KTV_Connection *connection = meter.getConnection();
+
+    // The state comes from a worker: the receiver's thread takes it in its event loop.
+    QObject::connect(
+        connection, &KTV_Connection::WiFi_State_Change, &application,
+        [](int state) {
+            QTextStream(stdout) << QMetaEnum::fromType<Network::wifiStates>().valueToKey(state)
+                                << Qt::endl;
+            if (state >= Network::wifi_States_Connect_0)
+                QCoreApplication::quit();
+        },
+        Qt::QueuedConnection);
+
+    // Blocks for a second and more: an interface shows that it is busy.
+    connection->AddNetwork(QString::fromLocal8Bit(argv[1]),
+                           argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString());
+    return QCoreApplication::exec();
+}
