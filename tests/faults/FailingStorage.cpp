@@ -1,0 +1,200 @@
+#include "FailingStorage.h"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+// What is called here goes to the kernel directly: the functions below are those of the program.
+
+namespace FailingStorage {
+
+namespace {
+
+constexpr std::string_view watched[] = {"/media/sdcard/", "/etc/wpa_supplicant/", "/home/root/"};
+
+struct Plan
+{
+    std::atomic<int> call {-1};
+    std::atomic<int> number {0};
+    std::atomic<int> error {0};
+    std::atomic<bool> lasting {false};
+};
+
+Plan plan;
+std::array<std::atomic<int>, callCount> counts {};
+std::atomic<bool> failed {false};
+
+bool isWatched(std::string_view path)
+{
+    for (const auto &prefix : watched) {
+        // The folder itself counts, too: it is opened to be flushed.
+        if (path.substr(0, prefix.size()) == prefix || path == prefix.substr(0, prefix.size() - 1))
+            return true;
+    }
+    return false;
+}
+
+/** Whether this call fails; errno is set then. */
+bool fails(Call call, const char *path)
+{
+    if (!path || !isWatched(path))
+        return false;
+    const int number = ++counts.at(size_t(call));
+    if (plan.call != call || number < plan.number || (number > plan.number && !plan.lasting))
+        return false;
+    failed = true;
+    errno = plan.error;
+    return true;
+}
+
+bool fails(Call call, int descriptor)
+{
+    std::array<char, 64> link {};
+    std::array<char, PATH_MAX> path {};
+    std::snprintf(link.data(), link.size(), "/proc/self/fd/%d", descriptor);
+    const auto length =
+        ::syscall(SYS_readlinkat, AT_FDCWD, link.data(), path.data(), path.size() - 1);
+    return length > 0 && fails(call, path.data());
+}
+
+} // namespace
+
+void reset()
+{
+    plan.call = -1;
+    failed = false;
+    for (auto &count : counts)
+        count = 0;
+}
+
+int count(Call call)
+{
+    return counts.at(size_t(call));
+}
+
+bool hasFailed()
+{
+    return failed;
+}
+
+void failAt(Call call, int number, int error, bool lasting)
+{
+    reset();
+    plan.number = number;
+    plan.error = error;
+    plan.lasting = lasting;
+    plan.call = call;
+}
+
+} // namespace FailingStorage
+
+using namespace FailingStorage;
+
+namespace {
+
+int openAt(int folder, const char *path, int flags, mode_t mode)
+{
+    return fails(Open, path) ? -1 : int(::syscall(SYS_openat, folder, path, flags, mode));
+}
+
+/** The mode among a call's last arguments, where there is one. */
+#define MODE_OF(flags)                                                                             \
+    mode_t mode = 0;                                                                               \
+    if (((flags) & (O_CREAT | O_TMPFILE)) != 0) {                                                  \
+        va_list rest;                                                                              \
+        va_start(rest, flags);                                                                     \
+        mode = mode_t(va_arg(rest, int));                                                          \
+        va_end(rest);                                                                              \
+    }
+
+} // namespace
+
+extern "C" {
+
+int open(const char *path, int flags, ...)
+{
+    MODE_OF(flags)
+    return openAt(AT_FDCWD, path, flags, mode);
+}
+
+int open64(const char *path, int flags, ...)
+{
+    MODE_OF(flags)
+    return openAt(AT_FDCWD, path, flags, mode);
+}
+
+int openat(int folder, const char *path, int flags, ...)
+{
+    MODE_OF(flags)
+    return openAt(folder, path, flags, mode);
+}
+
+int openat64(int folder, const char *path, int flags, ...)
+{
+    MODE_OF(flags)
+    return openAt(folder, path, flags, mode);
+}
+
+ssize_t write(int descriptor, const void *bytes, size_t size)
+{
+    return fails(Write, descriptor) ? -1 : ::syscall(SYS_write, descriptor, bytes, size);
+}
+
+ssize_t pwrite(int descriptor, const void *bytes, size_t size, off_t offset)
+{
+    return fails(Write, descriptor) ? -1 : ::syscall(SYS_pwrite64, descriptor, bytes, size, offset);
+}
+
+ssize_t pwrite64(int descriptor, const void *bytes, size_t size, off64_t offset)
+{
+    return fails(Write, descriptor) ? -1 : ::syscall(SYS_pwrite64, descriptor, bytes, size, offset);
+}
+
+int fsync(int descriptor)
+{
+    return fails(Flush, descriptor) ? -1 : int(::syscall(SYS_fsync, descriptor));
+}
+
+int fdatasync(int descriptor)
+{
+    return fails(Flush, descriptor) ? -1 : int(::syscall(SYS_fdatasync, descriptor));
+}
+
+int rename(const char *from, const char *to) noexcept
+{
+    return fails(Rename, to) ? -1 : int(::syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0));
+}
+
+int renameat2(int fromFolder, const char *from, int toFolder, const char *to,
+              unsigned int flags) noexcept
+{
+    return fails(Rename, to) ? -1
+                             : int(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+}
+
+int unlink(const char *path) noexcept
+{
+    return fails(Unlink, path) ? -1 : int(::syscall(SYS_unlinkat, AT_FDCWD, path, 0));
+}
+
+int ftruncate(int descriptor, off_t size) noexcept
+{
+    return fails(Truncate, descriptor) ? -1 : int(::syscall(SYS_ftruncate, descriptor, size));
+}
+
+int ftruncate64(int descriptor, off64_t size) noexcept
+{
+    return fails(Truncate, descriptor) ? -1 : int(::syscall(SYS_ftruncate, descriptor, size));
+}
+
+} // extern "C"

@@ -1,0 +1,380 @@
+#include "FailingStorage.h"
+#include "support/LogCapture.h"
+#include "support/Meter.h"
+
+#include <configuration/KTV_InterfaceConfig.h>
+#include <counters/KTV_Liczniki.h>
+#include <datalist/KTV_DataList.h>
+#include <wifi/KTV_Connection.h>
+
+#include <QDir>
+#include <QtTest>
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <optional>
+
+namespace {
+
+const QString userData = QStringLiteral("/media/sdcard/UserData/");
+const QString logs = QStringLiteral("/media/sdcard/Log/");
+const QString languages = QStringLiteral("/home/root/Langs/");
+const QString supplicantFile = QStringLiteral("/etc/wpa_supplicant/wpa_supplicant-wlan0.conf");
+const QString passPhrase = QStringLiteral("ohm-law-1827");
+
+/**
+ * One change of what is stored. Its state is a text, whatever it is made of: what was there
+ * before, or what the change makes of it.
+ */
+class Operation
+{
+public:
+    virtual ~Operation() = default;
+
+    /** Lays out the state that the change begins with, and opens the service. */
+    virtual void prepare() = 0;
+    /** Makes the change. @return the answer; nothing for one that only the log can tell */
+    virtual std::optional<bool> change() = 0;
+    /** What is stored, as the next start finds it. */
+    virtual QString state() = 0;
+};
+
+void clearStores()
+{
+    for (const QString &directory : {userData, logs}) {
+        QDir(directory).removeRecursively();
+        QDir().mkpath(directory);
+    }
+}
+
+class SettingChange : public Operation
+{
+public:
+    void prepare() override
+    {
+        clearStores();
+        m_store.emplace(userData);
+        m_store->setValue(KTV_InterfaceConfig::MAIN_Pin, QStringLiteral("old"));
+        m_store->setValue(KTV_InterfaceConfig::MAIN_Lang, QStringLiteral("PL"));
+    }
+    std::optional<bool> change() override
+    {
+        m_store->setValue(KTV_InterfaceConfig::MAIN_Pin, QStringLiteral("new"));
+        return std::nullopt;
+    }
+    QString state() override
+    {
+        m_store.reset();
+        m_store.emplace(userData);
+        return m_store->getValue(KTV_InterfaceConfig::MAIN_Pin, QStringLiteral("none")) + ' '
+            + m_store->getValue(KTV_InterfaceConfig::MAIN_Lang, QStringLiteral("none"));
+    }
+
+protected:
+    std::optional<KTV_InterfaceConfig> m_store;
+};
+
+class SettingsReset : public SettingChange
+{
+public:
+    std::optional<bool> change() override { return m_store->CreateNew(); }
+};
+
+template <typename Element> QStringList namesOf(QList<Element *> *list)
+{
+    QStringList names;
+    if (!list)
+        return {QStringLiteral("unreadable")};
+    for (const Element *element : *list)
+        names += element->Value;
+    qDeleteAll(*list);
+    delete list;
+    return names;
+}
+
+class ListAdd : public Operation
+{
+public:
+    void prepare() override
+    {
+        clearStores();
+        m_lists.reset();
+        m_lists = std::make_unique<KTV_DataList>(userData, languages, QStringLiteral("EN"));
+        m_lists->AddObiectTyp(QStringLiteral("old"));
+    }
+    std::optional<bool> change() override { return m_lists->AddObiectTyp(QStringLiteral("new")); }
+    QString state() override
+    {
+        m_lists.reset();
+        m_lists = std::make_unique<KTV_DataList>(userData, languages, QStringLiteral("EN"));
+        return QStringLiteral("%1 %2 %3 ")
+                   .arg(m_lists->GetDefaultObiectTypCount())
+                   .arg(m_lists->GetDefaultObiectNameCount())
+                   .arg(m_lists->GetDefaultMaterialsCount())
+            + namesOf(m_lists->GetObiectTyp(false, true, QString(), 0)).join(' ');
+    }
+
+protected:
+    std::unique_ptr<KTV_DataList> m_lists;
+};
+
+class ListReset : public ListAdd
+{
+public:
+    std::optional<bool> change() override { return m_lists->RestoreFabricalSetting(); }
+};
+
+/** The first start: there is no store yet. What is not there afterwards comes with the next one. */
+class FirstStart : public ListAdd
+{
+public:
+    void prepare() override
+    {
+        clearStores();
+        m_lists.reset();
+    }
+    std::optional<bool> change() override
+    {
+        m_lists = std::make_unique<KTV_DataList>(userData, languages, QStringLiteral("EN"));
+        return std::nullopt;
+    }
+};
+
+class NetworkAdd : public Operation
+{
+public:
+    void prepare() override
+    {
+        clearStores();
+        m_wifi.reset();
+        m_wifi = std::make_unique<WiFi::KTV_Connection>(userData);
+        m_wifi->AddNetwork(QStringLiteral("old"), QString());
+    }
+    std::optional<bool> change() override
+    {
+        return m_wifi->AddNetwork(QStringLiteral("new"), passPhrase);
+    }
+    QString state() override
+    {
+        m_wifi.reset(); // the next start writes the supplicant's file anew
+        const QString file = QString::fromUtf8(Meter::readFile(supplicantFile));
+        m_wifi = std::make_unique<WiFi::KTV_Connection>(userData);
+        QStringList names;
+        const std::unique_ptr<QList<WiFi::Network *>> known(m_wifi->GetMyNetwork());
+        for (const WiFi::Network *network : *known)
+            names += network->ESSID;
+        qDeleteAll(*known);
+        m_isFileWhole = file.count('{') == file.count('}') && file.contains("ap_scan=1\n\n");
+        return names.join(' ');
+    }
+    bool isFileWhole() const { return m_isFileWhole; }
+
+protected:
+    std::unique_ptr<WiFi::KTV_Connection> m_wifi;
+    bool m_isFileWhole = false;
+};
+
+class NetworkReset : public NetworkAdd
+{
+public:
+    std::optional<bool> change() override { return m_wifi->RestoreFabricalSetting(); }
+};
+
+/** The file for the supplicant alone: a preference is nowhere else. */
+class Preference : public NetworkAdd
+{
+public:
+    void prepare() override
+    {
+        NetworkAdd::prepare();
+        m_wifi->AddNetwork(QStringLiteral("new"), QString());
+    }
+    std::optional<bool> change() override
+    {
+        m_wifi->SetPreferedNetwork(QStringLiteral("old"));
+        return std::nullopt;
+    }
+    QString state() override { return QString::fromUtf8(Meter::readFile(supplicantFile)); }
+};
+
+class CountersSaved : public Operation
+{
+public:
+    void prepare() override
+    {
+        m_counters.reset();
+        clearStores();
+        { // its end writes the file
+            KTV_Liczniki counters(logs);
+            counters.up_dictionary(KTV_Liczniki::Licznik_Demagnetyzacja);
+        }
+        m_counters = std::make_unique<KTV_Liczniki>(logs);
+    }
+    std::optional<bool> change() override
+    {
+        m_counters->up_dictionary(KTV_Liczniki::Licznik_Demagnetyzacja);
+        m_counters.reset();
+        return std::nullopt;
+    }
+    QString state() override
+    {
+        return QString::fromLatin1(Meter::readFile(logs + "liczniki.bin").toHex());
+    }
+
+private:
+    std::unique_ptr<KTV_Liczniki> m_counters;
+};
+
+struct Named
+{
+    const char *name;
+    std::unique_ptr<Operation> (*make)();
+};
+
+template <typename Type> std::unique_ptr<Operation> make()
+{
+    return std::make_unique<Type>();
+}
+
+const Named operations[] = {
+    {"a setting is changed", make<SettingChange>},
+    {"settings are reset", make<SettingsReset>},
+    {"a list gets an entry", make<ListAdd>},
+    {"lists are reset", make<ListReset>},
+    {"first start", make<FirstStart>},
+    {"a network gets known", make<NetworkAdd>},
+    {"known networks are reset", make<NetworkReset>},
+    {"a network is preferred", make<Preference>},
+    {"counters are saved", make<CountersSaved>},
+};
+
+struct Fault
+{
+    FailingStorage::Call call;
+    const char *name;
+    QVector<int> errors;
+};
+
+const Fault faults[] = {
+    {FailingStorage::Open, "open", {EMFILE, EIO, ENOSPC, EROFS}},
+    {FailingStorage::Write, "write", {ENOSPC, EIO}},
+    {FailingStorage::Flush, "flush", {EIO, ENOSPC}},
+    {FailingStorage::Rename, "rename", {EIO, ENOSPC, EROFS}},
+    {FailingStorage::Unlink, "unlink", {EIO, EROFS}},
+    {FailingStorage::Truncate, "truncate", {EIO, ENOSPC}},
+};
+
+/** Every reason in the long form, which takes minutes; otherwise the first. */
+QVector<int> reasons(const Fault &fault)
+{
+    static const bool isLong = qEnvironmentVariableIsSet("KTV_LONG_FORM");
+    return isLong ? fault.errors : fault.errors.mid(0, 1);
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(const Named *)
+Q_DECLARE_METATYPE(const Fault *)
+
+/**
+ * Every call that a change makes of the card fails, for itself and with all that come after it.
+ * Nothing crashes or hangs; the answer is yes only when the change is there; what is stored is what
+ * was there before or what was wanted; the log tells what went wrong; no pass phrase is in it; and
+ * when the fault is gone the same change succeeds.
+ */
+class TstFailingStorage : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void everyCall_data();
+    void everyCall();
+
+private:
+    void check(const Named &named, const Fault &fault, int number, int error, bool lasting);
+
+    QString m_before;
+    QString m_after;
+};
+
+void TstFailingStorage::initTestCase()
+{
+    for (const char *program : {"ifconfig", "systemctl"}) // only cost time here
+        Meter::hideProgram(program);
+    QDir(languages).removeRecursively();
+    for (const char *list : {"obiectTyp", "obiectName", "materials"})
+        Meter::writeFile(languages + "EN/default_" + list + ".txt", "One?1\nTwo?2\n");
+}
+
+void TstFailingStorage::everyCall_data()
+{
+    QTest::addColumn<const Named *>("named");
+    QTest::addColumn<const Fault *>("fault");
+    for (const Named &named : operations) {
+        for (const Fault &fault : faults)
+            QTest::addRow("%s: %s", named.name, fault.name) << &named << &fault;
+    }
+}
+
+void TstFailingStorage::everyCall()
+{
+    QFETCH(const Named *, named);
+    QFETCH(const Fault *, fault);
+    auto operation = named->make();
+    operation->prepare();
+    FailingStorage::reset();
+    operation->change();
+    const int calls = FailingStorage::count(fault->call);
+    m_after = operation->state();
+    operation->prepare();
+    m_before = operation->state();
+    operation.reset();
+    for (int number = 1; number <= calls; ++number) {
+        for (const int error : reasons(*fault)) {
+            for (const bool lasting : {false, true}) {
+                check(*named, *fault, number, error, lasting);
+                if (QTest::currentTestFailed()) {
+                    qWarning("in: %s %d fails, %s%s", fault->name, number, std::strerror(error),
+                             lasting ? ", and all after it" : "");
+                    return;
+                }
+            }
+        }
+    }
+}
+
+void TstFailingStorage::check(const Named &named, const Fault &fault, int number, int error,
+                              bool lasting)
+{
+    const auto operation = named.make();
+    operation->prepare();
+    QStringList lines;
+    std::optional<bool> answer;
+    {
+        const LogCapture log;
+        FailingStorage::failAt(fault.call, number, error, lasting);
+        answer = operation->change();
+        const bool hasFailed = FailingStorage::hasFailed();
+        FailingStorage::reset();
+        lines = log.lines();
+        QVERIFY(hasFailed);
+    }
+    const QString state = operation->state();
+    const bool isDone = state == m_after;
+    QVERIFY2(isDone || state == m_before, qPrintable(state));
+    if (answer)
+        QVERIFY2(!*answer || isDone, qPrintable(lines.join('\n')));
+    else if (!isDone)
+        QVERIFY(!lines.isEmpty());
+    QVERIFY(lines.filter(passPhrase).isEmpty());
+    if (const auto *network = dynamic_cast<NetworkAdd *>(operation.get()))
+        QVERIFY(network->isFileWhole() || dynamic_cast<const Preference *>(network));
+    // The fault is gone.
+    operation->prepare();
+    operation->change();
+    QCOMPARE(operation->state(), m_after);
+}
+
+KTV_METER_TEST_MAIN(TstFailingStorage)
+#include "tst_failing_storage.moc"
