@@ -1,0 +1,368 @@
+#include "NoProcesses.h"
+#include "support/Meter.h"
+
+#include <sound/BuzzerClass.h>
+#include <tools/Tools.h>
+#include <wifi/KTV_Connection.h>
+
+#include <QDir>
+#include <QThreadPool>
+#include <QtTest>
+
+#include <memory>
+
+using Buzzer::BuzzerClass;
+using QERNTools::Tools;
+using SoundNamespace::Sound;
+using WiFi::KTV_Connection;
+using WiFi::Network;
+
+namespace {
+
+/** What may be wrong with a tool, or with what every tool needs. */
+enum Fault
+{
+    Missing,
+    Slow, ///< its work begins after two seconds
+    Deaf, ///< does nothing, for ever, and ends for SIGKILL only
+    Endless, ///< prints without end
+    Forking, ///< does its work and leaves a child behind that holds its pipe
+    NoDescriptors,
+    NoMoreProcesses
+};
+
+const char *const faultNames[] = {
+    "missing", "slow", "deaf", "endless", "forking", "no descriptors left", "no processes left"};
+
+/** Where the library calls a tool. */
+struct Place
+{
+    const char *name;
+    const char *tool;
+    void (*prepare)();
+    QString (*call)(); ///< @return what came of it
+    /**
+     * What comes of it when nothing is wrong, and what else may. For each fault there is a digit,
+     * which of the answers is the right one then; x stands where the wait has no limit, which is
+     * what the fault would need.
+     */
+    QStringList answers;
+    const char *expected;
+    bool isPatient = false; ///< waits for seconds: for what never ends, only in the long form
+};
+
+bool isLongForm()
+{
+    return qEnvironmentVariableIsSet("KTV_LONG_FORM");
+}
+
+QString text(bool answer)
+{
+    return answer ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+void execute(const char *program, const QStringList &arguments)
+{
+    QProcess::execute(QString::fromLatin1(program), arguments);
+}
+
+// --- USB port
+
+void nothingConnected()
+{
+    execute("modprobe-usb-gadget", {"g_ether"});
+    execute("/usr/bin/ip", {"link", "delete", "usb0"});
+}
+
+void serialLine()
+{
+    execute("systemctl", {"stop", "busybox.getty@ttyGS0.service"});
+    execute("modprobe-usb-gadget", {"g_serial"});
+}
+
+void console()
+{
+    serialLine();
+    execute("systemctl", {"start", "busybox.getty@ttyGS0.service"});
+}
+
+QString serialGadget()
+{
+    return text(Tools::StartRS232());
+}
+
+QString networkGadget()
+{
+    return text(Tools::StartRNDIS());
+}
+
+QString startConsole()
+{
+    return text(Tools::StartRS232Console());
+}
+
+QString stopConsole()
+{
+    return text(Tools::StopRS232Console());
+}
+
+QString owner()
+{
+    return Tools::getRS232_Function() == Tools::RS232_Console ? "console" : "nobody";
+}
+
+// --- WiFi
+
+const QString networks = QStringLiteral("/tmp/networks/");
+const QString supplicantFile = QStringLiteral("/etc/wpa_supplicant/wpa_supplicant-wlan0.conf");
+QFile flags(QStringLiteral("/sys/class/net/wlan0/flags")); // open before descriptors are taken
+std::unique_ptr<KTV_Connection> connection;
+
+/** In the network "Lab", and with nothing that would see to it by itself. */
+void connected()
+{
+    if (!connection) {
+        flags.close();
+        flags.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+        QDir().mkpath(networks);
+        Meter::writeFile("/run/meter/radio", "-60\tLab\t-\n");
+        connection = std::make_unique<KTV_Connection>(networks);
+        for (auto *timer : connection->findChildren<QTimer *>())
+            timer->stop(); // calls come from here only
+        QThreadPool::globalInstance()->waitForDone();
+    }
+    execute("systemctl", {"stop", "wpa_supplicant@wlan0"});
+    execute("/usr/bin/ip", {"link", "set", "wlan0", "up"});
+    execute("/usr/bin/ip", {"address", "replace", "10.1.2.3/24", "dev", "wlan0"});
+    Meter::writeFile("/run/meter/private/link-wlan0", "-\nLab");
+}
+
+QString state()
+{
+    const std::unique_ptr<Network> network(connection->getWiFi_Info());
+    return QString::number(network->state);
+}
+
+QString scan()
+{
+    QString result;
+    const auto told =
+        QObject::connect(connection.get(), &KTV_Connection::WiFi_Scan, [&](QList<Network *> *list) {
+            result = !list ? "no answer" : list->isEmpty() ? "none" : "networks";
+            if (list)
+                qDeleteAll(*list);
+            delete list;
+        });
+    connection->ScanNetwork(true);
+    QThreadPool::globalInstance()->waitForDone();
+    connection->ScanNetwork(false);
+    QObject::disconnect(told);
+    return result;
+}
+
+QString switchOff()
+{
+    connection->set_wifi_Enable(false);
+    QThreadPool::globalInstance()->waitForDone();
+    flags.seek(0);
+    return flags.readAll().trimmed().toInt(nullptr, 16) & 1 ? "on" : "off";
+}
+
+void noNetworks()
+{
+    connected();
+    connection->RestoreFabricalSetting();
+}
+
+QString add(const QString &key)
+{
+    if (!connection->AddNetwork("Lab", key))
+        return "refused";
+    return Meter::readFile(supplicantFile).contains("network={") ? "entry" : "no entry";
+}
+
+QString addNetwork()
+{
+    return add("ohm-law-1827");
+}
+
+QString addOpenNetwork()
+{
+    return add({});
+}
+
+// --- sound
+
+void silent()
+{
+    BuzzerClass::BuzzerClass_Initialiser(KTV_Configuration::KTV_420, "/etc/wav/", false);
+}
+
+QString loop()
+{
+    Sound::Play(Sound::SOUND_ERROR, true, true, "/etc/wav/");
+    Sound::KillProcess();
+    return Sound::process ? "sounds" : "silent";
+}
+
+QString sample()
+{
+    Sound::Play(Sound::SOUND_ERROR, false, true, "/etc/wav/");
+    const QString result = Sound::process ? "sounds" : "silent";
+    Sound::KillProcess();
+    return result;
+}
+
+bool hasComplained;
+
+QString volume()
+{
+    hasComplained = false;
+    const auto before = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext &, const QString &) { hasComplained = true; });
+    Sound::SetVolumme(50);
+    qInstallMessageHandler(before);
+    return hasComplained ? "logged" : "done";
+}
+
+QString tone()
+{
+    BuzzerClass::Beep(BuzzerClass::Tone_Decline, true);
+    BuzzerClass::BuzzerClass_Free();
+    return BuzzerClass::future.isFinished() ? "silent" : "sounds";
+}
+
+// In this order: missing, slow, deaf, endless, forking, no descriptors, no processes.
+// clang-format off
+const Place places[] = {
+    {"serial gadget", "modprobe-usb-gadget", nothingConnected, serialGadget, {"true", "false"}, "1011011", true},
+    {"network gadget", "modprobe-usb-gadget", nothingConnected, networkGadget, {"true", "false"}, "1011011", true},
+    {"network interface", "ifconfig", nothingConnected, networkGadget, {"true", "false"}, "1011011", true},
+    {"owner by processes", "ps", console, owner, {"console", "nobody"}, "0000011", true},
+    {"owner by services", "systemctl", console, owner, {"console", "nobody"}, "1011011", true},
+    // A shell without the program prints nothing, as the service manager does when all is well.
+    {"console starts", "systemctl", serialLine, startConsole, {"true", "false"}, "0011011", true},
+    {"console ends", "systemctl", console, stopConsole, {"true", "false"}, "0011011", true},
+    // In a pipeline the reader waits for whoever holds its other end.
+    {"interface's state", "ifconfig", connected, state, {"6", "1"}, "1111111"},
+    {"network's name", "iwgetid", connected, state, {"6", "2", "1"}, "1111022"},
+    {"network's level", "iwconfig", connected, state, {"6", "2", "1"}, "1111122"},
+    {"networks in reach", "iwlist", connected, scan, {"networks", "none", "no answer", ""}, "1022232", true},
+    {"radio off", "ifconfig", connected, switchOff, {"off", "on"}, "1011011", true},
+    {"supplicant restarts", "systemctl", noNetworks, addOpenNetwork, {"entry", "refused"}, "00x0010"},
+    {"key of a network", "wpa_passphrase", noNetworks, addNetwork, {"entry", "no entry", "refused"}, "1111021"},
+    {"sample", "aplay", silent, sample, {"sounds", "silent"}, "1000011"},
+    {"sample in a loop", "aplay", silent, loop, {"silent"}, "0000000"},
+    {"end of a sample", "pkill", silent, loop, {"silent"}, "0000000"},
+    {"volume", "amixer", silent, volume, {"done", "logged"}, "1011011", true},
+    {"tone", "beep", silent, tone, {"silent"}, "0000000"},
+    {"end of a tone", "killall", silent, tone, {"silent"}, "0000000"},
+};
+// clang-format on
+
+QString callWith(Fault fault, const Place &place)
+{
+    const QString tool = place.tool;
+    switch (fault) {
+    case Missing:
+        Meter::hideProgram(tool);
+        break;
+    case Slow:
+        Meter::recordProgram(tool);
+        Meter::setBehaviour(tool, "delay=2");
+        break;
+    case Deaf:
+        Meter::replaceProgram(tool, "trap '' TERM INT HUP; exec sleep 100000");
+        break;
+    case Endless:
+        Meter::replaceProgram(tool, "exec yes 'wlan0 inet Cell'");
+        break;
+    case Forking:
+        Meter::replaceProgram(
+            tool,
+            "sleep 100000 &\n"
+            "[ ! -x /opt/meter/bin/$program ] || exec /opt/meter/bin/$program \"$@\"\n"
+            "PATH=/run/meter/busybox:$PATH\n"
+            "exec $program \"$@\"");
+        break;
+    case NoDescriptors: {
+        const Meter::FewDescriptors none(0);
+        return place.call();
+    }
+    case NoMoreProcesses: {
+        NoProcesses::set(true);
+        const QString answer = place.call();
+        NoProcesses::set(false);
+        return answer;
+    }
+    }
+    const QString answer = place.call();
+    Meter::showProgram(tool);
+    Meter::setBehaviour(tool, {});
+    return answer;
+}
+
+int openDescriptors()
+{
+    QThreadPool::globalInstance()->waitForDone(); // its threads have some of their own
+    return int(QDir("/proc/self/fd")
+                   .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
+                   .size());
+}
+
+} // namespace
+
+/**
+ * Each tool with each fault, wherever it is called: the call comes back with the right answer,
+ * nothing is left of the tool, no descriptor is lost, and the next call succeeds.
+ */
+class TstFailingTools : public QObject
+{
+    Q_OBJECT
+private slots:
+    void everyFault_data();
+    void everyFault();
+    void cleanupTestCase() { connection.reset(); }
+};
+
+void TstFailingTools::everyFault_data()
+{
+    QTest::addColumn<int>("place");
+    QTest::addColumn<int>("fault");
+    int index = 0;
+    for (const Place &place : places) {
+        for (int fault = Missing; fault <= NoMoreProcesses; ++fault) {
+            const bool isWaited = fault >= Slow && fault <= Forking;
+            const bool isIncluded =
+                place.expected[fault] != 'x' && (isLongForm() || !place.isPatient || !isWaited);
+            if (isIncluded)
+                QTest::addRow("%s: %s %s", place.name, place.tool, faultNames[fault])
+                    << index << fault;
+        }
+        ++index;
+    }
+}
+
+void TstFailingTools::everyFault()
+{
+    QFETCH(int, place);
+    QFETCH(int, fault);
+    const Place &tried = places[place];
+    tried.prepare();
+    QCOMPARE(tried.call(), tried.answers.first());
+    const int descriptors = openDescriptors();
+    tried.prepare();
+    QCOMPARE(callWith(Fault(fault), tried), tried.answers.at(tried.expected[fault] - '0'));
+    if (fault == Forking) // who has ended by himself may leave somebody behind
+        execute("/usr/bin/pkill", {"-KILL", "-x", "sleep"});
+    for (const char *program : {"sleep", "yes", "aplay", "beep", "cat"})
+        QTRY_COMPARE(Meter::processes(program), QStringList());
+    if (fault == NoDescriptors)
+        connection.reset(); // what it has put off is not for the next row
+    tried.prepare();
+    QCOMPARE(tried.call(), tried.answers.first());
+    QTRY_VERIFY2(openDescriptors() <= descriptors, qPrintable(QString::number(openDescriptors())));
+}
+
+KTV_METER_TEST_MAIN(TstFailingTools)
+#include "tst_failing_tools.moc"
