@@ -337,7 +337,10 @@ void TstPanelMeasuring::seriesIsSavedUnderASafeAndFreeName()
     measureWith(panel, objectOf(0.0012347F));
     QVERIFY(record(panel));
     TAP(panel, "record.view.1");
-    QCOMPARE(panel.list("record.table")->rowCount(), 10);
+    const TouchList *table = panel.list("record.table");
+    QCOMPARE(table->rowCount(), 10);
+    QVERIFY(Finger::waitFor(
+        [&] { return table->viewport()->rect().contains(table->rowRect(9).center()); }));
     QVERIFY(writeClient(panel, QStringLiteral("Yard 7/4: \"B\"")));
     const QDir directory(QLatin1String(clients) + QStringLiteral("/Yard 7_4_ _B_"));
     const QString date = QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd"));

@@ -1,3 +1,4 @@
+#include "meter/AxisScale.h"
 #include "meter/Limit.h"
 #include "meter/Lists.h"
 #include "meter/Measurement.h"
@@ -11,6 +12,7 @@
 
 #include "meter/Hardware.h"
 #include "support/Meter.h"
+#include "touch/Envelope.h"
 
 #include <configuration/KTV_Configuration.h>
 #include <configuration/KTV_InterfaceConfig.h>
@@ -79,6 +81,12 @@ private slots:
     void statisticsOfNothing();
     void outcomeOfASeries_data();
     void outcomeOfASeries();
+    void nearestReading_data();
+    void nearestReading();
+    void axisInOnePrefix_data();
+    void axisInOnePrefix();
+    void curveOfAnyLength();
+    void curveWithGaps();
     void seriesAsAFile();
     void seriesFollowsTheUnit();
     void recorderEndsByItself();
@@ -302,6 +310,78 @@ void TstPanelMeter::outcomeOfASeries()
     for (const float value : std::as_const(values))
         series.add(0, value);
     QTEST(int(series.outcome()), "outcome");
+}
+
+void TstPanelMeter::nearestReading_data()
+{
+    QTest::addColumn<double>("seconds");
+    QTest::addColumn<int>("index");
+    QTest::newRow("before the first") << -1. << 0;
+    QTest::newRow("exactly") << 0.4 << 1;
+    QTest::newRow("nearer to the earlier") << 0.49 << 1;
+    QTest::newRow("nearer to the later") << 0.51 << 2;
+    QTest::newRow("after the last") << 9. << 2;
+}
+
+void TstPanelMeter::nearestReading()
+{
+    QFETCH(double, seconds);
+    QCOMPARE(Series().nearest(seconds), -1);
+    Series series(circumstances());
+    for (const qint64 ms : {200, 400, 600})
+        series.add(ms, 1);
+    QTEST(series.nearest(seconds), "index");
+}
+
+void TstPanelMeter::axisInOnePrefix_data()
+{
+    QTest::addColumn<Quantity>("quantity");
+    QTest::addColumn<double>("magnitude");
+    QTest::addColumn<double>("divisor");
+    QTest::addColumn<QString>("unit");
+    QTest::newRow("micro") << Quantity::Resistance << 9.9e-4 << 1e-6
+                           << QStringLiteral("\u03BC\u2126");
+    QTest::newRow("milli") << Quantity::Resistance << 1e-3 << 1e-3 << QStringLiteral("m\u2126");
+    QTest::newRow("none") << Quantity::Resistance << 1. << 1. << QStringLiteral("\u2126");
+    QTest::newRow("kilo") << Quantity::Resistance << 1650. << 1e3 << QStringLiteral("k\u2126");
+    QTest::newRow("henry") << Quantity::Inductance << 0.0153 << 1e-3 << "mH";
+    QTest::newRow("degrees") << Quantity::Temperature << 120. << 1. << QStringLiteral("\u00B0C");
+}
+
+void TstPanelMeter::axisInOnePrefix()
+{
+    QFETCH(Quantity, quantity);
+    QFETCH(double, magnitude);
+    const AxisScale scale = AxisScale::ofValues(quantity, magnitude);
+    QTEST(scale.divisor, "divisor");
+    QTEST(scale.unit, "unit");
+}
+
+void TstPanelMeter::curveOfAnyLength()
+{
+    Envelope curve;
+    for (int i = 0; i < Series::capacity; ++i)
+        curve.add({static_cast<double>(i), i == 54321 ? 99. : std::sin(i)});
+    const QVector<QPointF> points = curve.points();
+    QVERIFY(points.size() <= 2 * Envelope::mostBuckets);
+    QVERIFY(std::is_sorted(points.begin(), points.end(),
+                           [](const QPointF &a, const QPointF &b) { return a.x() < b.x(); }));
+    QVERIFY(points.contains(QPointF(54321, 99))); // no peak is lost
+    QCOMPARE(curve.maximum(), 99.);
+    QCOMPARE(curve.lastX(), Series::capacity - 1.);
+}
+
+void TstPanelMeter::curveWithGaps()
+{
+    Envelope curve;
+    curve.add({0, 1});
+    curve.add({1, qQNaN()});
+    curve.add({2, 3});
+    QCOMPARE(curve.points().size(), 3);
+    QVERIFY(std::isnan(curve.points().at(1).y()));
+    QCOMPARE(curve.minimum(), 1.);
+    curve.clear();
+    QVERIFY(curve.isEmpty());
 }
 
 void TstPanelMeter::seriesAsAFile()

@@ -118,6 +118,8 @@ private slots:
     void keyboardOfTheLanguage();
     void everythingCanBeTouchedAndRead_data();
     void everythingCanBeTouchedAndRead();
+    void onALargerScreen();
+    void onASmallScreen();
     void unitOfTemperatures();
     void limitFollowsTheUnit();
     void appearance();
@@ -265,6 +267,41 @@ void TstPanelSettings::everythingCanBeTouchedAndRead()
     QCOMPARE(problems.join(QLatin1Char('\n')), QString());
     card.fill(0);
     panel.session.library().updateTimeDisk();
+}
+
+void TstPanelSettings::onALargerScreen()
+{
+    PanelFixture panel(QSize(1024, 600));
+    QStringList problems;
+    for (const char *page : pages) {
+        TAP(panel, page);
+        problems += problemsOf(panel, QLatin1String(page));
+    }
+    QCOMPARE(problems.join(QLatin1Char('\n')), QString());
+    // Nothing is left over: the lowest button is as far from the edge as on the usual screen.
+    const QWidget *reset = panel.finger.find(QStringLiteral("nav.About"));
+    QCOMPARE(reset->mapTo(&panel.window, reset->rect().bottomLeft()).y(), 599);
+}
+
+void TstPanelSettings::onASmallScreen()
+{
+    PanelFixture panel(QSize(480, 320));
+    TAP(panel, "measure.start");
+    QVERIFY(Finger::waitFor([&] { return panel.session.measurement().isDone(); }));
+    for (const char *page : {"Record", "Lists", "Settings"}) {
+        TAP(panel, "nav.menu");
+        QVERIFY(panel.finger.tapRow(QStringLiteral("sheet.list"), QLatin1String(page)));
+    }
+    TAP(panel, "nav.menu");
+    QVERIFY(panel.finger.tapRow(QStringLiteral("sheet.list"), QStringLiteral("Record")));
+    TAP(panel, "record.start");
+    QVERIFY(panel.session.recorder().isRunning());
+    TAP(panel, "nav.menu");
+    QVERIFY(panel.finger.tapRow(QStringLiteral("sheet.list"), QStringLiteral("Lists")));
+    TAP(panel, "lists.add");
+    QVERIFY(panel.fill({QStringLiteral("small")})); // no key lies over the line
+    TAP(panel, "key.done");
+    QVERIFY(!panel.isSheetOpen());
 }
 
 // --- settings

@@ -15,7 +15,7 @@
 namespace {
 
 constexpr int sheetWidth = 560;
-constexpr int tallestList = 8; // rows
+constexpr int tallestList = 6; // rows
 constexpr Text cancelText = Text {"Dialogs", "cancel", "Cancel"};
 constexpr Text okText = Text {"Dialogs", "ok", "OK"};
 
@@ -52,7 +52,7 @@ void Sheet::finish()
     deleteLater();
 }
 
-void Sheet::addTitle(const Text &title, const QString &subject)
+QLabel *Sheet::addTitle(const Text &title, const QString &subject)
 {
     auto *label = new QLabel;
     label->setProperty("role", QStringLiteral("title"));
@@ -62,6 +62,7 @@ void Sheet::addTitle(const Text &title, const QString &subject)
                        + (subject.isEmpty() ? QString() : QStringLiteral(" ") + subject));
     });
     m_layout->addWidget(label);
+    return label;
 }
 
 void Sheet::open(int width, bool atTop)
@@ -95,7 +96,8 @@ PickSheet::PickSheet(Texts &texts, QWidget *somewhere, const Text &title,
     auto *list = new TouchList(QStringLiteral("sheet.list"));
     list->setRows(rows);
     list->choose(chosen);
-    list->setFixedHeight(qBound(2, rows.size(), tallestList - 2) * Theme::target() + 2);
+    const int fitting = (parentWidget()->height() - Theme::px(160)) / Theme::target();
+    list->setFixedHeight(qBound(2, rows.size(), qMin(fitting, tallestList)) * Theme::target() + 2);
     card()->addWidget(list);
     auto *buttons = new QHBoxLayout;
     connect(addButton(buttons, texts, "sheet.cancel", cancelText), &QPushButton::clicked, this,
@@ -159,7 +161,7 @@ FormSheet::FormSheet(Texts &texts, QWidget *somewhere, const Text &title,
     , m_onAccepted(std::move(onAccepted))
 {
     constexpr int formWidth = 720;
-    addTitle(title, subject);
+    QLabel *titleLabel = addTitle(title, subject);
     auto *row = new QHBoxLayout;
     row->setSpacing(Theme::px(12));
     for (const Field &field : fields) {
@@ -189,7 +191,12 @@ FormSheet::FormSheet(Texts &texts, QWidget *somewhere, const Text &title,
             &Sheet::finish);
     connect(addButton(buttons, texts, "sheet.ok", okText, TouchButton::Primary),
             &QPushButton::clicked, this, &FormSheet::accept);
-    card()->addLayout(buttons);
+    if (Theme::isCompact()) { // the keyboard leaves no room for two lines more
+        buttons->insertWidget(0, titleLabel, 1);
+        card()->insertLayout(0, buttons);
+    } else {
+        card()->addLayout(buttons);
+    }
     open(formWidth, true);
     m_lines.first()->write();
 }

@@ -31,7 +31,7 @@ protected:
     Texts &texts() { return m_texts; }
     QVBoxLayout *card() { return m_layout; }
     /** @param subject what it is about, behind the title; in no language */
-    void addTitle(const Text &title, const QString &subject = QString());
+    QLabel *addTitle(const Text &title, const QString &subject = QString());
     /** Shows the card, at the top when there is something to be written. */
     void open(int width, bool atTop = false);
     void paintEvent(QPaintEvent *event) override;

@@ -155,16 +155,25 @@ void TouchList::setRows(const QVector<TouchRow> &rows)
 void TouchList::setSource(std::function<TouchRow(int index)> rowAt, int count)
 {
     m_rows->reset(std::move(rowAt), count);
+    m_isFollowing = true;
     scrollToBottom();
 }
 
 void TouchList::grow(int count)
 {
     const QScrollBar *bar = verticalScrollBar();
-    const bool isAtEnd = bar->value() == bar->maximum();
+    if (isVisible())
+        m_isFollowing = bar->value() == bar->maximum();
     m_rows->grow(count);
-    if (isAtEnd)
+    if (m_isFollowing)
         scrollToBottom();
+}
+
+void TouchList::showEvent(QShowEvent *event)
+{
+    QListView::showEvent(event);
+    if (m_isFollowing)
+        QMetaObject::invokeMethod(this, &TouchList::scrollToBottom, Qt::QueuedConnection);
 }
 
 int TouchList::rowCount() const

@@ -46,7 +46,11 @@ public:
 signals:
     void chosen(int index);
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     class Rows;
     Rows *m_rows;
+    bool m_isFollowing = false; ///< the last row stays in view
 };

@@ -5,11 +5,13 @@
 #include "touch/Indicators.h"
 #include "touch/TouchList.h"
 
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPixmap>
 #include <QTextDocument>
 #include <QTextStream>
+#include <QTimer>
 #include <QtTest>
 
 namespace {
@@ -40,17 +42,58 @@ Tour::Tour(Context &context, QWidget &window, const QString &pictures)
 
 bool Tour::take()
 {
-    try {
-        for (const auto part :
-             {&Tour::begin, &Tour::lists, &Tour::measure, &Tour::record, &Tour::wifi, &Tour::usb,
-              &Tour::sound, &Tour::settings, &Tour::accessories, &Tour::about, &Tour::help})
+    return carriedOut([this] {
+        for (const auto part : {&Tour::begin, &Tour::lists, &Tour::measure, &Tour::record,
+                                &Tour::longSeries, &Tour::wifi, &Tour::usb, &Tour::sound,
+                                &Tour::settings, &Tour::accessories, &Tour::about, &Tour::help})
             (this->*part)();
+    });
+}
+
+bool Tour::glance(const QString &name)
+{
+    return carriedOut([this, name] {
+        for (const char *page :
+             {"Measure", "Record", "Lists", "WiFi", "Sound", "Settings", "About"}) {
+            open(QLatin1String(page));
+            if (qstrcmp(page, "Measure") == 0)
+                say(name + QStringLiteral(": ") + measureOnce());
+            picture(name + QLatin1Char('-') + QString::fromLatin1(page).toLower());
+        }
+        open(QStringLiteral("Lists"));
+        tap(QStringLiteral("lists.search"));
+        check(m_finger.type(QStringLiteral("tr")), QStringLiteral("the keyboard"));
+        picture(name + QStringLiteral("-search"));
+        tap(QStringLiteral("key.done"));
+        tap(QStringLiteral("lists.clear"));
+        tap(QStringLiteral("lists.add"));
+        picture(name + QStringLiteral("-form"));
+        tap(QStringLiteral("sheet.cancel"));
+        open(QStringLiteral("Measure"));
+    });
+}
+
+bool Tour::carriedOut(const std::function<void()> &parts)
+{
+    try {
+        parts();
     } catch (const Stumble &stumble) {
         print(QStringLiteral("The tour stumbles: ") + stumble.what);
         picture(QStringLiteral("stumbled"));
         return false;
     }
     return true;
+}
+
+/** A small window has a menu in the rail's place. */
+void Tour::open(const QString &page)
+{
+    if (m_finger.find(QStringLiteral("nav.menu"))) {
+        tap(QStringLiteral("nav.menu"));
+        check(m_finger.tapRow(QStringLiteral("sheet.list"), page), page);
+    } else {
+        tap(QStringLiteral("nav.") + page);
+    }
 }
 
 // --- the tour
@@ -206,6 +249,43 @@ void Tour::record()
     if (message)
         say(QStringLiteral("Record: %1").arg(message->text()));
     tap(QStringLiteral("sheet.ok"));
+}
+
+/** How long the screen stands still while a long series goes on. */
+void Tour::longSeries()
+{
+    constexpr int points = 10000;
+    constexpr int watched = 50;
+    Recorder &recorder = m_context.session().recorder();
+    const int interval = recorder.interval();
+    const int wanted = recorder.wanted();
+    recorder.setInterval(0);
+    recorder.setWanted(Series::capacity);
+    tap(QStringLiteral("nav.About")); // the first ones are recorded unseen
+    recorder.start();
+    check(Finger::waitFor([&] { return recorder.series().count() >= points; }),
+          QStringLiteral("a long series"));
+    tap(QStringLiteral("header.recording"));
+    qint64 longest = 0;
+    QElapsedTimer sinceBeat;
+    sinceBeat.start();
+    QTimer heart;
+    QObject::connect(&heart, &QTimer::timeout, &heart,
+                     [&] { longest = qMax(longest, sinceBeat.restart()); });
+    heart.start(1);
+    const int before = recorder.series().count();
+    check(Finger::waitFor([&] { return recorder.series().count() >= before + watched; }),
+          QStringLiteral("a long series is seen"));
+    heart.stop();
+    tap(QStringLiteral("record.start"));
+    say(QStringLiteral("Record: %1 readings; the screen stood still for %2 ms at most")
+            .arg(recorder.series().count())
+            .arg(longest));
+    picture(QStringLiteral("record-long"));
+    recorder.setInterval(interval);
+    recorder.setWanted(wanted);
+    recorder.start(); // another one in its place
+    recorder.stop();
 }
 
 void Tour::wifi()

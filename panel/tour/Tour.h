@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QString>
 
+#include <functional>
+
 class Context;
 
 /** A person's way through the panel, from page to page, with a line for everything done. */
@@ -16,6 +18,8 @@ public:
 
     /** @return whether everything could be touched and came out as it should */
     bool take();
+    /** A look at some pages, of a window of another size; @p name begins the pictures' names. */
+    bool glance(const QString &name);
 
 private:
     void begin();
@@ -29,6 +33,9 @@ private:
     void accessories();
     void about();
     void help();
+    void longSeries();
+    void open(const QString &page);
+    bool carriedOut(const std::function<void()> &parts);
 
     void say(const QString &line) const;
     /** Ends the tour when something did not go as it should. */

@@ -23,10 +23,20 @@ int main(int argc, char *argv[])
 
     const bool isFirstStart = KTV_DataSource::FirstStart();
     Context context;
-    Window window(context);
-    window.show();
-    if (isFirstStart)
-        window.welcome();
-    Tour tour(context, window, options.value(pictures));
-    return tour.take() ? 0 : 1;
+    bool isWell = false;
+    {
+        Window window(context);
+        window.show();
+        if (isFirstStart)
+            window.welcome();
+        isWell = Tour(context, window, options.value(pictures)).take();
+    }
+    // The same on a smaller and on a larger screen.
+    for (const QSize &size : {QSize(480, 320), QSize(1024, 600)}) {
+        Window window(context, size);
+        window.show();
+        const QString name = QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
+        isWell = isWell && Tour(context, window, options.value(pictures)).glance(name);
+    }
+    return isWell ? 0 : 1;
 }
