@@ -1,5 +1,6 @@
 #include "pages/AccessoriesPage.h"
 
+#include "pages/Words.h"
 #include "touch/Buttons.h"
 #include "touch/Sheets.h"
 #include "touch/Theme.h"
@@ -111,9 +112,12 @@ QString AccessoriesPage::labelText() const
 {
     const KTV_Configuration *meter = library().getMainConfig();
     const LangSerwis *language = library().get_Lang();
-    return QStringLiteral("%1  %2\n%3\n%4\n")
-        .arg(meter->get_MeterFullName(), meter->get_SerialNumber(),
-             QDateTime::currentDateTime().toString(language->getDataFormat() + QLatin1Char(' ')
-                                                   + language->getTimeFormat()),
-             session().measurement().lastResult().text);
+    const Measurement::Result &result = session().measurement().lastResult();
+    QStringList lines {
+        meter->get_MeterFullName() + QStringLiteral("  ") + meter->get_SerialNumber(),
+        QDateTime::currentDateTime().toString(language->getDataFormat() + QLatin1Char(' ')
+                                              + language->getTimeFormat()),
+        Words::object(result.objectType, result.objectName), result.text};
+    lines.removeAll(QString());
+    return lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
 }

@@ -291,7 +291,9 @@ void RecordPage::refreshFigures()
     m_verdict->setVerdict(verdict, state);
 
     QString status = QStringLiteral("%1 / %2").arg(series.count()).arg(recorder().wanted());
-    if (recorder().isUnsaved() && !recorder().isRunning())
+    if (recorder().isSaving())
+        status = text(Text {"Panel", "saving", "Saving the series"});
+    else if (recorder().isUnsaved() && !recorder().isRunning())
         status += QStringLiteral("   ") + text(Text {"Panel", "notSaved", "Not saved"});
     m_status->setText(status);
 }

@@ -76,8 +76,10 @@ private slots:
     void lineIsTakenFromItsOwner();
     void portThatCannotBeSwitched();
     void tones();
+    void nobodyWaitsForATone();
     void volume();
     void labelOfTheLastResult();
+    void labelNamesTheObject();
     void labelThatCannotBePrinted();
     void codeBeforeTheReader();
     void stickAndUpdates();
@@ -536,6 +538,25 @@ void TstPanelServices::tones()
     QVERIFY(!Meter::journal().contains(decline));
 }
 
+void TstPanelServices::nobodyWaitsForATone()
+{
+    Meter::setBehaviour(QStringLiteral("beep"), "delay=1");
+    {
+        PanelFixture panel;
+        const auto isSounding = [] { return !Meter::processes(QStringLiteral("beep")).isEmpty(); };
+        TAP(panel, "nav.Sound", "sound.tone.8");
+        QVERIFY(Finger::waitFor(isSounding));
+        TAP(panel, "sound.stop");
+        QVERIFY(isSounding()); // its end is still to come
+        QVERIFY(Finger::waitFor([&] { return !isSounding(); }));
+        TAP(panel, "sound.tone.8");
+        QVERIFY(Finger::waitFor(isSounding));
+        TAP(panel, "nav.About");
+        QVERIFY(isSounding());
+    }
+    Meter::setBehaviour(QStringLiteral("beep"), QByteArray());
+}
+
 void TstPanelServices::volume()
 {
     PanelFixture panel;
@@ -567,6 +588,17 @@ void TstPanelServices::labelOfTheLastResult()
     QVERIFY2(time.match(lines.at(1)).hasMatch(), qPrintable(lines.at(1)));
     QCOMPARE(lines.at(2), result);
     QCOMPARE(panel.labelText("sheet.message"), lines.join(QLatin1Char('\n')));
+}
+
+void TstPanelServices::labelNamesTheObject()
+{
+    PanelFixture panel;
+    panel.session.setup().setObject(QStringLiteral("Motor"), QStringLiteral("M7"));
+    QVERIFY(measure(panel));
+    panel.session.setup().setObject(QString(), QString()); // the next one
+    TAP(panel, "nav.Accessories", "accessories.print");
+    QCOMPARE(panel.labelText("sheet.message").section(QLatin1Char('\n'), 2, 2),
+             QStringLiteral("Motor \u00B7 M7"));
 }
 
 void TstPanelServices::labelThatCannotBePrinted()
