@@ -43,6 +43,7 @@ namespace {
 constexpr int headerHeight = 48;
 constexpr int railWidth = 140;
 constexpr int clockInterval = 1000; // ms
+constexpr int recordingInterval = 250; // ms; readings may come faster than anybody reads
 
 template <typename PageClass> Page *make(Texts &texts, Session &session)
 {
@@ -126,7 +127,7 @@ Window::Window(Context &context, const QSize &size) : m_context(context)
     });
     connect(&session(), &Session::meterChanged, this, &Window::refreshHeader);
     connect(&session().recorder(), &Recorder::stateChanged, this, &Window::refreshRecording);
-    connect(&session().recorder(), &Recorder::added, this, &Window::refreshRecording);
+    connect(&m_recordingTick, &QTimer::timeout, this, &Window::refreshRecording);
     connect(&session().preferences(), &Preferences::appearanceChanged, this,
             qOverload<>(&Window::update));
     connect(&session().library(), &KTV_DataSource::changeFreeSpaceAlert, this,
@@ -299,4 +300,6 @@ void Window::refreshRecording()
     m_recording->setText(
         text + QStringLiteral("%1 / %2").arg(recorder.series().count()).arg(recorder.wanted()));
     m_recording->setVisible(recorder.isRunning());
+    if (recorder.isRunning() != m_recordingTick.isActive())
+        recorder.isRunning() ? m_recordingTick.start(recordingInterval) : m_recordingTick.stop();
 }

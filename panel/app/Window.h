@@ -60,4 +60,5 @@ private:
     QFutureWatcher<int> m_wifiState; ///< as it was at the start; later changes come by signal
     TouchButton *m_helpButton;
     QTimer m_tick;
+    QTimer m_recordingTick;
 };

@@ -6,6 +6,7 @@
 #include "touch/TouchList.h"
 
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPixmap>
@@ -263,8 +264,15 @@ void Tour::longSeries()
     recorder.setWanted(Series::capacity);
     tap(QStringLiteral("nav.About")); // the first ones are recorded unseen
     recorder.start();
-    check(Finger::waitFor([&] { return recorder.series().count() >= points; }),
-          QStringLiteral("a long series"));
+    const auto runUntil = [&recorder](int count) {
+        QEventLoop loop;
+        QObject::connect(&recorder, &Recorder::added, &loop, [&] {
+            if (recorder.series().count() >= count)
+                loop.quit();
+        });
+        loop.exec();
+    };
+    runUntil(points);
     tap(QStringLiteral("header.recording"));
     qint64 longest = 0;
     QElapsedTimer sinceBeat;
@@ -273,9 +281,7 @@ void Tour::longSeries()
     QObject::connect(&heart, &QTimer::timeout, &heart,
                      [&] { longest = qMax(longest, sinceBeat.restart()); });
     heart.start(1);
-    const int before = recorder.series().count();
-    check(Finger::waitFor([&] { return recorder.series().count() >= before + watched; }),
-          QStringLiteral("a long series is seen"));
+    runUntil(recorder.series().count() + watched);
     heart.stop();
     tap(QStringLiteral("record.start"));
     say(QStringLiteral("Record: %1 readings; the screen stood still for %2 ms at most")
