@@ -22,9 +22,13 @@
 #endif
 
 #if defined(__SANITIZE_THREAD__)
-// Its own takes the child for a copy of this process, and notes that in the memory of both.
+// The sanitizer's own would note what the child does in the memory that it shares with us: that
+// this process is a copy, and that its signal handlers are gone.
 extern "C" int __clone(int (*function)(void *), void *stack, int flags, void *argument, ...);
-#define clone __clone
+extern "C" int __sigaction(int signal, const struct sigaction *next, struct sigaction *before);
+#define CHILD_CALL(name) ::__##name
+#else
+#define CHILD_CALL(name) ::name
 #endif
 
 namespace Internal {
@@ -106,7 +110,7 @@ constexpr std::size_t stackSize = 32768;
 /** Runs @p function in a child. @return its id once its program is loaded or it has ended */
 IN_CHILD pid_t runInChild(ChildFunction function, Orders &orders, char *stackEnd)
 {
-    return ::clone(function, stackEnd, CLONE_VM | CLONE_VFORK | SIGCHLD, &orders);
+    return CHILD_CALL(clone)(function, stackEnd, CLONE_VM | CLONE_VFORK | SIGCHLD, &orders);
 }
 
 /** This process's handlers are none of the child's, which sees SIGPIPE as a shell has it. */
@@ -114,12 +118,12 @@ IN_CHILD void restoreSignals(const sigset_t &mask)
 {
     for (int signal = 1; signal < NSIG; ++signal) {
         struct sigaction action = {};
-        if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_DFL)
+        if (CHILD_CALL(sigaction)(signal, nullptr, &action) != 0 || action.sa_handler == SIG_DFL)
             continue;
         if (action.sa_handler == SIG_IGN && signal != SIGPIPE)
             continue;
         action = {};
-        ::sigaction(signal, &action, nullptr);
+        CHILD_CALL(sigaction)(signal, &action, nullptr);
     }
     ::sigprocmask(SIG_SETMASK, &mask, nullptr);
 }
