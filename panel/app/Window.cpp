@@ -73,9 +73,9 @@ const PageRow pages[] = {
 
 int pageOf(const char *topic)
 {
-    const auto row = std::find_if(std::begin(pages), std::end(pages), [topic](const PageRow &page) {
-        return qstrcmp(page.topic, topic) == 0;
-    });
+    const PageRow *const row =
+        std::find_if(std::begin(pages), std::end(pages),
+                     [topic](const PageRow &page) { return qstrcmp(page.topic, topic) == 0; });
     return static_cast<int>(row - std::begin(pages));
 }
 

@@ -16,7 +16,8 @@ AxisScale AxisScale::ofValues(Quantity quantity, double magnitude)
     for (const ValueBox::UnitPrefixs prefix :
          {ValueBox::Prefix_k, ValueBox::Prefix_None, ValueBox::Prefix_m}) {
         const double divisor = std::pow(10, static_cast<int>(prefix));
-        if (std::abs(magnitude) >= divisor)
+        if (std::abs(magnitude) >= divisor
+            || (std::isnan(magnitude) && prefix == ValueBox::Prefix_None))
             return {divisor, NumericalValueBox::getUnitPrefix(prefix) + unit};
     }
     return {1e-6, NumericalValueBox::getUnitPrefix(ValueBox::Prefix_u) + unit};

@@ -84,7 +84,7 @@ QString Limit::plainText(Quantity quantity, const QString &kept)
 
 QString Limit::text(Quantity quantity, const QString &kept)
 {
-    const QString plain = plainText(quantity, kept);
+    QString plain = plainText(quantity, kept);
     if (quantity != Quantity::Temperature || !isReadable(quantity, kept))
         return plain;
     return plain + QLatin1Char(' ') + NumericalValueBox::getUnit(ValueBox::Unit_Temperature);

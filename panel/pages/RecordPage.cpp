@@ -202,7 +202,7 @@ void RecordPage::takeReading()
     if (!isVisible())
         return; // enter() catches up
     const int index = recorder().series().count() - 1;
-    if (m_plotted != index) {
+    if (index == 0 || m_plotted != index) {
         refreshSeries();
         return;
     }
@@ -238,7 +238,7 @@ void RecordPage::plotAnew()
                  {Text {"Lists", "high", "High"}, limit.high}};
     for (const auto &line : lines) {
         const float number = Limit::number(form.quantity, line.bound);
-        if (!std::isnan(number))
+        if (!std::isnan(number) && !series.isEmpty())
             bounds += {static_cast<double>(number),
                        text(line.name) + QLatin1Char(' ') + Limit::text(form.quantity, line.bound)};
     }

@@ -127,14 +127,12 @@ void WifiPage::refresh()
     }
     m_list->setRows(rows);
 
-    if (!networks().state().hasAdapter)
-        m_note->clear(); // the state says so
-    else if (!networks().isScanned())
-        m_note->setText(text(Text {"WiFi", "scanning", "Searching"}));
-    else if (networks().cells().isEmpty())
-        m_note->setText(text(Text {"WiFi", "noNetworks", "No networks in reach"}));
-    else
+    if (!networks().state().hasAdapter || (networks().isScanned() && !networks().cells().isEmpty()))
         m_note->clear();
+    else
+        m_note->setText(networks().isScanned()
+                            ? text(Text {"WiFi", "noNetworks", "No networks in reach"})
+                            : text(Text {"WiFi", "scanning", "Searching"}));
     refreshState();
     refreshButtons();
 }
@@ -182,13 +180,15 @@ QString WifiPage::detailsText() const
         {Text {"WiFi", "broadcast", "Broadcast address"}, state.broadcast},
     };
     QString details;
-    for (const auto &line : lines)
-        if (!line.value.isEmpty())
+    for (const auto &line : lines) {
+        const bool isExtra = &line.value == &state.mask || &line.value == &state.broadcast;
+        if (!line.value.isEmpty() && !(isExtra && Theme::isCompact()))
             details += Theme::scaled(QStringLiteral("<p style='margin: 0 0 6px 0'>%1<br>"
                                                     "<span style='color:%3; font-size:17px'>%2"
                                                     "</span></p>"))
                            .arg(text(line.caption), line.value.toHtmlEscaped(),
                                 Theme::current().text.name());
+    }
     return details;
 }
 

@@ -88,7 +88,7 @@ QString Words::deviation(Quantity quantity, float deviation)
 {
     if (std::isnan(deviation))
         return {};
-    double shown = static_cast<double>(deviation);
+    auto shown = static_cast<double>(deviation);
     if (quantity == Quantity::Temperature)
         shown = Degrees::fromCelsius(shown) - Degrees::fromCelsius(0);
     const AxisScale scale = AxisScale::ofValues(quantity, shown);

@@ -182,6 +182,8 @@ void Plot::refresh()
 
 void Plot::scale()
 {
+    for (const int axis : {int(QwtPlot::xBottom), int(QwtPlot::yLeft)})
+        m_plot->enableAxis(axis, !m_envelope.isEmpty());
     m_plot->setAxisScale(QwtPlot::xBottom, 0, std::max(m_envelope.lastX(), 1.));
     double low = m_envelope.minimum();
     double high = m_envelope.maximum();

@@ -59,6 +59,8 @@ bool Tour::glance(const QString &name)
             open(QLatin1String(page));
             if (qstrcmp(page, "Measure") == 0)
                 say(name + QStringLiteral(": ") + measureOnce());
+            if (qstrcmp(page, "Record") == 0)
+                recordOnce();
             picture(name + QLatin1Char('-') + QString::fromLatin1(page).toLower());
         }
         open(QStringLiteral("Lists"));
@@ -84,6 +86,17 @@ bool Tour::carriedOut(const std::function<void()> &parts)
         return false;
     }
     return true;
+}
+
+/** A few readings in place of whatever series is there. */
+void Tour::recordOnce()
+{
+    Recorder &recorder = m_context.session().recorder();
+    recorder.setWanted(25);
+    tap(QStringLiteral("record.start"));
+    if (m_finger.find(QStringLiteral("sheet.yes")))
+        tap(QStringLiteral("sheet.yes"));
+    check(Finger::waitFor([&] { return !recorder.isRunning(); }), QStringLiteral("a series ends"));
 }
 
 /** A small window has a menu in the rail's place. */
@@ -180,6 +193,8 @@ void Tour::measure()
         tap(QStringLiteral("sheet.ok"));
         const char *const what[] = {"above the range", "leads open", "leads swapped"};
         say(QStringLiteral("Measure, %1: %2").arg(QLatin1String(what[i]), measureOnce()));
+        picture(QStringLiteral("measure-")
+                + QString::fromLatin1(what[i]).replace(QLatin1Char(' '), QLatin1Char('-')));
     }
     tap(QStringLiteral("measure.testObject"));
     tap(QStringLiteral("object.leads.0"));
@@ -377,6 +392,7 @@ void Tour::settings()
     say(QStringLiteral("Settings: dark; %1").arg(measureOnce()));
     picture(QStringLiteral("measure-dark"));
     tap(QStringLiteral("nav.Record"));
+    recordOnce();
     picture(QStringLiteral("record-dark"));
     tap(QStringLiteral("nav.Settings"));
     tap(QStringLiteral("settings.theme.0"));

@@ -34,6 +34,7 @@ private:
     void about();
     void help();
     void longSeries();
+    void recordOnce();
     void open(const QString &page);
     bool carriedOut(const std::function<void()> &parts);
 
