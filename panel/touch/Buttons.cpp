@@ -36,7 +36,7 @@ TouchButton::TouchButton(const QString &name, Role role, QWidget *parent) : QPus
 FieldButton::FieldButton(const QString &name, QWidget *parent) : TouchButton(name, Plain, parent)
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    setMinimumHeight(Theme::px(56)); // two lines
+    setProperty("role", QStringLiteral("field"));
 }
 
 void FieldButton::setText(const QString &caption)

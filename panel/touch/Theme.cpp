@@ -36,6 +36,7 @@ QPushButton { background: @surface; border: 1px solid @line; border-radius: 6px;
 QPushButton:pressed { background: @line; }
 QPushButton:disabled { color: @line; }
 QPushButton:checked { background: @accent; color: @onAccent; border-color: @accent; }
+QPushButton[role="field"] { min-height: 54px; }
 QPushButton[role="primary"] { background: @accent; color: @onAccent; border-color: @accent;
     font-weight: bold; }
 QPushButton[role="primary"]:disabled { background: @line; border-color: @line; color: @quiet; }
