@@ -7,6 +7,7 @@
 #include <QSemaphore>
 #include <QTemporaryDir>
 #include <QThreadPool>
+#include <QtConcurrent>
 #include <QtTest>
 
 #include <algorithm>
@@ -544,7 +545,7 @@ void TstWifiState::oldestPowerRequestsAreDropped()
     const int threads = pool.maxThreadCount();
     pool.setMaxThreadCount(1);
     QSemaphore release;
-    pool.start([&release] { release.acquire(); });
+    QtConcurrent::run(&pool, [&release] { release.acquire(); });
     Meter::clearJournal();
     for (int i = 0; i < 100; ++i)
         wifi->set_wifi_Enable(i >= 98);
