@@ -39,7 +39,7 @@ TCG = ["-accel", "tcg", "-icount", "shift=1,sleep=off"]
 class Machine:
     """One machine. Its files (sockets, console's log) are in a folder of their own."""
 
-    def __init__(self, architecture, images, folder, accelerator, memory=768):
+    def __init__(self, architecture, images, folder, accelerator, memory=1024):
         self.kind = ARCHITECTURES[architecture]
         self.images = images
         self.folder = folder

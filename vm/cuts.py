@@ -1,0 +1,328 @@
+"""Power cuts. The machine writes to a card while every write and flush that reaches it is kept, in order.
+From that record the card of any moment is made: what was written before the last flush is there; of
+what came after it, each write is there or not, as dice will have it, since a card may keep writes in
+memory and in any order until it is told to flush.
+"""
+
+import importlib.util
+import json
+import pathlib
+import random
+import shutil
+import sqlite3
+import struct
+import subprocess
+import tempfile
+
+from machine import Failed
+
+SECTOR = 512
+MIB = 1 << 20
+PARTITIONS = [(1 * MIB, 36 * MIB), (37 * MIB, 16 * MIB), (53 * MIB, 2 * MIB)]  # offset, size
+SIZE = 55 * MIB
+FLUSH, FUA, DISCARD = 1, 2, 4
+KINDS = ("settings", "lists", "networks", "counters", "reset", "first start")
+# Which stores a command may change; the others stay as the last mark has them.
+TOUCHES = {
+    "settings": ("settings",),
+    "lists": ("lists",),
+    "networks": ("networks", "supplicant"),
+    "counters": ("counters",),
+    "reset": ("settings",),
+}
+FACTORY = {"OBIECT_TYP": "OBT", "OBIECT_NAME": "OBN", "MATERIALS": "MAT"}  # table: its prefix
+FILES = {
+    "settings": "UserData/interfaceConfig.db",
+    "lists": "UserData/dataList.db",
+    "networks": "UserData/wifi.db",
+    "counters": "Log/liczniki.bin",
+}
+
+
+def run(*command, allowed=(0,)):
+    done = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT, check=False)
+    if done.returncode not in allowed:
+        raise Failed(f"{command[0]} ended with {done.returncode}: "
+                     + done.stdout.decode(errors="replace")[-400:])
+
+
+def make_card(file, kind):
+    """A card of three partitions: data (ext4 or vfat), the device's own ext4, marks."""
+    card = bytearray(SIZE)
+    for index, (offset, size) in enumerate(PARTITIONS):
+        code = 0x0c if kind == "vfat" and index == 0 else 0x83
+        struct.pack_into("<8BII", card, 446 + 16 * index, 0, 0, 0, 0, code, 0, 0, 0,
+                         offset // SECTOR, size // SECTOR)
+    card[510:512] = b"\x55\xaa"
+    for index, name in ((0, kind), (1, "ext4")):
+        offset, size = PARTITIONS[index]
+        with tempfile.NamedTemporaryFile() as part:
+            part.truncate(size)
+            options = [] if name == "vfat" else ["-q", "-F"]
+            run("mkfs." + name, *options, part.name)
+            card[offset:offset + size] = pathlib.Path(part.name).read_bytes()
+    pathlib.Path(file).write_bytes(card)
+
+
+def read_log(file):
+    """The entries of the record: (offset, bytes or None, flags)."""
+    entries = []
+    with open(file, "rb") as log:
+        magic, version, count, sector_size = struct.unpack("<QQQI", log.read(28))
+        if magic != 0x6a736677736872 or version != 1:
+            raise Failed("not a record of writes: " + str(file))
+        position = sector_size
+        while True:
+            log.seek(position)
+            head = log.read(32)
+            if len(head) < 32:
+                break
+            sector, sectors, flags, _ = struct.unpack("<QQQQ", head)
+            if (sector, sectors, flags) == (0, 0, 0):
+                break
+            position += sector_size
+            data = None
+            if sectors and not flags & DISCARD:
+                log.seek(position)
+                data = log.read(sectors * sector_size)
+                position += len(data)
+            entries.append((sector * sector_size, data, flags))
+    if len(entries) < count:
+        raise Failed(f"the record tells of {count} entries and has {len(entries)}")
+    return entries
+
+
+def record(system, kind, folder, rounds, seed):
+    """Has the machine write to a fresh card. Returns the card as it was, and the entries."""
+    state = system.booted()
+    card, log = folder / "card", folder / "log"
+    make_card(card, kind)
+    log.write_bytes(b"")
+    fresh = card.read_bytes()
+    here = pathlib.Path(__file__).resolve().parent
+    with system.machine("writer") as machine:
+        machine.resume(state)
+        machine.control("blockdev-add", **{
+            "driver": "blklogwrites", "node-name": "card", "log-sector-size": SECTOR,
+            "file": {"driver": "file", "filename": str(card)},
+            "log": {"driver": "file", "filename": str(log)}})
+        machine.control("device_add", driver="virtio-blk-pci", id="card", drive="card",
+                        serial="card")
+        answer = machine.output("""
+            set -e
+            for try in $(seq 50); do
+                [ ! -e /dev/disk/by-id/virtio-card-part3 ] || break
+                sleep 0.2
+            done
+            mount /dev/disk/by-id/virtio-card-part1 /media/sdcard
+            mkdir -p /var/flash
+            mount /dev/disk/by-id/virtio-card-part2 /var/flash
+            mkdir -p /var/flash/supplicant /media/sdcard/{Clients,Log,Update,UserData}
+            mount --bind /var/flash/supplicant /etc/wpa_supplicant
+            sync
+            cat >/run/writer.py <<'WRITER'
+""" + (here / "writer.py").read_text(encoding="utf-8") + f"""
+WRITER
+            python3 /run/writer.py {rounds} {seed}
+            """)
+        print(f"       {kind}: {answer.strip()}, {machine.processor_time():.0f} s "
+              "of processor time", flush=True)
+        machine.control("stop")
+        machine.control("quit")
+        machine.process.wait()
+    return fresh, read_log(log)
+
+
+def read_marks(entries):
+    """The marks in their order: (index of the entry, mark)."""
+    begin, size = PARTITIONS[2]
+    marks = []
+    for index, (offset, data, _) in enumerate(entries):
+        if data and begin <= offset < begin + size:
+            marks.append((index, json.loads(data[:SECTOR])))
+    return marks
+
+
+class Card:
+    """The card at a moment, made from the record; moments must come in rising order."""
+
+    def __init__(self, fresh, entries):
+        self.kept = bytearray(fresh)
+        self.entries = entries
+        self.flushed = 0  # entries that are in `kept`
+
+    def at(self, moment, dice):
+        """Cut after `moment` entries."""
+        last_flush = self.flushed
+        for index in range(self.flushed, moment):
+            if self.entries[index][2] & FLUSH:
+                last_flush = index + 1
+        for offset, data, _ in self.entries[self.flushed:last_flush]:
+            if data:
+                self.kept[offset:offset + len(data)] = data
+        self.flushed = last_flush
+        card = bytearray(self.kept)
+        all_of_it = dice.random() < 0.3
+        lost = 0
+        for offset, data, flags in self.entries[last_flush:moment]:
+            if not data:
+                continue
+            if all_of_it or flags & FUA or dice.random() < 0.5:
+                card[offset:offset + len(data)] = data
+            else:
+                lost += 1
+        return card, lost
+
+
+def database_state(path, digest):
+    """Opens a database as the library does, which rolls an unfinished change back."""
+    database = sqlite3.connect(path)
+    answer = database.execute("PRAGMA integrity_check").fetchall()
+    database.close()
+    if answer != [("ok",)]:
+        raise Failed(f"{path.name}: integrity_check says {answer[:2]}")
+    return digest(str(path))
+
+
+def look(card, kind, work, digest):
+    """Repairs and reads a card. Returns the digest of each store, and the folder of its data."""
+    for name in ("data", "device"):
+        shutil.rmtree(work / name, ignore_errors=True)
+        (work / name).mkdir()
+    for index, name in ((0, "data"), (1, "device")):
+        offset, size = PARTITIONS[index]
+        image = work / (name + ".img")
+        image.write_bytes(card[offset:offset + size])
+        if kind == "vfat" and index == 0:
+            run("fsck.vfat", "-a", "-w", image, allowed=(0, 1))
+            # mcopy ends with 1 where there is nothing to copy
+            run("mcopy", "-s", "-n", "-Q", "-i", image, "::/", work / name, allowed=(0, 1))
+        else:
+            run("e2fsck", "-fy", image, allowed=(0, 1))
+            run("debugfs", "-R", f"rdump / {work / name}", image)
+    stores = {}
+    for store, file in FILES.items():
+        path = work / "data" / file
+        if not path.exists():
+            stores[store] = "absent"
+        elif path.suffix == ".db":
+            stores[store] = database_state(path, digest)
+        else:
+            size = path.stat().st_size
+            if size != 64:
+                raise Failed(f"the counters' file has {size} bytes")
+            stores[store] = digest(str(path))
+    stores["supplicant"] = digest(str(work / "device/supplicant/wpa_supplicant-wlan0.conf"))
+    return stores
+
+
+def judge(stores, mark, following):
+    """Complains when an answer is lost, or a store is neither before nor after the command that the
+    cut has met."""
+    kind = following["kind"] if following else None
+    for store, seen in stores.items():
+        promised = mark["stores"][store]
+        if seen == promised:
+            continue
+        if kind in ("first start", "prepared") or (kind == "reset" and store == "settings"):
+            continue  # made anew: whatever is there is sound, and the next start goes on from it
+        if store in TOUCHES.get(kind, ()) and "absent" == promised:
+            continue  # a command that meets no store makes one first
+        if store in TOUCHES.get(kind, ()) and seen == following["stores"][store]:
+            continue
+        raise Failed(f"{store} is lost: {seen} instead of {promised}, "
+                     f"answered: {mark['kind']}, met: {kind}")
+
+
+def factory_rows(path):
+    """How many factory rows the lists hold, by table and language."""
+    database = sqlite3.connect(path)
+    tables = {name for name, in database.execute("SELECT name FROM sqlite_master")}
+    rows = {(table, language): count
+            for table, prefix in FACTORY.items() if table in tables
+            for language, count in database.execute(
+                f"SELECT {prefix}_Lang, COUNT(*) FROM {table} WHERE {prefix}_ReadOnly GROUP BY 1")}
+    database.close()
+    return rows
+
+
+def starts_again(repository, work):
+    """Does the library start from this card, and go on writing?"""
+    (work / "data" / "UserData").mkdir(exist_ok=True)
+    (work / "data" / "Log").mkdir(exist_ok=True)
+    run(repository / "simulator/meter-run", "--bind", f"{work / 'data'}:/media/sdcard",
+        "--path", repository / "build/release/tools/ktvctl", "--", "sh", "-ec",
+        "ktvctl settings set MAIN_MeterSN DV0001; ktvctl lists names add next; "
+        "ktvctl lists materials list; ktvctl wifi add --open next; ktvctl counters show")
+
+
+def moments(entries, marks, number, dice):
+    """Moments to cut at, for each kind of command: while it is carried out, and right after its
+    answer. (moment, kind) in rising order."""
+    chosen = []
+    for kind in KINDS:
+        spans = [(marks[i - 1][0] + 1, marks[i][0] + 1) for i in range(1, len(marks))
+                 if marks[i][1]["kind"] == kind]
+        for turn in range(number):
+            begin, end = dice.choice(spans)
+            if turn % 2:
+                chosen.append((dice.randint(begin, end - 1), kind))
+            else:
+                # The answer is out; nothing, or little, has been written since.
+                chosen.append((min(end + dice.randint(0, 2), len(entries)), kind))
+    return sorted(chosen)
+
+
+def campaign(system, number, repository, seed):
+    """Cuts each kind of command `number` times on each kind of card. Returns the failures."""
+    spec = importlib.util.spec_from_file_location(
+        "writer", pathlib.Path(__file__).resolve().parent / "writer.py")
+    writer = importlib.util.module_from_spec(spec)
+    spec.loader.exec_module(writer)
+    failures = 0
+    for kind in ("ext4", "vfat"):
+        dice = random.Random(seed)
+        folder = pathlib.Path(system.images) / "cuts" / kind
+        shutil.rmtree(folder, ignore_errors=True)
+        folder.mkdir(parents=True)
+        fresh, entries = record(system, kind, folder, 8, seed)
+        marks = read_marks(entries)
+        flushes = sum(1 for entry in entries if entry[2] & FLUSH)
+        print(f"       {kind}: {len(entries)} writes and {flushes} flushes reached the card",
+              flush=True)
+        card = Card(fresh, entries)
+        counts = {name: [0, 0] for name in KINDS}
+        dropped = 0
+        whole = None
+        with tempfile.TemporaryDirectory(prefix="cuts.", dir="/dev/shm") as shm:
+            work = pathlib.Path(shm)
+            everything = Card(fresh, entries)
+            look(everything.at(len(entries), random.Random(seed))[0], kind, work, writer.digest)
+            whole = factory_rows(work / "data" / FILES["lists"])
+            for moment, cut_kind in moments(entries, marks, number, dice):
+                image, lost = card.at(moment, dice)
+                dropped += lost > 0
+                answered = [mark for index, mark in marks if index < moment]
+                following = marks[len(answered)][1] if len(answered) < len(marks) else None
+                counts[cut_kind][0] += 1
+                try:
+                    stores = look(image, kind, work, writer.digest)
+                    if answered:
+                        judge(stores, answered[-1], following)
+                    lists = work / "data" / FILES["lists"]
+                    if lists.exists():
+                        for key, rows in factory_rows(lists).items():
+                            if rows != whole[key]:
+                                raise Failed(f"{key} has {rows} of {whole[key]} factory rows")
+                    starts_again(repository, work)
+                except Failed as failure:
+                    counts[cut_kind][1] += 1
+                    failures += 1
+                    print(f"FAILED {kind}, {cut_kind}, after write {moment} of {len(entries)}: "
+                          f"{failure}", flush=True)
+        for name, (cuts, bad) in counts.items():
+            print(f"{'ok' if not bad else 'FAILED':6} {kind}, {name}: {cuts} cuts, "
+                  f"{bad} with a loss", flush=True)
+        print(f"       {kind}: {dropped} of the cuts lost writes that were not flushed", flush=True)
+    return failures

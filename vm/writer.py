@@ -1,0 +1,117 @@
+"""Runs inside the machine: changes every store on the card, one command of ktvctl after the other, and
+marks each answer on the card's third partition, past all caches: what then reaches the first two
+before the next mark belongs to the next command.
+
+A mark holds the number of the command, its kind and a digest of each store after it.
+"""
+
+import hashlib
+import json
+import mmap
+import os
+import random
+import sqlite3
+import subprocess
+import sys
+
+SECTOR = 512
+DATA = "/media/sdcard/UserData/"
+STORES = {
+    "settings": DATA + "interfaceConfig.db",
+    "lists": DATA + "dataList.db",
+    "networks": DATA + "wifi.db",
+    "counters": "/media/sdcard/Log/liczniki.bin",
+    "supplicant": "/etc/wpa_supplicant/wpa_supplicant-wlan0.conf",
+}
+
+
+def digest(path):
+    """A short text for what a store holds; for a database its rows, not its bytes."""
+    if not os.path.exists(path):
+        return "absent"
+    result = hashlib.sha256()
+    if path.endswith(".db"):
+        database = sqlite3.connect(path)
+        tables = [name for name, in database.execute(
+            "SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name")]
+        for table in tables:
+            result.update(repr((table, database.execute(
+                f'SELECT * FROM "{table}" ORDER BY rowid').fetchall())).encode())
+        database.close()
+    else:
+        with open(path, "rb") as file:
+            result.update(file.read())
+    return result.hexdigest()[:12]
+
+
+class Marks:
+    def __init__(self):
+        self.device = os.open("/dev/disk/by-id/virtio-card-part3", os.O_WRONLY | os.O_DIRECT)
+        self.block = mmap.mmap(-1, 4096)
+        self.number = 0
+
+    def write(self, kind):
+        mark = {"number": self.number, "kind": kind,
+                "stores": {name: digest(path) for name, path in STORES.items()}}
+        text = json.dumps(mark).encode()
+        assert len(text) < SECTOR
+        self.block[:SECTOR] = text.ljust(SECTOR)
+        os.pwrite(self.device, memoryview(self.block)[:SECTOR], self.number * SECTOR)
+        self.number += 1
+
+
+def ktvctl(*words):
+    done = subprocess.run(["ktvctl", *words], stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
+                          check=False, text=True)
+    if done.returncode != 0:
+        sys.exit(f"ktvctl {' '.join(words)}: {done.stderr}")
+
+
+def forget_everything():
+    """What an update of the system does before a first start."""
+    for path in STORES.values():
+        if os.path.exists(path):
+            os.unlink(path)
+    os.sync()
+
+
+def main():
+    rounds = int(sys.argv[1])
+    dice = random.Random(int(sys.argv[2]))
+    counter = subprocess.run(["ktvctl", "counters", "show"], stdout=subprocess.PIPE, check=True,
+                             text=True).stdout.split(":")[0].strip()
+    marks = Marks()
+    number = 0
+
+    def text():
+        return "".join(dice.choice("abcdefghij ÄÖÜ'\"") for _ in range(dice.randint(3, 200))) + "."
+
+    commands = {
+        "settings": lambda: ("settings", "set", dice.choice(("PRINT_Customer_Label", "MAIN_Pin")), text()),
+        "lists": lambda: dice.choice((
+            ("lists", "names", "add", f"{number} {text()[:60]}"),
+            ("lists", "types", "add", f"{number} {text()[:60]}"),
+            ("lists", "materials", "add", f"{number} {text()[:40]}", "0.00393"),
+            ("lists", "limits-r", "add", f"{number} {text()[:40]}", "2", "1"))),
+        "networks": lambda: ("wifi", "add", f"Network {number % 7}", text()[:40].ljust(8, "x")),
+        "counters": lambda: ("counters", "up", counter),
+        "reset": lambda: ("settings", "reset"),
+        "first start": lambda: ("watch", "--seconds", "1"),
+    }
+    marks.write("begin")
+    for turn in range(rounds):
+        kinds = ["settings", "lists", "networks", "counters"] * 3
+        kinds.append("reset" if turn % 2 else "first start")
+        dice.shuffle(kinds)
+        for kind in kinds:
+            number += 1
+            if kind == "first start":
+                forget_everything()
+                marks.write("prepared")
+            ktvctl(*commands[kind]())
+            marks.write(kind)
+    print(marks.number, "marks")
+
+
+if __name__ == "__main__":
+    main()
