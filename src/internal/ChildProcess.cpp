@@ -140,8 +140,10 @@ IN_CHILD int besideStreams(int descriptor)
 IN_CHILD bool connectStreams(int output)
 {
     output = besideStreams(output);
+    if (output < 0)
+        return false;
     const int nothing = besideStreams(::open("/dev/null", O_RDWR | O_CLOEXEC));
-    return ::dup2(nothing, STDIN_FILENO) >= 0 && ::dup2(output, STDOUT_FILENO) >= 0
+    return nothing >= 0 && ::dup2(nothing, STDIN_FILENO) >= 0 && ::dup2(output, STDOUT_FILENO) >= 0
         && ::dup2(nothing, STDERR_FILENO) >= 0;
 }
 
@@ -180,7 +182,7 @@ IN_CHILD int runDetached(void *data)
     leave(0);
 }
 
-/** @return id of the child; -1, and nothing is left of it, when its program is not loaded */
+/** @return id of the child; -1, errno and nothing left of it when its program is not loaded */
 pid_t start(ChildFunction function, Orders &orders)
 {
     constexpr std::size_t size = 2 * stackSize; // a detached one has one more on it
@@ -193,6 +195,7 @@ pid_t start(ChildFunction function, Orders &orders)
     }
     if (id > 0 && orders.error != 0) {
         while (::waitpid(id, nullptr, 0) < 0 && errno == EINTR) { }
+        errno = orders.error;
         return -1;
     }
     return id;
@@ -210,8 +213,10 @@ void Descriptor::reset(int number)
 ChildProcess::ChildProcess(const QString &program, const QStringList &arguments, Lifetime lifetime)
 {
     std::array<int, 2> ends {};
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0)
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+        m_startError = errno;
         return;
+    }
     m_pipe.reset(ends[0]);
     Descriptor childsEnd(ends[1]);
     const Words words(program, arguments);
@@ -220,6 +225,7 @@ ChildProcess::ChildProcess(const QString &program, const QStringList &arguments,
     orders.output = childsEnd.number();
     orders.isBound = lifetime == BoundToThread;
     m_id = start(runGroup, orders);
+    m_startError = isStarted() ? 0 : errno;
     childsEnd.close();
     if (isStarted())
         m_end.reset(int(::syscall(SYS_pidfd_open, m_id, 0)));
@@ -232,6 +238,12 @@ ChildProcess::~ChildProcess()
     if (!m_isFinished)
         signalGroup(SIGKILL);
     while (::waitpid(m_id, nullptr, 0) < 0 && errno == EINTR) { }
+}
+
+bool ChildProcess::lacksResources() const
+{
+    static constexpr std::array<int, 4> reasons {EMFILE, ENFILE, EAGAIN, ENOMEM};
+    return std::find(reasons.begin(), reasons.end(), m_startError) != reasons.end();
 }
 
 void ChildProcess::signalGroup(int signal) const

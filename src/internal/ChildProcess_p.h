@@ -53,6 +53,8 @@ public:
     Q_DISABLE_COPY_MOVE(ChildProcess)
 
     bool isStarted() const { return m_id > 0; }
+    /** Whether it was not started for want of descriptors, processes or memory. */
+    bool lacksResources() const;
     /**
      * Collects the output until the child ends. @return whether it has ended; false as well, and
      * at once, when it has printed more than mostOutput
@@ -69,6 +71,7 @@ private:
     bool waitForNews(int milliseconds);
 
     pid_t m_id = -1;
+    int m_startError = 0; ///< errno, unless it was started
     Descriptor m_pipe; ///< of its standard output; closed when nobody writes any more
     Descriptor m_end; ///< readable when the child has ended; none where the kernel has no such
     QByteArray m_output;

@@ -46,6 +46,7 @@ CommandResult runProgram(const QString &program, const QStringList &arguments, W
     ChildProcess process(program, arguments,
                          waits.stop ? ChildProcess::BoundToThread : ChildProcess::Independent);
     if (!process.isStarted()) {
+        result.lacksResources = process.lacksResources();
         if (waits.start == Waits::NoStartWait)
             result.outcome = CommandResult::NotFinished;
         return result;

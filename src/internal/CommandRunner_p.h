@@ -24,6 +24,7 @@ struct CommandResult
     };
     Outcome outcome = NotStarted;
     QString output; ///< standard output that arrived, even if NotFinished
+    bool lacksResources = false; ///< Not started for want of descriptors, processes or memory.
 
     bool finished() const { return outcome == Finished; }
 };
@@ -31,6 +32,10 @@ struct CommandResult
 /** Limits in milliseconds. */
 struct Waits
 {
+    /**
+     * Whether a failed start is told apart: any other value than NoStartWait. No time is waited
+     * for it: when a start returns, the program is loaded, or is not to be had.
+     */
     int start = NoStartWait;
     int finish = Forever; ///< counted from the loaded program
     /**

@@ -13,6 +13,8 @@
 #include <QMetaMethod>
 #include <QTimer>
 
+#include <utility>
+
 using Internal::guarded;
 using Internal::log;
 using Internal::Waits;
@@ -222,10 +224,17 @@ void KTV_Connection::_buildConfFile(const QString &preferred, QList<Network *> *
 {
     guarded("KTV_Connection::_buildConfFile: exception:", [&] {
         QString text = SupplicantConfiguration::header();
-        for (const Network *network : qAsConst(*networks)) {
+        for (const Network *network : std::as_const(*networks)) {
+            bool lacksResources = false;
             QString entry = network->encryption
-                ? _WPA_Passphrase(network->ESSID, network->key)
+                ? SupplicantConfiguration::protectedNetwork(network->ESSID, network->key,
+                                                            &lacksResources)
                 : SupplicantConfiguration::openNetwork(network->ESSID);
+            if (lacksResources) {
+                // The file that is there has more than one without the protected networks.
+                log() << "KTV_Connection::_buildConfFile: no process for wpa_passphrase";
+                return;
+            }
             if (entry.isEmpty())
                 continue;
             if (network->ESSID == preferred)
@@ -457,7 +466,7 @@ void KTV_Connection::check_wifiScan_Avait(KTV_Connection *connection)
     static const auto announcement = QMetaMethod::fromSignal(&KTV_Connection::WiFi_Scan);
     if (!connection->isSignalConnected(announcement))
         return;
-    for (Network *network : qAsConst(*networks))
+    for (Network *network : std::as_const(*networks))
         network->moveToThread(connection->thread());
     emit connection->WiFi_Scan(networks.release());
 }

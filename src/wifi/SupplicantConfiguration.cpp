@@ -21,13 +21,15 @@ QString openNetwork(const QString &essid)
         + QStringLiteral("\"\n\tkey_mgmt=NONE\n}");
 }
 
-QString protectedNetwork(const QString &essid, const QString &passphrase)
+QString protectedNetwork(const QString &essid, const QString &passphrase, bool *lacksResources)
 {
     constexpr int limit = 1000; // ms
     if (essid.isEmpty() || !isPassphrase(passphrase))
         return {};
     const auto result = Internal::runProgram(QStringLiteral("wpa_passphrase"), {essid, passphrase},
                                              {Internal::Waits::NoStartWait, limit});
+    if (lacksResources)
+        *lacksResources = result.lacksResources;
     // Half an entry would make the supplicant refuse the whole file.
     const bool isEntry = result.finished() && result.output.startsWith(QLatin1String("network"));
     return isEntry ? result.output : QString();

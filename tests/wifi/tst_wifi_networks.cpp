@@ -146,6 +146,7 @@ private slots:
     void toolFailure();
     void fileThatCannotBeOpened();
     void fullCardLeavesTheFileAsItWas();
+    void fewDescriptorsLoseNoNetwork();
     void withoutInterfaceNothingIsRestarted();
     void neighbouringInterfaceNames();
     void secretsAreTheOwners();
@@ -588,6 +589,28 @@ void TstWifiNetworks::fullCardLeavesTheFileAsItWas()
     QCOMPARE(Meter::readFile(supplicantFile), header + openEntry("Lab") + openEntry("Office"));
     QCOMPARE(Meter::readFile(fileAtRestart), Meter::readFile(supplicantFile));
     QCOMPARE(QDir(QFileInfo(supplicantFile).path()).entryList(QDir::Files).size(), 1);
+}
+
+void TstWifiNetworks::fewDescriptorsLoseNoNetwork()
+{
+    auto wifi = manager();
+    QVERIFY(wifi->AddNetwork(QStringLiteral("Lab"), QStringLiteral("12345678")));
+    constexpr int enough = 12;
+    for (int left = 0; left <= enough; ++left) {
+        const QString name = QStringLiteral("Net%1").arg(left);
+        const LogCapture log;
+        bool isAdded = false;
+        {
+            const Meter::FewDescriptors few(left);
+            isAdded = wifi->AddNetwork(name, QStringLiteral("12345678"));
+        }
+        const QByteArray file = Meter::readFile(supplicantFile);
+        QVERIFY2(file.contains("ssid=\"Lab\""), qPrintable(name));
+        const bool isInFile = file.contains("ssid=\"" + name.toUtf8() + '"');
+        QVERIFY2(isAdded || !isInFile, qPrintable(name));
+        QVERIFY2(isInFile || !log.lines().isEmpty(), qPrintable(name));
+        QCOMPARE(isInFile || left < enough, true);
+    }
 }
 
 void TstWifiNetworks::withoutInterfaceNothingIsRestarted()
