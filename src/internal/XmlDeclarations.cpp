@@ -1,5 +1,6 @@
 #include "internal/XmlDeclarations_p.h"
 
+#include <QRegularExpression>
 #include <QString>
 #include <QStringView>
 
@@ -93,21 +94,30 @@ qsizetype referencesIn(QStringView text)
     return count;
 }
 
+/**
+ * Whether something declared may be longer than its declaration: it refers to something else, or
+ * has a character that will do so when it is read again, & or %.
+ */
+bool mayGrow(QStringView declarations)
+{
+    static const QRegularExpression reference(QStringLiteral("%|&(?!#)|&#0*3[78];|&#x0*2[56];"));
+    return reference.match(declarations.toString()).hasMatch();
+}
+
 } // namespace
 
 bool declaresTooMuch(const QString &text)
 {
     const auto [declarations, content] = documentTypeOf(text);
-    const qsizetype references = countOf(declarations, u"&");
     const qsizetype entities = countOf(declarations, u"<!ENTITY");
-    if (countOf(declarations, u"(") + countOf(declarations, u"%") + references + entities
+    if (countOf(declarations, u"(") + countOf(declarations, u"%") + countOf(declarations, u"&")
+            + entities
         > mostDeclared)
         return true;
     if (entities == 0)
         return false;
-    // An entity is no longer than what declares it, unless it stands for others.
     const qsizetype longest =
-        references == 0 ? std::min(declarations.size(), longestEntity) : longestEntity;
+        mayGrow(declarations) ? longestEntity : std::min(declarations.size(), longestEntity);
     return referencesIn(content) * longest > mostExpanded;
 }
 

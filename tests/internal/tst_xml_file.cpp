@@ -259,6 +259,13 @@ void TstXmlFile::declarations_data()
         << declared(text4k, QByteArray("&e;").repeated(1100)) << tooMany;
     QTest::newRow("a short entity, often")
         << declared("<!ENTITY e 'x'>", QByteArray("&e;").repeated(10000)) << QString();
+    QTest::newRow("one made of a character's number, often")
+        << declared("<!ENTITY ohm '&#937;'>", QByteArray("&ohm;").repeated(10000)) << QString();
+    for (const char *ampersand : {"&#38;", "&#038;", "&#x26;"})
+        QTest::addRow("one made of %s, as often", ampersand)
+            << declared(QByteArray("<!ENTITY d 'x'><!ENTITY e '") + ampersand + "d;'>",
+                        QByteArray("&e;").repeated(10000))
+            << tooMany;
     QTest::newRow("one that may stand for more, as often")
         << declared("<!ENTITY d 'x'><!ENTITY e '&d;'>", QByteArray("&e;").repeated(10000))
         << tooMany;
