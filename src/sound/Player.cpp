@@ -7,9 +7,11 @@
 #include <QThread>
 #include <QTimer>
 
+#include <algorithm>
 #include <csignal>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace SoundNamespace {
 
@@ -26,7 +28,20 @@ struct Ended
     QPointer<Player> player;
 };
 
-Ended lastEnded;
+std::vector<Ended> ended;
+
+/** Deletes those of this thread, which has not got to its event loop since. */
+void deleteEnded()
+{
+    const QThread *const current = QThread::currentThread();
+    for (const Ended &one : ended) {
+        if (one.thread == current)
+            delete one.player;
+    }
+    ended.erase(std::remove_if(ended.begin(), ended.end(),
+                               [](const Ended &one) { return one.player.isNull(); }),
+                ended.end());
+}
 
 /** As far as is known before; of an empty file nothing complains. */
 bool canSound(const QFileInfo &file)
@@ -56,8 +71,7 @@ Player::~Player()
 
 bool Player::launch(const QString &program, const QStringList &arguments)
 {
-    if (lastEnded.thread == QThread::currentThread())
-        delete lastEnded.player;
+    deleteEnded();
     start(program, arguments, ReadWrite);
     const bool isStarted = waitForStarted(startWait);
     m_id = static_cast<pid_t>(processId());
@@ -95,7 +109,7 @@ void Player::discard()
     }
     if (const pid_t leader = id(); leader > 0)
         ::kill(-leader, SIGKILL);
-    lastEnded = {thread(), this};
+    ended.push_back({thread(), this});
     deleteLater();
 }
 

@@ -6,6 +6,8 @@
 #include <QTimer>
 #include <QtConcurrent>
 
+#include <utility>
+
 namespace WiFi {
 
 namespace {
@@ -37,10 +39,18 @@ void Workers::poll(Kind kind, Work work)
 
 void Workers::start(Kind kind, Work work)
 {
-    if (Internal::canBeginThread())
+    if (Internal::canBeginThread()) {
         run(kind, work);
-    else
-        QTimer::singleShot(retryInterval, m_connection, [this, kind, work] { start(kind, work); });
+        return;
+    }
+    m_waiting.emplace_back(kind, work);
+    QTimer::singleShot(retryInterval, m_connection, [this] { startWaiting(); });
+}
+
+void Workers::startWaiting()
+{
+    for (const auto &[kind, work] : std::exchange(m_waiting, {}))
+        start(kind, work);
 }
 
 void Workers::run(Kind kind, Work work)
@@ -54,6 +64,10 @@ void Workers::run(Kind kind, Work work)
 void Workers::stop()
 {
     *m_stopping = true;
+    for (const auto &[kind, work] : std::exchange(m_waiting, {})) {
+        ++m_outstanding.at(kind);
+        perform(this, kind, work);
+    }
     for (QFuture<void> &future : m_futures)
         future.waitForFinished();
     m_futures.clear();

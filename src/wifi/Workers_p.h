@@ -7,6 +7,8 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace WiFi {
 
@@ -45,8 +47,9 @@ public:
     /** Starts a worker in any case, as soon as a thread can begin. */
     void start(Kind kind, Work work);
     /**
-     * Sets the flag and waits for every worker. One that the pool has not begun is run here,
-     * finds that it is to end, and ends; so a busy pool does not hold up this thread.
+     * Sets the flag, carries out what still waits for a thread, and waits for every worker. One
+     * that the pool has not begun is run here, finds that it is to end, and ends; so a busy pool
+     * does not hold up this thread.
      */
     void stop();
 
@@ -55,12 +58,14 @@ public:
 
 private:
     void run(Kind kind, Work work);
+    void startWaiting();
     static void perform(Workers *workers, Kind kind, Work work);
 
     KTV_Connection *const m_connection;
     const StopFlag m_stopping;
     std::array<std::atomic<int>, Power + 1> m_outstanding {}; ///< by kind
     QList<QFuture<void>> m_futures;
+    std::vector<std::pair<Kind, Work>> m_waiting; ///< for a thread that can begin
 };
 
 /**
