@@ -57,7 +57,8 @@ public:
      *
      * Blocks while the databases open, the supplicant restarts and the wireless tools answer, as
      * WiFi::KTV_Connection does. With a WiFi interface that is in no network, a start runs four
-     * commands, which are nine processes: it looks for the interface, restarts the supplicant
+     * commands, which are eight processes, or nine with a shell that stays beside its last
+     * command: it looks for the interface, restarts the supplicant
      * with the known networks, and reads the state by two more; one is added for each protected
      * network, and two where there is a connection. Most of the time goes into the restart: 31 of
      * 51 ms on a workstation. The commands run one after the other and are waited for, so that
@@ -67,6 +68,8 @@ public:
     /**
      * Silences the buzzer, ends a calibration bridge, saves the counters and the serial number,
      * then deletes every service. Blocks for up to half a second and two writes to the card.
+     * One that is destroyed after main() has returned, as a static object is, finds the databases
+     * given up already, and does not store the serial number.
      */
     ~KTV_DataSource() override;
 

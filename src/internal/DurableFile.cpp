@@ -14,7 +14,10 @@ namespace Internal {
 
 bool flushDirectoryOf(const QString &path)
 {
-    const QByteArray name = QFile::encodeName(QFileInfo(path).path());
+    // Of a link's target: SQLite keeps the journal beside that.
+    const QFileInfo file(path);
+    const QByteArray name =
+        QFile::encodeName(file.isSymLink() ? file.canonicalPath() : file.path());
     const int directory = ::open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (directory < 0)
         return false;

@@ -29,7 +29,7 @@ struct DiskInfo
  * on the debug log.
  *
  * What concerns the port belongs to one thread at a time and blocks it: each command started
- * may take 3 s to start and 5 s to finish before it counts as failed and is killed. The times
+ * may take 5 s to finish before it counts as failed and is killed. The times
  * given below are those of a sound device.
  */
 class KTV_DATASOURCE_EXPORT Tools : public QObject

@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace {
@@ -17,7 +18,7 @@ std::array<int, 2> SignalQuit::s_pipe {};
 
 SignalQuit::SignalQuit()
 {
-    if (::pipe(s_pipe.data()) != 0)
+    if (::pipe2(s_pipe.data(), O_CLOEXEC) != 0)
         return;
     QObject::connect(&m_notifier.emplace(s_pipe[0], QSocketNotifier::Read),
                      &QSocketNotifier::activated, QCoreApplication::instance(),
