@@ -55,8 +55,14 @@ struct Quantity
     qint64 allowance; ///< of growth
 };
 
+#if defined(__SANITIZE_ADDRESS__)
+constexpr qint64 ofFragments = std::numeric_limits<qint64>::max() / 2; // it keeps what is freed
+#else
+constexpr qint64 ofFragments = 1024;
+#endif
+
 const Quantity quantities[] = {
-    {"heap in use, KiB", heap, 64},  {"resident memory, KiB", resident, 1024}, // of fragments
+    {"heap in use, KiB", heap, 64},  {"resident memory, KiB", resident, ofFragments},
     {"descriptors", descriptors, 0}, {"threads", threads, 0},
     {"processes", processes, 0},
 };
@@ -140,10 +146,12 @@ QByteArray Samples::svg(const QString &title) const
                       .arg(QString::fromLatin1(quantities[i].name))
                       .arg(most);
         for (const Sample &sample : m_samples)
-            result +=
-                QStringLiteral("%1,%2 ")
-                    .arg(30 + width * sample.seconds / whole, 0, 'f', 1)
-                    .arg(bottom - height * double(sample.values.at(i)) / double(most), 0, 'f', 1);
+            result += QStringLiteral("%1,%2 ")
+                          .arg(30 + width * sample.seconds / whole, 0, 'f', 1)
+                          .arg(bottom
+                                   - height * double(sample.values.at(i))
+                                       / double(std::max<qint64>(most, 1)),
+                               0, 'f', 1);
         result += QStringLiteral("\"/>\n");
     }
     return result.toUtf8() + "</svg>\n";
