@@ -40,10 +40,15 @@ bool Finger::touch(QWidget *widget, const QPoint &point)
     QWidget *reached = m_window.childAt(onWindow);
     if (reached != widget && !(reached && widget->isAncestorOf(reached)))
         return false;
-    QTest::touchEvent(&m_window, m_device).press(0, onWindow, &m_window);
-    QTest::touchEvent(&m_window, m_device).release(0, onWindow, &m_window);
-    QTest::qWait(0);
+    tapAt(onWindow);
     return true;
+}
+
+void Finger::tapAt(const QPoint &point)
+{
+    QTest::touchEvent(&m_window, m_device).press(0, point, &m_window);
+    QTest::touchEvent(&m_window, m_device).release(0, point, &m_window);
+    QTest::qWait(0);
 }
 
 bool Finger::tapRow(const QString &name, const QString &title)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPoint>
 #include <QString>
 #include <QWidget>
 
@@ -19,6 +20,8 @@ public:
 
     /** Touches the middle of the visible widget of this name. @return whether there is one */
     bool tap(const QString &name);
+    /** Touches a point of the window, whatever is there. */
+    void tapAt(const QPoint &point);
     /** Touches the row of a list that has this title, scrolling it into view first. */
     bool tapRow(const QString &name, const QString &title);
     /** Touches the keys of the keyboard on the screen, one after the other. */

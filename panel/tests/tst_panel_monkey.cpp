@@ -1,0 +1,163 @@
+#include "PanelFixture.h"
+
+#include "support/Volume.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QRandomGenerator>
+#include <QTimer>
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+constexpr int cardSize = 2000; // blocks
+
+/** How long the interface does not come to look at its events. */
+class Watchdog
+{
+public:
+    Watchdog()
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, [this] { look(); });
+        m_timer.start(interval);
+        m_sinceLook.start();
+    }
+
+    /** What is done from now on. */
+    void note(const QString &action) { m_action = action; }
+    void look()
+    {
+        const qint64 stall = m_sinceLook.restart() - interval;
+        if (stall <= longest)
+            return;
+        ++m_count;
+        if (stall > m_worst) {
+            m_worst = stall;
+            m_worstAction = m_action;
+        }
+    }
+    QString report() const
+    {
+        return QStringLiteral("%1 stalls above %2 ms, the worst %3 ms at: %4")
+            .arg(m_count)
+            .arg(longest)
+            .arg(m_worst)
+            .arg(m_worstAction);
+    }
+    int count() const { return m_count; }
+
+private:
+    static constexpr int interval = 5; // ms
+    static constexpr int longest = 100; // ms
+
+    QTimer m_timer;
+    QElapsedTimer m_sinceLook;
+    QString m_action;
+    int m_count = 0;
+    qint64 m_worst = 0;
+    QString m_worstAction;
+};
+
+} // namespace
+
+/**
+ * Somebody without an aim touches and types, on every page and in every language, while the radio
+ * goes up and down and the card fills: the panel stands it. The same touches for the same
+ * KTV_MONKEY_SEED; once over everything, or for KTV_MONKEY_MINUTES, and then no stall is allowed.
+ */
+class TstPanelMonkey : public QObject
+{
+    Q_OBJECT
+private slots:
+    void touches();
+
+private:
+    void visit(PanelFixture &panel, const QString &page);
+    void touch(PanelFixture &panel);
+    void disturb(Volume &card);
+
+    QRandomGenerator m_random;
+    std::unique_ptr<Watchdog> m_watchdog;
+    int m_touches = 0;
+};
+
+/** A finger finds the buttons, but now and then misses them. */
+void TstPanelMonkey::touch(PanelFixture &panel)
+{
+    QList<QWidget *> widgets = panel.window.findChildren<QWidget *>();
+    const auto isOutOfReach = [](const QWidget *widget) {
+        return !widget->isVisible() || widget->objectName().isEmpty();
+    };
+    widgets.erase(std::remove_if(widgets.begin(), widgets.end(), isOutOfReach), widgets.end());
+    const int chosen = m_random.bounded(widgets.size() + 1);
+    QPoint point(m_random.bounded(panel.window.width()), m_random.bounded(panel.window.height()));
+    QString name = QStringLiteral("anything");
+    if (chosen < widgets.size()) {
+        const QWidget *widget = widgets.at(chosen);
+        name = widget->objectName();
+        point = widget->mapTo(&panel.window, widget->rect().center());
+    }
+    m_watchdog->note(QStringLiteral("touch %1, %2").arg(m_touches).arg(name));
+    panel.finger.tapAt(point);
+    ++m_touches;
+    QTest::qWait(int(m_random.bounded(10U)));
+}
+
+void TstPanelMonkey::disturb(Volume &card)
+{
+    if (m_random.bounded(3) == 0)
+        card.fillUp();
+    else
+        card.fill(m_random.bounded(cardSize * 3 / 4)); // the alerts begin at 70 percent
+    const QString state = m_random.bounded(2) ? QStringLiteral("up") : QStringLiteral("down");
+    QProcess::startDetached("/usr/bin/ip", {"link", "set", "wlan0", state});
+}
+
+void TstPanelMonkey::visit(PanelFixture &panel, const QString &page)
+{
+    constexpr int touchesEach = 6;
+    panel.finger.tap(page); // a sheet may lie over it
+    for (int i = 0; i < touchesEach; ++i)
+        touch(panel);
+    if (panel.finger.find("key.done"))
+        panel.finger.type(QString::number(m_random.generate()));
+}
+
+void TstPanelMonkey::touches()
+{
+    Volume card("/media/sdcard", cardSize);
+    for (const char *folder : {"Clients", "Log", "Update", "UserData"})
+        QDir("/media/sdcard").mkpath(folder);
+    QLoggingCategory::setFilterRules("default.debug=false"); // the lines are too many
+    const int seed = qEnvironmentVariable("KTV_MONKEY_SEED", "1").toInt();
+    const double minutes = qEnvironmentVariable("KTV_MONKEY_MINUTES").toDouble();
+    m_random.seed(quint32(seed));
+    QElapsedTimer time;
+    time.start();
+    auto panel = std::make_unique<PanelFixture>();
+    QStringList pages;
+    for (const QWidget *widget : panel->window.findChildren<QWidget *>())
+        if (widget->objectName().startsWith("nav."))
+            pages += widget->objectName();
+    QVERIFY(pages.size() > 5);
+    m_watchdog = std::make_unique<Watchdog>();
+    do {
+        for (const char *language : {"EN", "PL", "DE", "US"}) {
+            panel->session.setLanguage(language);
+            for (const QString &page : qAsConst(pages))
+                visit(*panel, page);
+            disturb(card);
+        }
+    } while (double(time.elapsed()) < minutes * 60000);
+    qInfo("seed %d, %d touches; %s", seed, m_touches, qPrintable(m_watchdog->report()));
+#if !defined(__SANITIZE_ADDRESS__)
+    if (minutes > 0) // a machine that tests other things meanwhile stalls by itself
+        QVERIFY2(m_watchdog->count() == 0, qPrintable(m_watchdog->report()));
+#endif
+    m_watchdog.reset();
+}
+
+KTV_PANEL_TEST_MAIN(TstPanelMonkey)
+#include "tst_panel_monkey.moc"
