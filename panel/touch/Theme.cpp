@@ -146,10 +146,10 @@ int Theme::px(int length)
     return length == 0 ? 0 : std::max(1, static_cast<int>(std::lround(length * scale)));
 }
 
-QString Theme::scaled(const QString &sheet)
+QString Theme::scaled(const QString &unscaled)
 {
     static const QRegularExpression length(QStringLiteral("(\\d+)px"));
-    QString text = sheet;
+    QString text = unscaled;
     int from = 0;
     for (;;) {
         const QRegularExpressionMatch match = length.match(text, from);

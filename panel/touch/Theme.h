@@ -32,7 +32,7 @@ struct Theme
     /** A length in pixels of this window. */
     static int px(int length);
     /** The same for every length of a style sheet. */
-    static QString scaled(const QString &sheet);
+    static QString scaled(const QString &unscaled);
     static int target() { return px(48); } ///< least height of what is touched
     static int margin() { return isCompact() ? px(10) : px(16); }
     static int gap() { return px(8); }
