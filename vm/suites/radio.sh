@@ -11,7 +11,7 @@ access_point() {
     local interface=$1 channel=$2
     shift 2
     {
-        printf '%s\n' "interface=$interface" driver=nl80211 "channel=$channel" hw_mode=g ieee80211n=1 beacon_int=250 \
+        printf '%s\n' "interface=$interface" driver=nl80211 "channel=$channel" hw_mode=g ieee80211n=1 \
             ctrl_interface=/run/hostapd bridge=br0
         printf '%s\n' "$@"
     } >"/run/air/$interface.conf"
