@@ -60,6 +60,13 @@ bool hasEventLoop()
 
 } // namespace
 
+Player::Player()
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    setChildProcessModifier([this] { prepareChild(); });
+#endif
+}
+
 Player::~Player()
 {
     if (state() == NotRunning)
@@ -143,13 +150,12 @@ void Player::halt()
 void Player::countComplaints()
 {
     // The player may remark on what it plays; cat speaks only when it fails.
-    m_complaints += readAllStandardError().count("cat: ");
+    m_complaints += int(readAllStandardError().count("cat: "));
     if (m_complaints > mostComplaints)
         halt();
 }
 
-// Runs between fork and exec: plain system calls only.
-void Player::setupChildProcess()
+void Player::prepareChild() const
 {
     ::setpgid(0, 0);
     if (m_repeats)

@@ -13,6 +13,7 @@ namespace SoundNamespace {
 class Player : public QProcess
 {
 public:
+    Player();
     /** Ends the player. */
     ~Player() override;
 
@@ -34,10 +35,15 @@ public:
      */
     void expectRepeats(const QString &file);
 
-protected:
-    void setupChildProcess() override;
-
 private:
+    /** Runs in the child, between fork and exec: plain system calls only. */
+    void prepareChild() const;
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    void setupChildProcess() override
+    {
+        prepareChild();
+    }
+#endif
     bool isOwnThread() const;
     void signalGroup(int signal);
     void halt();

@@ -14,7 +14,7 @@ constexpr int belowZero = -1; ///< index of a row for negative values
 /** Index of the first row that reaches a value; the number of rows when none does, and for NaN. */
 inline int firstRowFor(float value, const QList<ValueBox::DynamicRounding::RoundItem *> &rows)
 {
-    const int count = rows.size();
+    const int count = int(rows.size());
     int index = 0;
     while (index < count && !(rows.at(index)->maximum >= value))
         ++index;

@@ -38,7 +38,7 @@ QString protectedNetwork(const QString &essid, const QString &passphrase, bool *
 QString preferred(const QString &entry)
 {
     QString result = entry;
-    const int end = entry.lastIndexOf(QLatin1Char('}'));
+    const int end = int(entry.lastIndexOf(QLatin1Char('}')));
     return end < 0 ? result : result.insert(end, QStringLiteral("\tpriority=100\n"));
 }
 

@@ -186,7 +186,7 @@ bool takeUnit(const Call &call)
 {
     const QStringList names {QStringLiteral("celsius"), QStringLiteral("fahrenheit"),
                              QStringLiteral("kelvin")}; // in the order of the codes
-    const int unit = call.isSet("unit") ? names.indexOf(call.option("unit")) : 0;
+    const int unit = call.isSet("unit") ? int(names.indexOf(call.option("unit"))) : 0;
     if (unit >= 0)
         ValueBox::NumericalValueBox::prepareStaticDefaultValue(ValueBox::TemperatureUnit(unit));
     return unit >= 0;

@@ -161,7 +161,7 @@ QString drawSvg(const RowSets &table)
     lines += QStringLiteral("<rect width='100%' height='100%' fill='white'/>");
     lines += grid();
     for (int i = 0; i < table.size(); ++i)
-        lines += steps(*table.at(i), i, table.size());
+        lines += steps(*table.at(i), i, int(table.size()));
     lines += words(x(0), y(lowestDecimal) + 32, QStringLiteral("value"),
                    QStringLiteral("text-anchor='middle'"));
     lines += words(left, top - 6, QStringLiteral("last decimal shown"));

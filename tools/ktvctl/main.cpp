@@ -198,7 +198,7 @@ QString Rows::text() const
 {
     int width = 0;
     for (const auto &row : m_rows)
-        width = std::max(width, row.first.size());
+        width = std::max(width, int(row.first.size()));
     if (m_rows.isEmpty())
         return {};
     QStringList lines;

@@ -1,6 +1,7 @@
 #include "Checks.h"
 
 #include <QHash>
+#include <QIODevice>
 #include <QTextStream>
 
 namespace {
