@@ -3,6 +3,7 @@
 #include <QString>
 #include <QtAlgorithms>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
@@ -60,9 +61,23 @@ class FixedPoint
 public:
     static constexpr int mostDecimals = 8;
 
-    /** Nothing for numbers that do not fit: not finite, too many decimals, more than 32 bits. */
-    static std::optional<FixedPoint> of(float value, int decimals);
+    /** Whether a number fits: finite, few decimals, 32 bits. */
+    static bool fits(float value, int decimals)
+    {
+        constexpr double limit = 4294967296.; // 2^32
+        return decimals >= 0 && decimals <= mostDecimals
+            && roundedUnits(value, decimals) < limit; // NaN is not
+    }
+    /** Nothing for numbers that do not fit. */
+    static std::optional<FixedPoint> of(float value, int decimals)
+    {
+        return fits(value, decimals) ? std::optional(FixedPoint(value, decimals)) : std::nullopt;
+    }
 
+    /** A number that fits. */
+    FixedPoint(float value, int decimals)
+        : FixedPoint(quint32(roundedUnits(value, decimals)), decimals, value < 0)
+    { }
     FixedPoint(quint32 digits, int decimals, bool isNegative)
         : m_digits(digits)
         , m_decimals(decimals)
@@ -88,24 +103,19 @@ public:
 private:
     static constexpr quint32 base = 10;
 
+    /** Magnitude in units of the last decimal, and a half: its integer part is the rounded one. */
+    static double roundedUnits(float value, int decimals)
+    {
+        static_assert(std::numeric_limits<float>::is_iec559
+                      && std::numeric_limits<double>::is_iec559);
+        return std::fabs(double(value)) * exactPowersOfTen[std::size_t(decimals)] + 0.5;
+    }
     static int countDigits(quint32 number);
 
     quint32 m_digits;
     int m_decimals;
     bool m_isNegative;
 };
-
-inline std::optional<FixedPoint> FixedPoint::of(float value, int decimals)
-{
-    static_assert(std::numeric_limits<float>::is_iec559 && std::numeric_limits<double>::is_iec559);
-    constexpr double limit = 4294967296.; // 2^32
-    if (decimals < 0 || decimals > mostDecimals)
-        return std::nullopt;
-    const double units = std::fabs(double(value)) * exactPowersOfTen[std::size_t(decimals)] + 0.5;
-    if (!(units < limit)) // NaN is not, either
-        return std::nullopt;
-    return FixedPoint(quint32(units), decimals, value < 0);
-}
 
 inline void FixedPoint::trimZeros()
 {
@@ -139,21 +149,20 @@ inline int FixedPoint::countDigits(quint32 number)
 inline QChar *FixedPoint::writeBefore(QChar *end) const
 {
     // Two digits a step: half the divisions, each by a constant.
-    using Pair = std::array<ushort, 2>;
+    using Pair = std::array<QChar, 2>;
+    static constexpr quint32 pairCount = base * base;
     static constexpr auto pairs = [] {
-        std::array<Pair, base * base> all {};
-        for (quint32 i = 0; i < all.size(); ++i)
-            all[i] = {ushort('0' + i / base), ushort('0' + i % base)};
+        std::array<Pair, pairCount> all {};
+        for (quint32 i = 0; i < pairCount; ++i)
+            all[i] = {QChar('0' + i / base), QChar('0' + i % base)};
         return all;
     }();
-    constexpr auto pairCount = quint32(pairs.size());
     quint32 rest = m_digits;
     QChar *out = end;
     const auto writePair = [&out, &rest] {
-        const Pair &pair = pairs[rest % pairCount];
+        out -= 2;
+        std::copy_n(pairs[rest % pairCount].begin(), 2, out);
         rest /= pairCount;
-        *--out = pair[1];
-        *--out = pair[0];
     };
     const auto writeDigit = [&out, &rest] {
         *--out = ushort('0' + rest % base);
@@ -168,11 +177,12 @@ inline QChar *FixedPoint::writeBefore(QChar *end) const
     }
     while (rest >= pairCount)
         writePair();
-    if (rest >= base)
-        writePair();
-    else
-        writeDigit();
-    return out;
+    // One digit or two, without a branch that no processor could foresee: the first of a pair is
+    // written where the second overwrites it, when there is only one.
+    QChar *const start = out - (rest >= base ? 2 : 1);
+    *start = pairs[rest][0];
+    *--out = pairs[rest][1];
+    return start;
 }
 
 } // namespace Internal

@@ -19,7 +19,7 @@ struct TextParts
         QString text(marker.size() + int(hasMinus) + number.size() + int(hasBlank)
                          + int(prefix.size() + unit.size()),
                      Qt::Uninitialized);
-        QChar *out = text.data() + text.size();
+        QChar *out = const_cast<QChar *>(text.constData()) + text.size(); // nobody shares it yet
         out = writeBefore(out, unit);
         out = writeBefore(out, prefix);
         if (hasBlank)

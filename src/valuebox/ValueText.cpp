@@ -98,13 +98,20 @@ inline QString rowText(QLatin1String marker, bool isNegative, float number, cons
 {
     const auto &prefix = Internal::prefixTexts.text(UnitPrefixs(row.prefix));
     const auto &unitText = Internal::unitTexts.text(unit);
-    const auto fixed = Internal::roundedNumber(number, row);
-    if (Q_UNLIKELY(!fixed || fixed->isNegative() || !prefix.isPlain() || !unitText.isPlain()))
+    const float shown = scaled(number, row.prefix);
+    if (Q_UNLIKELY(!FixedPoint::fits(shown, row.digits) || shown < 0 || !prefix.isPlain()
+                   || !unitText.isPlain()))
         return anyRowText(marker, isNegative, number, row, unit);
-    const bool hasMinus = isNegative && fixed->digits() != 0;
+    const FixedPoint fixed(shown, row.digits);
+    const bool hasMinus = isNegative && fixed.digits() != 0;
     const bool hasBlank = prefix.view().size() + unitText.view().size() != 0;
-    return TextParts {marker, hasMinus, *fixed, hasBlank, prefix.view(), unitText.view()}
-        .toString();
+    return TextParts {marker, hasMinus, fixed, hasBlank, prefix.view(), unitText.view()}.toString();
+}
+
+// Rare, and so kept out of the code that every value runs through.
+Q_NEVER_INLINE QString overRangeText(const RoundItem &row, Units unit)
+{
+    return rowText(overRange, false, row.maximum, row, unit);
 }
 
 } // namespace
@@ -147,7 +154,7 @@ inline QString NumericalValueBox::shownText() const
     const float magnitude = isNegative ? -m_value : m_value;
     const int index = Internal::firstRowFor(magnitude, rows);
     if (Q_UNLIKELY(index == rows.size()))
-        return rowText(overRange, false, rows.last()->maximum, *rows.last(), m_unit);
+        return overRangeText(*rows.last(), m_unit);
     return rowText({}, isNegative, magnitude, *rows.at(index), m_unit);
 }
 
