@@ -30,7 +30,7 @@ namespace {
 template <typename Element> class OwnedList
 {
 public:
-    OwnedList() = default;
+    OwnedList() { m_list->reserve(screenful); }
     ~OwnedList()
     {
         if (m_list)
@@ -47,6 +47,8 @@ public:
     QList<Element *> *handOut() { return m_list.release(); }
 
 private:
+    static constexpr int screenful = 32; ///< most pickers ask for no more: room from the start
+
     std::unique_ptr<QList<Element *>> m_list = std::make_unique<QList<Element *>>();
 };
 
