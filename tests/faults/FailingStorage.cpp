@@ -1,5 +1,6 @@
 #include "FailingStorage.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -7,6 +8,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 
 #include <fcntl.h>
@@ -36,12 +38,11 @@ std::atomic<bool> failed {false};
 
 bool isWatched(std::string_view path)
 {
-    for (const auto &prefix : watched) {
+    return std::any_of(std::begin(watched), std::end(watched), [path](std::string_view prefix) {
         // The folder itself counts, too: it is opened to be flushed.
-        if (path.substr(0, prefix.size()) == prefix || path == prefix.substr(0, prefix.size() - 1))
-            return true;
-    }
-    return false;
+        return path.substr(0, prefix.size()) == prefix
+            || path == prefix.substr(0, prefix.size() - 1);
+    });
 }
 
 /** Whether this call fails; errno is set then. */
