@@ -14,18 +14,18 @@ void prepareTarget()
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QString text = QString::fromUtf8(bytesOf(data, size));
-    FUZZ_EXPECT(WiFi::ToolOutput::interfaceName(text).trimmed()
-                == WiFi::ToolOutput::interfaceName(text));
+    FUZZ_EXPECT(Internal::ToolOutput::interfaceName(text).trimmed()
+                == Internal::ToolOutput::interfaceName(text));
     WiFi::Network network;
-    WiFi::ToolOutput::readAddress(text, network);
-    WiFi::ToolOutput::readSignal(text, network);
+    Internal::ToolOutput::readAddress(text, network);
+    Internal::ToolOutput::readSignal(text, network);
     const auto isState = [](int state) {
         return state == WiFi::Network::wifi_States_OFF
             || (state >= WiFi::Network::wifi_States_Connect_0
                 && state <= WiFi::Network::wifi_States_Connect_4);
     };
     FUZZ_EXPECT(isState(network.state));
-    const auto networks = WiFi::ToolOutput::readScan(text);
+    const auto networks = Internal::ToolOutput::readScan(text);
     QSet<QString> names;
     int weakest = 0;
     for (const WiFi::Network *one : *networks) {

@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     FUZZ_EXPECT(network->state > WiFi::Network::wifi_States_NAN
                 && network->state <= WiFi::Network::wifi_States_Connect_4);
     FUZZ_EXPECT(network->ESSID.trimmed() == network->ESSID);
-    const QString entry = WiFi::SupplicantConfiguration::protectedNetwork(
+    const QString entry = Internal::SupplicantConfiguration::protectedNetwork(
         QStringLiteral("Lab"), QStringLiteral("12345678"));
     FUZZ_EXPECT(entry.isEmpty() || entry.startsWith(QLatin1String("network")));
     QERNTools::Tools::getRS232_Function();

@@ -13,7 +13,7 @@
 #include <unistd.h>
 #include <vector>
 
-namespace SoundNamespace {
+namespace Internal {
 
 namespace {
 
@@ -162,4 +162,4 @@ void Player::prepareChild() const
         ::signal(SIGPIPE, SIG_IGN); // so that a missing player, too, is something to complain about
 }
 
-} // namespace SoundNamespace
+} // namespace Internal

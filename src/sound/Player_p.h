@@ -2,7 +2,7 @@
 
 #include <QProcess>
 
-namespace SoundNamespace {
+namespace Internal {
 
 /**
  * The child process that plays a sound, with everything that it has started.
@@ -55,4 +55,4 @@ private:
     int m_complaints = 0;
 };
 
-} // namespace SoundNamespace
+} // namespace Internal

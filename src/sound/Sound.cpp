@@ -13,6 +13,7 @@
 using Internal::CommandResult;
 using Internal::loadShared;
 using Internal::log;
+using Internal::Player;
 using Internal::runDirect;
 using Internal::runProgram;
 using Internal::runShell;

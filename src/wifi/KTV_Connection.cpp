@@ -16,8 +16,16 @@
 #include <utility>
 
 using Internal::guarded;
+using Internal::KnownNetworks;
 using Internal::log;
+using Internal::NetworkList;
+using Internal::PowerRequests;
+using Internal::Shared;
+using Internal::StopFlag;
 using Internal::Waits;
+using Internal::Workers;
+namespace SupplicantConfiguration = Internal::SupplicantConfiguration;
+namespace ToolOutput = Internal::ToolOutput;
 
 namespace WiFi {
 

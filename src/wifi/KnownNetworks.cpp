@@ -10,10 +10,9 @@
 
 #include <memory>
 
-using Internal::guarded;
-using Internal::log;
+using WiFi::Network;
 
-namespace WiFi {
+namespace Internal {
 
 namespace {
 
@@ -28,7 +27,7 @@ QString connectionName()
 
 QStringList schema()
 {
-    return Internal::versionTable(schemaVersion)
+    return versionTable(schemaVersion)
         + QStringList {
             QStringLiteral(
                 "CREATE TABLE IF NOT EXISTS NETWORKS (NETk_1_ID INTEGER UNIQUE PRIMARY KEY,"
@@ -65,7 +64,7 @@ KnownNetworks::KnownNetworks(const QString &directory)
 bool KnownNetworks::open()
 {
     m_database.close();
-    if (Internal::isMissing(m_path))
+    if (isMissing(m_path))
         return createNew();
     release();
     keepSecret(m_path);
@@ -77,27 +76,27 @@ bool KnownNetworks::open()
 
 bool KnownNetworks::createNew()
 {
-    if (Internal::hasGivenUpDatabases())
+    if (hasGivenUpDatabases())
         return false; // what would be deleted could not be made anew
     m_database.close();
     if (QFile::exists(m_path) && !QFile::remove(m_path))
         return false;
     release();
-    Internal::makeDirectory(m_directory);
+    makeDirectory(m_directory);
     keepSecret(m_path);
     if (!m_database.open(m_path)) {
         log() << "KTV_Connection - No open database :("
               << (m_database.handle().isOpenError() ? "true" : "false");
         return false;
     }
-    Internal::createSchema(m_database, schema());
+    createSchema(m_database, schema());
     return true;
 }
 
 void KnownNetworks::release()
 {
     m_database.release();
-    if (!Internal::hasGivenUpDatabases())
+    if (!hasGivenUpDatabases())
         QSqlDatabase::removeDatabase(connectionName()); // again, as ever: harmless when it is gone
 }
 
@@ -107,7 +106,7 @@ bool KnownNetworks::add(const QString &essid, const QString &key)
         return false;
     if (!isOpenOrLog(QLatin1String("KTV_Connection::DB is CLOSE!")))
         return false;
-    Internal::Transaction transaction(m_database);
+    Transaction transaction(m_database);
     if (!removeName(essid, QLatin1String("_AddWifiToDataBase: ")) || !insert(essid, key))
         return false;
     return transaction.commit()
@@ -119,7 +118,7 @@ bool KnownNetworks::remove(const QString &essid)
     if (!isOpenOrLog(QLatin1String("DB is CLOSE!")))
         return false;
     const QLatin1String failure("_AddWifiToDataBase: "); // kept: the text of the other operation
-    Internal::Transaction transaction(m_database);
+    Transaction transaction(m_database);
     if (!removeName(essid, failure))
         return false;
     return transaction.commit() || failed(failure, m_database.lastError());
@@ -130,7 +129,7 @@ bool KnownNetworks::updateRow(int id, const QString &essid, const QString &key)
     if (!isOpenOrLog(QLatin1String("DB is CLOSE!")))
         return false;
     const QLatin1String failure("_AddWifiToDataBase: ");
-    Internal::Transaction transaction(m_database);
+    Transaction transaction(m_database);
     // Kept: the last backtick is never closed, so the statement is refused.
     const QString update =
         QStringLiteral("UPDATE NETWORKS SET`NET_ESSID`=:NET_ESSID,`NET_Encrypton`="
@@ -146,7 +145,7 @@ bool KnownNetworks::removeRow(int id)
     if (!isOpenOrLog(QLatin1String("DB is CLOSE!")))
         return false;
     const QLatin1String failure("_DeleteWifiInDataBase:");
-    Internal::Transaction transaction(m_database);
+    Transaction transaction(m_database);
     const QString deletion = QStringLiteral("DELETE FROM NETWORKS WHERE `NETk_1_ID` = '")
         + QString::number(id) + QLatin1Char('\'');
     if (!run(deletion, {}, failure))
@@ -160,7 +159,7 @@ NetworkList KnownNetworks::all()
     if (!m_database.isOpen())
         return networks;
     guarded("GetMyNetwork: ", [&] {
-        Internal::Statement query(m_database, QStringLiteral("SELECT * FROM NETWORKS"));
+        Statement query(m_database, QStringLiteral("SELECT * FROM NETWORKS"));
         while (query.next()) {
             auto network = std::make_unique<Network>();
             network->ESSID = query.value(QStringLiteral("NET_ESSID")).toString();
@@ -182,7 +181,7 @@ bool KnownNetworks::isOpenOrLog(QLatin1String text) const
 
 bool KnownNetworks::run(const QString &text, const QVariantList &values, QLatin1String failure)
 {
-    const Internal::Statement statement(m_database, text, values);
+    const Statement statement(m_database, text, values);
     return statement.isDone() || failed(failure, statement.lastError());
 }
 
@@ -199,4 +198,4 @@ bool KnownNetworks::insert(const QString &essid, const QString &key)
                columns(essid, key), QLatin1String("KTV_Connection::_AddWifiToDataBase: "));
 }
 
-} // namespace WiFi
+} // namespace Internal

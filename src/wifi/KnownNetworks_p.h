@@ -5,7 +5,7 @@
 
 #include <QString>
 
-namespace WiFi {
+namespace Internal {
 
 /** Whether a text has the length that WPA demands of a pass phrase, 8 to 63 characters. */
 bool isPassphrase(const QString &text);
@@ -45,7 +45,7 @@ private:
 
     const QString m_directory;
     const QString m_path;
-    Internal::NamedDatabase m_database;
+    NamedDatabase m_database;
 };
 
-} // namespace WiFi
+} // namespace Internal

@@ -6,11 +6,11 @@
 
 #include <memory>
 
-namespace WiFi {
+namespace Internal {
 
 struct DeleteNetworks
 {
-    void operator()(QList<Network *> *networks) const
+    void operator()(QList<WiFi::Network *> *networks) const
     {
         qDeleteAll(*networks);
         delete networks;
@@ -18,11 +18,11 @@ struct DeleteNetworks
 };
 
 /** A list that owns its records, until it is released to a client. */
-using NetworkList = std::unique_ptr<QList<Network *>, DeleteNetworks>;
+using NetworkList = std::unique_ptr<QList<WiFi::Network *>, DeleteNetworks>;
 
 inline NetworkList makeNetworkList()
 {
-    return NetworkList(new QList<Network *>);
+    return NetworkList(new QList<WiFi::Network *>);
 }
 
-} // namespace WiFi
+} // namespace Internal

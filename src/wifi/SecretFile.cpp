@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace WiFi {
+namespace Internal {
 
 void keepSecret(const QString &path)
 {
@@ -22,4 +22,4 @@ void keepSecret(const QString &path)
         ::chmod(name.constData(), ownerOnly);
 }
 
-} // namespace WiFi
+} // namespace Internal

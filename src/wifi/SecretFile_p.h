@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace WiFi {
+namespace Internal {
 
 /**
  * Lets only its owner read and write the file, where the file system knows owners. A missing
@@ -10,4 +10,4 @@ namespace WiFi {
  */
 void keepSecret(const QString &path);
 
-} // namespace WiFi
+} // namespace Internal

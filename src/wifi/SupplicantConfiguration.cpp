@@ -3,7 +3,7 @@
 #include "internal/CommandRunner_p.h"
 #include "wifi/KnownNetworks_p.h"
 
-namespace WiFi::SupplicantConfiguration {
+namespace Internal::SupplicantConfiguration {
 
 QString header()
 {
@@ -26,8 +26,8 @@ QString protectedNetwork(const QString &essid, const QString &passphrase, bool *
     constexpr int limit = 1000; // ms
     if (essid.isEmpty() || !isPassphrase(passphrase))
         return {};
-    const auto result = Internal::runProgram(QStringLiteral("wpa_passphrase"), {essid, passphrase},
-                                             {Internal::Waits::NoStartWait, limit});
+    const auto result = runProgram(QStringLiteral("wpa_passphrase"), {essid, passphrase},
+                                   {Waits::NoStartWait, limit});
     if (lacksResources)
         *lacksResources = result.lacksResources;
     // Half an entry would make the supplicant refuse the whole file.
@@ -42,4 +42,4 @@ QString preferred(const QString &entry)
     return end < 0 ? result : result.insert(end, QStringLiteral("\tpriority=100\n"));
 }
 
-} // namespace WiFi::SupplicantConfiguration
+} // namespace Internal::SupplicantConfiguration

@@ -3,7 +3,7 @@
 #include <QString>
 
 /** The texts that the supplicant's configuration file is put together from. */
-namespace WiFi::SupplicantConfiguration {
+namespace Internal::SupplicantConfiguration {
 
 /** What the file begins with, an empty line at its end included. */
 QString header();
@@ -20,4 +20,4 @@ QString protectedNetwork(const QString &essid, const QString &passphrase,
 /** An entry with the line in it that puts it before all others. */
 QString preferred(const QString &entry);
 
-} // namespace WiFi::SupplicantConfiguration
+} // namespace Internal::SupplicantConfiguration

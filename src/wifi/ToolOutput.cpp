@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <memory>
 
-namespace WiFi::ToolOutput {
+using WiFi::Network;
+
+namespace Internal::ToolOutput {
 
 namespace {
 
@@ -169,4 +171,4 @@ NetworkList readScan(const QString &lines)
     return networks;
 }
 
-} // namespace WiFi::ToolOutput
+} // namespace Internal::ToolOutput

@@ -5,24 +5,24 @@
 #include <QString>
 
 /** What the wireless tools print, read into records. Only the markers named are relied upon. */
-namespace WiFi::ToolOutput {
+namespace Internal::ToolOutput {
 
 /** A level in dBm as wifi_States_Connect_0 (weakest) to wifi_States_Connect_4. */
 int signalState(int dbm);
 /** Whether a scanned network has a name to show; false for null. */
-bool isNamed(const Network *network);
+bool isNamed(const WiFi::Network *network);
 /** Appends a copy, unless the list has a stronger one of that name; any other makes room. */
-void merge(QList<Network *> &networks, const Network &network);
+void merge(QList<WiFi::Network *> &networks, const WiFi::Network &network);
 /** Sort order of scan results: the weakest network comes first. */
-bool isWeaker(const Network *a, const Network *b);
+bool isWeaker(const WiFi::Network *a, const WiFi::Network *b);
 
 /** The WiFi interface in a listing of interfaces, one a line; empty when there is none. */
 QString interfaceName(const QString &listing);
 /** Address, mask and broadcast address from the "inet addr:" line of "ifconfig". */
-void readAddress(const QString &line, Network &network);
+void readAddress(const QString &line, WiFi::Network &network);
 /** The state of a connection from the "Signal level=" line of "iwconfig". */
-void readSignal(const QString &line, Network &network);
+void readSignal(const QString &line, WiFi::Network &network);
 /** The networks in the lines of "iwlist scan", one entry per name, weakest first. */
 NetworkList readScan(const QString &lines);
 
-} // namespace WiFi::ToolOutput
+} // namespace Internal::ToolOutput

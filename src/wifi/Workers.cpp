@@ -8,7 +8,9 @@
 
 #include <utility>
 
-namespace WiFi {
+using WiFi::KTV_Connection;
+
+namespace Internal {
 
 namespace {
 
@@ -22,24 +24,24 @@ Workers::Workers(KTV_Connection *connection)
     , m_stopping(std::make_shared<std::atomic<bool>>(false))
 {
     // A tool that hangs neither holds up a process that leaves nor stays behind.
-    Internal::stopBeforeLeaving(this, [this] { stop(); });
+    stopBeforeLeaving(this, [this] { stop(); });
 }
 
 Workers::~Workers()
 {
-    Internal::forgetBeforeLeaving(this);
+    forgetBeforeLeaving(this);
     stop();
 }
 
 void Workers::poll(Kind kind, Work work)
 {
-    if (m_outstanding.at(kind) < mostOutstanding && Internal::canBeginThread())
+    if (m_outstanding.at(kind) < mostOutstanding && canBeginThread())
         run(kind, work);
 }
 
 void Workers::start(Kind kind, Work work)
 {
-    if (Internal::canBeginThread()) {
+    if (canBeginThread()) {
         run(kind, work);
         return;
     }
@@ -55,7 +57,7 @@ void Workers::startWaiting()
 
 void Workers::run(Kind kind, Work work)
 {
-    Internal::dropFinished(m_futures);
+    dropFinished(m_futures);
     *m_stopping = false; // the process has not left after all
     ++m_outstanding.at(kind);
     m_futures.append(QtConcurrent::run(perform, this, kind, work));
@@ -107,4 +109,4 @@ bool PowerRequests::takeOldest()
     return (state & oldest) != 0;
 }
 
-} // namespace WiFi
+} // namespace Internal

@@ -11,8 +11,10 @@
 #include <vector>
 
 namespace WiFi {
-
 class KTV_Connection;
+} // namespace WiFi
+
+namespace Internal {
 
 /** Set when a manager ends, or the process is about to leave; outlives the manager. */
 using StopFlag = std::shared_ptr<std::atomic<bool>>;
@@ -36,9 +38,9 @@ public:
         Scan,
         Power
     };
-    using Work = void (*)(KTV_Connection *);
+    using Work = void (*)(WiFi::KTV_Connection *);
 
-    explicit Workers(KTV_Connection *connection);
+    explicit Workers(WiFi::KTV_Connection *connection);
     ~Workers();
     Q_DISABLE_COPY_MOVE(Workers)
 
@@ -61,7 +63,7 @@ private:
     void startWaiting();
     static void perform(Workers *workers, Kind kind, Work work);
 
-    KTV_Connection *const m_connection;
+    WiFi::KTV_Connection *const m_connection;
     const StopFlag m_stopping;
     std::array<std::atomic<int>, Power + 1> m_outstanding {}; ///< by kind
     QList<QFuture<void>> m_futures;
@@ -120,4 +122,4 @@ private:
     Pointer m_value = std::make_shared<Value>();
 };
 
-} // namespace WiFi
+} // namespace Internal

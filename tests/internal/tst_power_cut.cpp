@@ -218,18 +218,18 @@ void TstPowerCut::listsOfTheFirstStart()
 
 void TstPowerCut::knownNetworks()
 {
-    const auto changed = [this](const std::function<bool(WiFi::KnownNetworks &)> &work) {
+    const auto changed = [this](const std::function<bool(Internal::KnownNetworks &)> &work) {
         return [=] {
-            WiFi::KnownNetworks networks(m_prefix);
+            Internal::KnownNetworks networks(m_prefix);
             QVERIFY(networks.open() && work(networks));
         };
     };
-    changed([](WiFi::KnownNetworks &) { return true; })();
-    cut({changed([](WiFi::KnownNetworks &networks) { return networks.add("lab", ""); }),
-         changed([](WiFi::KnownNetworks &networks) { return networks.add("lab", "12345678"); }),
-         changed([](WiFi::KnownNetworks &networks) { return networks.remove("lab"); })},
+    changed([](Internal::KnownNetworks &) { return true; })();
+    cut({changed([](Internal::KnownNetworks &networks) { return networks.add("lab", ""); }),
+         changed([](Internal::KnownNetworks &networks) { return networks.add("lab", "12345678"); }),
+         changed([](Internal::KnownNetworks &networks) { return networks.remove("lab"); })},
         [this] {
-            WiFi::KnownNetworks networks(m_prefix);
+            Internal::KnownNetworks networks(m_prefix);
             QString found = networks.open() ? "" : "closed";
             const auto all = networks.all();
             for (const WiFi::Network *network : qAsConst(*all))

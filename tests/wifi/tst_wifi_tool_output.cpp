@@ -191,7 +191,7 @@ void TstWifiToolOutput::interfaceName_data()
 void TstWifiToolOutput::interfaceName()
 {
     QFETCH(QString, listing);
-    QTEST(WiFi::ToolOutput::interfaceName(listing), "name");
+    QTEST(Internal::ToolOutput::interfaceName(listing), "name");
 }
 
 void TstWifiToolOutput::address_data()
@@ -231,7 +231,7 @@ void TstWifiToolOutput::address()
 {
     QFETCH(QString, line);
     Network network;
-    WiFi::ToolOutput::readAddress(line, network);
+    Internal::ToolOutput::readAddress(line, network);
     QTEST(network.address, "address");
     QTEST(network.mask, "mask");
     QTEST(network.broadcast, "broadcast");
@@ -253,7 +253,7 @@ void TstWifiToolOutput::signalLevel()
 {
     QFETCH(QString, line);
     const auto network = makeNetwork(QStringLiteral("Lab"), Network::wifi_States_ON);
-    WiFi::ToolOutput::readSignal(line, *network);
+    Internal::ToolOutput::readSignal(line, *network);
     QTEST(network->state, "state");
 }
 
@@ -309,13 +309,13 @@ void TstWifiToolOutput::scan_data()
 void TstWifiToolOutput::scan()
 {
     QFETCH(QString, lines);
-    QTEST(texts(*WiFi::ToolOutput::readScan(lines)), "networks");
+    QTEST(texts(*Internal::ToolOutput::readScan(lines)), "networks");
 }
 
 void TstWifiToolOutput::rowOperations()
 {
     const QTemporaryDir directory;
-    WiFi::KnownNetworks known(directory.path() + QLatin1Char('/'));
+    Internal::KnownNetworks known(directory.path() + QLatin1Char('/'));
     QTest::ignoreMessage(QtDebugMsg, "DB is CLOSE!");
     QVERIFY(!known.updateRow(1, QStringLiteral("Lab"), QString()));
     QTest::ignoreMessage(QtDebugMsg, "DB is CLOSE!");
