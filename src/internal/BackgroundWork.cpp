@@ -19,14 +19,14 @@ namespace Internal {
 
 namespace {
 
-/** What is to be stopped before the process leaves. */
-class LeavingList
+/** The functions that stop background work before the process ends. */
+class StopRegistry
 {
 public:
     /** Never deleted: a client's static objects may still use the library after main(). */
-    static LeavingList &instance()
+    static StopRegistry &instance()
     {
-        static auto *const list = new LeavingList;
+        static auto *const list = new StopRegistry;
         return *list;
     }
 
@@ -38,7 +38,7 @@ public:
         if (m_isPostRoutine)
             return;
         m_isPostRoutine = true;
-        qAddPostRoutine(applicationGoes);
+        qAddPostRoutine(applicationIsDestroyed);
     }
 
     void remove(const void *owner)
@@ -61,19 +61,19 @@ public:
 private:
     struct AtExit
     {
-        ~AtExit() { LeavingList::instance().stopAll(); }
+        ~AtExit() { StopRegistry::instance().stopAll(); }
     };
 
-    /** Static objects go in the reverse order: this one before the pool, which is older. */
+    /** Static objects are destroyed in reverse order: this one before the pool, which is older. */
     static void callAtExit()
     {
         QThreadPool::globalInstance();
         static const AtExit atExit;
     }
 
-    static void applicationGoes()
+    static void applicationIsDestroyed()
     {
-        LeavingList &list = instance();
+        StopRegistry &list = instance();
         {
             const std::lock_guard<std::mutex> lock(list.m_mutex);
             list.m_isPostRoutine = false; // Qt forgets its routines with each application
@@ -103,17 +103,17 @@ public:
 
 void stopBeforeLeaving(const void *owner, const std::function<void()> &stop)
 {
-    LeavingList::instance().add(owner, stop);
+    StopRegistry::instance().add(owner, stop);
 }
 
 void forgetBeforeLeaving(const void *owner)
 {
-    LeavingList::instance().remove(owner);
+    StopRegistry::instance().remove(owner);
 }
 
 void stopBackgroundWork()
 {
-    LeavingList::instance().stopAll();
+    StopRegistry::instance().stopAll();
 }
 
 bool canBeginThread()

@@ -43,25 +43,25 @@ constexpr Waits killallWaits {Waits::NoStartWait, 30000};
 
 const QString killBeep = QStringLiteral("killall beep");
 
-/** Holds the mutex of the requests, and tells the thread sanitizer, to which Qt's are unknown. */
-class Turn
+/** Holds the mutex of the requests; the thread sanitizer does not see through QMutex by itself. */
+class RequestLock
 {
 public:
-    Turn()
+    RequestLock()
     {
         BuzzerClass::mutex.lock();
 #if defined(__SANITIZE_THREAD__)
         __tsan_acquire(&BuzzerClass::mutex);
 #endif
     }
-    ~Turn()
+    ~RequestLock()
     {
 #if defined(__SANITIZE_THREAD__)
         __tsan_release(&BuzzerClass::mutex);
 #endif
         BuzzerClass::mutex.unlock();
     }
-    Q_DISABLE_COPY_MOVE(Turn)
+    Q_DISABLE_COPY_MOVE(RequestLock)
 };
 
 Waits withoutLimit()
@@ -137,7 +137,7 @@ void BuzzerClass::BuzzerClass_Initialiser(KTV_Configuration::MeterModels model, 
 void BuzzerClass::BuzzerClass_Free()
 {
     worker.stop(); // it reads the tables
-    const Turn turn;
+    const RequestLock lock;
     Sound::KillProcess();
     toneDefinition.clear();
     toneTranscode.clear();
@@ -147,7 +147,7 @@ void BuzzerClass::Beep(Tone tone, bool loop)
 {
     if (loadShared(pernamentOff))
         return;
-    const Turn turn;
+    const RequestLock lock;
     const auto sample = toneTranscode.constFind(tone);
     if (playWave && sample != toneTranscode.constEnd()) {
         Sound::Play(*sample, loop, true, _pathtoWave);

@@ -18,10 +18,10 @@ KTV_Configuration::MeterModels NumericalValueBox::currentMeter = KTV_Configurati
 
 namespace {
 
-/** What a set's twin, for temperature-compensated values, has after the set's own rows. */
-enum Twin
+/** The rows that a set for temperature-compensated values has after those of the plain set. */
+enum CompensatedSet
 {
-    NoTwin, ///< such values show "---"
+    NoSet, ///< such values show "---"
     Copy, ///< nothing: such values end where the plain ones do
     Wider ///< the line's further rows, then the common tail
 };
@@ -33,13 +33,13 @@ struct Line
 {
     std::initializer_list<testI> currents;
     Items rows;
-    Twin twin;
+    CompensatedSet compensated;
     Items further;
 };
 
 // clang-format off
 
-/** Ends a wider twin; it starts above the rows that the twin has already. */
+/** The last rows of a wider set; they start above the rows that the set has already. */
 constexpr RoundItem commonTail[] = {
     {1999.9F, 1, 0}, {9990.F, 2, 3}, {99900.F, 1, 3}, {999000.F, 0, 3}, {10000000.F, 2, 6}};
 
@@ -63,7 +63,7 @@ constexpr Line resistance420[] = {
 constexpr Line resistance4200[] = {
     {{testI_200A}, {{0.0009999F, 1, -6}}, Copy, {}},
     {{testI_190A, testI_180A, testI_170A, testI_160A, testI_150A, testI_140A, testI_130A,
-      testI_120A, testI_110A}, {{0.0009999F, 1, -6}}, NoTwin, {}},
+      testI_120A, testI_110A}, {{0.0009999F, 1, -6}}, NoSet, {}},
     {{testI_100A, testI_90A, testI_80A, testI_70A, testI_60A},
      {{0.0009999F, 1, -6}, {0.0019999F, 4, -3}}, Copy, {}},
     {{testI_50A, testI_40A, testI_30A},
@@ -126,22 +126,23 @@ template <typename Range> void append(Round_Current_I *set, const Range &rows)
     }
 }
 
-template <std::size_t Size> void fill(const Line (&lines)[Size], Table &plain, Table &twins)
+template <std::size_t Size>
+void fill(const Line (&lines)[Size], Table &plain, Table &compensatedSets)
 {
     plain.clear();
-    twins.clear();
+    compensatedSets.clear();
     for (const Line &line : lines) {
         for (const testI current : line.currents) {
             Round_Current_I *set = newSet(current, static_cast<Round_Current_I *>(nullptr));
             append(set, line.rows);
             plain.append(set);
-            if (line.twin == NoTwin)
+            if (line.compensated == NoSet)
                 continue;
-            Round_Current_I *twin = newSet(set);
-            append(twin, line.further);
-            if (line.twin == Wider)
-                append(twin, commonTail);
-            twins.append(twin);
+            Round_Current_I *compensated = newSet(set);
+            append(compensated, line.further);
+            if (line.compensated == Wider)
+                append(compensated, commonTail);
+            compensatedSets.append(compensated);
         }
     }
 }
