@@ -159,7 +159,7 @@ void KTV_InterfaceConfig::setValue(SettingKey key, const QString &value)
         const QString name = enumToString(key);
         const bool removed = d->remove(name, QLatin1String("setValue - DELETE:"));
         const bool inserted = d->insert(name, value);
-        // Also after a failed statement, which has told its reason: the other one counts.
+        // Also after one statement has failed, which is logged: the other one is kept.
         if (!transaction.commit() && removed && inserted)
             log() << "setValue: " << d->database.lastError().text();
     });

@@ -35,7 +35,7 @@ constexpr KTV_Liczniki::Licznik fileOrder[] = {
  * they lie in one sector, which a card writes whole or not at all, and need no more room. What
  * would replace the file needs room for a second one, and on FAT it has several steps.
  *
- * @return success; otherwise the file tells the reason
+ * @return success; otherwise the file has the reason
  */
 bool overwrite(QFile &file, const QByteArray &bytes)
 {

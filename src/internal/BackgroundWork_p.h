@@ -12,12 +12,12 @@
 namespace Internal {
 
 /**
- * Has @p stop called before the process leaves: when the application object goes or, without
+ * Has @p stop called before the process ends: when the application object is destroyed or, without
  * one, when main() has returned or exit() is called. Both come before the global thread pool
- * waits for its threads. @p owner counts once; @p stop may be called more than once.
+ * waits for its threads. Each @p owner has one function; it may be called more than once.
  */
 void stopBeforeLeaving(const void *owner, const std::function<void()> &stop);
-/** For an owner that goes before the process does. */
+/** For an owner that is destroyed before the process ends. */
 void forgetBeforeLeaving(const void *owner);
 
 /** Calls every registered stop at once, in the calling thread. */
@@ -40,9 +40,9 @@ template <typename Futures> void dropFinished(Futures &futures)
 /**
  * Work on the global thread pool that may go on without end: a bridge, a repeating tone.
  *
- * A run takes no slot of the pool from anyone else, for on one core there is only one; it
- * learns its future only when that has been stored; and it is over when stop() returns, which
- * also happens before the process leaves.
+ * A run leaves the pool as many threads as it had, for on one core there is only one. It can ask
+ * for its own future from the beginning. It has ended when stop() returns, which is also called
+ * before the process ends.
  */
 class EndlessWork
 {
@@ -61,9 +61,9 @@ public:
     /** The future of the latest run; from any thread, never one that is just being stored. */
     QFuture<void> handle() const;
 
-    /** True while a run has to end as soon as it can. */
+    /** True while stop() waits: a run has to end as soon as it can. */
     const std::atomic<bool> &isStopping() const { return m_isStopping; }
-    /** Ends every run and waits for that; those that have not begun do not begin any more. */
+    /** Ends every run and waits for it; a run that has not begun never begins. */
     void stop();
 
     /**

@@ -43,7 +43,7 @@ public:
         /** It ends with the thread that starts it, even after a crash: SIGTERM, to tidy up. */
         BoundToThread
     };
-    /** No tool of a device prints as much, in bytes: what prints more never ends. */
+    /** In bytes; no tool of a device prints as much: one that does is taken for endless. */
     static constexpr int mostOutput = 1024 * 1024;
 
     /** Starts @p program, looked for on the PATH, and waits until it is loaded. */

@@ -10,7 +10,7 @@
  *
  * The result tells how far the command came; the caller chooses the text to log and the
  * consequence. A command that does not end in time, or prints more than 1 MiB, is killed with
- * everything it started. It reads nothing, and its complaints go nowhere.
+ * everything it started. Its standard input is empty; its standard error is discarded.
  */
 namespace Internal {
 
@@ -39,9 +39,9 @@ struct Waits
     int start = NoStartWait;
     int finish = Forever; ///< counted from the loaded program
     /**
-     * Set by another thread, it ends the wait as if the time were up; set already, nothing is
-     * started. May be null. The command is then asked to end and killed 300 ms later. It also
-     * ends when this process dies.
+     * When another thread sets it, the command gets SIGTERM, 300 ms later SIGKILL, and counts as
+     * not finished; when it is set already, nothing is started. May be null. A command with such
+     * a flag also ends when this process dies.
      */
     const std::atomic<bool> *stop = nullptr;
 

@@ -3,27 +3,27 @@
 #include <QByteArray>
 #include <QString>
 
-/** Changes of files that are still there after the battery was pulled. */
+/** Changes of files that survive a pulled battery. */
 namespace Internal {
 
 /**
- * Waits until the card has what was created, renamed or deleted in the directory of @p path.
- * Flushing a file itself says nothing of its name: that stands in the directory.
- * @return success; otherwise errno tells the reason
+ * Flushes the directory of @p path (fsync), and with it what was created, renamed or deleted
+ * there. Flushing a file does not flush its name, which is stored in the directory.
+ * @return success; otherwise errno has the reason
  */
 bool flushDirectoryOf(const QString &path);
 
-/** Waits until the card has an open file's bytes and size. @return success, or see errno */
+/** Flushes an open file's bytes and size to the card. @return success, or see errno */
 bool flushFile(int descriptor);
 
 /**
- * Creates a directory, one level, unless it exists, and waits until the card has it.
+ * Creates a directory, one level, unless it exists, and flushes it to the card.
  * @return whether the directory exists
  */
 bool makeDirectory(const QString &path);
 
 /**
- * Puts @p content in the place of the file in one step, and waits until the card has it: a full
+ * Replaces the file by one with @p content in one step, flushed to the card: a full
  * card or a pulled battery leaves the old file or the new one, never a part. Only on FAT, which
  * renames in several steps, a battery pulled between them may leave none. A symbolic link to
  * a file stays, and that file is replaced; one to anything else is replaced itself.

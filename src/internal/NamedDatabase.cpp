@@ -58,7 +58,7 @@ bool journalEmptiesDatabase(const QString &path)
         && qFromBigEndian<quint32>(header.constData() + pageCountOffset) == 0;
 }
 
-/** The registered connections, to be given up before Qt's registry of them goes. */
+/** The registered connections, to be closed before Qt's registry of them is destroyed. */
 class Registered
 {
 public:
@@ -71,7 +71,7 @@ public:
 
     void add(NamedDatabase *database)
     {
-        // Static objects go in the reverse order: this one before the registry, which is older.
+        // Static objects are destroyed in reverse order: this before the registry, which is older.
         QSqlDatabase::connectionNames();
         static const AtExit atExit;
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -235,8 +235,8 @@ Statement::Statement(NamedDatabase &database, const QString &text, const QVarian
     : m_run(database.statement(text))
     , m_isDone(run(database, text, values, use))
 {
-    // Each failure is told by statements that are fresh: what was prepared before another program
-    // changed the tables would tell it in other words.
+    // After a failure statements are prepared anew: one that was prepared before another program
+    // changed the tables would report the next failure in other words.
     if (!m_isDone)
         database.m_kept.clear();
 }

@@ -10,8 +10,8 @@
 namespace Internal {
 
 /**
- * Whether the process is leaving so far that no database can be opened any more: main() has
- * returned or exit() was called, and every connection has been given up.
+ * Whether it is too late in the process's life to open a database: main() has returned or exit()
+ * was called, and every connection has been closed.
  */
 bool hasGivenUpDatabases();
 
@@ -21,7 +21,7 @@ bool hasGivenUpDatabases();
  * Policy stays with the stores: what is logged, what a failed open leads to, which tables
  * a new file gets. Statements on the connection must not outlive release().
  *
- * A change that is answered for is on the card. SQLite alone does not see to that: a transaction
+ * A change that has succeeded is on the card. SQLite alone does not see to that: a transaction
  * ends with the deletion of its journal, and a battery pulled before the directory is flushed
  * brings the journal back, which then undoes the change. "PRAGMA synchronous = EXTRA" would flush
  * it, but reads the file first: to open one that is locked would wait for the lock.
@@ -65,9 +65,9 @@ private:
     QSqlQuery statement(const QString &text) const;
     void keep(const QString &text, const QSqlQuery &query);
 
-    /** A statement has changed something: outside of a transaction the card gets it at once. */
+    /** A statement has changed something: outside of a transaction it is flushed at once. */
     QSqlError noteChange();
-    /** Waits until the card has the end of a transaction. */
+    /** Flushes the end of a transaction to the card. */
     QSqlError flush() const;
 
     const QString m_connectionName;
@@ -108,9 +108,9 @@ private:
 };
 
 /**
- * A statement that is prepared and run as this object is made, its placeholders filled in their
- * order, and that is over when this object goes. A change outside of a transaction is one by
- * itself: the card has it when the statement is done.
+ * A statement. The constructor prepares it, binds the values to its placeholders in their order
+ * and runs it; the destructor ends it. Outside of a transaction a change is a transaction by
+ * itself: it has been flushed to the card when the constructor returns.
  */
 class Statement
 {

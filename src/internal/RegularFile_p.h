@@ -16,7 +16,7 @@ public:
 
     /**
      * For reading; an open file has no fileName().
-     * @return success; otherwise errorString() tells the reason
+     * @return success; otherwise errorString() has the reason
      */
     bool open(OpenMode mode) override;
 };

@@ -92,7 +92,7 @@ bool Player::launch(const QString &program, const QStringList &arguments)
 
 bool Player::isOwnThread() const
 {
-    // Nobody else is left to touch a player whose thread has gone.
+    // Nobody else can touch a player whose thread has ended.
     const QThread *const owner = thread();
     return !owner || owner == QThread::currentThread() || owner->isFinished();
 }

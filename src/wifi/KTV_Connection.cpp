@@ -370,8 +370,8 @@ void KTV_Connection::check_wifiState_Avait(KTV_Connection *connection)
     }
     const auto details = data.myNetwork.get();
     const std::unique_ptr<const Network> fresh(connection->getWiFi_Info());
-    // Details told meanwhile may be newer, and an old state after them would stay: details are
-    // told only when they differ from the last.
+    // Details that were emitted meanwhile may be newer. The old state must not come after them: it
+    // would stay, because details are emitted only when they differ from the last ones.
     if (*data.stopping || data.myNetwork.get() != details)
         return;
     if (data.state.exchange(fresh->state) != fresh->state)
@@ -457,7 +457,7 @@ void KTV_Connection::check_wifiScan_Avait(KTV_Connection *connection)
         return;
     if (!result.finished()) {
         log() << "iwlist - not respond!";
-        // Off before it is told: who hears of it may switch scanning on again, and that lasts.
+        // Off before the signal: its receiver may switch scanning on again, and it must stay on.
         data.isScanning = false;
         emit connection->WiFi_Scan(nullptr);
         if (*stopping)

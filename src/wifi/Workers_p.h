@@ -16,7 +16,7 @@ class KTV_Connection;
 
 namespace Internal {
 
-/** Set when a manager ends, or the process is about to leave; outlives the manager. */
+/** Set when a manager is destroyed or the process is about to end; outlives the manager. */
 using StopFlag = std::shared_ptr<std::atomic<bool>>;
 
 /**
@@ -79,7 +79,7 @@ class PowerRequests
 public:
     /** Notes a request. @return whether a worker must be started for it */
     bool add(bool on);
-    /** The oldest request that waits; the worker has been told of one. */
+    /** The oldest request that waits; there is one. */
     bool takeOldest();
     /** The latest request that waits; the others are dropped. */
     bool takeLatest() { return (m_state.exchange(Busy) & 1U) != 0; }
