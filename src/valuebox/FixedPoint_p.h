@@ -127,9 +127,9 @@ inline void FixedPoint::trimZeros()
 
 inline int FixedPoint::countDigits(quint32 number)
 {
-    // By the number's bits: the digits in the upper half, and in the lower one what it lacks of
-    // carrying to the next where numbers of so many bits have one digit more. Without a branch,
-    // which no processor could foresee.
+    // By the highest bit: the most digits of such numbers in the upper half, less the number from
+    // which on they have so many. Adding a number below that borrows from the upper half: one
+    // digit less. There is no branch that a processor could mispredict.
     static constexpr auto digitsOfBits = [] {
         std::array<quint64, 32> all {};
         quint64 power = base;
