@@ -53,7 +53,7 @@ class KTV_DATASOURCE_EXPORT KTV_DataSource : public QObject
 public:
     /**
      * Builds every service but the help manager, and starts the disk check (once a minute).
-     * What fails is told on the debug log, and by the service itself.
+     * A failure is logged, and the service itself reports it.
      *
      * Blocks while the databases open, the supplicant restarts and the wireless tools answer, as
      * WiFi::KTV_Connection does. With a WiFi interface that is in no network, a start runs four
@@ -103,7 +103,7 @@ public:
     /**
      * Factory reset of what a user can change: settings, lists, known networks and brightness.
      * Counters and the language in effect stay. Blocks for the writes to the card; what fails is
-     * told on the debug log, and the rest is reset all the same.
+     * logged, and the rest is reset all the same.
      */
     void ClearToDefault();
 

@@ -28,7 +28,7 @@ struct BeepParameter
  *
  * All members are static. Tones may be asked for from any thread; they take turns. Initialising
  * and freeing belong to one thread, while no tone is asked for. A tone still sounding when the
- * facade, the application or the process goes is ended, which takes no longer than half a second.
+ * facade, the application or the process ends is stopped, which takes half a second at most.
  */
 class KTV_DATASOURCE_EXPORT BuzzerClass
 {

@@ -15,7 +15,7 @@ namespace SoundNamespace {
  *
  * All operations are static and none reports a failure to its caller; the debug log has it. They
  * share their state without a lock: one thread at a time, which the buzzer sees to for its own
- * calls. A player still sounding when the facade, the application or the process goes is ended.
+ * calls. A player still sounding when the facade, the application or the process ends is stopped.
  */
 class KTV_DATASOURCE_EXPORT Sound : public QObject
 {

@@ -25,8 +25,8 @@ struct DiskInfo
  * The port shows itself to a connected computer either as a serial line or as a network
  * interface. The serial line has at most one owner: the bridge to the measuring hardware, the
  * system calibration tool, or a login console. Every operation finds the present state anew, so
- * it copes with what has been changed behind its back; failures are told by false and by a line
- * on the debug log.
+ * it copes with what has been changed behind its back; a failure is returned as false and
+ * logged.
  *
  * What concerns the port belongs to one thread at a time and blocks it: each command started
  * may take 5 s to finish before it counts as failed and is killed. The times
@@ -100,7 +100,7 @@ public:
      *
      * Blocks for up to 10 s: stopping an owner takes up to 6 s, starting one up to 5 s. Far
      * longer when commands hang.
-     * @return always true, also after a failure: only the log tells the difference
+     * @return always true, also after a failure, which is only logged
      */
     static bool SetUSBMode(USB_Mode mode, RS232_Function function);
     /** The same as detectCurrentMode(). */
@@ -138,7 +138,7 @@ public:
      * as the process list does not come.
      */
     static bool StopHardwareCalibrationMode();
-    /** Starts the calibration tool, which goes on by itself, and looks for it: blocks for 3 s. */
+    /** Starts the calibration tool detached, and looks whether it runs: blocks for 3 s. */
     static bool StartSystemCalibrationMode();
     /** Ends every calibration tool of the system; blocks for 2 to 5 s, 17 s at worst. */
     static bool StopSystemsCalibrationMode();

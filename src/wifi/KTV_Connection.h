@@ -26,9 +26,9 @@ namespace WiFi {
  * time. The signals of a worker are emitted on its pool thread, so receivers in the interface's
  * thread get them queued.
  *
- * Records: of one that a signal hands out the receiver becomes the owner. With nobody connected
- * it is deleted. Connect at most one receiver that takes records. One that goes while a signal
- * waits in its thread's event queue leaves that signal's records behind.
+ * Records: the receiver of a signal owns the records that come with it. With nobody connected
+ * they are deleted. Connect at most one receiver that takes records. One that is destroyed while
+ * a signal waits in its thread's event queue leaks that signal's records.
  *
  * One instance at a time in a process: the database connection's name is process-wide. While
  * another process writes the file, what concerns the known networks may block for 5 s more.
@@ -118,8 +118,8 @@ public:
     /**
      * Switches scanning on (one scan at once, then every 10000 ms) or off. The results
      * of a scan under way when scanning is switched off are dropped. A scan tool that does not
-     * answer within 5000 ms switches scanning off; WiFi_Scan() tells so even if it was off
-     * already, and its receiver may switch scanning on again.
+     * answer within 5000 ms switches scanning off; WiFi_Scan(nullptr) is emitted even if it was
+     * off already, and its receiver may switch scanning on again.
      * @return false when there is no interface to scan with
      */
     bool ScanNetwork(bool on);
@@ -127,7 +127,7 @@ public:
 
     /**
      * Reads state and details of the connection. Blocks up to 4000 ms: four tools, 1000 ms
-     * each. What a tool does not tell in time stays as a new record has it. Any thread.
+     * each. What no tool answers in time keeps the value of a new record. Any thread.
      * @return new record; the caller deletes it
      */
     WiFi::Network *getWiFi_Info();
