@@ -97,7 +97,8 @@ void TstPanelServices::init()
 
 void TstPanelServices::cleanup()
 {
-    Meter::setBehaviour(QStringLiteral("modprobe-usb-gadget"), QByteArray());
+    for (const char *program : {"modprobe-usb-gadget", "systemctl"})
+        Meter::setBehaviour(QLatin1String(program), QByteArray());
 }
 
 // --- lists
@@ -462,7 +463,8 @@ void TstPanelServices::switchThePort()
     QFETCH(QString, choice);
     PanelFixture panel;
     TAP(panel, "nav.USB");
-    Meter::setBehaviour(QStringLiteral("modprobe-usb-gadget"), "delay=0.3");
+    for (const char *program : {"modprobe-usb-gadget", "systemctl"})
+        Meter::setBehaviour(QLatin1String(program), "delay=0.3");
     int ticks = 0;
     QTimer tick;
     connect(&tick, &QTimer::timeout, this, [&] { ++ticks; });

@@ -250,7 +250,8 @@ const Place places[] = {
     {"networks in reach", "iwlist", connected, scan, {"networks", "none", "no answer", ""}, "1022232", true},
     {"radio off", "ifconfig", connected, switchOff, {"off", "on"}, "1011011", true},
     {"supplicant restarts", "systemctl", noNetworks, addOpenNetwork, {"entry", "refused"}, "00x0010"},
-    {"key of a network", "wpa_passphrase", noNetworks, addNetwork, {"entry", "no entry", "refused"}, "1111021"},
+    // Without a process for the tool the file stays as it was, with the entry that it had.
+    {"key of a network", "wpa_passphrase", noNetworks, addNetwork, {"entry", "no entry", "refused"}, "1111020"},
     {"sample", "aplay", silent, sample, {"sounds", "silent"}, "1000011"},
     {"sample in a loop", "aplay", silent, loop, {"silent"}, "0000000"},
     {"end of a sample", "pkill", silent, loop, {"silent"}, "0000000"},
