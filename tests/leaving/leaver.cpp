@@ -73,8 +73,11 @@ bool startStores()
     s_config = std::make_unique<KTV_InterfaceConfig>(directory);
     s_lists = std::make_unique<KTV_DataList>(directory, directory, QStringLiteral("EN"));
     s_config->setValue(KTV_InterfaceConfig::MAIN_Pin, 4711);
-    return s_config->getValue(KTV_InterfaceConfig::MAIN_Pin, 7) == 4711
-        && s_lists->GetObiectTyp(true, true, QString(), 0);
+    const std::unique_ptr<QList<DataList_Element *>> types(
+        s_lists->GetObiectTyp(true, true, QString(), 0));
+    if (types)
+        qDeleteAll(*types);
+    return s_config->getValue(KTV_InterfaceConfig::MAIN_Pin, 7) == 4711 && types;
 }
 
 using Start = bool (*)();
