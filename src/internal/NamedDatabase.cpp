@@ -71,8 +71,10 @@ public:
 
     void add(NamedDatabase *database)
     {
-        // Static objects are destroyed in reverse order: this before the registry, which is older.
+        // Static objects are destroyed in reverse order: this before Qt's registry, and before what
+        // Qt needs to free a query, both of which are older.
         QSqlDatabase::connectionNames();
+        const QSqlQuery query {QSqlDatabase()};
         static const AtExit atExit;
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_databases.insert(database);
