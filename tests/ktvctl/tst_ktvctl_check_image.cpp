@@ -190,6 +190,10 @@ void TstKtvctlCheckImage::faults_data()
         "mark and number\n"
         "/home/root/Langs/DE/default_materials.txt:4: warning: skipped: it is no name, question "
         "mark and number");
+    row("material of another language",
+        "printf 'Iron?0.005\\nIron?0.006\\n' >home/root/Langs/DE/default_materials.txt; "
+        "printf 'Iron?0.005\\n' >home/root/Langs/PL/default_materials.txt",
+        "/home/root/Langs/DE/default_materials.txt:2: warning: 'Iron' stands in line 1 already");
     row("coefficient of 0", "printf 'A?0.000\\n' >home/root/Langs/DE/default_materials.txt",
         "/home/root/Langs/DE/default_materials.txt:1: warning: the coefficient of 'A' is 0");
     row("encoding", "printf 'A\\nGer\\344t\\n' >home/root/Langs/DE/default_obiectTyp.txt",

@@ -407,11 +407,11 @@ void TstBuzzer::manyThreadsAsk()
         std::atomic<int> done {0};
         // The thread sanitizer keeps signals from a thread that waits for a mutex, as these do, and
         // Qt hears of a child's end by a signal: it is left to this thread.
-        sigset_t childs;
+        sigset_t childEnds;
         sigset_t before;
-        ::sigemptyset(&childs);
-        ::sigaddset(&childs, SIGCHLD);
-        ::pthread_sigmask(SIG_BLOCK, &childs, &before);
+        ::sigemptyset(&childEnds);
+        ::sigaddset(&childEnds, SIGCHLD);
+        ::pthread_sigmask(SIG_BLOCK, &childEnds, &before);
         for (int i = 0; i < count; ++i) {
             callers.emplace_back([i, &done] {
                 BuzzerClass::Beep(tone(1), i % 2 == 0);

@@ -34,12 +34,13 @@ struct DefaultList
 {
     const char *file;
     ReadLine readLine;
+    bool isUnique; ///< a text is kept once, whatever its language
 };
 
 constexpr DefaultList lists[] = {
-    {"default_obiectTyp.txt", plainLine},
-    {"default_obiectName.txt", plainLine},
-    {"default_materials.txt", materialLine},
+    {"default_obiectTyp.txt", plainLine, true},
+    {"default_obiectName.txt", plainLine, true},
+    {"default_materials.txt", materialLine, false},
 };
 
 /** Where a text stands. */
@@ -87,7 +88,7 @@ void checkList(const Image &image, const QString &path, const QString &language,
             report.warning(
                 path, number,
                 QStringLiteral("'%1' stands in line %2 already").arg(text).arg(earlier->line));
-        else
+        else if (list.isUnique)
             report.warning(path, number,
                            QStringLiteral("'%1' stands in the list of %2, too: only the language "
                                           "that is used first gets it")
