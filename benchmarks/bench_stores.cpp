@@ -10,7 +10,10 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTemporaryDir>
+#include <QVariant>
 
 #include <ctime>
 #include <map>
@@ -127,6 +130,8 @@ constexpr auto insertion =
 constexpr auto count = "SELECT COUNT(*) FROM OBIECT_TYP WHERE `OBT_Value` = :OBT_Value";
 constexpr auto typeInsertion = "INSERT INTO OBIECT_TYP (`OBT_Lang`,`OBT_ReadOnly`,`OBT_Value`) "
                                "VALUES (:OBT_Lang,:OBT_ReadOnly,:OBT_Value)";
+constexpr auto twentyRows = "SELECT `OBTk_1_ID`,`OBT_ReadOnly`,`OBT_Value` FROM OBIECT_TYP WHERE "
+                            "`OBT_Lang`='EN' LIMIT 20";
 
 void settings(Comparison &comparison, const QString &where, Comparison::Row write,
               std::optional<Comparison::Row> read)
@@ -195,14 +200,40 @@ void firstRows(Comparison &comparison)
         },
         [&] {
             std::vector<RawRow> rows;
-            raw->query("SELECT `OBTk_1_ID`,`OBT_ReadOnly`,`OBT_Value` FROM OBIECT_TYP WHERE "
-                       "`OBT_Lang`='EN' LIMIT 20",
-                       {}, [&](sqlite3_stmt *row) {
-                           rows.push_back({sqlite3_column_int(row, 0),
-                                           sqlite3_column_int(row, 1) != 0,
-                                           RawStore::text(row, 2)});
-                       });
+            raw->query(twentyRows, {}, [&](sqlite3_stmt *row) {
+                rows.push_back({sqlite3_column_int(row, 0), sqlite3_column_int(row, 1) != 0,
+                                RawStore::text(row, 2)});
+            });
             benchmark::DoNotOptimize(rows);
+        });
+}
+
+/** What Qt's driver and the objects themselves take of the row above. */
+void firstRowsByQt(Comparison &comparison)
+{
+    const Twins twins(QDir::tempPath());
+    KTV_DataList lists(twins.ours(), twins.ours(), QStringLiteral("EN"));
+    QSqlQuery query(QSqlDatabase::database(QStringLiteral("dataList")));
+    query.setForwardOnly(true);
+    check(query.prepare(QLatin1String(twentyRows)));
+    comparison.compare(
+        {"the same, to a kept QSqlQuery and the same objects"},
+        [&] {
+            const std::unique_ptr<QList<DataList_Element *>> rows(
+                lists.GetObiectTyp(true, true, QString(), 20));
+            qDeleteAll(*rows);
+        },
+        [&] {
+            QList<DataList_Element *> rows;
+            check(query.exec());
+            while (query.next()) {
+                rows.append(new DataList_Element);
+                rows.last()->ID = query.value(0).toInt();
+                rows.last()->ReadOnly = query.value(1).toBool();
+                rows.last()->Value = query.value(2).toString();
+            }
+            query.finish();
+            qDeleteAll(rows);
         });
 }
 
@@ -257,6 +288,7 @@ int main(int argc, char *argv[])
         seeding(comparison);
         firstStart(comparison);
         firstRows(comparison);
+        firstRowsByQt(comparison);
         const QString disk = qEnvironmentVariable("KTV_BENCH_DISK");
         if (disk.isEmpty())
             return;

@@ -84,16 +84,22 @@ QString shownLimit(const ListFamily &family, const QString &limit)
     return scale ? converted(limit, scale->fromCelsius) : limit;
 }
 
+/** The driver delivers 64 bits: asked for as such, they need no conversion of a QVariant. */
+int idOf(const Statement &row)
+{
+    return int(row.value(0).toLongLong());
+}
+
 void readRow(const ListFamily &, const Statement &row, DataList_Element &element)
 {
-    element.ID = row.value(0).toInt();
+    element.ID = idOf(row);
     element.ReadOnly = row.value(1).toBool();
     element.Value = row.value(2).toString();
 }
 
 void readRow(const ListFamily &, const Statement &row, MaterialList_Element &element)
 {
-    element.ID = row.value(0).toInt();
+    element.ID = idOf(row);
     element.ReadOnly = row.value(1).toBool();
     element.Name = row.value(2).toString();
     element.Alpha = row.value(3).toReal();
@@ -101,7 +107,7 @@ void readRow(const ListFamily &, const Statement &row, MaterialList_Element &ele
 
 void readRow(const ListFamily &family, const Statement &row, LimitList_Element &element)
 {
-    element.ID = row.value(0).toInt();
+    element.ID = idOf(row);
     element.Name = row.value(1).toString();
     element.HighLimit = shownLimit(family, row.value(2).toString());
     element.LoLimit = shownLimit(family, row.value(3).toString());
