@@ -30,13 +30,27 @@ XmlError refusal(const char *reason)
     return {QString::fromLatin1(reason), 0, 0};
 }
 
+/** All that the device holds, or more than largestFile of it: memory grows with what has come. */
+QByteArray readBounded(QIODevice &device)
+{
+    constexpr qint64 piece = Q_INT64_C(64) * 1024;
+    QByteArray bytes;
+    while (bytes.size() <= largestFile) {
+        const QByteArray part = device.read(piece);
+        if (part.isEmpty())
+            break;
+        bytes += part;
+    }
+    return bytes;
+}
+
 /** What the file holds, or why it is refused before it is parsed. */
 std::optional<XmlError> read(QIODevice &device, QString &text)
 {
     if (!device.isOpen())
         return std::nullopt;
     device.setTextModeEnabled(false); // a byte of an encoded character is no line end
-    QByteArray bytes = device.read(largestFile + 1);
+    QByteArray bytes = readBounded(device);
     if (bytes.size() > largestFile)
         return refusal("file too large");
     // Piece by piece, as a document reads a device: an encoding holds from the piece that names it.

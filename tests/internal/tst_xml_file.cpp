@@ -9,6 +9,9 @@
 #include <QTextCodec>
 #include <QtTest>
 
+#include <algorithm>
+#include <limits>
+
 using Internal::XmlError;
 
 namespace {
@@ -59,6 +62,31 @@ QByteArray inUtf16(const QString &text, const char *codec = "UTF-16")
     return QTextCodec::codecForName(codec)->fromUnicode(text);
 }
 
+/** A file of that many blanks, which notes how many bytes it is asked for at once, and in all. */
+class Blanks : public QIODevice
+{
+public:
+    explicit Blanks(qint64 size) : m_left(size) { open(ReadOnly | Unbuffered); }
+
+    qint64 mostAtOnce = 0;
+    qint64 total = 0;
+
+protected:
+    qint64 readData(char *data, qint64 size) override
+    {
+        mostAtOnce = std::max(mostAtOnce, size);
+        const qint64 count = std::min(size, m_left);
+        std::fill_n(data, count, ' ');
+        m_left -= count;
+        total += count;
+        return count;
+    }
+    qint64 writeData(const char *, qint64) override { return -1; }
+
+private:
+    qint64 m_left;
+};
+
 /** The error of parsing the text; an empty message: none. */
 XmlError errorOf(QByteArray text)
 {
@@ -88,6 +116,7 @@ private slots:
     void weight_data();
     void weight();
     void size();
+    void takesMemoryForWhatThereIs();
     void failureKeepsTheDocument();
     void closedDevice();
 };
@@ -327,6 +356,20 @@ void TstXmlFile::size()
         text += QByteArray(4 * 1024 * 1024 + int(tooLarge) - text.size() - 7, 'x') + "--></a>";
         QCOMPARE(errorOf(text).message, tooLarge ? QStringLiteral("file too large") : QString());
     }
+}
+
+void TstXmlFile::takesMemoryForWhatThereIs()
+{
+    QDomDocument document;
+    XmlError error;
+    Blanks few(1000);
+    QVERIFY(!Internal::parseXml(few, document, error));
+    QVERIFY2(few.mostAtOnce <= 100000, QByteArray::number(few.mostAtOnce));
+    QCOMPARE(few.total, 1000);
+    Blanks endless(std::numeric_limits<qint64>::max());
+    QVERIFY(!Internal::parseXml(endless, document, error));
+    QCOMPARE(error.message, QStringLiteral("file too large"));
+    QVERIFY2(endless.total < 5000000, QByteArray::number(endless.total));
 }
 
 void TstXmlFile::failureKeepsTheDocument()
