@@ -20,6 +20,7 @@ namespace {
 constexpr int startWait = 3000; // ms
 constexpr int emptyTime = 300; // ms that an empty file is played over and over
 constexpr int mostComplaints = 20;
+constexpr qint64 mostUnread = 65536; // bytes; a player that prints without end fills no memory
 
 /** A player that another thread has ended, until its own thread gets to deleting it. */
 struct Ended
@@ -62,6 +63,8 @@ bool hasEventLoop()
 
 Player::Player()
 {
+    connect(this, &QProcess::readyReadStandardOutput, this, &Player::dropSurplus);
+    connect(this, &QProcess::readyReadStandardError, this, &Player::dropSurplus);
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
     setChildProcessModifier([this] { prepareChild(); });
 #endif
@@ -145,6 +148,15 @@ void Player::signalGroup(int signal)
 void Player::halt()
 {
     signalGroup(SIGSTOP);
+}
+
+void Player::dropSurplus()
+{
+    for (const ProcessChannel channel : {StandardError, StandardOutput}) {
+        setReadChannel(channel);
+        if (bytesAvailable() > mostUnread)
+            readAll();
+    }
 }
 
 void Player::countComplaints()

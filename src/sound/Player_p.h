@@ -8,7 +8,8 @@ namespace Internal {
  * The child process that plays a sound, with everything that it has started.
  *
  * It belongs to the thread that has started it, whose event loop notices its end; where there is
- * no event loop it belongs to no thread. In either case any thread can end it.
+ * no event loop it belongs to no thread. In either case any thread can end it. Of what it prints
+ * and nobody reads, 64 KiB are kept of each stream.
  */
 class Player : public QProcess
 {
@@ -47,6 +48,7 @@ private:
     bool isOwnThread() const;
     void signalGroup(int signal);
     void halt();
+    void dropSurplus();
     void countComplaints();
 
     pid_t m_id = 0;

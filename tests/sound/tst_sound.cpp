@@ -7,6 +7,7 @@
 #include <QtConcurrent>
 #include <QtTest>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <mutex>
@@ -28,6 +29,8 @@ private slots:
     void playsOnce();
     void playsOverAndOver();
     void remarksOfThePlayerHaltNothing();
+    void whatThePlayerPrintsFillsNoMemory_data();
+    void whatThePlayerPrintsFillsNoMemory();
     void silenceSparesALoop();
     void silenceEndsASingleSample();
     void newSoundEndsTheFormer_data();
@@ -204,6 +207,41 @@ void TstSound::remarksOfThePlayerHaltNothing()
     Sound::Play(Sound::SOUND_ERROR_SHORT, true, false, samples);
     const int size = Meter::readFile("/etc/wav/SOUND_ERROR_SHORT.raw").size();
     QTRY_VERIFY(heard().size() > 2 * size);
+}
+
+void TstSound::whatThePlayerPrintsFillsNoMemory_data()
+{
+    QTest::addColumn<QByteArray>("player");
+    QTest::addColumn<bool>("loop");
+    for (const bool loop : {false, true}) {
+        const char *const name = loop ? "loop" : "single";
+        QTest::addRow("%s, output", name) << QByteArray("exec yes") << loop;
+        QTest::addRow("%s, complaints", name) << QByteArray("exec yes >&2") << loop;
+    }
+}
+
+void TstSound::whatThePlayerPrintsFillsNoMemory()
+{
+    QFETCH(QByteArray, player);
+    QFETCH(bool, loop);
+    Meter::replaceProgram("aplay", player);
+    Sound::Play(Sound::SOUND_ERROR, loop, false, samples);
+    QProcess *const process = Sound::process;
+    int news = 0;
+    qint64 most = 0;
+    const auto look = [process, &news, &most] {
+        ++news;
+        for (const auto channel : {QProcess::StandardError, QProcess::StandardOutput}) {
+            process->setReadChannel(channel);
+            most = std::max(most, process->bytesAvailable());
+        }
+    };
+    connect(process, &QProcess::readyReadStandardOutput, this, look);
+    connect(process, &QProcess::readyReadStandardError, this, look);
+    QTRY_VERIFY(news > 200); // a pipe holds up to 64 KiB
+    QVERIFY2(most <= 65536, QByteArray::number(most));
+    Sound::KillProcess();
+    QTRY_COMPARE(Meter::processes("yes"), QStringList());
 }
 
 void TstSound::silenceSparesALoop()
