@@ -1,6 +1,6 @@
 #include "internal/BackgroundWork_p.h"
 
-#include "internal/ChildProcess_p.h"
+#include "internal/Descriptor_p.h"
 #include "internal/log_p.h"
 
 #include <QCoreApplication>

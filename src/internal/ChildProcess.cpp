@@ -9,6 +9,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <memory>
+#include <mutex>
 #include <poll.h>
 #include <sched.h>
 #include <sys/prctl.h>
@@ -35,8 +36,9 @@ namespace Internal {
 
 namespace {
 
-constexpr int longestCheckInterval = 20; // ms, where the kernel does not tell of the child's end
+constexpr int longestCheckInterval = 20; // ms, where the kernel does not tell of a child's end
 constexpr int failedStart = 127; // exit code
+constexpr int killTime = 500; // ms that a killed child has to end
 
 /** The words of a command line, as exec takes them. */
 class Words
@@ -201,17 +203,47 @@ pid_t start(ChildFunction function, Orders &orders)
     return id;
 }
 
-} // namespace
-
-void Descriptor::reset(int number)
+/** Children that could not be killed, until they have ended after all. */
+class LeftChildren
 {
-    if (m_number >= 0)
-        ::close(m_number);
-    m_number = number;
-}
+public:
+    /** Never deleted: a client's static objects may still use the library after main(). */
+    static LeftChildren &instance()
+    {
+        static auto *const children = new LeftChildren;
+        return *children;
+    }
+
+    void add(pid_t id)
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_ids.push_back(id);
+    }
+
+    /** Collects those that have ended. @return whether there are too many others */
+    bool areTooMany()
+    {
+        constexpr std::size_t most = 4;
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_ids.erase(std::remove_if(m_ids.begin(), m_ids.end(),
+                                   [](pid_t id) { return ::waitpid(id, nullptr, WNOHANG) != 0; }),
+                    m_ids.end());
+        return m_ids.size() >= most;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::vector<pid_t> m_ids;
+};
+
+} // namespace
 
 ChildProcess::ChildProcess(const QString &program, const QStringList &arguments, Lifetime lifetime)
 {
+    if (LeftChildren::instance().areTooMany()) {
+        m_startError = EAGAIN;
+        return;
+    }
     std::array<int, 2> ends {};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
         m_startError = errno;
@@ -237,7 +269,8 @@ ChildProcess::~ChildProcess()
         return;
     if (!m_isFinished)
         signalGroup(SIGKILL);
-    while (::waitpid(m_id, nullptr, 0) < 0 && errno == EINTR) { }
+    if (!reap(QDeadlineTimer(killTime)))
+        LeftChildren::instance().add(m_id);
 }
 
 bool ChildProcess::lacksResources() const
@@ -258,6 +291,19 @@ bool ChildProcess::hasEnded() const
     siginfo_t state {};
     const int result = ::waitid(P_PID, id_t(m_id), &state, WEXITED | WNOHANG | WNOWAIT);
     return result == 0 ? state.si_pid == m_id : errno == ECHILD;
+}
+
+/** Lets the kernel forget the child when it has ended. @return whether it has, in time */
+bool ChildProcess::reap(const QDeadlineTimer &deadline) const
+{
+    int checkInterval = 1; // ms
+    while (::waitpid(m_id, nullptr, WNOHANG) == 0) {
+        if (deadline.hasExpired())
+            return false;
+        ::poll(nullptr, 0, checkInterval);
+        checkInterval = std::min(2 * checkInterval, longestCheckInterval);
+    }
+    return true;
 }
 
 /** Waits for output or the child's end and takes what has come. @return whether output has */

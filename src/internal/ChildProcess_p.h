@@ -1,5 +1,7 @@
 #pragma once
 
+#include "internal/Descriptor_p.h"
+
 #include <QByteArray>
 #include <QDeadlineTimer>
 #include <QString>
@@ -8,23 +10,6 @@
 #include <sys/types.h>
 
 namespace Internal {
-
-/** A file descriptor that is closed with its owner; -1 for none. */
-class Descriptor
-{
-public:
-    explicit Descriptor(int number = -1) : m_number(number) { }
-    ~Descriptor() { close(); }
-    Q_DISABLE_COPY_MOVE(Descriptor)
-
-    int number() const { return m_number; }
-    bool isOpen() const { return m_number >= 0; }
-    void reset(int number);
-    void close() { reset(-1); }
-
-private:
-    int m_number;
-};
 
 /**
  * A child process that leads a process group of its own, so that it can be ended with everything
@@ -46,9 +31,16 @@ public:
     /** In bytes; no tool of a device prints as much: one that does is taken for endless. */
     static constexpr int mostOutput = 1024 * 1024;
 
-    /** Starts @p program, looked for on the PATH, and waits until it is loaded. */
+    /**
+     * Starts @p program, looked for on the PATH, and waits until it is loaded, which has no limit:
+     * a file system that does not answer holds its callers. While four children are left that could
+     * not be killed, none is started.
+     */
     ChildProcess(const QString &program, const QStringList &arguments, Lifetime lifetime);
-    /** Kills what still runs, with everything that it has started. */
+    /**
+     * Kills what still runs, with everything that it has started. Blocks until the child has ended,
+     * 500 ms at most: one that the kernel holds, so that not even SIGKILL ends it, is left.
+     */
     ~ChildProcess();
     Q_DISABLE_COPY_MOVE(ChildProcess)
 
@@ -68,6 +60,7 @@ public:
 
 private:
     bool hasEnded() const;
+    bool reap(const QDeadlineTimer &deadline) const;
     bool waitForNews(int milliseconds);
 
     pid_t m_id = -1;

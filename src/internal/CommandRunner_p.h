@@ -10,7 +10,8 @@
  *
  * The result tells how far the command came; the caller chooses the text to log and the
  * consequence. A command that does not end in time, or prints more than 1 MiB, is killed with
- * everything it started. Its standard input is empty; its standard error is discarded.
+ * everything it started; one that the kernel does not let go is left after 500 ms. Its standard
+ * input is empty; its standard error is discarded.
  */
 namespace Internal {
 
@@ -34,7 +35,8 @@ struct Waits
 {
     /**
      * Whether a failed start is told apart: any other value than NoStartWait. No time is waited
-     * for it: when a start returns, the program is loaded, or is not to be had.
+     * for it: when a start returns, the program is loaded, or is not to be had. A file system that
+     * does not answer holds the caller until it does.
      */
     int start = NoStartWait;
     int finish = Forever; ///< counted from the loaded program

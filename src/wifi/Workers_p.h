@@ -25,8 +25,8 @@ using StopFlag = std::shared_ptr<std::atomic<bool>>;
  * A timer goes on while a tool hangs, and on a device with one core the pool has one thread, so
  * unfinished workers would queue up for as long as the interface is left on. Therefore no more
  * than two polls of a kind, running or waiting, are ever outstanding: a tick that finds two is
- * skipped, and the next one that finds room starts a worker again. Pool, memory and processes
- * thus hold at most two of each kind, even when a tool cannot be killed.
+ * skipped, and the next one that finds room starts a worker again. Pool and memory thus hold at
+ * most two of each kind; of tools that cannot be killed, ChildProcess leaves four at most.
  */
 class Workers
 {

@@ -50,6 +50,7 @@ private slots:
     void printsTooMuch_data();
     void printsTooMuch();
     void killedWhileItStartsCommands();
+    void toolsThatCannotBeKilled();
 
 private:
     /** Runs what never ends by itself, and sets the flag once it has said that it runs. */
@@ -379,6 +380,27 @@ void TstCommandRunner::killedWhileItStartsCommands()
         ::waitpid(victim, nullptr, 0);
     }
     QTRY_COMPARE(Meter::processes("victim"), QStringList()); // no copy of it that hangs
+}
+
+void TstCommandRunner::toolsThatCannotBeKilled()
+{
+    QStringList ids;
+    CommandResult result;
+    for (int i = 0; i < 4; ++i) {
+        QFile::remove(notePath());
+        result = runAndStop(UNKILLABLE " /tmp/note");
+        QCOMPARE(result.outcome, CommandResult::NotFinished);
+        ids += QString::fromLatin1(note()).trimmed();
+        QVERIFY(QFile::exists("/proc/" + ids.last())); // and yet the call has come back
+    }
+    result = Internal::runDirect("true", Waits());
+    QCOMPARE(result.outcome, CommandResult::NotFinished);
+    QVERIFY(result.lacksResources); // no more than these
+    QProcess::execute("/usr/bin/pkill", {"-KILL", "-x", "unkillable"});
+    QTRY_VERIFY(Internal::runDirect("true", Waits()).finished());
+    for (const QString &id : qAsConst(ids))
+        QTRY_VERIFY(Internal::runDirect("true", Waits()).finished()
+                    && !QFile::exists("/proc/" + id));
 }
 
 KTV_METER_TEST_MAIN(TstCommandRunner)
