@@ -1,31 +1,58 @@
 #include "internal/DurableFile_p.h"
 
+#include "internal/Descriptor_p.h"
+#include "internal/RegularFile_p.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryFile>
 
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace Internal {
 
-bool flushDirectoryOf(const QString &path)
+namespace {
+
+const QString addition = QStringLiteral(".new-"); // to the name of a file that is to be replaced
+
+QString targetOf(const QString &path)
+{
+    const QFileInfo old(path);
+    return old.isFile() ? old.canonicalFilePath() : path; // never a device
+}
+
+/** Removes what a pulled battery has left; a new file that is still being made is locked. */
+void removeLeftovers(const QString &target)
+{
+    const QFileInfo file(target);
+    const auto leftovers = file.dir().entryInfoList({file.fileName() + addition + "??????"},
+                                                    QDir::Files | QDir::Hidden | QDir::NoSymLinks);
+    for (const QFileInfo &leftover : leftovers) {
+        RegularFile open(leftover.filePath());
+        if (open.open(QIODevice::ReadOnly) && ::flock(open.handle(), LOCK_EX | LOCK_NB) == 0)
+            QFile::remove(leftover.filePath());
+    }
+}
+
+} // namespace
+
+int openDirectoryOf(const QString &path)
 {
     // Of a link's target: SQLite keeps the journal beside that.
     const QFileInfo file(path);
     const QByteArray name =
         QFile::encodeName(file.isSymLink() ? file.canonicalPath() : file.path());
-    const int directory = ::open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (directory < 0)
-        return false;
-    const bool isFlushed = flushFile(directory);
-    const int error = errno;
-    ::close(directory);
-    errno = error;
-    return isFlushed;
+    return ::open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+}
+
+bool flushDirectoryOf(const QString &path)
+{
+    const Descriptor directory(openDirectoryOf(path));
+    return directory.isOpen() && flushFile(directory.number());
 }
 
 bool flushFile(int descriptor)
@@ -49,27 +76,50 @@ bool makeDirectory(const QString &path)
     return true;
 }
 
-bool replaceFile(const QString &path, const QByteArray &content, QString *reason)
+FileReplacement::FileReplacement(const QString &path)
+    : m_target(targetOf(path))
+    , m_file(m_target + addition + QStringLiteral("XXXXXX")) // beside it: the same file system
+{ }
+
+bool FileReplacement::open(QString *reason)
 {
-    const QFileInfo old(path);
-    const QString target = old.isFile() ? old.canonicalFilePath() : path; // never a device
-    QTemporaryFile file(target + QStringLiteral(".XXXXXX")); // beside it: the same file system
-    if (!file.open() || file.write(content) != content.size() || !file.flush()) {
-        *reason = file.errorString();
+    if (const QFileInfo old(m_target); old.isDir() && !old.isSymLink()) {
+        *reason = qt_error_string(EISDIR);
         return false;
     }
-    const QByteArray from = QFile::encodeName(file.fileName());
-    const QByteArray to = QFile::encodeName(target);
-    if (!flushFile(file.handle()) || std::rename(from.constData(), to.constData()) != 0) {
+    removeLeftovers(m_target);
+    if (!m_file.open()) {
+        *reason = m_file.errorString();
+        return false;
+    }
+    ::flock(m_file.handle(), LOCK_EX | LOCK_NB); // another process would take it for a leftover
+    return true;
+}
+
+bool FileReplacement::commit(const QByteArray &content, QString *reason)
+{
+    if (m_file.write(content) != content.size() || !m_file.flush()) {
+        *reason = m_file.errorString();
+        return false;
+    }
+    const QByteArray from = QFile::encodeName(m_file.fileName());
+    const QByteArray to = QFile::encodeName(m_target);
+    if (!flushFile(m_file.handle()) || std::rename(from.constData(), to.constData()) != 0) {
         *reason = qt_error_string(errno);
         return false;
     }
-    file.setAutoRemove(false); // the name is gone, and may soon be another's
+    m_file.setAutoRemove(false); // the name is gone, and may soon be another's
     // The file once more: on FAT a name's entry holds the file's size and place, too.
-    if (flushFile(file.handle()) && flushDirectoryOf(target))
+    if (flushFile(m_file.handle()) && flushDirectoryOf(m_target))
         return true;
     *reason = qt_error_string(errno);
     return false;
+}
+
+bool replaceFile(const QString &path, const QByteArray &content, QString *reason)
+{
+    FileReplacement file(path);
+    return file.open(reason) && file.commit(content, reason);
 }
 
 } // namespace Internal

@@ -2,9 +2,16 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QTemporaryFile>
 
 /** Changes of files that survive a pulled battery. */
 namespace Internal {
+
+/**
+ * Opens the directory of @p path, of a link's target, to be flushed.
+ * @return a descriptor, the caller's to be closed; -1 on failure, and errno has the reason
+ */
+int openDirectoryOf(const QString &path);
 
 /**
  * Flushes the directory of @p path (fsync), and with it what was created, renamed or deleted
@@ -13,7 +20,7 @@ namespace Internal {
  */
 bool flushDirectoryOf(const QString &path);
 
-/** Flushes an open file's bytes and size to the card. @return success, or see errno */
+/** Flushes an open file, or directory, to the card. @return success, or see errno */
 bool flushFile(int descriptor);
 
 /**
@@ -23,17 +30,38 @@ bool flushFile(int descriptor);
 bool makeDirectory(const QString &path);
 
 /**
- * Replaces the file by one with @p content in one step, flushed to the card: a full
- * card or a pulled battery leaves the old file or the new one, never a part. Only on FAT, which
- * renames in several steps, a battery pulled between them may leave none. A symbolic link to
- * a file stays, and that file is replaced; one to anything else is replaced itself.
+ * The replacement of a file, in one step and flushed to the card: a full card or a pulled battery
+ * leaves the old file or the new one, never a part. Only on FAT, which renames in several steps, a
+ * battery pulled between them may leave none. A symbolic link to a file stays, and that file is
+ * replaced; one to anything else is replaced itself.
  *
- * The new file is readable and writable by its owner only, from its first moment. A battery
- * pulled meanwhile may leave a file named as this one with six more letters behind.
- *
- * @param reason why it failed, for a log line; untouched on success. The old file is then still
- *        there, unless only the last flush has failed.
+ * The new file is readable and writable by its owner only, from its first moment. It is made beside
+ * the old one, as its name and ".new-XXXXXX". One that is not committed is removed; one that a
+ * pulled battery has left is removed by the next replacement.
  */
+class FileReplacement
+{
+public:
+    explicit FileReplacement(const QString &path);
+
+    /**
+     * Creates the new file, empty: what is in the way of it shows before its content is made.
+     * @param reason why it failed, for a log line; untouched on success
+     */
+    bool open(QString *reason);
+    /**
+     * Writes the new file and puts it in the old one's place.
+     * @param reason why it failed, for a log line; untouched on success. The old file is then still
+     *        there, unless only the last flush has failed.
+     */
+    bool commit(const QByteArray &content, QString *reason);
+
+private:
+    const QString m_target;
+    QTemporaryFile m_file;
+};
+
+/** Opens and commits a FileReplacement. */
 bool replaceFile(const QString &path, const QByteArray &content, QString *reason);
 
 } // namespace Internal

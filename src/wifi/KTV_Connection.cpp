@@ -231,26 +231,19 @@ QString KTV_Connection::_WPA_Passphrase(const QString &essid, const QString &pas
 void KTV_Connection::_buildConfFile(const QString &preferred, QList<Network *> *networks)
 {
     guarded("KTV_Connection::_buildConfFile: exception:", [&] {
-        QString text = SupplicantConfiguration::header();
-        for (const Network *network : std::as_const(*networks)) {
-            bool lacksResources = false;
-            QString entry = network->encryption
-                ? SupplicantConfiguration::protectedNetwork(network->ESSID, network->key,
-                                                            &lacksResources)
-                : SupplicantConfiguration::openNetwork(network->ESSID);
-            if (lacksResources) {
-                // The file that is there has more than one without the protected networks.
-                log() << "KTV_Connection::_buildConfFile: no process for wpa_passphrase";
-                return;
-            }
-            if (entry.isEmpty())
-                continue;
-            if (network->ESSID == preferred)
-                entry = SupplicantConfiguration::preferred(entry);
-            text += entry + QLatin1Char('\n');
-        }
+        Internal::FileReplacement file(d->configurationFile);
         QString reason;
-        if (Internal::replaceFile(d->configurationFile, text.toUtf8(), &reason))
+        if (!file.open(&reason)) {
+            log() << "KTV_Connection::_buildConfFile: open file:" << reason;
+            return;
+        }
+        const auto text = SupplicantConfiguration::text(preferred, *networks);
+        if (!text) {
+            // The file that is there has more than one without the protected networks.
+            log() << "KTV_Connection::_buildConfFile: no process for wpa_passphrase";
+            return;
+        }
+        if (file.commit(text->toUtf8(), &reason))
             _restart();
         else
             log() << "KTV_Connection::_buildConfFile: open file:" << reason;

@@ -3,8 +3,13 @@
 #include "internal/CommandRunner_p.h"
 #include "wifi/KnownNetworks_p.h"
 
+using WiFi::Network;
+
 namespace Internal::SupplicantConfiguration {
 
+namespace {
+
+/** What the file begins with, an empty line at its end included. */
 QString header()
 {
     return QStringLiteral("ctrl_interface=/var/run/wpa_supplicant\n"
@@ -15,11 +20,22 @@ QString header()
                           "\n");
 }
 
+/** The entry of an open network, without a line end. The name stands there as it is. */
 QString openNetwork(const QString &essid)
 {
     return QStringLiteral("network={\n\tssid=\"") + essid
         + QStringLiteral("\"\n\tkey_mgmt=NONE\n}");
 }
+
+/** An entry with the line in it that puts it before all others. */
+QString preferredEntry(const QString &entry)
+{
+    QString result = entry;
+    const int end = int(entry.lastIndexOf(QLatin1Char('}')));
+    return end < 0 ? result : result.insert(end, QStringLiteral("\tpriority=100\n"));
+}
+
+} // namespace
 
 QString protectedNetwork(const QString &essid, const QString &passphrase, bool *lacksResources)
 {
@@ -35,11 +51,21 @@ QString protectedNetwork(const QString &essid, const QString &passphrase, bool *
     return isEntry ? result.output : QString();
 }
 
-QString preferred(const QString &entry)
+std::optional<QString> text(const QString &preferred, const QList<Network *> &networks)
 {
-    QString result = entry;
-    const int end = int(entry.lastIndexOf(QLatin1Char('}')));
-    return end < 0 ? result : result.insert(end, QStringLiteral("\tpriority=100\n"));
+    QString result = header();
+    for (const Network *network : networks) {
+        bool lacksResources = false;
+        const QString entry = network->encryption
+            ? protectedNetwork(network->ESSID, network->key, &lacksResources)
+            : openNetwork(network->ESSID);
+        if (lacksResources)
+            return std::nullopt;
+        if (!entry.isEmpty())
+            result +=
+                (network->ESSID == preferred ? preferredEntry(entry) : entry) + QLatin1Char('\n');
+    }
+    return result;
 }
 
 } // namespace Internal::SupplicantConfiguration

@@ -1,14 +1,15 @@
 #pragma once
 
+#include "wifi/Network.h"
+
+#include <QList>
 #include <QString>
 
-/** The texts that the supplicant's configuration file is put together from. */
+#include <optional>
+
+/** The text of the supplicant's configuration file. */
 namespace Internal::SupplicantConfiguration {
 
-/** What the file begins with, an empty line at its end included. */
-QString header();
-/** The entry of an open network, without a line end. The name stands there as it is. */
-QString openNetwork(const QString &essid);
 /**
  * The entry of a protected network with its derived key, as "wpa_passphrase" prints it.
  * Blocks up to 1000 ms. @return empty when the tool refuses or fails
@@ -17,7 +18,13 @@ QString openNetwork(const QString &essid);
  */
 QString protectedNetwork(const QString &essid, const QString &passphrase,
                          bool *lacksResources = nullptr);
-/** An entry with the line in it that puts it before all others. */
-QString preferred(const QString &entry);
+
+/**
+ * The whole file: its head and the entries of the networks in their order. One that is protected
+ * is left out when the tool refuses its key or fails. Blocks up to 1000 ms for each of these.
+ * @param preferred name of the network that comes before all others
+ * @return nothing when no process can be started at the moment
+ */
+std::optional<QString> text(const QString &preferred, const QList<WiFi::Network *> &networks);
 
 } // namespace Internal::SupplicantConfiguration

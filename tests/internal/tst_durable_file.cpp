@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <sys/file.h>
 #include <sys/resource.h>
 
 /** Files that are replaced whole or not at all. */
@@ -22,6 +23,7 @@ private slots:
     void replaces();
     void isItsOwnersOnly();
     void linkStays();
+    void leftoversAreRemoved();
     void obstacle_data();
     void obstacle();
     void noDescriptorLeft();
@@ -85,6 +87,27 @@ void TstDurableFile::linkStays()
     QVERIFY(QFileInfo(path()).isSymLink());
     QVERIFY(!QFileInfo(target).isSymLink());
     QCOMPARE(Meter::readFile(target), QByteArray("new"));
+}
+
+void TstDurableFile::leftoversAreRemoved()
+{
+    const QStringList others {"a.conf.backup", "a.conf.new-abc", "a.conf.new-uVwXyZ",
+                              "b.conf.new-aBcDeF"};
+    for (const QString &name : others + QStringList("a.conf.new-aBcDeF"))
+        Meter::writeFile(directory() + name, "x");
+    QFile beingMade(directory() + "a.conf.new-uVwXyZ"); // by another process
+    QVERIFY(beingMade.open(QIODevice::ReadOnly));
+    QCOMPARE(::flock(beingMade.handle(), LOCK_EX), 0);
+    QString reason;
+    QVERIFY(Internal::replaceFile(path(), "new", &reason));
+    QCOMPARE(files(), QStringList("a.conf") + others);
+    beingMade.close();
+    {
+        Internal::FileReplacement givenUp(path());
+        QVERIFY(givenUp.open(&reason));
+    }
+    QCOMPARE(Meter::readFile(path()), QByteArray("new"));
+    QCOMPARE(files().size(), others.size()); // the other process has died meanwhile
 }
 
 void TstDurableFile::obstacle_data()

@@ -559,12 +559,14 @@ void TstWifiNetworks::toolFailure()
 void TstWifiNetworks::fileThatCannotBeOpened()
 {
     QDir().mkpath(supplicantFile); // a folder in the file's place
+    Meter::recordProgram(QStringLiteral("wpa_passphrase"));
     const LogCapture log;
     auto wifi = manager();
-    QVERIFY(wifi->AddNetwork(QStringLiteral("Lab"), QString()));
+    QVERIFY(wifi->AddNetwork(QStringLiteral("Lab"), QStringLiteral("12345678")));
     const QRegularExpression line(
         QStringLiteral("^KTV_Connection::_buildConfFile: open file:[^ ].*"));
     QCOMPARE(log.lines().filter(line).size(), 2);
+    QCOMPARE(Meter::journal().filter(QStringLiteral("wpa_passphrase")), QStringList());
     QVERIFY(!Meter::journal().contains(restart));
     QDir().rmdir(supplicantFile);
 }
