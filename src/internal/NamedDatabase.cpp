@@ -142,10 +142,12 @@ bool NamedDatabase::open(const QString &path)
     if (isSpecialFile(journalOf(path)))
         QFile::remove(journalOf(path));
     m_db.setConnectOptions(connectOptions());
-    if (m_db.open())
-        return true;
-    m_lastError = m_db.lastError();
-    return false;
+    if (!m_db.open()) {
+        m_lastError = m_db.lastError();
+        return false;
+    }
+    m_directory.reset(openDirectoryOf(path));
+    return true;
 }
 
 void NamedDatabase::close()
@@ -154,6 +156,7 @@ void NamedDatabase::close()
     m_kept.clear(); // they would hold the file
     if (isOpen())
         m_db.close();
+    m_directory.close();
 }
 
 void NamedDatabase::release()
@@ -206,9 +209,11 @@ QSqlError NamedDatabase::noteChange()
     return m_inTransaction ? QSqlError() : flush();
 }
 
-QSqlError NamedDatabase::flush() const
+QSqlError NamedDatabase::flush()
 {
-    if (flushDirectoryOf(m_db.databaseName()))
+    if (!m_directory.isOpen()) // there was no descriptor left
+        m_directory.reset(openDirectoryOf(m_db.databaseName()));
+    if (m_directory.isOpen() && flushFile(m_directory.number()))
         return {};
     return {QStringLiteral("Unable to flush the directory"), qt_error_string(errno),
             QSqlError::TransactionError};

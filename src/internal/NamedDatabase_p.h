@@ -1,5 +1,7 @@
 #pragma once
 
+#include "internal/Descriptor_p.h"
+
 #include <QHash>
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -68,10 +70,12 @@ private:
     /** A statement has changed something: outside of a transaction it is flushed at once. */
     QSqlError noteChange();
     /** Flushes the end of a transaction to the card. */
-    QSqlError flush() const;
+    QSqlError flush();
 
     const QString m_connectionName;
     QSqlDatabase m_db;
+    /** Open with the file: what SQLite has committed is flushed when no descriptor is left, too. */
+    Descriptor m_directory;
     QSqlError m_lastError;
     QHash<QString, QSqlQuery> m_kept; ///< prepared statements by their text; none is running
     bool m_isRegistered = false;
