@@ -2,10 +2,10 @@
 
 #include "app/Context.h"
 #include "app/Window.h"
+#include "finger/Finger.h"
 #include "touch/Buttons.h"
 #include "touch/Indicators.h"
 #include "touch/TouchList.h"
-#include "touches/Finger.h"
 
 #include "support/Meter.h"
 

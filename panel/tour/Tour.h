@@ -1,6 +1,6 @@
 #pragma once
 
-#include "touches/Finger.h"
+#include "finger/Finger.h"
 
 #include <QDir>
 #include <QString>

@@ -5,7 +5,7 @@ repository=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
 cd "$repository"
 shellcheck=${1:-shellcheck}
 
-mapfile -t bash_programs < <(grep -rlE '^#!/bin/bash' meter .ci packaging simulator tests tools vm)
+mapfile -t bash_programs < <(grep -rlE '^#!/bin/bash' meter .ci packaging panel simulator tests tools vm)
 mapfile -t sh_programs < <(grep -rlE '^#!/bin/(busybox )?sh' simulator)
 "$shellcheck" -x -P SCRIPTDIR -s bash "${bash_programs[@]}"
 # Programs of the meter name each other by their place inside it. busybox sh knows

@@ -1,4 +1,4 @@
-#include "touches/Finger.h"
+#include "finger/Finger.h"
 
 #include "touch/TouchList.h"
 
