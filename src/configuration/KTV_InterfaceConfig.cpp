@@ -118,7 +118,7 @@ bool KTV_InterfaceConfig::CreateNew()
         log() << "No open :(" << d->database.lastError().text();
         return false;
     }
-    Internal::createSchema(d->database, schema());
+    guarded([this] { Internal::createSchema(d->database, schema()); });
     return true;
 }
 
@@ -132,7 +132,8 @@ QString KTV_InterfaceConfig::getValue(SettingKey key, const QString &defaultValu
 {
     if (!d->database.isOpen())
         return defaultValue;
-    return d->read(enumToString(key)).value_or(defaultValue);
+    return guarded("getValue: ", defaultValue,
+                   [&] { return d->read(enumToString(key)).value_or(defaultValue); });
 }
 
 int KTV_InterfaceConfig::getValue(SettingKey key, int defaultValue)
@@ -154,8 +155,8 @@ void KTV_InterfaceConfig::setValue(SettingKey key, const QString &value)
         log() << "KTV_InterfaceConfig: DB is CLOSE!";
         return;
     }
-    Internal::Transaction transaction(d->database);
     guarded("setValue: ", [&] {
+        Internal::Transaction transaction(d->database);
         const QString name = enumToString(key);
         const bool removed = d->remove(name, QLatin1String("setValue - DELETE:"));
         const bool inserted = d->insert(name, value);
@@ -176,8 +177,8 @@ void KTV_InterfaceConfig::deleteValue(const QList<SettingKey> &keys)
         log() << "KTV_InterfaceConfig: DB is CLOSE!";
         return;
     }
-    Internal::Transaction transaction(d->database);
     guarded("deleteValue: ", [&] {
+        Internal::Transaction transaction(d->database);
         bool removed = true;
         for (const SettingKey key : keys)
             removed &= d->remove(enumToString(key), QLatin1String("deleteValue:"));

@@ -15,7 +15,8 @@
  *
  * One instance at a time, used from one thread: the connection's name is process-wide. A write
  * returns when the card has it (tens of milliseconds on an SD card). The file is this process's;
- * while another one writes it, a call may block for 5 s and then fail.
+ * while another one writes it, each statement of a call may block for 5 s and then fail: one of a
+ * read, two of a write, one for each key to delete.
  */
 class KTV_DATASOURCE_EXPORT KTV_InterfaceConfig : public QObject
 {

@@ -1,6 +1,7 @@
 #include "internal/NamedDatabase_p.h"
 
 #include "internal/DurableFile_p.h"
+#include "internal/Guarded_p.h"
 #include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 
@@ -199,8 +200,9 @@ void NamedDatabase::rollback()
 {
     if (!m_inTransaction)
         return;
-    m_db.rollback();
     m_inTransaction = false;
+    guarded(
+        [this] { m_db.rollback(); }); // what ends a transaction after an exception must not throw
 }
 
 QSqlError NamedDatabase::noteChange()

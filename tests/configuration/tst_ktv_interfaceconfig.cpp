@@ -95,6 +95,7 @@ private slots:
     void integerOfText();
     void laterValueReplaces();
     void firstOfDuplicateRowsCounts();
+    void rowWithoutValueIsEmpty();
     void deleteValue_data();
     void deleteValue();
     void failedStatementStopsNoOther();
@@ -357,6 +358,14 @@ void TstKtvInterfaceConfig::firstOfDuplicateRowsCounts()
     QCOMPARE(config.getValue(Config::MAIN_Lang, QString()), QStringLiteral("PL"));
     config.setValue(Config::MAIN_Lang, QStringLiteral("US"));
     QCOMPARE(Reader(path()).settings(), QStringList("MAIN_Lang|US"));
+}
+
+void TstKtvInterfaceConfig::rowWithoutValueIsEmpty()
+{
+    Config config(directory());
+    Reader(path()).rows("INSERT INTO CONFIG_STR (CON_Key,CON_Value) VALUES ('MAIN_Lang',NULL)");
+    QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("default")), QString());
+    QCOMPARE(config.getValue(Config::MAIN_Lang, 7), 7);
 }
 
 void TstKtvInterfaceConfig::deleteValue_data()

@@ -1,5 +1,5 @@
 #include "ListStore.h"
-#include "SqliteWatch.h"
+#include "support/SqliteWatch.h"
 #include "support/LogCapture.h"
 #include "support/Meter.h"
 #include "support/Volume.h"

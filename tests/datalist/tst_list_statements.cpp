@@ -1,7 +1,7 @@
 #include "ListStore.h"
-#include "SqliteWatch.h"
 #include "support/LogCapture.h"
 #include "support/Meter.h"
+#include "support/SqliteWatch.h"
 
 #include <valuebox/NumericalValueBox.h>
 
@@ -11,19 +11,6 @@
 
 using ListStore::families;
 using ListStore::Family;
-
-#ifdef __SANITIZE_ADDRESS__
-// Qt's driver is not made for what these tests throw through it: it loses a reference to the names
-// of a statement's placeholders. Whole stacks, so that only this is excused.
-extern "C" const char *__asan_default_options()
-{
-    return "fast_unwind_on_malloc=0";
-}
-extern "C" const char *__lsan_default_suppressions()
-{
-    return "leak:QSqlResultPrivate::namedToPositionalBinding\n";
-}
-#endif
 
 namespace {
 
@@ -55,6 +42,7 @@ private slots:
     void laterStartDoesNotWait();
     void operationsWait();
     void fewAreTheirPreparations();
+    void moreTextsThanAreKept();
     void preparedOnesHoldNoLock();
     void preparedOnesMeetAnotherSchema();
     void exceptions_data();
@@ -361,6 +349,19 @@ void TstListStatements::fewAreTheirPreparations()
         QVERIFY(families().front().update(*store, -i, "text"));
     families().front().names(*store);
     QCOMPARE(SqliteWatch::preparations(), 200);
+}
+
+void TstListStatements::moreTextsThanAreKept()
+{
+    ListStore::writeManyDefaults("EN", 100);
+    const auto store = ListStore::open();
+    const Family &family = families().front();
+    for (const bool isAgain : {false, true}) {
+        SqliteWatch::clear();
+        for (int limit = 1; limit <= 70; ++limit)
+            QCOMPARE(family.names(*store, {}, limit).size(), limit);
+        QVERIFY2(SqliteWatch::preparations() >= 6, isAgain ? "again" : "at first");
+    }
 }
 
 void TstListStatements::preparedOnesHoldNoLock()
