@@ -20,6 +20,17 @@ inline bool isSpace(QChar character)
     return !isGreek && !isLetterlikeSymbol && character.isSpace();
 }
 
+/** Whether both texts are one in memory. */
+inline bool areShared(const QString &text, const QString &other)
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    return text.isSharedWith(other);
+#else
+    // There isSharedWith() says no of empty texts and of literals.
+    return text.constData() == other.constData() && text.size() == other.size();
+#endif
+}
+
 /** A text of a unit or prefix, and what is to be known of it each time that it is shown. */
 class IndexedText
 {
@@ -37,7 +48,7 @@ public:
     { }
 
     /** Whether nobody has edited the text since: an edit detaches it from the copy here. */
-    bool isCurrent() const { return m_source->isSharedWith(m_content); }
+    bool isCurrent() const { return areShared(*m_source, m_content); }
     /** The text as it is now. */
     const QString &source() const { return *m_source; }
     /** The text, while it is current. */

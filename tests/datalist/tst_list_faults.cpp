@@ -1,7 +1,7 @@
 #include "ListStore.h"
-#include "support/SqliteWatch.h"
 #include "support/LogCapture.h"
 #include "support/Meter.h"
+#include "support/SqliteWatch.h"
 #include "support/Volume.h"
 
 #include <QElapsedTimer>

@@ -684,6 +684,7 @@ void TstNumericalValueBox::debugLines()
          20,
          {"NumericalValueBox::toString()= --- [2] (-2.5e-05)",
           "NumericalValueBox::toString()= ---"}},
+        {NaN, 20, {"NumericalValueBox::toString()= --- (nan)"}}, // and no line of missing rows
         {-1, 10, {"NumericalValueBox::toString()= < 0 " + micro + ohm}},
     };
     for (const auto &text : texts) {
@@ -696,6 +697,13 @@ void TstNumericalValueBox::debugLines()
         QCOMPARE(log.lines(), QStringList("NumericalValueBox::toString()") + text.lines);
     }
 
+    box.setNegativeAllowed(true);
+    box.setRealValue(-0.000025F, 20);
+    log.clear();
+    box.toString();
+    QCOMPARE(log.lines().value(1), // with its sign, which the text of a number would have, too
+             QStringLiteral("NumericalValueBox::toString()= --- [2] (-2.5e-05)"));
+
     Round_Current_I empty(testI_30A, nullptr); // a set in use, only without rows
     NumericalValueBox::tableRound_R.append(&empty);
     box.setRealValue(1, testI_30A);
@@ -703,6 +711,12 @@ void TstNumericalValueBox::debugLines()
     box.toString();
     QCOMPARE(log.lines(),
              QStringList({"NumericalValueBox::toString()", "NumericalValueBox::toString()= ---"}));
+
+    NumericalValueBox fixed(Unit_Ohm, Round_Static);
+    fixed.setDebug(true);
+    log.clear();
+    fixed.setRealValue(0.5F, testI_10A);
+    QCOMPARE(log.lines(), QStringList("NumericalValueBox::setRealValue:0.5 testI_Index_enum:10"));
 }
 
 void TstNumericalValueBox::silentWithoutTheFlag()

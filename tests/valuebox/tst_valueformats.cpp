@@ -89,6 +89,9 @@ void TstValueFormats::defaultTexts()
                                                 {Prefix_n, "n"}};
     QCOMPARE(NumericalValueBox::unitString, units);
     QCOMPARE(NumericalValueBox::prefixString, prefixes);
+    const QStringList byNumber {"", "A", "V", text, QString(QChar(0x2126))};
+    for (int number = 0; number < byNumber.size(); ++number) // clients store the numbers
+        QCOMPARE(NumericalValueBox::getUnit(Units(number)), byNumber.at(number));
     for (auto unit = units.begin(); unit != units.end(); ++unit) {
         QCOMPARE(NumericalValueBox::getUnit(unit.key()), unit.value());
         QCOMPARE(NumericalValueBox::_enumUnitsToString(unit.key()), unit.value());
@@ -458,6 +461,10 @@ void TstValueFormats::temperatureResetsTheTexts()
         QCOMPARE(NumericalValueBox::unitString, units);
         QCOMPARE(NumericalValueBox::prefixString, prefixes);
     }
+    // The unit itself may be assigned, while texts of another one are in use.
+    NumericalValueBox::prepareStaticDefaultValue(Temp_Celsius);
+    NumericalValueBox::_tUnit = Temp_Kelvin;
+    QCOMPARE(NumericalValueBox::formatTemperature(10), QStringLiteral("283.0 K"));
 }
 
 void TstValueFormats::missingTemperatureLeavesTheTexts()
