@@ -1,11 +1,11 @@
 #include "meter/Limit.h"
 
 #include "meter/Degrees.h"
+#include "meter/LimitText.h"
 
 #include <valuebox/NumericalValueBox.h>
 
 #include <cmath>
-#include <limits>
 
 using ValueBox::NumericalValueBox;
 
@@ -45,18 +45,15 @@ QString degreesText(double celsius)
 
 float read(Quantity quantity, const QString &text)
 {
-    float value = std::numeric_limits<float>::quiet_NaN();
-    int precision = 0;
-    ValueBox::Units unit = ValueBox::Unit_None;
-    ValueBox::UnitPrefixs prefix = ValueBox::Prefix_None;
-    const ValueBox::Units wanted =
-        quantity == Quantity::Temperature ? ValueBox::Unit_Temperature : ValueBox::Unit_Ohm;
-    const bool isRead = NumericalValueBox::parse(text, value, precision, unit, prefix)
-        && (unit == ValueBox::Unit_None || unit == wanted) && std::isfinite(value);
-    return isRead ? value : std::numeric_limits<float>::quiet_NaN();
+    return LimitText::number(Limit::unit(quantity), text);
 }
 
 } // namespace
+
+ValueBox::Units Limit::unit(Quantity quantity)
+{
+    return quantity == Quantity::Temperature ? ValueBox::Unit_Temperature : ValueBox::Unit_Ohm;
+}
 
 QString Limit::kept(Quantity quantity, const QString &listed)
 {
@@ -85,12 +82,7 @@ QString Limit::plainText(Quantity quantity, const QString &kept)
 QString Limit::text(Quantity quantity, const QString &kept)
 {
     QString plain = plainText(quantity, kept);
-    if (quantity != Quantity::Temperature || !isReadable(quantity, kept))
+    if (quantity != Quantity::Temperature || std::isnan(read(quantity, kept)))
         return plain;
     return plain + QLatin1Char(' ') + NumericalValueBox::getUnit(ValueBox::Unit_Temperature);
-}
-
-bool Limit::isReadable(Quantity quantity, const QString &bound)
-{
-    return !std::isnan(read(quantity, bound));
 }

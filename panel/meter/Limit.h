@@ -2,6 +2,8 @@
 
 #include "meter/Quantity.h"
 
+#include <valuebox/ValueTypes.h>
+
 #include <QString>
 
 /**
@@ -15,6 +17,8 @@ struct Limit
     QString low; ///< empty: no lower bound
     QString high; ///< empty: no upper bound
 
+    /** The unit of a bound, without its prefix. */
+    static ValueBox::Units unit(Quantity quantity);
     /** @p listed as the lists hand it out, in the unit of temperatures in effect. */
     static QString kept(Quantity quantity, const QString &listed);
     /**
@@ -26,6 +30,4 @@ struct Limit
     static QString plainText(Quantity quantity, const QString &kept);
     /** The bound as it is shown, in the unit in effect: "1.5 mΩ", "80 °F". */
     static QString text(Quantity quantity, const QString &kept);
-    /** Whether a bound of the lists, or one to be entered there, is a number of that quantity. */
-    static bool isReadable(Quantity quantity, const QString &bound);
 };

@@ -1,6 +1,7 @@
 #include "meter/Lists.h"
 
 #include "meter/Limit.h"
+#include "meter/LimitText.h"
 
 #include <datalist/DataList_Element.h>
 #include <datalist/KTV_DataList.h>
@@ -114,17 +115,20 @@ const FamilyRow &rowOf(Lists::Family family)
     return rows[family];
 }
 
-Lists::Problem problemOfLimit(Quantity quantity, const QString &low, const QString &high)
+Lists::Problem problemOfLimit(Quantity quantity, const QStringList &values)
 {
-    if (low.isEmpty() && high.isEmpty())
+    switch (LimitText::problemOf(Limit::unit(quantity), values.at(1), values.at(2))) {
+    case LimitText::Problem::LowIsNoNumber:
+    case LimitText::Problem::HighIsNoNumber:
+        return Lists::NotANumber;
+    case LimitText::Problem::BoundsMissing:
         return Lists::BoundsMissing;
-    for (const QString &bound : {low, high})
-        if (!bound.isEmpty() && !Limit::isReadable(quantity, bound))
-            return Lists::NotANumber;
-    const auto number = [quantity](const QString &bound) {
-        return Limit::number(quantity, Limit::kept(quantity, bound));
-    };
-    return number(low) > number(high) ? Lists::LowAboveHigh : Lists::NoProblem;
+    case LimitText::Problem::LowAboveHigh:
+        return Lists::LowAboveHigh;
+    case LimitText::Problem::None:
+        break;
+    }
+    return Lists::NoProblem;
 }
 
 } // namespace
@@ -147,9 +151,9 @@ Lists::Problem Lists::problemOf(Family family, const QStringList &values)
         return isNumber ? NoProblem : NotANumber;
     }
     if (family == ResistanceLimits)
-        return problemOfLimit(Quantity::Resistance, values.at(1), values.at(2));
+        return problemOfLimit(Quantity::Resistance, values);
     if (family == TemperatureLimits)
-        return problemOfLimit(Quantity::Temperature, values.at(1), values.at(2));
+        return problemOfLimit(Quantity::Temperature, values);
     return NoProblem;
 }
 

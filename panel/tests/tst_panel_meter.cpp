@@ -141,6 +141,23 @@ void TstPanelMeter::verdictOfAReading_data()
          Verdict::None);
     ohms("infinite bound", 0.001, none, QStringLiteral("inf"), Verdict::LimitUnreadable,
          Verdict::None);
+    const auto bound = [&ohms](const char *row, const QString &text, bool isRead) {
+        ohms(row, 0.1, QString(), text, isRead ? Verdict::TooHigh : Verdict::LimitUnreadable,
+             isRead ? Verdict::Fail : Verdict::None);
+    };
+    bound("an ohm in letters", QStringLiteral("5 Ohm"), false);
+    bound("kiloohms in letters", QStringLiteral("5 kOhm"), false);
+    bound("another unit behind milli", QStringLiteral("5 mV"), false);
+    bound("a prefix alone", QStringLiteral("5 m"), false);
+    bound("words behind the number", QStringLiteral("0.05 xyz"), false);
+    bound("words behind the unit", QStringLiteral("0.05 \u2126 or so"), false);
+    bound("words before the number", QStringLiteral("about 0.05 \u2126"), false);
+    bound("no blank before the unit", QStringLiteral("0.05\u2126"), false);
+    bound("decimal comma", QStringLiteral("0,05 \u2126"), false);
+    bound("no unit", QStringLiteral("0.05"), true);
+    bound("blanks around it", QStringLiteral(" 0.05 \u2126 "), true);
+    bound("the Greek letter for an ohm", QStringLiteral("5 m\u03A9"), true);
+    bound("the micro sign", QStringLiteral("5 \u00B5\u2126"), true);
     ohms("leads swapped", -0.001, one, more, Verdict::LeadsSwapped, Verdict::None);
     ohms("leads open", std::nan(""), one, more, Verdict::NothingMeasured, Verdict::None);
     ohms("beyond the range, the limit is in it", 0.25, one, more, Verdict::TooHigh, Verdict::Fail);
@@ -252,6 +269,15 @@ void TstPanelMeter::valuesThatAreRefused_data()
         << degrees << QStringList({"a", "5", "--"}) << int(Lists::NotANumber);
     QTest::newRow("wrong way round, prefixes counted")
         << ohms << QStringList({"a", "2 \u2126", "3" + milliohm}) << int(Lists::LowAboveHigh);
+    QTest::newRow("an ohm in letters")
+        << ohms << QStringList({"a", "", "5 Ohm"}) << int(Lists::NotANumber);
+    QTest::newRow("decimal comma")
+        << ohms << QStringList({"a", "", "1,5" + milliohm}) << int(Lists::NotANumber);
+    QTest::newRow("the sign of the unit in effect")
+        << degrees << QStringList({"a", "", QStringLiteral("80 \u00B0C")}) << int(Lists::NoProblem);
+    QTest::newRow("the sign of another unit")
+        << degrees << QStringList({"a", "", QStringLiteral("80 \u00B0F")})
+        << int(Lists::NotANumber);
     QTest::newRow("the same twice")
         << degrees << QStringList({"a", "5", "5"}) << int(Lists::NoProblem);
 }

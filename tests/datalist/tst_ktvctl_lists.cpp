@@ -14,7 +14,8 @@ private slots:
     // One story: each row goes on where the one before ended.
     void story_data();
     void story();
-    void limitsThatAreNoNumbers();
+    void limitsThatCannotBeJudgedBy_data();
+    void limitsThatCannotBeJudgedBy();
     void closedStore();
 };
 
@@ -84,18 +85,42 @@ void TstKtvctlLists::story()
     QCOMPARE(answer.error.isEmpty(), answer.code == 0);
 }
 
-void TstKtvctlLists::limitsThatAreNoNumbers()
+void TstKtvctlLists::limitsThatCannotBeJudgedBy_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("remark");
+    const auto row = [](const char *name, const char *command, const char *remark) {
+        QTest::newRow(name) << QString::fromUtf8(command) << QString::fromUtf8(remark);
+    };
+    row("words", "limits-r|add|words|abc|1 m\u2126",
+        "the high limit 'abc' is no number: nothing can be judged by it");
+    row("an ohm in letters", "limits-r|add|letters|5 Ohm|1",
+        "the high limit '5 Ohm' is no number: nothing can be judged by it");
+    row("another unit", "limits-r|add|volts|5|5 V",
+        "the low limit '5 V' is no number: nothing can be judged by it");
+    row("decimal comma", "limits-t|add|comma|80|1,5",
+        "the low limit '1,5' is no number: nothing can be judged by it");
+    row("another unit of temperatures", "limits-t|add|other|80 \u00B0F|5",
+        "the high limit '80 \u00B0F' is no number: nothing can be judged by it");
+    row("the unit in effect", "limits-t|add|same|80 \u00B0F|5|--unit|fahrenheit", "");
+    row("changed", "limits-t|update|1|warm|80|1..",
+        "the low limit '1..' is no number: nothing can be judged by it");
+    row("no bounds", "limits-r|add|none||", "the limit has no bounds: nothing can be judged by it");
+    row("the wrong way round, prefixes counted", "limits-r|add|round|3 m\u2126|2 \u2126",
+        "the low limit '2 \u2126' is above the high limit '3 m\u2126': nothing passes");
+    row("one bound", "limits-r|add|single|5 m\u03A9|", "");
+    row("two bounds", "limits-t|add|cold|80|5.5", "");
+}
+
+void TstKtvctlLists::limitsThatCannotBeJudgedBy()
 {
     // Taken, as the store takes any text, but not in silence.
-    Answer answer = typed("lists limits-r add words abc \"1 m\u2126\"");
+    QFETCH(QString, command);
+    QFETCH(QString, remark);
+    const Answer answer = ktvctl(QStringList("lists") + command.split('|'));
     QCOMPARE(answer.code, 0);
     QCOMPARE(answer.error,
-             "ktvctl: the high limit 'abc' is no number: nothing can be judged by it\n");
-    answer = typed("lists limits-t update 1 warm 80 1..");
-    QCOMPARE(answer.code, 0);
-    QVERIFY(answer.error.contains("the low limit '1..' is no number"));
-    answer = typed("lists limits-t add cold 80 5.5");
-    QCOMPARE(answer.error, QString());
+             remark.isEmpty() ? QString() : QStringLiteral("ktvctl: %1\n").arg(remark));
 }
 
 void TstKtvctlLists::closedStore()

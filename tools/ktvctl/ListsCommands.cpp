@@ -1,6 +1,7 @@
 #include "Command.h"
 #include "Settings.h"
 #include "StoreFile.h"
+#include "meter/LimitText.h"
 
 #include <datalist/KTV_DataList.h>
 #include <language/LangSerwis.h>
@@ -10,7 +11,6 @@
 #include <QJsonObject>
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -279,16 +279,28 @@ int badEntry()
 }
 
 /** The lists take any text as a limit; an interface can judge by numbers only. */
-void remarkOnWords(const PickList &list, const QVariantList &columns)
+void remarkOnLimit(const PickList &list, const QVariantList &columns)
 {
-    for (int i = 0; i < columns.size(); ++i) {
-        const QString text = columns.at(i).toString();
-        const bool isBound =
-            list.keys.at(i) == QLatin1String("high") || list.keys.at(i) == QLatin1String("low");
-        if (isBound && !text.isEmpty()
-            && !std::isfinite(ValueBox::NumericalValueBox::getValue(text)))
-            remark(QStringLiteral("the %1 limit '%2' is no number: nothing can be judged by it")
-                       .arg(list.keys.at(i), text));
+    if (list.name != "limits-r" && list.name != "limits-t")
+        return;
+    const QString high = columns.at(1).toString();
+    const QString low = columns.at(2).toString();
+    const QString noNumber =
+        QStringLiteral("the %1 limit '%2' is no number: nothing can be judged by it");
+    switch (LimitText::problemOf(
+        list.name == "limits-r" ? ValueBox::Unit_Ohm : ValueBox::Unit_Temperature, low, high)) {
+    case LimitText::Problem::LowIsNoNumber:
+        return remark(noNumber.arg(QLatin1String("low"), low));
+    case LimitText::Problem::HighIsNoNumber:
+        return remark(noNumber.arg(QLatin1String("high"), high));
+    case LimitText::Problem::BoundsMissing:
+        return remark(QStringLiteral("the limit has no bounds: nothing can be judged by it"));
+    case LimitText::Problem::LowAboveHigh:
+        return remark(
+            QStringLiteral("the low limit '%1' is above the high limit '%2': nothing passes")
+                .arg(low, high));
+    case LimitText::Problem::None:
+        break;
     }
 }
 
@@ -298,7 +310,7 @@ int add(const PickList &list, const Call &call)
     if (!columns)
         return badEntry();
     return onLists(call, [&](KTV_DataList &lists) {
-        remarkOnWords(list, *columns);
+        remarkOnLimit(list, *columns);
         return list.add(lists, *columns)
             ? int(Success)
             : fail(QStringLiteral("not added: it is there already, in this or another language, "
@@ -333,7 +345,7 @@ int update(const PickList &list, const Call &call)
     if (!columns)
         return badEntry();
     return changeRow(list, call, [&](KTV_DataList &lists, int id) {
-        remarkOnWords(list, *columns);
+        remarkOnLimit(list, *columns);
         return list.update(lists, id, *columns);
     });
 }

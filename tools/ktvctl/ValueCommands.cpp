@@ -1,5 +1,6 @@
 #include "Settings.h"
 #include "ValueOptions.h"
+#include "meter/LimitText.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -162,16 +163,6 @@ int format(const Call &call)
     return Success;
 }
 
-/** A typed text with the ohm and micro signs that the meter shows: keyboards have others. */
-QString asShown(QString text)
-{
-    const QChar greekOmega(0x03A9);
-    const QChar ohmSign(0x2126);
-    const QChar microSign(0x00B5);
-    const QChar greekMu(0x03BC);
-    return text.replace(greekOmega, ohmSign).replace(microSign, greekMu);
-}
-
 int parse(const Call &call)
 {
     NumericalValueBox::prepareStaticDefaultValue(Temp_Celsius);
@@ -179,7 +170,8 @@ int parse(const Call &call)
     int precision = 0;
     auto unit = Unit_None;
     auto prefix = Prefix_None;
-    if (!NumericalValueBox::parse(asShown(call.argument(0)), value, precision, unit, prefix))
+    if (!NumericalValueBox::parse(LimitText::asShown(call.argument(0)), value, precision, unit,
+                                  prefix))
         return fail(QStringLiteral("'%1' shows no number").arg(call.argument(0)));
     Rows human;
     human.add("Value", plain(value));
