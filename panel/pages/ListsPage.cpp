@@ -194,11 +194,15 @@ QString ListsPage::take(bool isNew, int id, const QStringList &values)
 
 void ListsPage::remove()
 {
-    new ConfirmSheet(texts(), this, Text {"Dialogs", "confirmDelete", "Delete this entry?"},
-                     Text {"Lists", "delete", "Delete"}, [this] {
-                         const Lists::Entry *entry = chosenEntry();
-                         const bool isDone = entry && lists().remove(m_current, entry->id);
-                         session().tones().play(isDone ? BuzzerClass::Tone_Saved
-                                                       : BuzzerClass::Tone_Decline);
-                     });
+    const Lists::Entry *entry = chosenEntry();
+    if (!entry)
+        return;
+    new ConfirmSheet(
+        texts(), this, Text {"Dialogs", "confirmDelete", "Delete this entry?"},
+        Text {"Lists", "delete", "Delete"},
+        [this, family = m_current, id = entry->id] {
+            session().tones().play(lists().remove(family, id) ? BuzzerClass::Tone_Saved
+                                                              : BuzzerClass::Tone_Decline);
+        },
+        entry->values.first() + QStringLiteral("   ") + detailOf(texts(), m_current, *entry));
 }

@@ -55,6 +55,7 @@ private slots:
     void entriesOfEachList();
     void sameEntryTwice();
     void factoryRowsCannotBeChanged();
+    void entriesOfOneName();
     void entriesThatAreRefused_data();
     void entriesThatAreRefused();
     void joinAndForgetANetwork();
@@ -175,6 +176,29 @@ void TstPanelServices::factoryRowsCannotBeChanged()
     QVERIFY(panel.list("lists.list")->chosenRow()->detail.endsWith(QLatin1String("factory")));
     QVERIFY(!panel.finger.find(QStringLiteral("lists.rename"))->isEnabled());
     QVERIFY(!panel.finger.find(QStringLiteral("lists.delete"))->isEnabled());
+}
+
+void TstPanelServices::entriesOfOneName()
+{
+    PanelFixture panel;
+    KTV_DataList *lists = panel.session.library().get_DataList();
+    const QString name = QStringLiteral("joint");
+    QVERIFY(lists->AddLimit_R(name, QStringLiteral("2"), QStringLiteral("1")));
+    QVERIFY(lists->AddLimit_R(name, QStringLiteral("4"), QStringLiteral("3")));
+    TAP(panel, "nav.Lists", "lists.family.3");
+    QVERIFY(panel.finger.tapRow(QStringLiteral("lists.list"), name));
+    const TouchRow chosen = *panel.list("lists.list")->chosenRow();
+    panel.session.lists().refresh(); // another language, another unit
+    QCOMPARE(panel.list("lists.list")->chosenRow()->id, chosen.id);
+    TAP(panel, "lists.delete");
+    const QList<QLabel *> labels =
+        panel.finger.find(QStringLiteral("sheet"))->findChildren<QLabel *>();
+    QVERIFY(std::any_of(labels.begin(), labels.end(), [&](const QLabel *label) {
+        return label->text() == name + QStringLiteral("   ") + chosen.detail;
+    }));
+    TAP(panel, "sheet.yes");
+    QCOMPARE(panel.titles("lists.list"), QStringList(name));
+    QVERIFY(panel.list("lists.list")->row(0).id != chosen.id);
 }
 
 void TstPanelServices::entriesThatAreRefused_data()

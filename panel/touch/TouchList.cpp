@@ -10,6 +10,7 @@
 #include <QScrollerProperties>
 #include <QStyledItemDelegate>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -144,11 +145,13 @@ void TouchList::setRows(const QVector<TouchRow> &rows)
     const std::optional<TouchRow> before = chosenRow();
     const int place = verticalScrollBar()->value();
     m_rows->reset([rows](int index) { return rows.at(index); }, rows.size());
-    if (before)
-        for (int index = 0; index < rows.size(); ++index)
-            if (rows.at(index).title == before->title)
-                choose(index);
-    doItemsLayout(); // else the bar is not yet long enough
+    if (before) {
+        const auto same = std::find_if(rows.begin(), rows.end(), [&before](const TouchRow &row) {
+            return row.id == before->id && (row.id != 0 || row.title == before->title);
+        });
+        choose(same == rows.end() ? -1 : static_cast<int>(same - rows.begin()));
+    }
+    doItemsLayout(); // the bar reaches as far as the rows that are laid out
     verticalScrollBar()->setValue(place);
 }
 

@@ -10,7 +10,7 @@
 /** One row of a TouchList. */
 struct TouchRow
 {
-    int id = 0;
+    int id = 0; ///< tells rows of one title apart; 0 where titles do
     QString title;
     QString detail; ///< small, at the right
     bool isMarked = false; ///< titled in the accent colour
@@ -29,7 +29,7 @@ class TouchList : public QListView
 public:
     explicit TouchList(const QString &name, QWidget *parent = nullptr);
 
-    /** Shows these rows; the row that was chosen stays so when its title is still there. */
+    /** Shows these rows; the row that was chosen stays so when it is still there. */
     void setRows(const QVector<TouchRow> &rows);
     /** Shows rows that are asked for when they come into view. */
     void setSource(std::function<TouchRow(int index)> rowAt, int count);
