@@ -297,8 +297,10 @@ void Window::refreshRecording()
     QString text = QStringLiteral("\u25CF ");
     if (!Theme::isCompact())
         text += m_context.texts().text(Text {"Panel", "recording", "Recording"}) + QLatin1Char(' ');
-    m_recording->setText(
-        text + QStringLiteral("%1 / %2").arg(recorder.series().count()).arg(recorder.wanted()));
+    m_recording->setText(text
+                         + QStringLiteral("%1 / %2")
+                               .arg(recorder.series().count())
+                               .arg(recorder.series().conditions().wanted));
     m_recording->setVisible(recorder.isRunning());
     if (recorder.isRunning() != m_recordingTick.isActive())
         recorder.isRunning() ? m_recordingTick.start(recordingInterval) : m_recordingTick.stop();

@@ -3,6 +3,7 @@
 #include "meter/Setup.h"
 
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -18,21 +19,36 @@ double excess(double alpha, float temperature)
 
 Hardware::Hardware(const Setup &setup, QObject *parent) : QObject(parent), m_setup(setup)
 {
-    connect(&m_timer, &QTimer::timeout, this, [this] { emit reading(measure()); });
+    connect(&m_timer, &QTimer::timeout, this, [this] { hand(measure()); });
 }
 
-void Hardware::start(int interval)
+bool Hardware::start(int interval, Taker &taker)
 {
+    if (isRunning())
+        return false;
+    m_taker = &taker;
     m_random.seed(1);
     m_timer.start(interval);
+    return true;
 }
 
 void Hardware::stop()
 {
-    if (!isRunning())
-        return;
     m_timer.stop();
-    emit stopped();
+    if (Taker *taker = std::exchange(m_taker, nullptr))
+        taker->end();
+}
+
+void Hardware::hand(float value)
+{
+    if (m_taker)
+        m_taker->take(value);
+}
+
+QStringList Hardware::serialNumbers()
+{
+    return {QStringLiteral("JD10233"), QStringLiteral("CH20417"), QStringLiteral("EL20590"),
+            QStringLiteral("JB20871"), QStringLiteral("DV42006"), QStringLiteral("DW44019")};
 }
 
 float Hardware::measure()

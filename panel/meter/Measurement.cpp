@@ -1,6 +1,5 @@
 #include "meter/Measurement.h"
 
-#include "meter/Hardware.h"
 #include "meter/Setup.h"
 #include "meter/Tones.h"
 
@@ -34,31 +33,18 @@ Measurement::Measurement(Setup &setup, Hardware &hardware, KTV_Liczniki &counter
     , m_tones(tones)
 {
     connect(&setup, &Setup::changed, this, &Measurement::forget);
-    connect(&hardware, &Hardware::reading, this, [this](float value) {
-        if (m_isRunning)
-            take(value);
-    });
-    connect(&hardware, &Hardware::stopped, this, [this] {
-        if (!m_isRunning)
-            return;
-        m_isRunning = false;
-        emit changed();
-    });
     setValue(std::numeric_limits<float>::quiet_NaN());
 }
 
 void Measurement::start()
 {
-    if (m_hardware.isRunning())
-        return; // it serves a series
-    m_isRunning = true;
-    forget();
-    m_hardware.start(readingInterval);
+    if (m_hardware.start(readingInterval, *this))
+        forget();
 }
 
 void Measurement::stop()
 {
-    if (m_isRunning)
+    if (isRunning())
         m_hardware.stop();
 }
 

@@ -1,18 +1,18 @@
 #pragma once
 
+#include "meter/Hardware.h"
 #include "meter/Reading.h"
 #include "meter/Verdict.h"
 
 #include <QObject>
 #include <QVector>
 
-class Hardware;
 class KTV_Liczniki;
 class Setup;
 class Tones;
 
 /** One measurement: readings until their mean has settled; then it is counted, judged and heard. */
-class Measurement : public QObject
+class Measurement : public QObject, private Hardware::Taker
 {
     Q_OBJECT
 public:
@@ -29,9 +29,9 @@ public:
 
     void start();
     void stop();
-    bool isRunning() const { return m_isRunning; }
+    bool isRunning() const { return m_hardware.serves(*this); }
     /** Whether a measurement has ended, and is still shown. */
-    bool isDone() const { return !m_isRunning && !m_readings.isEmpty(); }
+    bool isDone() const { return !isRunning() && !m_readings.isEmpty(); }
     /** The mean of the readings so far. */
     const Reading &reading() const { return m_reading; }
     const Verdict &verdict() const { return m_verdict; }
@@ -44,7 +44,8 @@ signals:
     void changed();
 
 private:
-    void take(float value);
+    void take(float value) override;
+    void end() override { emit changed(); }
     void finish();
     void forget();
     void setValue(float value);
@@ -53,7 +54,6 @@ private:
     Hardware &m_hardware;
     KTV_Liczniki &m_counters;
     Tones &m_tones;
-    bool m_isRunning = false;
     QVector<float> m_readings;
     Reading m_reading;
     Verdict m_verdict;

@@ -92,6 +92,7 @@ bool Preferences::usesScreenKeyboard() const
 void Preferences::setUsesScreenKeyboard(bool used)
 {
     m_settings.setValue(KTV_InterfaceConfig::MAIN_UseScreenKeyboard, used ? 1 : 0);
+    emit keyboardChanged();
 }
 
 void Preferences::restoreFactorySettings()
@@ -102,6 +103,8 @@ void Preferences::restoreFactorySettings()
     emit temperatureUnitChanged();
     emit appearanceChanged();
     emit soundChanged();
+    emit brightnessChanged();
+    emit keyboardChanged();
 }
 
 void Preferences::takeUnit() const

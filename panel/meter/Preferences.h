@@ -42,6 +42,7 @@ signals:
     void appearanceChanged();
     void soundChanged(); ///< On or off, or the volume.
     void brightnessChanged();
+    void keyboardChanged();
 
 private:
     void takeUnit() const;

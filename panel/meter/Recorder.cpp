@@ -1,6 +1,5 @@
 #include "meter/Recorder.h"
 
-#include "meter/Hardware.h"
 #include "meter/LastSetting.h"
 #include "meter/Setup.h"
 
@@ -26,18 +25,10 @@ Recorder::Recorder(KTV_InterfaceConfig &settings, const KTV_Configuration &meter
     , m_counters(counters)
 {
     load();
-    connect(&hardware, &Hardware::reading, this, [this](float value) {
-        if (m_isRunning)
-            take(value);
-    });
-    connect(&hardware, &Hardware::stopped, this, [this] {
-        if (!m_isRunning)
-            return;
-        m_isRunning = false;
-        emit stateChanged();
-    });
+    connect(&m_texts, &QTimer::timeout, this, &Recorder::makeTexts);
     connect(&m_saving, &QFutureWatcher<SeriesFile::Result>::finished, this, [this] {
         const SeriesFile::Result result = m_saving.result();
+        m_isSaving = false;
         m_isSaved = m_isSaved || result.outcome == SeriesFile::Outcome::Saved;
         emit stateChanged();
         emit saved(result);
@@ -46,6 +37,10 @@ Recorder::Recorder(KTV_InterfaceConfig &settings, const KTV_Configuration &meter
 
 Recorder::~Recorder()
 {
+    if (m_texts.isActive()) {
+        m_series.makeTexts(m_series.count());
+        write();
+    }
     m_saving.waitForFinished();
 }
 
@@ -92,7 +87,7 @@ void Recorder::setWanted(int count)
 
 void Recorder::start()
 {
-    if (m_hardware.isRunning() || isSaving())
+    if (isSaving() || !m_hardware.start(m_interval, *this))
         return;
     SeriesConditions conditions;
     conditions.form = m_setup.form();
@@ -107,22 +102,21 @@ void Recorder::start()
     conditions.objectType = m_setup.objectType();
     conditions.objectName = m_setup.objectName();
     conditions.interval = m_interval;
+    conditions.wanted = m_wanted;
     conditions.start = QDateTime::currentDateTime();
     m_series = Series(conditions);
     m_isSaved = false;
-    m_isRunning = true;
     if (m_setup.quantity() == Quantity::Resistance)
         m_counters.Up_Licznik_RejestracjaObiektowRezystancyjnych();
     if (m_setup.quantity() == Quantity::Inductance)
         m_counters.Up_Licznik_RejestracjaObiektowIndukcyjnych();
     m_clock.start();
-    m_hardware.start(m_interval);
     emit stateChanged();
 }
 
 void Recorder::stop()
 {
-    if (m_isRunning)
+    if (isRunning())
         m_hardware.stop();
 }
 
@@ -130,13 +124,19 @@ void Recorder::take(float value)
 {
     m_series.add(m_clock.elapsed(), value);
     emit added();
-    if (m_series.count() >= m_wanted)
+    if (m_series.count() >= m_series.conditions().wanted)
         m_hardware.stop();
 }
 
-void Recorder::refresh()
+void Recorder::end()
 {
-    m_series.forgetTexts();
+    m_series.figures(); // of this meter, whatever it becomes
+    emit stateChanged();
+}
+
+void Recorder::takeUnit()
+{
+    m_series.takeUnit();
     emit stateChanged();
 }
 
@@ -144,11 +144,28 @@ void Recorder::refresh()
 
 void Recorder::save()
 {
-    if (isSaving() || m_isRunning)
+    if (isSaving() || isRunning())
         return;
-    m_series.makeTexts();
-    m_saving.setFuture(QtConcurrent::run(
-        [series = m_series, directory = m_meter.get_clientsDirectory(), client = m_client,
-         day = QDate::currentDate()] { return SeriesFile::save(series, directory, client, day); }));
+    m_isSaving = true;
+    m_texts.start();
     emit stateChanged();
+    makeTexts();
+}
+
+/** The library makes texts on this thread only: a few at a time, so that it goes on meanwhile. */
+void Recorder::makeTexts()
+{
+    constexpr int most = 1000;
+    if (m_series.makeTexts(most))
+        write();
+}
+
+void Recorder::write()
+{
+    m_texts.stop();
+    m_saving.setFuture(QtConcurrent::run([head = SeriesFile::head(m_series), series = m_series,
+                                          directory = m_meter.get_clientsDirectory(),
+                                          client = m_client, day = QDate::currentDate()] {
+        return SeriesFile::save(head, series, directory, client, day);
+    }));
 }

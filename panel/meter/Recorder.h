@@ -1,13 +1,14 @@
 #pragma once
 
+#include "meter/Hardware.h"
 #include "meter/Series.h"
 #include "meter/SeriesFile.h"
 
 #include <QElapsedTimer>
 #include <QFutureWatcher>
 #include <QObject>
+#include <QTimer>
 
-class Hardware;
 class KTV_Configuration;
 class KTV_InterfaceConfig;
 class KTV_Liczniki;
@@ -18,7 +19,7 @@ class Setup;
  * does not do before the owner of an unsaved one has been asked. It keeps what it was recorded with
  * and of, whatever is set up meanwhile.
  */
-class Recorder : public QObject
+class Recorder : public QObject, private Hardware::Taker
 {
     Q_OBJECT
 public:
@@ -31,25 +32,25 @@ public:
     void setClient(const QString &client);
     int interval() const { return m_interval; } ///< between readings, in ms
     void setInterval(int milliseconds);
-    int wanted() const { return m_wanted; } ///< readings after which a series ends by itself
+    int wanted() const { return m_wanted; } ///< readings after which the next one ends by itself
     void setWanted(int count);
 
     /** Drops the series that is there, and records a new one. */
     void start();
     void stop();
-    bool isRunning() const { return m_isRunning; }
+    bool isRunning() const { return m_hardware.serves(*this); }
 
     const Series &series() const { return m_series; }
     bool isUnsaved() const { return !m_isSaved && !m_series.isEmpty(); }
 
     /** Saves the series for the client, off this thread; saved() tells how it went. */
     void save();
-    bool isSaving() const { return m_saving.isRunning(); }
+    bool isSaving() const { return m_isSaving; }
 
     /** Takes the last setting. */
     void load();
-    /** Words the series anew: the unit of temperatures has changed. */
-    void refresh();
+    /** Words a series of temperatures anew: their unit has changed. */
+    void takeUnit();
 
 signals:
     void settingsChanged();
@@ -58,8 +59,11 @@ signals:
     void saved(const SeriesFile::Result &result);
 
 private:
-    void take(float value);
+    void take(float value) override;
+    void end() override;
     void keep();
+    void makeTexts();
+    void write();
 
     KTV_InterfaceConfig &m_settings;
     const KTV_Configuration &m_meter;
@@ -71,7 +75,8 @@ private:
     int m_wanted = 0;
     Series m_series;
     QElapsedTimer m_clock;
-    bool m_isRunning = false;
     bool m_isSaved = true;
+    bool m_isSaving = false;
+    QTimer m_texts; ///< runs until what is to be saved has all its texts
     QFutureWatcher<SeriesFile::Result> m_saving;
 };

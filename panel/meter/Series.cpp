@@ -1,21 +1,39 @@
 #include "meter/Series.h"
 
+#include "meter/AxisScale.h"
+#include "meter/Degrees.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
+
+namespace {
+
+/** Of several verdicts the heaviest counts. */
+int weight(const Verdict &verdict)
+{
+    static constexpr int weights[] = {1, 0, 2}; // by Verdict::Outcome
+    return weights[verdict.outcome()];
+}
+
+} // namespace
 
 Series::Series(SeriesConditions conditions) : m_conditions(std::move(conditions))
 { }
 
 void Series::add(qint64 msSinceStart, float value)
 {
+    m_figures.reset();
+    if (m_firstMissing == count())
+        ++m_firstMissing; // this one is not
     const Reading reading(value, m_conditions.form);
     const Verdict verdict(reading, m_conditions.form.quantity, m_conditions.limit);
+    if (isEmpty() || weight(verdict) > weight(m_verdict))
+        m_verdict = verdict;
     m_values += value;
     m_times += msSinceStart;
     m_verdicts += verdict;
     m_texts += reading.text;
-    m_passed += verdict.outcome() == Verdict::Pass ? 1 : 0;
     m_failed += verdict.outcome() == Verdict::Fail ? 1 : 0;
     if (std::isnan(value))
         return;
@@ -30,10 +48,9 @@ void Series::add(qint64 msSinceStart, float value)
 
 const QString &Series::text(int index) const
 {
-    QString &text = m_texts[index];
-    if (text.isNull())
-        text = Reading(m_values.at(index), m_conditions.form).text;
-    return text;
+    if (m_texts.at(index).isNull())
+        m_texts[index] = Reading(m_values.at(index), m_conditions.form).text;
+    return m_texts.at(index);
 }
 
 float Series::mean() const
@@ -45,13 +62,6 @@ float Series::standardDeviation() const
 {
     return m_present > 1 ? static_cast<float>(std::sqrt(m_squares / (m_present - 1)))
                          : std::numeric_limits<float>::quiet_NaN();
-}
-
-Verdict::Outcome Series::outcome() const
-{
-    if (m_failed > 0)
-        return Verdict::Fail;
-    return m_passed > 0 && m_passed == count() ? Verdict::Pass : Verdict::None;
 }
 
 int Series::nearest(double seconds) const
@@ -66,13 +76,44 @@ int Series::nearest(double seconds) const
     return index;
 }
 
-void Series::forgetTexts()
+const SeriesFigures &Series::figures() const
 {
-    m_texts.fill(QString());
+    if (m_figures)
+        return *m_figures;
+    m_figures.emplace();
+    if (isEmpty())
+        return *m_figures;
+    const auto textOf = [this](float value) { return Reading(value, m_conditions.form).text; };
+    *m_figures = {QString::number(m_present), textOf(m_minimum), textOf(m_maximum), textOf(mean()),
+                  deviationText()};
+    return *m_figures;
 }
 
-void Series::makeTexts() const
+QString Series::deviationText() const
 {
-    for (int index = 0; index < count(); ++index)
-        text(index);
+    if (std::isnan(standardDeviation()))
+        return {};
+    const Quantity quantity = m_conditions.form.quantity;
+    auto deviation = static_cast<double>(standardDeviation());
+    if (quantity == Quantity::Temperature)
+        deviation = Degrees::fromCelsius(deviation) - Degrees::fromCelsius(0);
+    const AxisScale scale = AxisScale::ofValues(quantity, deviation);
+    return QString::number(deviation / scale.divisor, 'g', 3) + QLatin1Char(' ') + scale.unit;
+}
+
+void Series::takeUnit()
+{
+    if (m_conditions.form.quantity != Quantity::Temperature)
+        return;
+    m_texts.fill(QString());
+    m_firstMissing = 0;
+    m_figures.reset();
+}
+
+bool Series::makeTexts(int most) const
+{
+    const int end = std::min(count(), m_firstMissing + most);
+    while (m_firstMissing < end)
+        text(m_firstMissing++);
+    return m_firstMissing == count();
 }

@@ -8,6 +8,8 @@
 #include <QString>
 #include <QVector>
 
+#include <optional>
+
 /** What a series was recorded of, and with. */
 struct SeriesConditions
 {
@@ -20,12 +22,24 @@ struct SeriesConditions
     QString objectType;
     QString objectName;
     int interval = 0; ///< ms
+    int wanted = 0; ///< readings after which it ends by itself
     QDateTime start;
 };
 
+/** The figures of a series as they are shown; empty where there is no reading. */
+struct SeriesFigures
+{
+    QString count;
+    QString minimum;
+    QString maximum;
+    QString mean;
+    QString deviation; ///< with three figures: "0.247 µΩ"; empty for less than two readings
+};
+
 /**
- * Readings over time. Each one is judged, and goes into the statistics, when it is added; its text
- * is made once, when somebody first asks for it.
+ * Readings over time. Each one is judged, goes into the statistics and gets its text when it is
+ * added. Texts stay as they were shown, also when the meter becomes another one: only those of
+ * temperatures follow the unit in effect.
  */
 class Series
 {
@@ -44,6 +58,7 @@ public:
     /** Since the start. */
     double seconds(int index) const { return static_cast<double>(m_times.at(index)) / 1000; }
     QDateTime time(int index) const { return m_conditions.start.addMSecs(m_times.at(index)); }
+    /** Made anew when it is a temperature and its unit has changed. */
     const QString &text(int index) const;
     Verdict verdict(int index) const { return m_verdicts.at(index); }
 
@@ -54,30 +69,37 @@ public:
     float mean() const;
     float standardDeviation() const; ///< of a sample: divided by one less than the count
 
-    int passed() const { return m_passed; }
     int failed() const { return m_failed; }
-    /** Fails with its first reading that fails; passes when every reading does. */
-    Verdict::Outcome outcome() const;
+    /** That of the first reading that fails; else of the first without a verdict: it passes when
+     * every reading does. */
+    Verdict verdict() const { return m_verdict; }
+
+    /** As texts; they stay as they were when somebody first asked after the last reading. */
+    const SeriesFigures &figures() const;
 
     /** Index of the reading nearest in time; -1 for none. */
     int nearest(double seconds) const;
 
-    /** The unit of temperatures has changed: texts are made anew. */
-    void forgetTexts();
-    /** Makes the texts that nobody has asked for yet; they belong to the interface's thread. */
-    void makeTexts() const;
+    /** The unit of temperatures has changed: their texts are made anew, when they are asked for. */
+    void takeUnit();
+    /** Makes up to @p most texts that are missing. @return whether all are there now */
+    bool makeTexts(int most) const;
 
 private:
+    QString deviationText() const;
+
     SeriesConditions m_conditions;
     QVector<float> m_values;
     QVector<qint64> m_times; ///< ms since the start
     QVector<Verdict> m_verdicts;
-    mutable QVector<QString> m_texts;
+    mutable QVector<QString> m_texts; ///< null: not made yet
+    mutable int m_firstMissing = 0; ///< no text before it is
+    mutable std::optional<SeriesFigures> m_figures;
     int m_present = 0;
     float m_minimum = std::numeric_limits<float>::quiet_NaN();
     float m_maximum = std::numeric_limits<float>::quiet_NaN();
     double m_mean = 0;
     double m_squares = 0; ///< sum of the squared distances from the mean
-    int m_passed = 0;
     int m_failed = 0;
+    Verdict m_verdict;
 };

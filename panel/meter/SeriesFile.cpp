@@ -29,10 +29,36 @@ constexpr QuantityRow quantities[] = {
 /** By Verdict::Outcome. */
 constexpr const char *outcomes[] = {"", "pass", "fail"};
 
+/** By Verdict::Reason. */
+constexpr const char *reasons[] = {
+    "",
+    "nothing measured",
+    "leads swapped",
+    "a bound is no number",
+    "the limit has no bounds",
+    "above the range of the meter",
+    "",
+    "above the high limit",
+    "below the low limit",
+};
+
 QString quoted(QString text)
 {
     return QLatin1Char('"') + text.replace(QLatin1Char('"'), QLatin1String("\"\""))
         + QLatin1Char('"');
+}
+
+/** What somebody has entered; a spreadsheet shall not take it for a formula. */
+QString name(const QString &text)
+{
+    const bool isFormula = !text.isEmpty() && QStringLiteral("=+-@").contains(text.at(0));
+    return quoted(isFormula ? QLatin1Char('\'') + text : text);
+}
+
+QString bound(Quantity quantity, const QString &kept)
+{
+    const QString text = Limit::text(quantity, kept);
+    return std::isnan(Limit::number(quantity, kept)) ? name(text) : quoted(text);
 }
 
 QString figure(float value)
@@ -40,7 +66,16 @@ QString figure(float value)
     return std::isnan(value) ? QString() : QString::number(static_cast<double>(value), 'g', 7);
 }
 
-QString head(const Series &series)
+/** A folder of its own for the client; a name of dots only would lead out of it. */
+QString folderOf(const QString &client)
+{
+    const QString folder = Tools::validFileName(client);
+    return folder.startsWith(QLatin1Char('.')) ? QLatin1Char('_') + folder : folder;
+}
+
+} // namespace
+
+QByteArray SeriesFile::head(const Series &series)
 {
     const SeriesConditions &conditions = series.conditions();
     const Form &form = conditions.form;
@@ -60,15 +95,16 @@ QString head(const Series &series)
         {"quantity", QLatin1String(quantity.name)},
         {"unit", QLatin1String(quantity.unit)},
         {"test current", current},
-        {"object type", quoted(conditions.objectType)},
-        {"object name", quoted(conditions.objectName)},
-        {"material", quoted(conditions.material)},
+        {"object type", name(conditions.objectType)},
+        {"object name", name(conditions.objectName)},
+        {"material", name(conditions.material)},
         {"temperature coefficient in 1/K",
          isCompensated ? QString::number(conditions.alpha) : QString()},
-        {"limit", quoted(conditions.limit.name)},
-        {"low limit", quoted(Limit::text(form.quantity, conditions.limit.low))},
-        {"high limit", quoted(Limit::text(form.quantity, conditions.limit.high))},
-        {"verdict", QLatin1String(outcomes[series.outcome()])},
+        {"limit", name(conditions.limit.name)},
+        {"low limit", bound(form.quantity, conditions.limit.low)},
+        {"high limit", bound(form.quantity, conditions.limit.high)},
+        {"verdict", QLatin1String(outcomes[series.verdict().outcome()])},
+        {"reason", QLatin1String(reasons[series.verdict().reason()])},
         {"start", conditions.start.toString(Qt::ISODate)},
         {"interval in s", QString::number(conditions.interval / 1000.)},
         {"count", QString::number(series.presentCount())},
@@ -80,21 +116,12 @@ QString head(const Series &series)
     QString text;
     for (const auto &line : lines)
         text += QLatin1String(line.name) + QLatin1Char(',') + line.value + QLatin1String("\r\n");
-    return text;
+    return text.toUtf8();
 }
 
-/** A folder of its own for the client; a name of dots only would lead out of it. */
-QString folderOf(const QString &client)
+QByteArray SeriesFile::csv(const QByteArray &head, const Series &series)
 {
-    const QString folder = Tools::validFileName(client);
-    return folder.startsWith(QLatin1Char('.')) ? QLatin1Char('_') + folder : folder;
-}
-
-} // namespace
-
-QByteArray SeriesFile::csv(const Series &series)
-{
-    QByteArray content = head(series).toUtf8();
+    QByteArray content = head;
     content += "\r\n";
     content += "number,time,seconds,value,shown,verdict\r\n";
     for (int index = 0; index < series.count(); ++index) {
@@ -109,14 +136,15 @@ QByteArray SeriesFile::csv(const Series &series)
     return content;
 }
 
-SeriesFile::Result SeriesFile::save(const Series &series, const QString &directory,
-                                    const QString &client, const QDate &day)
+SeriesFile::Result SeriesFile::save(const QByteArray &head, const Series &series,
+                                    const QString &directory, const QString &client,
+                                    const QDate &day)
 {
     const QString folder = directory + folderOf(client) + QLatin1Char('/');
     QDir().mkpath(folder);
     const QString name = Tools::findFreeFileName(folder, day.toString(QStringLiteral("yyyy-MM-dd")),
                                                  QStringLiteral("csv"));
-    const QByteArray content = csv(series);
+    const QByteArray content = csv(head, series);
     // The flush is not for nothing: commit() does not notice that what was buffered finds no room.
     QSaveFile file(folder + name);
     if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush()

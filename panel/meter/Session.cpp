@@ -37,7 +37,7 @@ Session::Session(QObject *parent)
     connect(&m_preferences, &Preferences::brightnessChanged, this, &Session::takeBrightness);
     connect(&m_preferences, &Preferences::temperatureUnitChanged, this, [this] {
         m_measurement.refresh();
-        m_recorder.refresh();
+        m_recorder.takeUnit();
         m_lists.refresh();
     });
     connect(&m_recorder, &Recorder::saved, m_library.get(), &KTV_DataSource::updateTimeDisk);

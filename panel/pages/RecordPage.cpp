@@ -55,6 +55,7 @@ RecordPage::RecordPage(Texts &texts, Session &session)
     , m_what(label(QStringLiteral("record.what"), "quiet"))
     , m_status(label(QStringLiteral("record.status"), "quiet"))
     , m_verdict(new VerdictLabel(QStringLiteral("record.verdict")))
+    , m_reason(label(QStringLiteral("record.reason"), "quiet"))
     , m_client(new FieldButton(QStringLiteral("record.client")))
     , m_interval(new FieldButton(QStringLiteral("record.interval")))
     , m_count(new FieldButton(QStringLiteral("record.count")))
@@ -132,6 +133,8 @@ QWidget *RecordPage::makeFigures()
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setVerticalSpacing(Theme::px(2));
     grid->addWidget(m_verdict, 0, 0, 1, 2);
+    grid->addWidget(m_reason, 1, 0, 1, 2);
+    m_reason->setWordWrap(true);
     addFigure(grid, Text {"Panel", "countOf", "Count"}, "record.figure.count");
     addFigure(grid, Text {"Panel", "minimum", "Minimum"}, "record.figure.minimum");
     addFigure(grid, Text {"Panel", "maximum", "Maximum"}, "record.figure.maximum");
@@ -153,12 +156,17 @@ void RecordPage::addFigure(QGridLayout *grid, const Text &captionText, const cha
 
 // --- showing
 
+bool RecordPage::isThere() const
+{
+    return !recorder().series().isEmpty() || recorder().isRunning();
+}
+
 void RecordPage::refresh()
 {
     // Of the series that is there, or of the one that would be recorded.
     const Setup &setup = session().setup();
     const SeriesConditions &conditions = recorder().series().conditions();
-    const bool isThere = !recorder().series().isEmpty() || recorder().isRunning();
+    const bool isThere = this->isThere();
     const Form form = isThere ? conditions.form : setup.form();
     QStringList what {isThere ? conditions.meterName
                               : library().getMainConfig()->get_MeterFullName()};
@@ -180,6 +188,7 @@ void RecordPage::refresh()
     m_count->setEnabled(!isRunning);
     m_start->setText(isRunning ? text(Text {"Measure", "stop", "Stop"})
                                : text(Text {"Measure", "start", "Start"}));
+    m_start->setEnabled(!recorder().isSaving());
     m_save->setEnabled(!isRunning && !recorder().isSaving() && !recorder().series().isEmpty());
 }
 
@@ -261,36 +270,24 @@ void RecordPage::refreshAxes()
 void RecordPage::refreshFigures()
 {
     const Series &series = recorder().series();
-    const Form &form = series.conditions().form;
-    const bool isEmpty = series.isEmpty();
-    const auto textOf = [&](float value) {
-        return isEmpty ? QString() : Reading(value, form).text;
-    };
-    const QString figures[] = {isEmpty ? QString() : QString::number(series.presentCount()),
-                               textOf(series.minimum()), textOf(series.maximum()),
-                               textOf(series.mean()),
-                               Words::deviation(form.quantity, series.standardDeviation())};
-    for (int i = 0; i < m_figures.size(); ++i)
-        m_figures.at(i)->setText(figures[i]);
+    const SeriesFigures &figures = series.figures();
+    m_figures.at(0)->setText(figures.count);
+    m_figures.at(1)->setText(figures.minimum);
+    m_figures.at(2)->setText(figures.maximum);
+    m_figures.at(3)->setText(figures.mean);
+    m_figures.at(4)->setText(figures.deviation);
 
-    QString verdict;
-    ValueDisplay::State state = ValueDisplay::Idle;
-    if (series.outcome() == Verdict::Pass) {
-        verdict = text(Text {"Measure", "pass", "Pass"});
-        state = ValueDisplay::Passed;
-    } else if (series.outcome() == Verdict::Fail) {
-        verdict = QStringLiteral("%1 %2 / %3")
-                      .arg(text(Text {"Measure", "fail", "Fail"}))
-                      .arg(series.failed())
-                      .arg(series.count());
-        state = ValueDisplay::Failed;
-    } else if (!isEmpty && !series.conditions().limit.name.isEmpty()) {
-        verdict = text(Text {"Panel", "noVerdict", "No verdict"});
-        state = ValueDisplay::Unjudged;
-    }
-    m_verdict->setVerdict(verdict, state);
+    Words::VerdictWords words;
+    if (!series.isEmpty() && !series.conditions().limit.name.isEmpty())
+        words = Words::verdict(texts(), series.verdict(), true);
+    if (words.state == ValueDisplay::Failed)
+        words.headline += QStringLiteral(" %1 / %2").arg(series.failed()).arg(series.count());
+    m_verdict->setVerdict(words.headline, words.state);
+    m_reason->setText(words.reason);
+    m_reason->setVisible(!words.reason.isEmpty());
 
-    QString status = QStringLiteral("%1 / %2").arg(series.count()).arg(recorder().wanted());
+    const int wanted = isThere() ? series.conditions().wanted : recorder().wanted();
+    QString status = QStringLiteral("%1 / %2").arg(series.count()).arg(wanted);
     if (recorder().isSaving())
         status = text(Text {"Panel", "saving", "Saving the series"});
     else if (recorder().isUnsaved() && !recorder().isRunning())

@@ -27,6 +27,7 @@ public:
 
 private:
     void layOut();
+    bool isThere() const; ///< a series, perhaps without readings yet
     void refresh();
     QWidget *makeFigures();
     void addFigure(QGridLayout *grid, const Text &captionText, const char *name);
@@ -53,6 +54,7 @@ private:
     QLabel *m_what;
     QLabel *m_status;
     VerdictLabel *m_verdict;
+    QLabel *m_reason;
     QVector<QLabel *> m_figures; ///< count, minimum, maximum, mean, standard deviation
     FieldButton *m_client;
     FieldButton *m_interval;

@@ -1,7 +1,5 @@
 #include "pages/Words.h"
 
-#include "meter/AxisScale.h"
-#include "meter/Degrees.h"
 #include "touch/Texts.h"
 
 #include <datasource/KTV_DataSource.h>
@@ -9,13 +7,11 @@
 
 #include <QStringList>
 
-#include <cmath>
-
 using ValueBox::NumericalValueBox;
 
 namespace {
 
-/** By Verdict::Reason; a reason without words is the headline's own. */
+/** By Verdict::Reason; NoLimit and Within are worded as what has come of it. */
 const Text reasons[] = {
     Text {"Panel", "done", "Done"},
     Text {"Measure", "leadOpen", "Current lead is open"},
@@ -82,17 +78,6 @@ QString Words::object(const QString &type, const QString &name)
     QStringList parts {type, name};
     parts.removeAll(QString());
     return parts.join(QStringLiteral(" \u00B7 "));
-}
-
-QString Words::deviation(Quantity quantity, float deviation)
-{
-    if (std::isnan(deviation))
-        return {};
-    auto shown = static_cast<double>(deviation);
-    if (quantity == Quantity::Temperature)
-        shown = Degrees::fromCelsius(shown) - Degrees::fromCelsius(0);
-    const AxisScale scale = AxisScale::ofValues(quantity, shown);
-    return QString::number(shown / scale.divisor, 'g', 3) + QLatin1Char(' ') + scale.unit;
 }
 
 QString Words::seconds(const Texts &texts, int milliseconds)

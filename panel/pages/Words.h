@@ -26,8 +26,6 @@ QString bounds(const Texts &texts, Quantity quantity, const Limit &limit);
 QString quantity(const Texts &texts, Quantity quantity);
 /** "Transformer · T1"; either may be empty. */
 QString object(const QString &type, const QString &name);
-/** A standard deviation, with three figures: "0.247 µΩ"; empty for none. */
-QString deviation(Quantity quantity, float deviation);
 QString seconds(const Texts &texts, int milliseconds);
 /** Warning of a memory card that fills up; empty for none. */
 QString cardAlert(const Texts &texts, const KTV_DataSource &library);

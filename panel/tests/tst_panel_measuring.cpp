@@ -12,6 +12,8 @@
 #include <QDate>
 #include <QDir>
 #include <QFile>
+#include <QSemaphore>
+#include <QtConcurrent>
 
 namespace {
 
@@ -87,6 +89,9 @@ private slots:
     void seriesIsKeptUntilItIsDropped();
     void recordingGoesOnBesideOtherPages();
     void savingGoesOnAfterTheClient();
+    void nothingStartsWhileASeriesIsSaved();
+    void reasonWhereASeriesHasNoVerdict();
+    void seriesOutlivesItsMeter();
     void seriesOnAFullCard();
     void seriesWithoutAFolder();
     void nameOfDotsStaysInItsDirectory();
@@ -486,6 +491,57 @@ void TstPanelMeasuring::savingGoesOnAfterTheClient()
     QVERIFY(panel.finger.type(QStringLiteral("yard")));
     TAP(panel, "key.done");
     QVERIFY(panel.message().startsWith(QLatin1String(clients) + QStringLiteral("/yard/")));
+}
+
+void TstPanelMeasuring::nothingStartsWhileASeriesIsSaved()
+{
+    PanelFixture panel;
+    QVERIFY(record(panel));
+    QVERIFY(writeClient(panel, QStringLiteral("a")));
+    QThreadPool *pool = QThreadPool::globalInstance();
+    QSemaphore end;
+    QVector<QFuture<void>> work;
+    for (int i = 0; i < pool->maxThreadCount(); ++i)
+        work += QtConcurrent::run([&end] { end.acquire(); });
+    TAP(panel, "record.save");
+    QCOMPARE(panel.labelText("record.status"), QStringLiteral("Saving the series"));
+    const bool canStart = panel.finger.find(QStringLiteral("record.start"))->isEnabled();
+    end.release(work.size());
+    QVERIFY(!canStart);
+    QVERIFY(panel.message().startsWith(QLatin1String(clients)));
+    TAP(panel, "sheet.ok", "record.start");
+    QVERIFY(panel.session.recorder().isRunning());
+}
+
+void TstPanelMeasuring::reasonWhereASeriesHasNoVerdict()
+{
+    PanelFixture panel;
+    QVERIFY(panel.session.library().get_DataList()->AddLimit_R(
+        QStringLiteral("joint"), QStringLiteral("1.5 m\u2126"), QStringLiteral("1 m\u2126")));
+    QVERIFY(panel.pick("measure.limit", QStringLiteral("joint")));
+    TestObject object = objectOf(0.0012F);
+    object.leads = TestObject::Open;
+    measureWith(panel, object);
+    QVERIFY(record(panel));
+    QCOMPARE(panel.finger.see<VerdictLabel>(QStringLiteral("record.verdict"))->text(),
+             QStringLiteral("No verdict"));
+    QCOMPARE(panel.labelText("record.reason"), QStringLiteral("Current lead is open"));
+}
+
+void TstPanelMeasuring::seriesOutlivesItsMeter()
+{
+    PanelFixture panel;
+    QVERIFY(panel.pick("measure.meter", QStringLiteral("DV42006")));
+    QVERIFY(panel.pick("measure.current", QStringLiteral("150 A")));
+    measureWith(panel, objectOf(0.0001F));
+    QVERIFY(record(panel));
+    const QString mean = panel.labelText("record.figure.mean");
+    QCOMPARE(mean, QStringLiteral("100.0 \u03BC\u2126"));
+    panel.session.setSerialNumber(QStringLiteral("CH20417")); // it knows no such current
+    TAP(panel, "nav.Settings", "settings.temperature.1", "settings.temperature.0", "nav.Record");
+    QCOMPARE(panel.labelText("record.figure.mean"), mean);
+    TAP(panel, "record.view.1");
+    QCOMPARE(panel.titles("record.table").first(), mean);
 }
 
 void TstPanelMeasuring::seriesOnAFullCard()

@@ -22,6 +22,7 @@
 
 #include <QDir>
 #include <QTemporaryDir>
+#include <QtConcurrent>
 #include <QtTest>
 
 #include <cmath>
@@ -30,6 +31,7 @@ using ValueBox::NumericalValueBox;
 
 Q_DECLARE_METATYPE(Quantity)
 Q_DECLARE_METATYPE(Limit)
+Q_DECLARE_METATYPE(SeriesFile::Result)
 
 namespace {
 
@@ -54,6 +56,63 @@ struct Stores
     Recorder recorder {settings, meter, setup, hardware, counters};
 };
 
+/** The same, with a measurement and its tones. */
+struct Bench : Stores
+{
+    Preferences preferences {settings, path + QStringLiteral("panel.ini")};
+    Tones tones {preferences};
+    Measurement measurement {setup, hardware, counters, tones};
+
+    void measure(std::initializer_list<float> values)
+    {
+        measurement.start();
+        for (const float value : values)
+            hardware.hand(value);
+    }
+};
+
+/** Keeps the thread pool from working as long as it lives. */
+class BusyPool
+{
+public:
+    BusyPool()
+    {
+        QThreadPool::globalInstance()->setMaxThreadCount(1);
+        m_work = QtConcurrent::run([this] { m_end.acquire(); });
+    }
+    ~BusyPool()
+    {
+        m_end.release();
+        m_work.waitForFinished();
+    }
+
+private:
+    QSemaphore m_end;
+    QFuture<void> m_work;
+};
+
+/** A series of a recorder, of these values. */
+void record(Stores &stores, const QVector<float> &values)
+{
+    stores.recorder.setInterval(1000000); // the simulated hardware keeps out of it
+    stores.recorder.setWanted(values.size());
+    stores.recorder.start();
+    for (const float value : values)
+        stores.hardware.hand(value);
+}
+
+/** The lines of the file that a series has been saved to; empty when it could not be. */
+QStringList saved(Recorder &recorder)
+{
+    QSignalSpy saved(&recorder, &Recorder::saved);
+    if (!recorder.isSaving())
+        recorder.save();
+    if (saved.isEmpty() && !saved.wait(60000))
+        return {};
+    const auto result = saved.first().first().value<SeriesFile::Result>();
+    return QString::fromUtf8(Meter::readFile(result.path)).split(QStringLiteral("\r\n"));
+}
+
 SeriesConditions circumstances(const Limit &limit = Limit())
 {
     SeriesConditions conditions;
@@ -69,6 +128,7 @@ class TstPanelMeter : public QObject
 {
     Q_OBJECT
 private slots:
+    void initTestCase();
     void init();
     void verdictOfAReading_data();
     void verdictOfAReading();
@@ -88,15 +148,34 @@ private slots:
     void curveOfAnyLength();
     void curveWithGaps();
     void seriesAsAFile();
+    void namesInAFile_data();
+    void namesInAFile();
+    void temperaturesInAFile();
     void seriesFollowsTheUnit();
     void recorderEndsByItself();
     void recorderKeepsItsConditions();
+    void wantedIsThatOfTheStart();
+    void savedInTheUnitAtThatMoment();
+    void longSeriesIsSavedWhole();
+    void seriesKeepsItsTexts();
+    void textsAreMadeAFewAtATime();
+    void nothingStartsWhileASeriesIsSaved();
+    void measurementIsTheMeanOfSix();
+    void measurementServedBeforeASeries();
+    void measurementIsForgottenWithItsSetup();
+    void measurementIsJudged();
     void settersTell();
+    void factorySettingsTell();
     void lastSettingComesBack();
     void currentFollowsTheCompensation();
     void namesOfNetworks_data();
     void namesOfNetworks();
 };
+
+void TstPanelMeter::initTestCase()
+{
+    qRegisterMetaType<SeriesFile::Result>("SeriesFile::Result");
+}
 
 void TstPanelMeter::init()
 {
@@ -321,21 +400,29 @@ void TstPanelMeter::outcomeOfASeries_data()
 {
     QTest::addColumn<QVector<float>>("values");
     QTest::addColumn<int>("outcome");
-    QTest::newRow("empty") << QVector<float>() << int(Verdict::None);
-    QTest::newRow("every one passes") << QVector<float> {0.001F, 0.002F} << int(Verdict::Pass);
-    QTest::newRow("one fails") << QVector<float> {0.001F, 0.003F, 0.001F} << int(Verdict::Fail);
-    QTest::newRow("one is missing") << QVector<float> {0.001F, missing} << int(Verdict::None);
-    QTest::newRow("one is missing, one fails")
-        << QVector<float> {0.003F, missing} << int(Verdict::Fail);
+    QTest::addColumn<int>("reason");
+    const auto row = [](const char *name, const QVector<float> &values, Verdict::Outcome outcome,
+                        Verdict::Reason reason) {
+        QTest::newRow(name) << values << int(outcome) << int(reason);
+    };
+    row("empty", {}, Verdict::None, Verdict::NoLimit);
+    row("every one passes", {0.001F, 0.002F}, Verdict::Pass, Verdict::Within);
+    row("one fails", {0.001F, 0.003F, 0.001F}, Verdict::Fail, Verdict::TooHigh);
+    row("one is missing", {0.001F, missing}, Verdict::None, Verdict::NothingMeasured);
+    row("one is missing, one fails", {missing, 0.003F}, Verdict::Fail, Verdict::TooHigh);
+    row("the first reason counts", {-0.001F, missing}, Verdict::None, Verdict::LeadsSwapped);
+    row("the first failure counts", {0.0001F, 0.003F}, Verdict::Fail, Verdict::TooLow);
 }
 
 void TstPanelMeter::outcomeOfASeries()
 {
     QFETCH(QVector<float>, values);
-    Series series(circumstances({QStringLiteral("joint"), QString(), QStringLiteral("2 m\u2126")}));
+    Series series(circumstances(
+        {QStringLiteral("joint"), QStringLiteral("0.5 m\u2126"), QStringLiteral("2 m\u2126")}));
     for (const float value : std::as_const(values))
         series.add(0, value);
-    QTEST(int(series.outcome()), "outcome");
+    QTEST(int(series.verdict().outcome()), "outcome");
+    QTEST(int(series.verdict().reason()), "reason");
 }
 
 void TstPanelMeter::nearestReading_data()
@@ -439,6 +526,7 @@ void TstPanelMeter::seriesAsAFile()
                                             "low limit,\"\"\r\n"
                                             "high limit,\"2 m\u2126\"\r\n"
                                             "verdict,\r\n"
+                                            "reason,nothing measured\r\n"
                                             "start,2024-03-01T09:30:00\r\n"
                                             "interval in s,0.2\r\n"
                                             "count,2\r\n"
@@ -453,7 +541,63 @@ void TstPanelMeter::seriesAsAFile()
                                             "2,2024-03-01T09:30:00.201,0.201,,\"--- \u2126\",\r\n"
                                             "3,2024-03-02T09:30:00.001,86400.001,0.0012347,"
                                             "\"1.2347 m\u2126\",pass\r\n");
-    QCOMPARE(QString::fromUtf8(SeriesFile::csv(series)).split("\r\n"), expected.split("\r\n"));
+    const QByteArray csv = SeriesFile::csv(SeriesFile::head(series), series);
+    QCOMPARE(QString::fromUtf8(csv).split("\r\n"), expected.split("\r\n"));
+}
+
+void TstPanelMeter::namesInAFile_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("field");
+    QTest::newRow("quotes") << "the \"new\" one"
+                            << "\"the \"\"new\"\" one\"";
+    QTest::newRow("line feed") << "a\nb"
+                               << "\"a\nb\"";
+    QTest::newRow("formula") << "=1+1"
+                             << "\"'=1+1\"";
+    QTest::newRow("formula that begins with a plus") << "+a"
+                                                     << "\"'+a\"";
+    QTest::newRow("formula that begins with a minus") << "-a"
+                                                      << "\"'-a\"";
+    QTest::newRow("formula that begins with an at sign") << "@A1"
+                                                         << "\"'@A1\"";
+    QTest::newRow("an equals sign within") << "a=1"
+                                           << "\"a=1\"";
+}
+
+void TstPanelMeter::namesInAFile()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, field);
+    SeriesConditions conditions = circumstances({name, QStringLiteral("-5 m\u2126"), name});
+    conditions.objectType = name;
+    conditions.objectName = name;
+    conditions.material = name;
+    const QString head = QString::fromUtf8(SeriesFile::head(Series(conditions)));
+    for (const char *line : {"object type", "object name", "material", "limit", "high limit"})
+        QVERIFY2(head.contains(QStringLiteral("\n%1,%2\r\n").arg(QLatin1String(line), field)),
+                 line);
+    QVERIFY(head.contains(QStringLiteral("\nlow limit,\"-5 m\u2126\"\r\n"))); // a number
+}
+
+void TstPanelMeter::temperaturesInAFile()
+{
+    SeriesConditions conditions =
+        circumstances({QStringLiteral("winding"), QString(), QStringLiteral("26.67")});
+    conditions.form = {Quantity::Temperature, ValueBox::Round_Static, ValueBox::testI_None};
+    useUnit(ValueBox::Temp_Fahrenheit);
+    Series series(conditions);
+    series.add(0, 20);
+    series.add(1000, 22.5F);
+    const QString csv = QString::fromUtf8(SeriesFile::csv(SeriesFile::head(series), series));
+    for (const QString &line :
+         {QStringLiteral("unit,degree Celsius"), QStringLiteral("test current,"),
+          QStringLiteral("high limit,\"80 \u00B0F\""), QStringLiteral("verdict,pass"),
+          QStringLiteral("mean,21.25"),
+          QStringLiteral("2,2024-03-01T09:30:01.000,1.000,22.5,"
+                         "\"72.5 \u00B0F\",pass")})
+        QVERIFY2(csv.contains(QLatin1Char('\n') + line + QStringLiteral("\r\n")),
+                 qPrintable(line + QLatin1Char('\n') + csv));
 }
 
 void TstPanelMeter::seriesFollowsTheUnit()
@@ -464,7 +608,7 @@ void TstPanelMeter::seriesFollowsTheUnit()
     series.add(0, 20);
     QCOMPARE(series.text(0), QStringLiteral("20.0 \u00B0C"));
     useUnit(ValueBox::Temp_Fahrenheit);
-    series.forgetTexts();
+    series.takeUnit();
     QCOMPARE(series.text(0), QStringLiteral("68.0 \u00B0F"));
 }
 
@@ -497,12 +641,197 @@ void TstPanelMeter::recorderKeepsItsConditions()
     stores.setup.setQuantity(Quantity::Temperature);
     stores.setup.setObject(QString(), QString());
     useUnit(ValueBox::Temp_Kelvin);
-    stores.recorder.refresh();
+    stores.recorder.takeUnit();
     const Series &series = stores.recorder.series();
     QCOMPARE(series.count(), 1);
     QCOMPARE(series.conditions().objectName, QStringLiteral("M1"));
     QVERIFY(series.text(0).endsWith(milliohm));
     QVERIFY(stores.recorder.isUnsaved());
+}
+
+void TstPanelMeter::wantedIsThatOfTheStart()
+{
+    Stores stores;
+    stores.recorder.setInterval(1000000);
+    stores.recorder.setWanted(3);
+    stores.recorder.start();
+    stores.recorder.setWanted(1); // as a factory reset does
+    stores.hardware.hand(0.001F);
+    QVERIFY(stores.recorder.isRunning());
+    stores.hardware.hand(0.001F);
+    stores.hardware.hand(0.001F);
+    QVERIFY(!stores.recorder.isRunning());
+    QCOMPARE(stores.recorder.series().conditions().wanted, 3);
+}
+
+void TstPanelMeter::savedInTheUnitAtThatMoment()
+{
+    Stores stores;
+    stores.setup.setQuantity(Quantity::Temperature);
+    stores.setup.setLimit({QStringLiteral("winding"), QString(), QStringLiteral("30")});
+    record(stores, {20});
+    auto pool = std::make_unique<BusyPool>();
+    stores.recorder.save();
+    useUnit(ValueBox::Temp_Kelvin); // before the file is written
+    stores.recorder.takeUnit();
+    pool.reset();
+    const QStringList lines = saved(stores.recorder);
+    QVERIFY2(lines.contains(QStringLiteral("high limit,\"30 \u00B0C\"")),
+             qPrintable(lines.join('\n')));
+    QVERIFY(lines.value(lines.size() - 2).contains(QStringLiteral("\"20.0 \u00B0C\"")));
+}
+
+void TstPanelMeter::longSeriesIsSavedWhole()
+{
+    Stores stores;
+    stores.setup.setQuantity(Quantity::Temperature);
+    record(stores, QVector<float>(Series::capacity, 20));
+    QCOMPARE(stores.recorder.series().count(), Series::capacity);
+    QVERIFY(!stores.recorder.isRunning());
+    useUnit(ValueBox::Temp_Fahrenheit); // every text is made anew
+    stores.recorder.takeUnit();
+    const QStringList lines = saved(stores.recorder);
+    QVERIFY(!stores.recorder.isUnsaved());
+    const QString last = lines.value(lines.size() - 2);
+    QVERIFY2(last.startsWith(QStringLiteral("%1,").arg(Series::capacity)), qPrintable(last));
+    QVERIFY2(last.endsWith(QStringLiteral(",20,\"68.0 \u00B0F\",")), qPrintable(last));
+    const int first = lines.indexOf(QStringLiteral("number,time,seconds,value,shown,verdict")) + 1;
+    QCOMPARE(lines.size() - 1 - first, Series::capacity);
+}
+
+void TstPanelMeter::seriesKeepsItsTexts()
+{
+    Stores stores;
+    NumericalValueBox::SetCurrentMeter(KTV_Configuration::KTV_4200);
+    stores.setup.setCurrent(ValueBox::testI_150A);
+    record(stores, {0.0001F, 0.0002F, 0.0003F});
+    const Series &series = stores.recorder.series();
+    const QChar *const text = series.text(0).constData();
+    const QString shown = series.text(0);
+    const QString mean = series.figures().mean;
+    QVERIFY(!shown.startsWith(QLatin1Char('-')));
+    NumericalValueBox::SetCurrentMeter(KTV_Configuration::KTV_420); // it knows no 150 A
+    useUnit(ValueBox::Temp_Kelvin);
+    stores.recorder.takeUnit();
+    QCOMPARE(series.text(0).constData(), text); // made once, not again
+    QCOMPARE(series.figures().mean, mean);
+    QVERIFY(saved(stores.recorder).join(QString()).contains(shown));
+}
+
+void TstPanelMeter::textsAreMadeAFewAtATime()
+{
+    SeriesConditions conditions = circumstances();
+    conditions.form = {Quantity::Temperature, ValueBox::Round_Static, ValueBox::testI_None};
+    Series series(conditions);
+    for (int i = 0; i < 5; ++i)
+        series.add(i, 20);
+    QVERIFY(series.makeTexts(1)); // nothing is missing
+    useUnit(ValueBox::Temp_Kelvin);
+    series.takeUnit();
+    QVERIFY(!series.makeTexts(2));
+    QVERIFY(!series.makeTexts(2));
+    series.add(5, 20);
+    QVERIFY(series.makeTexts(2));
+    useUnit(ValueBox::Temp_Celsius); // too late for texts that have been made
+    for (int i = 0; i < series.count(); ++i)
+        QCOMPARE(series.text(i), QStringLiteral("293.0 K"));
+}
+
+void TstPanelMeter::nothingStartsWhileASeriesIsSaved()
+{
+    Stores stores;
+    record(stores, {0.001F});
+    QSignalSpy state(&stores.recorder, &Recorder::stateChanged);
+    {
+        const BusyPool pool;
+        stores.recorder.save();
+        QVERIFY(stores.recorder.isSaving());
+        QCOMPARE(state.size(), 1);
+        stores.recorder.start();
+        stores.recorder.save();
+        QVERIFY(!stores.recorder.isRunning());
+        QCOMPARE(stores.recorder.series().count(), 1);
+    }
+    QVERIFY(!saved(stores.recorder).isEmpty());
+    QVERIFY(!stores.recorder.isSaving());
+    stores.recorder.start();
+    QVERIFY(stores.recorder.isRunning());
+}
+
+// --- one measurement
+
+void TstPanelMeter::measurementIsTheMeanOfSix()
+{
+    Bench bench;
+    QSignalSpy changed(&bench.measurement, &Measurement::changed);
+    QVERIFY(!bench.measurement.isDone());
+    bench.setup.setObject(QStringLiteral("Motor"), QStringLiteral("M1"));
+    bench.measure({0.001F, 0.003F});
+    QVERIFY(bench.measurement.isRunning());
+    QCOMPARE(bench.measurement.reading().text, QStringLiteral("2.000 m\u2126"));
+    QVERIFY(bench.measurement.lastResult().text.isEmpty());
+    for (const float value : {0.001F, 0.003F, 0.001F, 0.0042F})
+        bench.hardware.hand(value);
+    QVERIFY(!bench.measurement.isRunning());
+    QVERIFY(bench.measurement.isDone());
+    QCOMPARE(bench.measurement.reading().text, QStringLiteral("2.200 m\u2126"));
+    QCOMPARE(bench.measurement.lastResult().text, QStringLiteral("2.200 m\u2126"));
+    QCOMPARE(bench.measurement.lastResult().objectName, QStringLiteral("M1"));
+    QCOMPARE(int(bench.measurement.verdict().reason()), int(Verdict::NoLimit));
+    QCOMPARE(bench.counters.get_dictionary(KTV_Liczniki::Licznik_PomiarObiektowRezystancyjnych), 1);
+    QVERIFY(changed.size() >= 7);
+    bench.hardware.hand(1); // for nobody
+    QCOMPARE(bench.measurement.reading().text, QStringLiteral("2.200 m\u2126"));
+}
+
+void TstPanelMeter::measurementServedBeforeASeries()
+{
+    Bench bench;
+    bench.measure({0.001F});
+    bench.recorder.start();
+    QVERIFY(!bench.recorder.isRunning());
+    bench.recorder.stop(); // not its own
+    QVERIFY(bench.measurement.isRunning());
+    bench.measurement.stop();
+    QVERIFY(!bench.measurement.isRunning());
+    bench.recorder.start();
+    bench.measurement.start();
+    bench.hardware.hand(0.005F);
+    QVERIFY(!bench.measurement.isRunning());
+    QCOMPARE(bench.recorder.series().count(), 1);
+    QCOMPARE(bench.measurement.reading().text, QStringLiteral("1.0000 m\u2126"));
+    QCOMPARE(bench.counters.get_dictionary(KTV_Liczniki::Licznik_PomiarObiektowRezystancyjnych), 0);
+}
+
+void TstPanelMeter::measurementIsForgottenWithItsSetup()
+{
+    Bench bench;
+    bench.measure({0.001F, 0.001F, 0.001F, 0.001F, 0.001F, 0.001F});
+    QVERIFY(bench.measurement.isDone());
+    bench.setup.setCurrent(ValueBox::testI_1A);
+    QVERIFY(!bench.measurement.isDone());
+    QCOMPARE(int(bench.measurement.reading().range), int(Reading::Missing));
+    QVERIFY(!bench.measurement.lastResult().text.isEmpty()); // it can still be printed
+    bench.setup.setQuantity(Quantity::Temperature);
+    bench.measure({20});
+    useUnit(ValueBox::Temp_Kelvin);
+    bench.measurement.refresh();
+    QCOMPARE(bench.measurement.reading().text, QStringLiteral("293.0 K"));
+}
+
+void TstPanelMeter::measurementIsJudged()
+{
+    Bench bench;
+    bench.preferences.setSoundOn(false);
+    const auto outcome = [&bench](const QString &high) {
+        bench.setup.setLimit({QStringLiteral("joint"), QString(), high});
+        bench.measure({0.001F, 0.001F, 0.001F, 0.001F, 0.001F, 0.001F});
+        return int(bench.measurement.verdict().outcome());
+    };
+    QCOMPARE(outcome(QStringLiteral("1.5 m\u2126")), int(Verdict::Pass));
+    QCOMPARE(outcome(QStringLiteral("0.5 m\u2126")), int(Verdict::Fail));
+    QCOMPARE(outcome(QStringLiteral("abc")), int(Verdict::None));
+    QCOMPARE(int(bench.measurement.verdict().reason()), int(Verdict::LimitUnreadable));
 }
 
 // --- settings
@@ -528,6 +857,35 @@ void TstPanelMeter::settersTell()
     preferences.setTemperatureUnit(ValueBox::Temp_Kelvin);
     QCOMPARE(unit.size(), 1);
     QCOMPARE(NumericalValueBox::getTempUnit(), ValueBox::Temp_Kelvin);
+    QSignalSpy keyboard(&preferences, &Preferences::keyboardChanged);
+    preferences.setUsesScreenKeyboard(false);
+    QCOMPARE(keyboard.size(), 1);
+    QSignalSpy brightness(&preferences, &Preferences::brightnessChanged);
+    preferences.setBrightness(60);
+    QCOMPARE(brightness.size(), 1);
+    QSignalSpy appearance(&preferences, &Preferences::appearanceChanged);
+    preferences.setDark(true);
+    QCOMPARE(appearance.size(), 1);
+    QSignalSpy sound(&preferences, &Preferences::soundChanged);
+    preferences.setSoundOn(true);
+    preferences.setVolume(30);
+    QCOMPARE(sound.size(), 2);
+}
+
+void TstPanelMeter::factorySettingsTell()
+{
+    Stores stores;
+    Preferences preferences(stores.settings, stores.path + QStringLiteral("panel.ini"));
+    preferences.setBrightness(60);
+    QSignalSpy unit(&preferences, &Preferences::temperatureUnitChanged);
+    QSignalSpy appearance(&preferences, &Preferences::appearanceChanged);
+    QSignalSpy sound(&preferences, &Preferences::soundChanged);
+    QSignalSpy brightness(&preferences, &Preferences::brightnessChanged);
+    QSignalSpy keyboard(&preferences, &Preferences::keyboardChanged);
+    preferences.restoreFactorySettings();
+    for (const QSignalSpy *spy : {&unit, &appearance, &sound, &brightness, &keyboard})
+        QCOMPARE(spy->size(), 1);
+    QCOMPARE(preferences.brightness(), 50);
 }
 
 void TstPanelMeter::lastSettingComesBack()
