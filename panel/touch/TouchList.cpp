@@ -159,7 +159,8 @@ void TouchList::setSource(std::function<TouchRow(int index)> rowAt, int count)
 {
     m_rows->reset(std::move(rowAt), count);
     m_isFollowing = true;
-    scrollToBottom();
+    if (isVisible())
+        scrollToBottom();
 }
 
 void TouchList::grow(int count)
@@ -168,7 +169,7 @@ void TouchList::grow(int count)
     if (isVisible())
         m_isFollowing = bar->value() == bar->maximum();
     m_rows->grow(count);
-    if (m_isFollowing)
+    if (m_isFollowing && isVisible()) // else showEvent() does: all rows are laid out anew for it
         scrollToBottom();
 }
 
