@@ -23,13 +23,13 @@ AxisScale AxisScale::ofValues(Quantity quantity, double magnitude)
     return {1e-6, NumericalValueBox::getUnitPrefix(ValueBox::Prefix_u) + unit};
 }
 
-AxisScale AxisScale::ofTime(double seconds)
+TimeScale TimeScale::of(double seconds)
 {
     constexpr double minute = 60;
     constexpr double hour = 60 * minute;
     if (seconds >= 2 * hour)
-        return {hour, QStringLiteral("h")};
+        return {Hours, hour};
     if (seconds >= 2 * minute)
-        return {minute, QStringLiteral("min")};
-    return {1, QStringLiteral("s")};
+        return {Minutes, minute};
+    return {Seconds, 1};
 }

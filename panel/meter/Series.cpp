@@ -1,6 +1,5 @@
 #include "meter/Series.h"
 
-#include "meter/AxisScale.h"
 #include "meter/Degrees.h"
 
 #include <algorithm>
@@ -46,6 +45,13 @@ void Series::add(qint64 msSinceStart, float value)
     m_squares += distance * (static_cast<double>(value) - m_mean);
 }
 
+double Series::shown(int index) const
+{
+    const auto value = static_cast<double>(m_values.at(index));
+    return m_conditions.form.quantity == Quantity::Temperature ? Degrees::fromCelsius(value)
+                                                               : value;
+}
+
 const QString &Series::text(int index) const
 {
     if (m_texts.at(index).isNull())
@@ -62,6 +68,17 @@ float Series::standardDeviation() const
 {
     return m_present > 1 ? static_cast<float>(std::sqrt(m_squares / (m_present - 1)))
                          : std::numeric_limits<float>::quiet_NaN();
+}
+
+AxisScale Series::valueScale() const
+{
+    const float magnitude = std::fmax(std::abs(m_minimum), std::abs(m_maximum));
+    return AxisScale::ofValues(m_conditions.form.quantity, static_cast<double>(magnitude));
+}
+
+TimeScale Series::timeScale() const
+{
+    return TimeScale::of(isEmpty() ? 0 : seconds(count() - 1));
 }
 
 int Series::nearest(double seconds) const

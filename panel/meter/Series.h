@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meter/AxisScale.h"
 #include "meter/Limit.h"
 #include "meter/Reading.h"
 #include "meter/Verdict.h"
@@ -55,6 +56,8 @@ public:
     bool isEmpty() const { return m_values.isEmpty(); }
 
     float value(int index) const { return m_values.at(index); } ///< NaN for a missing one
+    /** The value in the unit in which it is shown: of temperatures, the one in effect. */
+    double shown(int index) const;
     /** Since the start. */
     double seconds(int index) const { return static_cast<double>(m_times.at(index)) / 1000; }
     QDateTime time(int index) const { return m_conditions.start.addMSecs(m_times.at(index)); }
@@ -76,6 +79,9 @@ public:
 
     /** As texts; they stay as they were when somebody first asked after the last reading. */
     const SeriesFigures &figures() const;
+
+    AxisScale valueScale() const; ///< of an axis that shows all values
+    TimeScale timeScale() const; ///< of an axis that reaches to the last reading
 
     /** Index of the reading nearest in time; -1 for none. */
     int nearest(double seconds) const;

@@ -1,7 +1,5 @@
 #include "pages/RecordPage.h"
 
-#include "meter/AxisScale.h"
-#include "meter/Degrees.h"
 #include "pages/Words.h"
 #include "touch/Buttons.h"
 #include "touch/Indicators.h"
@@ -36,13 +34,12 @@ template <size_t size> int indexOf(const int (&values)[size], int value)
                             - std::begin(values));
 }
 
-/** A reading on the value axis: temperatures in the unit in effect. */
-double shown(const Series &series, int index)
-{
-    const auto value = static_cast<double>(series.value(index));
-    return series.conditions().form.quantity == Quantity::Temperature ? Degrees::fromCelsius(value)
-                                                                      : value;
-}
+/** By TimeScale::Unit. */
+const Text timeUnits[] = {
+    Text {"Units", "second", "s"},
+    Text {"Units", "minute", "min"},
+    Text {"Units", "hour", "h"},
+};
 
 } // namespace
 
@@ -225,7 +222,7 @@ void RecordPage::takeReading()
 void RecordPage::plot(int index)
 {
     const Series &series = recorder().series();
-    m_plot->add(series.seconds(index), shown(series, index));
+    m_plot->add(series.seconds(index), series.shown(index));
     m_plotted = index + 1;
 }
 
@@ -258,13 +255,9 @@ void RecordPage::plotAnew()
 
 void RecordPage::refreshAxes()
 {
-    const Series &series = recorder().series();
-    const double magnitude = std::fmax(std::abs(static_cast<double>(series.minimum())),
-                                       std::abs(static_cast<double>(series.maximum())));
-    const AxisScale values = AxisScale::ofValues(series.conditions().form.quantity, magnitude);
-    const AxisScale time =
-        AxisScale::ofTime(series.isEmpty() ? 0 : series.seconds(series.count() - 1));
-    m_plot->setAxes(time.divisor, time.unit, values.divisor, values.unit);
+    const AxisScale values = recorder().series().valueScale();
+    const TimeScale time = recorder().series().timeScale();
+    m_plot->setAxes({time.divisor, text(timeUnits[time.unit])}, {values.divisor, values.unit});
 }
 
 void RecordPage::refreshFigures()
@@ -301,7 +294,7 @@ void RecordPage::readPoint(double seconds)
     const int index = series.nearest(seconds);
     if (index < 0)
         return;
-    m_plot->mark({series.seconds(index), shown(series, index)}, series.text(index));
+    m_plot->mark({series.seconds(index), series.shown(index)}, series.text(index));
 }
 
 // --- recording

@@ -10,6 +10,12 @@ namespace {
 
 constexpr int barCount = 4;
 
+// Of a ValueDisplay, in pixels.
+constexpr int captionSize = 15;
+constexpr int captionHeight = 20;
+constexpr int largestNumber = 96;
+constexpr int tallestVerdict = 58; // a line of letters half as large as the number
+
 void paintCard(QPainter &painter, const QRect &area)
 {
     painter.setRenderHint(QPainter::Antialiasing);
@@ -24,6 +30,20 @@ void useFont(QPainter &painter, int size, bool bold = false)
     font.setPixelSize(size);
     font.setBold(bold);
     painter.setFont(font);
+}
+
+int widthOf(const QString &text, QFont font, int size, bool bold = false)
+{
+    font.setPixelSize(size);
+    font.setBold(bold);
+    return QFontMetrics(font).horizontalAdvance(text);
+}
+
+QRect insideOf(const QRect &card)
+{
+    const int side = Theme::px(16);
+    const int top = Theme::px(10);
+    return card.adjusted(side, top, -side, -top);
 }
 
 } // namespace
@@ -64,54 +84,78 @@ void ValueDisplay::setNote(const QString &note)
 
 void ValueDisplay::paintEvent(QPaintEvent *)
 {
-    const Theme &theme = Theme::current();
     QPainter painter(this);
     paintCard(painter, rect());
-    const int side = Theme::px(16);
-    const int top = Theme::px(10);
-    const QRect inside = rect().adjusted(side, top, -side, -top);
-
-    const int lineHeight = Theme::px(20);
-    useFont(painter, Theme::px(15));
-    painter.setPen(theme.quiet);
-    painter.drawText(inside, Qt::AlignLeft | Qt::AlignTop, m_caption);
-
-    const QRect lower = inside.adjusted(0, lineHeight, 0, 0);
-    const int verdictHeight = std::min(lower.height() * 2 / 5, Theme::px(56));
-    const int unitSize = paintValue(painter, lower.adjusted(0, 0, 0, -verdictHeight));
-    paintVerdict(painter, lower.adjusted(0, lower.height() - verdictHeight, 0, 0), unitSize);
+    useFont(painter, Theme::px(captionSize));
+    painter.setPen(Theme::current().quiet);
+    painter.drawText(insideOf(rect()), Qt::AlignLeft | Qt::AlignTop, m_caption);
+    paintValue(painter);
+    paintVerdict(painter);
 }
 
-int ValueDisplay::paintValue(QPainter &painter, const QRect &area) const
+QRect ValueDisplay::valueArea() const
+{
+    return insideOf(rect()).adjusted(0, Theme::px(captionHeight), 0, -verdictArea().height());
+}
+
+QRect ValueDisplay::verdictArea() const
+{
+    const QRect lower = insideOf(rect()).adjusted(0, Theme::px(captionHeight), 0, 0);
+    const int height = std::min(lower.height() * 2 / 5, Theme::px(tallestVerdict));
+    return lower.adjusted(0, lower.height() - height, 0, 0);
+}
+
+QString ValueDisplay::unit() const
+{
+    return m_text.section(QLatin1Char(' '), -1);
+}
+
+QString ValueDisplay::number() const
+{
+    return m_text.chopped(unit().size()).trimmed();
+}
+
+int ValueDisplay::unitSize() const
+{
+    const QRect area = valueArea();
+    const int signWidth = m_state == Idle ? 0 : area.height();
+    int size = std::min(area.height(), Theme::px(largestNumber));
+    while (size > Theme::px(24)
+           && signWidth + widthOf(number(), font(), size) + size / 4
+                   + widthOf(unit(), font(), size / 2)
+               > area.width())
+        size -= 4;
+    return size / 2;
+}
+
+int ValueDisplay::verdictSize() const
+{
+    int size = unitSize();
+    while (widthOf(m_verdict, font(), size, true) > verdictArea().width() * 3 / 5
+           && size > Theme::px(16))
+        size -= 2;
+    return size;
+}
+
+void ValueDisplay::paintValue(QPainter &painter) const
 {
     const Theme &theme = Theme::current();
-    const QString unit = m_text.section(QLatin1Char(' '), -1);
-    const QString number = m_text.left(m_text.size() - unit.size()).trimmed();
-    const int signWidth = m_state == Idle ? 0 : area.height();
-    int size = std::min(area.height(), Theme::px(96));
-    int numberWidth = 0;
-    int unitWidth = 0;
-    for (; size > Theme::px(24); size -= 4) {
-        useFont(painter, size);
-        numberWidth = painter.fontMetrics().horizontalAdvance(number);
-        useFont(painter, size / 2);
-        unitWidth = painter.fontMetrics().horizontalAdvance(unit);
-        if (signWidth + numberWidth + size / 4 + unitWidth <= area.width())
-            break;
-    }
-    const int left = area.right() - numberWidth - size / 4 - unitWidth;
+    const QRect area = valueArea();
+    const int unitSize = this->unitSize();
+    const int size = 2 * unitSize;
+    const int unitWidth = widthOf(unit(), font(), unitSize);
+    const int left = area.right() - widthOf(number(), font(), size) - size / 4 - unitWidth;
     useFont(painter, size);
     const int base =
         area.center().y() + (painter.fontMetrics().ascent() - painter.fontMetrics().descent()) / 2;
     painter.setPen(m_state == Failed ? theme.alarm : theme.text);
-    painter.drawText(left, base, number);
-    useFont(painter, size / 2);
+    painter.drawText(left, base, number());
+    useFont(painter, unitSize);
     painter.setPen(theme.quiet);
-    painter.drawText(area.right() - unitWidth, base, unit);
+    painter.drawText(area.right() - unitWidth, base, unit());
     const int signSize = std::min(area.height(), Theme::px(72)) - Theme::px(4);
     paintSign(painter, QRect(area.left(), area.center().y() - signSize / 2, signSize, signSize),
               m_state);
-    return size / 2;
 }
 
 void ValueDisplay::paintSign(QPainter &painter, const QRectF &area, State state)
@@ -147,25 +191,19 @@ void ValueDisplay::paintSign(QPainter &painter, const QRectF &area, State state)
     painter.setBrush(Qt::NoBrush);
 }
 
-void ValueDisplay::paintVerdict(QPainter &painter, const QRect &area, int unitSize) const
+void ValueDisplay::paintVerdict(QPainter &painter) const
 {
     const Theme &theme = Theme::current();
-    // As large as the unit, unless it is long.
-    int size = std::min(unitSize, area.height() * 4 / 5);
-    const auto width = [&] {
-        useFont(painter, size, true);
-        return painter.fontMetrics().horizontalAdvance(m_verdict);
-    };
-    while (width() > area.width() * 3 / 5 && size > Theme::px(16))
-        size -= 2;
+    const QRect area = verdictArea();
+    useFont(painter, verdictSize(), true);
     painter.setPen(m_state == Failed       ? theme.alarm
                        : m_state == Passed ? theme.accent
                        : m_state == Idle   ? theme.quiet
                                            : theme.text);
-    const int taken = width();
+    const int taken = painter.fontMetrics().horizontalAdvance(m_verdict);
     painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter, m_verdict);
 
-    useFont(painter, Theme::px(15));
+    useFont(painter, Theme::px(captionSize));
     painter.setPen(m_state == Failed ? theme.alarm : theme.text);
     const QRect right = area.adjusted(taken + Theme::px(16), 0, 0, 0);
     const auto elided = [&](const QString &text) {

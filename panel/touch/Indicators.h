@@ -33,14 +33,22 @@ public:
     QString reason() const { return m_reason; }
     /** Small text at the right of the verdict. */
     void setNote(const QString &note);
+    QString note() const { return m_note; }
+
+    // Sizes of the letters, in pixels.
+    int unitSize() const;
+    int verdictSize() const; ///< that of the unit, unless the verdict is too long for it
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    /** @return size of the unit's letters */
-    int paintValue(QPainter &painter, const QRect &area) const;
-    void paintVerdict(QPainter &painter, const QRect &area, int unitSize) const;
+    QRect valueArea() const;
+    QRect verdictArea() const;
+    QString unit() const;
+    QString number() const;
+    void paintValue(QPainter &painter) const;
+    void paintVerdict(QPainter &painter) const;
 
     QString m_text;
     QString m_caption;

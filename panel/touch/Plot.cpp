@@ -42,29 +42,23 @@ public:
     }
 };
 
-/** Numbers of one unit, with the decimals that tell the ticks apart. */
+/** Numbers with the decimals that tell the ticks apart. */
 class Numbers : public QwtScaleDraw
 {
 public:
-    explicit Numbers(double divisor) : m_divisor(divisor) { }
-
     QwtText label(double value) const override
     {
         const QList<double> ticks = scaleDiv().ticks(QwtScaleDiv::MajorTick);
-        const double step = ticks.size() > 1 ? (ticks.at(1) - ticks.at(0)) / m_divisor : 1;
+        const double step = ticks.size() > 1 ? ticks.at(1) - ticks.at(0) : 1;
         // A step of 0.25 needs one more than its magnitude says.
         const double digits = std::ceil(-std::log10(std::abs(step)) - 1e-9);
         int decimals = std::clamp(static_cast<int>(digits), 0, 9);
         const double scaled = std::abs(step) * std::pow(10, decimals);
         if (std::abs(scaled - std::round(scaled)) > 1e-6)
             ++decimals;
-        const double number = value / m_divisor;
-        const bool isZero = std::abs(number) < std::abs(step) / 1000;
-        return QString::number(isZero ? 0 : number, 'f', decimals);
+        const bool isZero = std::abs(value) < std::abs(step) / 1000;
+        return QString::number(isZero ? 0 : value, 'f', decimals);
     }
-
-private:
-    const double m_divisor;
 };
 
 } // namespace
@@ -90,7 +84,15 @@ Plot::Plot(const QString &name, QWidget *parent)
     m_plot->setMinimumSize(Theme::px(120), Theme::px(100));
     m_plot->canvas()->installEventFilter(this);
     m_plot->canvas()->setCursor(Qt::ArrowCursor);
-    setAxes(1, QString(), 1, QString());
+    for (const int axis : {int(QwtPlot::xBottom), int(QwtPlot::yLeft)}) {
+        auto *numbers = new Numbers; // owned by the axis
+        numbers->enableComponent(QwtAbstractScaleDraw::Backbone, false);
+        numbers->setTickLength(QwtScaleDiv::MinorTick, 0);
+        numbers->setTickLength(QwtScaleDiv::MediumTick, 0);
+        numbers->setTickLength(QwtScaleDiv::MajorTick, Theme::px(4));
+        m_plot->setAxisScaleDraw(axis, numbers);
+        m_plot->setAxisMaxMajor(axis, 5);
+    }
     dress();
 }
 
@@ -107,28 +109,22 @@ void Plot::add(double x, double y)
     m_envelope.add({x, y});
 }
 
-void Plot::setAxes(double xDivisor, const QString &xUnit, double yDivisor, const QString &yUnit)
+void Plot::setAxes(const Axis &x, const Axis &y)
 {
+    m_x = x;
+    m_y = y;
     const struct
     {
         int axis;
-        double divisor;
         const QString &unit;
-    } axes[] = {{QwtPlot::xBottom, xDivisor, xUnit}, {QwtPlot::yLeft, yDivisor, yUnit}};
-    for (const auto &axis : axes) {
-        auto *numbers = new Numbers(axis.divisor); // owned by the axis
-        numbers->enableComponent(QwtAbstractScaleDraw::Backbone, false);
-        numbers->setTickLength(QwtScaleDiv::MinorTick, 0);
-        numbers->setTickLength(QwtScaleDiv::MediumTick, 0);
-        numbers->setTickLength(QwtScaleDiv::MajorTick, Theme::px(4));
-        m_plot->setAxisScaleDraw(axis.axis, numbers);
-        QwtText title(axis.unit);
+    } titles[] = {{QwtPlot::xBottom, x.unit}, {QwtPlot::yLeft, y.unit}};
+    for (const auto &named : titles) {
+        QwtText title(named.unit);
         QFont font = this->font();
         font.setPixelSize(Theme::px(13));
         title.setFont(font);
         title.setColor(Theme::current().quiet);
-        m_plot->setAxisTitle(axis.axis, title);
-        m_plot->setAxisMaxMajor(axis.axis, 5);
+        m_plot->setAxisTitle(named.axis, title);
     }
 }
 
@@ -150,7 +146,7 @@ void Plot::setBounds(const QVector<Bound> &bounds)
 
 void Plot::mark(const QPointF &point, const QString &text)
 {
-    m_mark->setValue(point);
+    m_marked = point;
     QwtText label(text);
     QFont font = this->font();
     font.setPixelSize(Theme::px(15));
@@ -175,16 +171,26 @@ void Plot::refresh()
 {
     if (!isVisible())
         return;
-    m_curve->setSamples(m_envelope.points());
+    // In the units of the axes: their ticks are round numbers then.
+    QVector<QPointF> points = m_envelope.points();
+    for (QPointF &point : points)
+        point = divided(point);
+    m_curve->setSamples(points);
+    m_mark->setValue(divided(m_marked));
     scale();
     m_plot->replot();
+}
+
+QPointF Plot::divided(const QPointF &point) const
+{
+    return {point.x() / m_x.divisor, point.y() / m_y.divisor};
 }
 
 void Plot::scale()
 {
     for (const int axis : {int(QwtPlot::xBottom), int(QwtPlot::yLeft)})
         m_plot->enableAxis(axis, !m_envelope.isEmpty());
-    m_plot->setAxisScale(QwtPlot::xBottom, 0, std::max(m_envelope.lastX(), 1.));
+    m_plot->setAxisScale(QwtPlot::xBottom, 0, std::max(m_envelope.lastX(), 1.) / m_x.divisor);
     double low = m_envelope.minimum();
     double high = m_envelope.maximum();
     if (std::isnan(low)) {
@@ -207,7 +213,7 @@ void Plot::scale()
     const double margin = std::max((high - low) / 10, span / 10);
     low -= margin;
     high += margin;
-    m_plot->setAxisScale(QwtPlot::yLeft, low, high);
+    m_plot->setAxisScale(QwtPlot::yLeft, low / m_y.divisor, high / m_y.divisor);
 
     for (int i = 0; i < m_lines.size(); ++i) {
         const Bound &bound = m_bounds.at(i);
@@ -222,7 +228,7 @@ void Plot::scale()
         font.setPixelSize(Theme::px(12));
         text.setFont(font);
         text.setColor(Theme::current().alarm);
-        m_lines.at(i)->setYValue(std::clamp(bound.value, low, high));
+        m_lines.at(i)->setYValue(std::clamp(bound.value, low, high) / m_y.divisor);
         m_lines.at(i)->setLinePen(Theme::current().alarm, 1,
                                   isAbove || isBelow ? Qt::NoPen : Qt::DashLine);
         const bool isInUpperHalf = bound.value > (low + high) / 2;
@@ -284,7 +290,7 @@ bool Plot::eventFilter(QObject *watched, QEvent *event)
         event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseMove;
     if (watched == m_plot->canvas() && isTouch && !m_envelope.isEmpty()) {
         const int x = static_cast<QMouseEvent *>(event)->pos().x();
-        emit touched(m_plot->invTransform(QwtPlot::xBottom, x));
+        emit touched(m_plot->invTransform(QwtPlot::xBottom, x) * m_x.divisor);
         return true;
     }
     return QWidget::eventFilter(watched, event);

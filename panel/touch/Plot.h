@@ -26,10 +26,15 @@ public:
     void clear();
     /** @param y NaN leaves a gap */
     void add(double x, double y);
-    /** How the numbers on the axes are written: each is divided first. */
-    void setAxes(double xDivisor, const QString &xUnit, double yDivisor, const QString &yUnit);
+    /** An axis: what it shows is divided, and named by a unit. */
+    struct Axis
+    {
+        double divisor = 1;
+        QString unit;
+    };
+    void setAxes(const Axis &x, const Axis &y);
     void setBounds(const QVector<Bound> &bounds);
-    /** Marks a point, with its text. */
+    /** Marks a point that has been added, with its text. */
     void mark(const QPointF &point, const QString &text);
     void unmark();
     /** Draws what has been added; does nothing while the plot is not seen. */
@@ -47,8 +52,12 @@ protected:
 private:
     void dress();
     void scale();
+    QPointF divided(const QPointF &point) const;
 
     Envelope m_envelope;
+    Axis m_x;
+    Axis m_y;
+    QPointF m_marked;
     QVector<Bound> m_bounds;
     QwtPlot *m_plot;
     QwtPlotCurve *m_curve; ///< owned by the plot, as are the markers

@@ -1,0 +1,288 @@
+#include "support/Meter.h"
+#include "touch/Buttons.h"
+#include "touch/Indicators.h"
+#include "touch/Plot.h"
+#include "touch/Theme.h"
+#include "touch/TouchList.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QScrollBar>
+#include <QtTest>
+
+#include <qwt_plot.h>
+#include <qwt_plot_canvas.h>
+#include <qwt_plot_marker.h>
+#include <qwt_scale_draw.h>
+
+#include <cmath>
+
+namespace {
+
+/** A theme in which nothing can be told by its colour. */
+const Theme &colourless()
+{
+    static const Theme theme {Qt::white, Qt::white, Qt::black, Qt::black,
+                              Qt::black, Qt::black, Qt::white, Qt::black};
+    return theme;
+}
+
+QStringList labels(const QwtPlot &plot, int axis)
+{
+    const QwtScaleDraw *draw = plot.axisScaleDraw(axis);
+    const QwtScaleDiv &ticks = plot.axisScaleDiv(axis);
+    QStringList labels;
+    for (const double tick : ticks.ticks(QwtScaleDiv::MajorTick))
+        if (ticks.contains(tick))
+            labels += draw->label(tick).text();
+    return labels;
+}
+
+/** A plot that is seen, of readings a second apart that alternate between two values. */
+struct ShownPlot
+{
+    ShownPlot(const Plot::Axis &x, const Plot::Axis &y, int count, double low, double high)
+    {
+        plot.resize(500, 300);
+        for (int i = 0; i < count; ++i)
+            plot.add(i, i % 2 == 0 ? low : high);
+        plot.setAxes(x, y);
+        plot.show();
+    }
+
+    QVector<const QwtPlotMarker *> markers(QwtPlotMarker::LineStyle style) const
+    {
+        QVector<const QwtPlotMarker *> found;
+        for (QwtPlotItem *item : qwt().itemList(QwtPlotItem::Rtti_PlotMarker)) {
+            const auto *marker = static_cast<const QwtPlotMarker *>(item);
+            if (marker->lineStyle() == style && marker->isVisible())
+                found += marker;
+        }
+        return found;
+    }
+    const QwtPlot &qwt() const { return *plot.findChild<QwtPlot *>(); }
+
+    Plot plot {QStringLiteral("plot")};
+};
+
+const Plot::Axis seconds {1, QStringLiteral("s")};
+const Plot::Axis minutes {60, QStringLiteral("min")};
+const Plot::Axis hours {3600, QStringLiteral("h")};
+const Plot::Axis milliohms {1e-3, QStringLiteral("m\u2126")};
+
+} // namespace
+
+Q_DECLARE_METATYPE(Plot::Axis)
+
+/** What is touched and shown, without the library and its data. */
+class TstPanelTouch : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void ticksAreRound_data();
+    void ticksAreRound();
+    void touchAsksForATime();
+    void pointIsMarked();
+    void boundsAreDrawn_data();
+    void boundsAreDrawn();
+    void verdictIsAsLargeAsTheUnit_data();
+    void verdictIsAsLargeAsTheUnit();
+    void statesDifferInTheirShape();
+    void choiceStaysWithItsRow();
+    void rowsThatAReadingAsksFor();
+};
+
+void TstPanelTouch::init()
+{
+    Theme::fit({800, 480});
+    Theme::use(Theme::light());
+}
+
+// --- the plot
+
+void TstPanelTouch::ticksAreRound_data()
+{
+    QTest::addColumn<Plot::Axis>("axis");
+    QTest::addColumn<int>("length");
+    QTest::addColumn<QStringList>("labels");
+    QTest::newRow("seconds") << seconds << 101 << QStringList({"0", "20", "40", "60", "80", "100"});
+    QTest::newRow("minutes") << minutes << 301 << QStringList({"0", "1", "2", "3", "4", "5"});
+    QTest::newRow("hours") << hours << 9001
+                           << QStringList({"0.0", "0.5", "1.0", "1.5", "2.0", "2.5"});
+}
+
+void TstPanelTouch::ticksAreRound()
+{
+    QFETCH(Plot::Axis, axis);
+    QFETCH(int, length);
+    const ShownPlot shown(axis, milliohms, length, 0.001, 0.002);
+    QTEST(labels(shown.qwt(), QwtPlot::xBottom), "labels");
+    QCOMPARE(shown.qwt().axisTitle(QwtPlot::xBottom).text(), axis.unit);
+    QVERIFY(labels(shown.qwt(), QwtPlot::yLeft).contains(QStringLiteral("1.5")));
+}
+
+void TstPanelTouch::touchAsksForATime()
+{
+    ShownPlot shown(minutes, milliohms, 301, 0.001, 0.002);
+    QSignalSpy touched(&shown.plot, &Plot::touched);
+    const int x = static_cast<int>(shown.qwt().transform(QwtPlot::xBottom, 2.5));
+    QTest::mouseClick(const_cast<QWidget *>(shown.qwt().canvas()), Qt::LeftButton, {}, {x, 20});
+    QCOMPARE(touched.size(), 1);
+    const double time = touched.first().first().toDouble();
+    QVERIFY2(std::abs(time - 150) < 2, qPrintable(QString::number(time)));
+}
+
+void TstPanelTouch::pointIsMarked()
+{
+    ShownPlot shown(minutes, milliohms, 301, 0.001, 0.002);
+    QVERIFY(shown.markers(QwtPlotMarker::VLine).isEmpty());
+    shown.plot.mark({120, 0.001}, QStringLiteral("1.0000 m\u2126"));
+    const auto marks = shown.markers(QwtPlotMarker::VLine);
+    QCOMPARE(marks.size(), 1);
+    QCOMPARE(marks.first()->label().text(), QStringLiteral("1.0000 m\u2126"));
+    QCOMPARE(marks.first()->value(), QPointF(2, 1));
+}
+
+void TstPanelTouch::boundsAreDrawn_data()
+{
+    QTest::addColumn<double>("bound");
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<bool>("hasLine");
+    QTest::newRow("between the values") << 0.0015 << "High" << true;
+    QTest::newRow("near above") << 0.0022 << "High" << true;
+    QTest::newRow("far above") << 1. << QStringLiteral("High \u2191") << false;
+    QTest::newRow("far below") << -1. << QStringLiteral("High \u2193") << false;
+}
+
+void TstPanelTouch::boundsAreDrawn()
+{
+    QFETCH(double, bound);
+    QFETCH(bool, hasLine);
+    ShownPlot shown(seconds, milliohms, 10, 0.001, 0.002);
+    shown.plot.setBounds({{bound, QStringLiteral("High")}});
+    shown.plot.refresh();
+    const auto lines = shown.markers(QwtPlotMarker::HLine);
+    QCOMPARE(lines.size(), 1);
+    QTEST(lines.first()->label().text(), "label");
+    QCOMPARE(lines.first()->linePen().style() != Qt::NoPen, hasLine);
+    const QwtScaleDiv &axis = shown.qwt().axisScaleDiv(QwtPlot::yLeft);
+    if (hasLine)
+        QCOMPARE(lines.first()->yValue(), bound / milliohms.divisor);
+    else
+        QCOMPARE(lines.first()->yValue(), bound > 0 ? axis.upperBound() : axis.lowerBound());
+    QVERIFY(axis.contains(1) && axis.contains(2)); // the curve stays in view
+}
+
+// --- the value
+
+void TstPanelTouch::verdictIsAsLargeAsTheUnit_data()
+{
+    QTest::addColumn<QSize>("window");
+    QTest::addColumn<QSize>("display"); // on the Measure page
+    QTest::newRow("800 x 480") << QSize(800, 480) << QSize(628, 202);
+    QTest::newRow("1024 x 600") << QSize(1024, 600) << QSize(810, 250);
+    QTest::newRow("480 x 320") << QSize(480, 320) << QSize(464, 120);
+}
+
+void TstPanelTouch::verdictIsAsLargeAsTheUnit()
+{
+    QFETCH(QSize, window);
+    QFETCH(QSize, display);
+    Theme::fit(window);
+    ValueDisplay value(QStringLiteral("value"));
+    value.resize(display);
+    value.setValue(QStringLiteral("1.2347 m\u2126"));
+    for (const char *verdict : {"Pass", "Fail", "Dobry", "Gut"}) {
+        value.setVerdict(QLatin1String(verdict), QString(), ValueDisplay::Passed);
+        QCOMPARE(value.verdictSize(), value.unitSize());
+    }
+    QVERIFY(value.unitSize() >= Theme::px(20));
+}
+
+void TstPanelTouch::statesDifferInTheirShape()
+{
+    Theme::use(colourless());
+    QVector<QImage> signs;
+    QVector<QImage> values;
+    QVector<QImage> lines;
+    for (const auto state :
+         {ValueDisplay::Idle, ValueDisplay::Passed, ValueDisplay::Failed, ValueDisplay::Unjudged}) {
+        QImage sign(64, 64, QImage::Format_RGB32);
+        sign.fill(Qt::white);
+        QPainter painter(&sign);
+        ValueDisplay::paintSign(painter, QRectF(2, 2, 60, 60), state);
+        painter.end();
+        ValueDisplay value(QStringLiteral("value"));
+        value.resize(628, 202);
+        value.setValue(QStringLiteral("1.2347 m\u2126"));
+        value.setVerdict(QString(), QString(), state); // not even by its words
+        VerdictLabel line(QStringLiteral("line"));
+        line.resize(200, line.height());
+        line.setVerdict(QString(), state);
+        for (const QImage &other : std::as_const(signs))
+            QVERIFY(other != sign);
+        for (const QImage &other : std::as_const(values))
+            QVERIFY(other != value.grab().toImage());
+        for (const QImage &other : std::as_const(lines))
+            QVERIFY(other != line.grab().toImage());
+        signs += sign;
+        values += value.grab().toImage();
+        lines += line.grab().toImage();
+    }
+}
+
+// --- lists
+
+void TstPanelTouch::choiceStaysWithItsRow()
+{
+    TouchList list(QStringLiteral("list"));
+    const auto rowOf = [](int id, const char *title) {
+        TouchRow row = TouchRow::of(QLatin1String(title));
+        row.id = id;
+        return row;
+    };
+    list.setRows({rowOf(1, "a"), rowOf(2, "b"), rowOf(3, "b")});
+    list.choose(1);
+    list.setRows({rowOf(2, "b"), rowOf(3, "b")});
+    QCOMPARE(list.chosenRow()->id, 2);
+    list.setRows({rowOf(3, "b"), rowOf(2, "renamed")});
+    QCOMPARE(list.chosenRow()->title, QStringLiteral("renamed"));
+    list.setRows({rowOf(3, "b")});
+    QVERIFY(!list.chosenRow());
+    list.setRows({rowOf(0, "a"), rowOf(0, "b")});
+    list.choose(1);
+    list.setRows({rowOf(0, "b")}); // of names, the name
+    QCOMPARE(list.currentRow(), 0);
+}
+
+void TstPanelTouch::rowsThatAReadingAsksFor()
+{
+    constexpr int many = 10000;
+    int asked = 0;
+    TouchList list(QStringLiteral("list"));
+    list.resize(200, 480);
+    list.setSource(
+        [&asked](int index) {
+            ++asked;
+            return TouchRow::of(QString::number(index));
+        },
+        many);
+    list.grow(many + 1);
+    QCOMPARE(asked, 0); // nobody sees them
+    QCOMPARE(list.verticalScrollBar()->maximum(), 0); // nor have they been laid out
+    list.show();
+    const auto isLastInView = [&list] {
+        return list.viewport()->rect().contains(list.rowRect(list.rowCount() - 1).center());
+    };
+    QTRY_VERIFY(isLastInView());
+    asked = 0;
+    list.grow(many + 2);
+    QVERIFY(isLastInView());
+    list.viewport()->repaint();
+    const int inView = list.viewport()->height() / Theme::target() + 2;
+    QVERIFY2(asked > 0 && asked <= inView, qPrintable(QString::number(asked)));
+}
+
+KTV_METER_TEST_MAIN_OF(QApplication, TstPanelTouch)
+#include "tst_panel_touch.moc"
