@@ -238,6 +238,8 @@ void Comparison::measure(const Row &row, const Work &job, const Work &floor)
 
 void Comparison::figure(const Figure &figure, double value)
 {
+    if (RUNNING_ON_VALGRIND)
+        return; // the table is of instructions; time and memory are not themselves there
     const bool hasFloor = figure.floor > 0;
     print(figure.name, figure.goal > 0 && value > figure.goal * tolerance,
           {figureText(value, figure.unit), hasFloor ? figureText(figure.floor, figure.unit) : "-",
