@@ -126,6 +126,8 @@ private slots:
     void pulledBattery_data();
     void pulledBattery();
 
+    void factoryReset();
+    void factoryResetWithoutACard();
     void watchPrintsAlerts();
     void watchTakesTheStoredSerialNumber();
     void watchEndsCleanly_data();
@@ -516,6 +518,33 @@ void TstKtvctl::pulledBattery()
             QVERIFY(now == old || now.mid(16, 8) == QByteArray::fromHex("0000000000000002"));
         }
     }
+}
+
+void TstKtvctl::factoryReset()
+{
+    for (const char *words :
+         {"settings set MAIN_MeterSN DV0001", "settings set MAIN_Pin 1234", "wifi add --open Guest",
+          "lists names add Pump", "counters up Demagnetyzacja"})
+        QCOMPARE(typed(words).code, 0);
+    const Answer answer = ktvctl({"factory-reset"});
+    QCOMPARE(answer.code, 0);
+    QCOMPARE(answer.out + answer.error, QString());
+    QCOMPARE(typed("settings list").out.simplified(), QStringLiteral("MAIN_MeterSN: DV0001"));
+    QCOMPARE(typed("wifi list").out, QString());
+    QVERIFY(!typed("lists names list").out.contains("Pump"));
+    QCOMPARE(parsed(typed("counters show --json").out).toObject().value("Demagnetyzacja").toInt(),
+             1);
+}
+
+void TstKtvctl::factoryResetWithoutACard()
+{
+    QDir(userData).removeRecursively();
+    Meter::writeFile("/media/sdcard/UserData", "in the way");
+    const Answer answer = ktvctl({"factory-reset"});
+    QFile::remove("/media/sdcard/UserData");
+    QCOMPARE(answer.code, 1);
+    QCOMPARE(answer.error,
+             QStringLiteral("ktvctl: not everything could be reset; --verbose tells more\n"));
 }
 
 void TstKtvctl::watchPrintsAlerts()

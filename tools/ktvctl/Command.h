@@ -87,6 +87,7 @@ Family beepFamily();
 Family checkImageFamily();
 Family countersFamily();
 Family diskFamily();
+Family factoryResetFamily();
 Family filenameFamily();
 Family firstStartFamily();
 Family helpFamily();

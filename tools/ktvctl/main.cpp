@@ -16,10 +16,11 @@ namespace {
 const std::vector<Family> &families()
 {
     static const std::vector<Family> all {
-        infoFamily(),     settingsFamily(),   langFamily(),  helpFamily(),
-        listsFamily(),    countersFamily(),   valueFamily(), diskFamily(),
-        filenameFamily(), firstStartFamily(), wifiFamily(),  usbFamily(),
-        soundFamily(),    beepFamily(),       watchFamily(), checkImageFamily(),
+        infoFamily(),       settingsFamily(),   langFamily(),  helpFamily(),
+        listsFamily(),      countersFamily(),   valueFamily(), diskFamily(),
+        filenameFamily(),   firstStartFamily(), wifiFamily(),  usbFamily(),
+        soundFamily(),      beepFamily(),       watchFamily(), factoryResetFamily(),
+        checkImageFamily(),
     };
     return all;
 }
