@@ -18,6 +18,7 @@ private slots:
     void withoutInterface_data();
     void withoutInterface();
     void scanToolThatDoesNotAnswer();
+    void scanThatHearsNothing_data();
     void scanThatHearsNothing();
 
     void networksAreKept();
@@ -156,18 +157,33 @@ void TstKtvctlWifi::scanToolThatDoesNotAnswer()
     QCOMPARE(answer.code, 1);
 }
 
+void TstKtvctlWifi::scanThatHearsNothing_data()
+{
+    QTest::addColumn<QByteArray>("calls"); // what the tool does at its first, second ... call
+    QTest::addColumn<QString>("remarks");
+    const QString nothing = "ktvctl: no network was heard; scanning again\n";
+    const QString slow = "ktvctl: the scan took longer than 5 s; scanning again\n";
+    QTest::newRow("meets a scan of the supplicant's") << QByteArray("exit") << nothing;
+    // The adapter goes on when the tool has been ended, and is busy for some more seconds.
+    QTest::newRow("is slow, then meets itself")
+        << QByteArray("exec sleep 60;exit;exit") << slow + nothing + nothing;
+}
+
 void TstKtvctlWifi::scanThatHearsNothing()
 {
-    // As one that meets a scan of the supplicant's: the next one is heard.
-    const QByteArray cell =
-        "Cell 01\nESSID:\"Lab\"\nEncryption key:on\nQuality=1 Signal level=-45 dBm\n";
-    Meter::replaceProgram("iwlist",
-                          "[ -e /tmp/busy ] || { : >/tmp/busy; exit 0; }\n"
-                          "printf '"
-                              + cell + "'");
+    QFETCH(QByteArray, calls);
+    QFETCH(QString, remarks);
+    QByteArray script = "echo >>/tmp/calls\ncase $(wc -l </tmp/calls) in\n";
+    int number = 0;
+    for (const QByteArray &call : calls.split(';'))
+        script += QByteArray::number(++number) + ") " + call + " ;;\n";
+    script += "esac\nprintf 'Cell 01\nESSID:\"Lab\"\nEncryption key:on\n"
+              "Quality=1 Signal level=-45 dBm\n'";
+    QFile::remove("/tmp/calls");
+    Meter::replaceProgram("iwlist", script);
     const Answer answer = wifi({"scan"});
     Meter::showProgram("iwlist");
-    QCOMPARE(answer.error, "ktvctl: no network was heard; scanning again\n");
+    QCOMPARE(answer.error, remarks);
     QCOMPARE(answer.out, "#####  protected  Lab\n");
     QCOMPARE(answer.code, 0);
 }

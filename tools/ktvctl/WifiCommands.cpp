@@ -193,6 +193,10 @@ int status(const Call &call)
     return limit == 0 || isConnected(*network) ? Success : TimedOut;
 }
 
+/** How often, and after which pause, an adapter is asked again. */
+constexpr int mostRepeats = 3;
+constexpr int pauseMs = 2000;
+
 int scan(const Call &call)
 {
     if (isSwitchedOff())
@@ -214,11 +218,16 @@ int scan(const Call &call)
     };
     if (!scanOnce())
         return noInterface();
-    // An adapter with many channels may take longer than the library waits, and one that the
-    // supplicant scans with just now has nothing to tell: the next scan is quicker, or heard.
-    if (!found || found->isEmpty()) {
+    // An adapter with many channels may take longer than the library waits, and goes on scanning
+    // then; while it does, or the supplicant scans with it, it has nothing to tell.
+    int slowScans = 0;
+    for (int again = 0; again < mostRepeats && (!found || found->isEmpty()); ++again) {
+        if (!found && ++slowScans == 2)
+            break;
         remark(found ? QStringLiteral("no network was heard; scanning again")
                      : QStringLiteral("the scan took longer than 5 s; scanning again"));
+        QTimer::singleShot(pauseMs, &loop, &QEventLoop::quit);
+        loop.exec();
         scanOnce();
     }
     if (!found)
