@@ -26,6 +26,7 @@ private slots:
     void statusWaitsForAConnection();
     void statusWaitsInVain();
     void power();
+    void powerOffStays();
     void readingLeavesAnAdapterOff_data();
     void readingLeavesAnAdapterOff();
     void readingLeavesADamagedFile();
@@ -234,6 +235,17 @@ void TstKtvctlWifi::power()
 {
     QCOMPARE(output("power off"), "OFF\n");
     QCOMPARE(output("power on"), "ON\n");
+}
+
+void TstKtvctlWifi::powerOffStays()
+{
+    // A real supplicant takes its time, and then switches the adapter on.
+    Meter::replaceProgram("systemctl",
+                          "(sleep 0.4; ifconfig wlan0 up; echo >/tmp/up) >/dev/null 2>&1 &");
+    QCOMPARE(output("power off"), "OFF\n");
+    QVERIFY(QFile::exists("/tmp/up"));
+    QCOMPARE(output("status"), "Interface: wlan0\nState:     OFF\n");
+    Meter::showProgram("systemctl");
 }
 
 void TstKtvctlWifi::readingLeavesAnAdapterOff_data()

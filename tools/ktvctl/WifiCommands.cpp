@@ -12,6 +12,7 @@
 #include <QJsonObject>
 #include <QMetaEnum>
 #include <QTextStream>
+#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
@@ -293,6 +294,25 @@ int prefer(const Call &call)
     return Success;
 }
 
+/**
+ * Switches the adapter off for good. The supplicant, which the manager has just restarted, switches
+ * the adapter on, some tenths of a second later.
+ */
+void switchOff(Manager *wifi)
+{
+    constexpr int mostTries = 5;
+    constexpr int pollMs = 50;
+    int quietMs = 0; // for how long it has been off
+    for (int tries = 0; tries < mostTries && quietMs < 1000; quietMs += pollMs) {
+        if (!isSwitchedOff()) {
+            KTV_Connection::_set_wifi_Enable_Avait(wifi, false);
+            ++tries;
+            quietMs = 0;
+        }
+        QThread::msleep(pollMs);
+    }
+}
+
 int power(const Call &call)
 {
     const QString wish = call.argument(0);
@@ -301,7 +321,10 @@ int power(const Call &call)
     Manager wifi;
     if (wifi.getInterfaceName().isEmpty())
         return noInterface();
-    KTV_Connection::_set_wifi_Enable_Avait(&wifi, wish == QLatin1String("on"));
+    if (wish == QLatin1String("off"))
+        switchOff(&wifi);
+    else
+        KTV_Connection::_set_wifi_Enable_Avait(&wifi, true);
     const std::unique_ptr<const Network> network(wifi.getWiFi_Info());
     call.print(connectionJson(*network), stateName(network->state));
     return Success;
