@@ -10,6 +10,7 @@
 #include <QMetaEnum>
 
 #include <cerrno>
+#include <limits>
 
 using Internal::guarded;
 using Internal::log;
@@ -158,7 +159,9 @@ void KTV_Liczniki::load(QDataStream *stream, Licznik counter)
 
 void KTV_Liczniki::up_dictionary(Licznik counter)
 {
-    ++d->counters[counter];
+    qint64 &count = d->counters[counter];
+    if (count < std::numeric_limits<qint64>::max()) // a damaged file may hold any number
+        ++count;
 }
 
 qint64 KTV_Liczniki::get_dictionary(Licznik counter) const

@@ -48,7 +48,7 @@ public:
     void Up_Licznik_RejestracjaObiektowRezystancyjnych(); ///< Counts one resistive recording.
     void Up_Licznik_RejestracjaObiektowIndukcyjnych(); ///< Counts one inductive recording.
 
-    /** Adds 1 to a counter; a missing one becomes 1. */
+    /** Adds 1 to a counter; a missing one becomes 1, and one at its highest number stays there. */
     void up_dictionary(KTV_Liczniki::Licznik counter);
     /** Count of a counter; 0 for a missing one. */
     qint64 get_dictionary(KTV_Liczniki::Licznik counter) const;
