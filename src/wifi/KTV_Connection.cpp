@@ -157,7 +157,8 @@ void KTV_Connection::findWifiInterfaceName()
 {
     const auto result = Internal::runShell(QStringLiteral("ls /sys/class/net | grep \"wlan0\""),
                                            {Waits::NoStartWait, Waits::Forever, d->stopping.get()});
-    d->interfaceName.set(ToolOutput::interfaceName(result.output));
+    // What prints without end is no listing.
+    d->interfaceName.set(ToolOutput::interfaceName(result.finished() ? result.output : QString()));
 }
 
 // --- known networks and the supplicant

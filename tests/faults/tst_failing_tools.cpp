@@ -34,6 +34,14 @@ enum Fault
 const char *const faultNames[] = {
     "missing", "slow", "deaf", "endless", "forking", "no descriptors left", "no processes left"};
 
+/** How long a call takes. */
+enum Pace
+{
+    Prompt,
+    Patient, ///< waits for seconds: for what never ends, only in the long form
+    Sleepy ///< sleeps for seconds even when all is well: only in the long form
+};
+
 /** Where the library calls a tool. */
 struct Place
 {
@@ -43,12 +51,12 @@ struct Place
     QString (*call)(); ///< @return what came of it
     /**
      * What comes of it when nothing is wrong, and what else may. For each fault there is a digit,
-     * which of the answers is the right one then; x stands where the wait has no limit, which is
-     * what the fault would need.
+     * which of the answers is the right one then; x stands where the fault would need a limit, and
+     * the wait has none or the tool is left to itself.
      */
     QStringList answers;
     const char *expected;
-    bool isPatient = false; ///< waits for seconds: for what never ends, only in the long form
+    Pace pace = Prompt;
 };
 
 bool isLongForm()
@@ -106,6 +114,52 @@ QString stopConsole()
     return text(Tools::StopRS232Console());
 }
 
+/** With the bridge and the calibration tool as somebody else has started them. */
+void bridge()
+{
+    serialLine();
+    QProcess::startDetached("socat", {"/dev/ttyGS0", "/dev/ttycommunication"});
+}
+
+void calibrationTool()
+{
+    serialLine();
+    QProcess::startDetached("mactool", {});
+}
+
+void endCalibration()
+{
+    __atomic_store_n(&Tools::isCalibrationModeActive, false, __ATOMIC_RELEASE);
+    execute("/usr/bin/pkill", {"-KILL", "-f", "^socat|mactool"});
+    Tools::asyncSocatRuner.waitForFinished();
+}
+
+void nobody()
+{
+    endCalibration();
+    serialLine();
+}
+
+QString startBridge()
+{
+    return text(Tools::StartHardwareCalibrationMode());
+}
+
+QString stopBridge()
+{
+    return text(Tools::StopHardwareCalibrationMode());
+}
+
+QString startCalibration()
+{
+    return text(Tools::StartSystemCalibrationMode());
+}
+
+QString stopCalibration()
+{
+    return text(Tools::StopSystemsCalibrationMode());
+}
+
 QString owner()
 {
     return Tools::getRS232_Function() == Tools::RS232_Console ? "console" : "nobody";
@@ -135,6 +189,12 @@ void connected()
     execute("/usr/bin/ip", {"link", "set", "wlan0", "up"});
     execute("/usr/bin/ip", {"address", "replace", "10.1.2.3/24", "dev", "wlan0"});
     Meter::writeFile("/run/meter/private/link-wlan0", "-\nLab");
+}
+
+QString interfaceName()
+{
+    connection->findWifiInterfaceName();
+    return connection->getInterfaceName();
 }
 
 QString state()
@@ -213,6 +273,13 @@ QString sample()
     return result;
 }
 
+QString everyPlayer()
+{
+    Sound::Play(Sound::SOUND_ERROR, true, true, "/etc/wav/");
+    Sound::KillProcess2();
+    return Sound::process ? "sounds" : "silent";
+}
+
 bool hasComplained;
 
 QString volume()
@@ -232,32 +299,59 @@ QString tone()
     return BuzzerClass::future.isFinished() ? "silent" : "sounds";
 }
 
+QString clearBeeps()
+{
+    BuzzerClass::ClearBeepInterface();
+    return "done";
+}
+
 // In this order: missing, slow, deaf, endless, forking, no descriptors, no processes.
 // clang-format off
 const Place places[] = {
-    {"serial gadget", "modprobe-usb-gadget", nothingConnected, serialGadget, {"true", "false"}, "1011011", true},
-    {"network gadget", "modprobe-usb-gadget", nothingConnected, networkGadget, {"true", "false"}, "1011011", true},
-    {"network interface", "ifconfig", nothingConnected, networkGadget, {"true", "false"}, "1011011", true},
-    {"owner by processes", "ps", console, owner, {"console", "nobody"}, "0000011", true},
-    {"owner by services", "systemctl", console, owner, {"console", "nobody"}, "1011011", true},
+    {"serial gadget", "modprobe-usb-gadget", nothingConnected, serialGadget, {"true", "false"}, "1011011", Patient},
+    {"network gadget", "modprobe-usb-gadget", nothingConnected, networkGadget, {"true", "false"}, "1011011", Patient},
+    {"network interface", "ifconfig", nothingConnected, networkGadget, {"true", "false"}, "1011011", Patient},
+    {"owner by processes", "ps", console, owner, {"console", "nobody"}, "0000011", Patient},
+    {"owner by services", "systemctl", console, owner, {"console", "nobody"}, "1011011", Patient},
     // A shell without the program prints nothing, as the service manager does when all is well.
-    {"console starts", "systemctl", serialLine, startConsole, {"true", "false"}, "0011011", true},
-    {"console ends", "systemctl", console, stopConsole, {"true", "false"}, "0011011", true},
+    {"console starts", "systemctl", serialLine, startConsole, {"true", "false"}, "0011011", Patient},
+    {"console ends", "systemctl", console, stopConsole, {"true", "false"}, "0011011", Patient},
+    {"owner by processes", "grep", console, owner, {"console", "nobody"}, "0000011", Patient},
+    {"bridge starts", "socat", nobody, startBridge, {"true", "false"}, "10x1011", Sleepy},
+    {"bridge has started", "ps", nobody, startBridge, {"true", "false"}, "1011111", Sleepy},
+    {"bridge ends", "killall", bridge, stopBridge, {"true", "false"}, "1011011", Sleepy},
+    // A list that does not come is asked for again, without end.
+    {"bridge has ended", "ps", bridge, stopBridge, {"true", "false"}, "00xxx11", Sleepy},
+    {"calibration starts", "mactool", nobody, startCalibration, {"true", "false"}, "10xx011", Sleepy},
+    {"calibration has started", "ps", nobody, startCalibration, {"true", "false"}, "1011111", Sleepy},
+    {"calibration ends", "killall", calibrationTool, stopCalibration, {"true", "false"}, "1011011", Sleepy},
+    // A list that does not come shows nobody.
+    {"calibration has ended", "ps", calibrationTool, stopCalibration, {"true", "false"}, "0000011", Sleepy},
     // In a pipeline the reader waits for whoever holds its other end.
+    {"interface's name", "ls", connected, interfaceName, {"wlan0", ""}, "10x1x11"},
+    {"interface's name", "grep", connected, interfaceName, {"wlan0", ""}, "10x1011"},
     {"interface's state", "ifconfig", connected, state, {"6", "1"}, "1111111"},
+    {"interface's state", "grep", connected, state, {"6", "1"}, "1111011"},
+    {"interface's state", "sh", connected, state, {"6", "1"}, "x111011"}, // the meter needs it itself
     {"network's name", "iwgetid", connected, state, {"6", "2", "1"}, "1111022"},
     {"network's level", "iwconfig", connected, state, {"6", "2", "1"}, "1111122"},
-    {"networks in reach", "iwlist", connected, scan, {"networks", "none", "no answer", ""}, "1022232", true},
-    {"radio off", "ifconfig", connected, switchOff, {"off", "on"}, "1011011", true},
+    {"networks in reach", "iwlist", connected, scan, {"networks", "none", "no answer", ""}, "1022232", Patient},
+    {"networks in reach", "grep", connected, scan, {"networks", "none", "no answer", ""}, "1022032", Patient},
+    {"radio off", "ifconfig", connected, switchOff, {"off", "on"}, "1011011", Patient},
     {"supplicant restarts", "systemctl", noNetworks, addOpenNetwork, {"entry", "refused"}, "00x0010"},
     // Without a process for the tool the file stays as it was, with the entry that it had.
     {"key of a network", "wpa_passphrase", noNetworks, addNetwork, {"entry", "no entry", "refused"}, "1111020"},
     {"sample", "aplay", silent, sample, {"sounds", "silent"}, "1000011"},
     {"sample in a loop", "aplay", silent, loop, {"silent"}, "0000000"},
     {"end of a sample", "pkill", silent, loop, {"silent"}, "0000000"},
-    {"volume", "amixer", silent, volume, {"done", "logged"}, "1011011", true},
+    {"end of every loop", "ps", silent, everyPlayer, {"silent"}, "0000000"},
+    {"end of every loop", "kill", silent, everyPlayer, {"silent"}, "00xxx00"},
+    {"end of every player", "killall", silent, everyPlayer, {"silent"}, "0000000", Patient},
+    {"volume", "amixer", silent, volume, {"done", "logged"}, "1011011", Patient},
     {"tone", "beep", silent, tone, {"silent"}, "0000000"},
     {"end of a tone", "killall", silent, tone, {"silent"}, "0000000"},
+    {"clearing beep", "beep", silent, clearBeeps, {"done"}, "00x0000"},
+    {"end of clearing beep", "killall", silent, clearBeeps, {"done"}, "00xxx00"},
 };
 // clang-format on
 
@@ -282,9 +376,10 @@ QString callWith(Fault fault, const Place &place)
         Meter::replaceProgram(
             tool,
             "sleep 100000 &\n"
-            "[ ! -x /opt/meter/bin/$program ] || exec /opt/meter/bin/$program \"$@\"\n"
-            "PATH=/run/meter/busybox:$PATH\n"
-            "exec $program \"$@\"");
+            "export PATH=/run/meter/bin:/run/meter/busybox:/usr/bin:/usr/sbin\n"
+            "for folder in /opt/meter/bin /run/meter/busybox /usr/bin /usr/sbin; do\n"
+            "    [ ! -x $folder/$program ] || exec $folder/$program \"$@\"\n"
+            "done");
         break;
     case NoDescriptors: {
         const Meter::FewDescriptors none(0);
@@ -301,6 +396,18 @@ QString callWith(Fault fault, const Place &place)
     Meter::showProgram(tool);
     Meter::setBehaviour(tool, {});
     return answer;
+}
+
+/** On a busy machine a tool may be late that is in order: the right answer has three tries. */
+template <typename Call>
+QString answer(const Place &place, const Call &call, const QString &expected)
+{
+    QString result;
+    for (int left = 3; left > 0 && (result.isNull() || result != expected); --left) {
+        place.prepare();
+        result = call();
+    }
+    return result;
 }
 
 int openDescriptors()
@@ -323,6 +430,11 @@ class TstFailingTools : public QObject
 private slots:
     void everyFault_data();
     void everyFault();
+    void cleanup()
+    {
+        endCalibration();
+        execute("/usr/bin/pkill", {"-KILL", "-x", "sleep"});
+    }
     void cleanupTestCase() { connection.reset(); }
 };
 
@@ -334,8 +446,8 @@ void TstFailingTools::everyFault_data()
     for (const Place &place : places) {
         for (int fault = Missing; fault <= NoMoreProcesses; ++fault) {
             const bool isWaited = fault >= Slow && fault <= Forking;
-            const bool isIncluded =
-                place.expected[fault] != 'x' && (isLongForm() || !place.isPatient || !isWaited);
+            const bool isShort = place.pace == Prompt || (place.pace == Patient && !isWaited);
+            const bool isIncluded = place.expected[fault] != 'x' && (isShort || isLongForm());
             if (isIncluded)
                 QTest::addRow("%s: %s %s", place.name, place.tool, faultNames[fault])
                     << index << fault;
@@ -349,19 +461,18 @@ void TstFailingTools::everyFault()
     QFETCH(int, place);
     QFETCH(int, fault);
     const Place &tried = places[place];
-    tried.prepare();
-    QCOMPARE(tried.call(), tried.answers.first());
+    QCOMPARE(answer(tried, tried.call, tried.answers.first()), tried.answers.first());
     const int descriptors = openDescriptors();
-    tried.prepare();
-    QCOMPARE(callWith(Fault(fault), tried), tried.answers.at(tried.expected[fault] - '0'));
+    const QString expected = tried.answers.at(tried.expected[fault] - '0');
+    const auto callFaulty = [&tried, fault] { return callWith(Fault(fault), tried); };
+    QCOMPARE(answer(tried, callFaulty, expected), expected);
     if (fault == Forking) // who has ended by himself may leave somebody behind
         execute("/usr/bin/pkill", {"-KILL", "-x", "sleep"});
     for (const char *program : {"sleep", "yes", "aplay", "beep", "cat"})
         QTRY_COMPARE(Meter::processes(program), QStringList());
     if (fault == NoDescriptors)
         connection.reset(); // what it has put off is not for the next row
-    tried.prepare();
-    QCOMPARE(tried.call(), tried.answers.first());
+    QCOMPARE(answer(tried, tried.call, tried.answers.first()), tried.answers.first());
     QTRY_VERIFY2(openDescriptors() <= descriptors, qPrintable(QString::number(openDescriptors())));
 }
 
