@@ -23,6 +23,8 @@
 
 using Place = std::function<void(const QString &)>;
 Q_DECLARE_METATYPE(Place)
+using Use = QString (*)();
+Q_DECLARE_METATYPE(Use)
 
 namespace {
 
@@ -162,6 +164,21 @@ void knownNetworks(const QString &)
     QVERIFY(!connection.AddNetwork("name", "passphrase"));
 }
 
+/** It is replaced, where it can be. */
+void supplicantFile(const QString &path)
+{
+    const LogCapture log;
+    WiFi::KTV_Connection connection(userData);
+    QVERIFY(connection.AddNetwork("Lab", QString()));
+    if (isDirectory(path)) {
+        QVERIFY(hasLine(log, "KTV_Connection::_buildConfFile: open file:Is a directory"));
+        return;
+    }
+    QVERIFY(QFileInfo(path).isFile() && !QFileInfo(path).isSymLink());
+    QVERIFY(Meter::readFile(path).contains("ssid=\"Lab\""));
+    QVERIFY(!QFileInfo("/dev/zero").isFile());
+}
+
 /** What is no journal hinders nobody; a directory has no database opened, and none lost. */
 void journalOfSettings(const QString &path)
 {
@@ -171,6 +188,18 @@ void journalOfSettings(const QString &path)
     if (!isDirectory(path))
         QCOMPARE(settings.getValue(KTV_InterfaceConfig::MAIN_Lang, "none"), QStringLiteral("PL"));
     QVERIFY(QFileInfo(database).isFile());
+}
+
+void journalOfLists(const QString &path)
+{
+    KTV_DataList lists(userData, languages, "EN");
+    QVERIFY(lists.AddObiectTyp("own") || isDirectory(path));
+}
+
+void journalOfNetworks(const QString &path)
+{
+    WiFi::KTV_Connection connection(userData);
+    QVERIFY(connection.AddNetwork("Lab", QString()) || isDirectory(path));
 }
 
 void sample(const QString &)
@@ -211,10 +240,63 @@ const PlaceOf places[] = {
     {"/media/sdcard/UserData/dataList.db", lists},
     {"/media/sdcard/UserData/interfaceConfig.db", settings},
     {"/media/sdcard/UserData/wifi.db", knownNetworks},
+    {"/etc/wpa_supplicant/wpa_supplicant-wlan0.conf", supplicantFile},
     {"/media/sdcard/UserData/interfaceConfig.db-journal", journalOfSettings},
+    {"/media/sdcard/UserData/dataList.db-journal", journalOfLists},
+    {"/media/sdcard/UserData/wifi.db-journal", journalOfNetworks},
     {"/tmp/SOUND_ERROR.raw", sample},
     {"/etc/korva/system-boot.status", firstStartMarker},
     {"/etc/korva/sdcard.error", cardMarker},
+};
+
+// Each adds to a store, and tells how much it has then.
+
+QString useCounters()
+{
+    KTV_Liczniki counters("/media/sdcard/Log/");
+    counters.Up_Licznik_Demagnetyzacja();
+    return QString::number(counters.get_dictionary(KTV_Liczniki::Licznik_Demagnetyzacja));
+}
+
+QString useLists()
+{
+    KTV_DataList lists(userData, languages, "EN");
+    lists.AddLimit_R("own", {}, {});
+    const std::unique_ptr<QList<LimitList_Element *>> limits(lists.GetLimits_R({}, 0));
+    qDeleteAll(*limits);
+    return QString::number(limits->size());
+}
+
+QString useSettings()
+{
+    KTV_InterfaceConfig settings(userData);
+    const int next = settings.getValue(KTV_InterfaceConfig::MAIN_Pin, 0) + 1;
+    settings.setValue(KTV_InterfaceConfig::MAIN_Pin, next);
+    return QString::number(settings.getValue(KTV_InterfaceConfig::MAIN_Pin, 0));
+}
+
+QString useNetworks()
+{
+    WiFi::KTV_Connection connection(userData);
+    const std::unique_ptr<QList<WiFi::Network *>> known(connection.GetMyNetwork());
+    qDeleteAll(*known);
+    connection.AddNetwork(QString::number(known->size()), {});
+    return QString::number(
+        Meter::readFile("/etc/wpa_supplicant/wpa_supplicant-wlan0.conf").count("network={"));
+}
+
+struct Written
+{
+    const char *path;
+    Use use;
+};
+
+const Written writtenFiles[] = {
+    {"/media/sdcard/Log/liczniki.bin", useCounters},
+    {"/media/sdcard/UserData/dataList.db", useLists},
+    {"/media/sdcard/UserData/interfaceConfig.db", useSettings},
+    {"/media/sdcard/UserData/wifi.db", useNetworks},
+    {"/etc/wpa_supplicant/wpa_supplicant-wlan0.conf", useNetworks},
 };
 
 } // namespace
@@ -230,6 +312,8 @@ private slots:
     void inTheFilesPlace_data();
     void inTheFilesPlace();
     void linkToAFile();
+    void linkOutOfTheFolder_data();
+    void linkOutOfTheFolder();
 };
 
 void TstOddFiles::inTheFilesPlace_data()
@@ -271,6 +355,37 @@ void TstOddFiles::linkToAFile()
     QCOMPARE(KTV_Configuration().get_SystemVersion(), QStringLiteral("7.8.9"));
     clear("/etc/version");
     Meter::writeFile("/etc/version", before);
+}
+
+void TstOddFiles::linkOutOfTheFolder_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<Use>("use");
+    for (const Written &written : writtenFiles)
+        QTest::addRow("%s", written.path) << written.path << written.use;
+}
+
+/** What is written goes to the file at the link's end, and the next start finds it there. */
+void TstOddFiles::linkOutOfTheFolder()
+{
+    QFETCH(QString, path);
+    QFETCH(Use, use);
+    clear("/tmp/elsewhere");
+    QDir().mkpath("/tmp/elsewhere");
+    const QString target = "/tmp/elsewhere/" + QFileInfo(path).fileName();
+    clear(path);
+    use(); // makes the file
+    QVERIFY(QFile::copy(path, target));
+    clear(path);
+    QVERIFY(QFile::link(target, path));
+    const QString before = use();
+    QVERIFY(QFileInfo(path).isSymLink());
+    QVERIFY(QFileInfo(target).isFile() && !QFileInfo(target).isSymLink());
+    clear(path);
+    QVERIFY(QFile::copy(target, path));
+    QCOMPARE(use(), QString::number(before.toInt() + 1));
+    clear(path);
+    clear(userData);
 }
 
 KTV_METER_TEST_MAIN(TstOddFiles)
