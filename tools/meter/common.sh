@@ -43,13 +43,13 @@ logged() {
 
 # --- packages
 
-# wanted_packages [GROUP]: what every command needs, and that group
+# wanted_packages [GROUP...]: what every command needs, and those groups
 wanted_packages() {
     sed -e 's/#.*//' simulator/packages.txt |
-        awk -v extra="${1-}" 'NF && ($1 ~ /^(build|run|test)$/ || $1 == extra) { print $2 }'
+        awk -v groups=" build run test $* " 'NF && index(groups, " " $1 " ") { print $2 }' | sort -u
 }
 
-# install_packages [GROUP]
+# install_packages [GROUP...]
 install_packages() {
     begin "packages"
     command -v dpkg-query >/dev/null ||
@@ -108,9 +108,9 @@ build() {
     fi
 }
 
-# prepare PRESET [GROUP]: installs, with that group of packages, configures and builds
+# prepare PRESET [GROUP...]: installs, with those groups of packages, configures and builds
 prepare() {
-    install_packages "${2-}"
+    install_packages "${@:2}"
     configure "$1"
     build "$1"
 }
