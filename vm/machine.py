@@ -16,24 +16,33 @@ class Failed(Exception):
 
 
 KERNEL_LINE = "quiet panic=-1 net.ifnames=0 systemd.show_status=0 mitigations=off"
+SCREEN = (800, 480)
+# "slot": where a disk can be plugged in while the machine runs.
 ARCHITECTURES = {
     "amd64": {
         "program": "qemu-system-x86_64",
         "machine": ["-machine", "pc,usb=off", "-cpu", "max"],
         "console": "ttyS0",
+        "slot": {},
     },
     "arm64": {
         "program": "qemu-system-aarch64",
-        "machine": ["-machine", "virt", "-cpu", "cortex-a53"],
+        "machine": ["-machine", "virt", "-cpu", "cortex-a53",
+                    "-device", "pcie-root-port,id=plug,chassis=1"],
         "console": "ttyAMA0",
+        "slot": {"bus": "plug"},
     },
     "armhf": {
         "program": "qemu-system-arm",
-        "machine": ["-machine", "virt", "-cpu", "cortex-a15"],
+        "machine": ["-machine", "virt", "-cpu", "cortex-a15",
+                    "-device", "pcie-root-port,id=plug,chassis=1"],
         "console": "ttyAMA0",
+        "slot": {"bus": "plug"},
     },
 }
 TCG = ["-accel", "tcg", "-icount", "shift=1,sleep=off"]
+# For people: while the machine idles, its time is theirs.
+TCG_FOR_PEOPLE = ["-accel", "tcg", "-icount", "shift=1,sleep=on"]
 
 
 class Machine:
@@ -67,6 +76,8 @@ class Machine:
             "-device", "virtio-blk-pci,drive=root,serial=root",
             "-drive", f"if=none,id=device,file={self.images}/device.ext4,format=raw,readonly=on",
             "-device", "virtio-blk-pci,drive=device,serial=device",
+            "-device", f"virtio-gpu-pci,xres={SCREEN[0]},yres={SCREEN[1]}",
+            "-device", "virtio-keyboard-pci", "-device", "virtio-tablet-pci",
             "-device", "virtio-serial-pci",
             "-chardev", f"socket,id=agent,path={self.path('agent')},server=on,wait=off",
             "-device", "virtserialport,chardev=agent,name=ktv.agent",
@@ -78,13 +89,17 @@ class Machine:
             "-mon", "chardev=qmp,mode=control",
         ]
 
-    def start(self, *options, extra_line=""):
+    def start(self, *options, terminal=None):
+        """With `terminal`, options for the display, the console is this process's terminal."""
         console = ["-display", "none", "-chardev",
                    f"file,id=console,path={self.path('console')}", "-serial", "chardev:console"]
+        if terminal is not None:
+            console = [*terminal, "-serial", "mon:stdio"]
         with open(self.path("qemu.log"), "wb") as log:
             self.process = subprocess.Popen(
-                [*self.command(extra_line), *console, *options],
-                stdin=subprocess.DEVNULL, stdout=log, stderr=log)
+                [*self.command(), *console, *options],
+                stdin=subprocess.DEVNULL if terminal is None else None,
+                stdout=log if terminal is None else None, stderr=log)
         self.qmp = self._connect("qmp").makefile("rwb", buffering=0)
         self.qmp.readline()
         self.control("qmp_capabilities")
@@ -126,7 +141,10 @@ class Machine:
         request = {"execute": command, "arguments": arguments}
         self.qmp.write(json.dumps(request).encode() + b"\n")
         while True:
-            line = self.qmp.readline()
+            try:
+                line = self.qmp.readline()
+            except ConnectionError:
+                line = b""
             if not line:
                 raise self._gone()
             answer = json.loads(line)
@@ -139,9 +157,10 @@ class Machine:
         while self._read_line() != b"\1ready":
             pass
 
-    def run(self, script, on_line=None):
+    def run(self, script, on_line=None, on_request=None):
         """Runs a script of bash inside. Returns its exit code; each line that it prints goes to
-        on_line, as bytes."""
+        on_line, as bytes. A line that begins with \\2 asks for something that is done outside: its
+        words go to on_request, and it gets a line when that is done."""
         data = script.encode()
         self.port.sendall(b"%d\n" % len(data) + data)
         self.control("query-status")
@@ -149,7 +168,11 @@ class Machine:
             line = self._read_line()
             if line.startswith(b"\1"):
                 return int(line[1:])
-            if on_line:
+            if line.startswith(b"\2"):
+                on_request(*line[1:].decode().split())
+                self.port.sendall(b"done\n")
+                self.control("query-status")
+            elif on_line:
                 on_line(line)
 
     def output(self, script):
@@ -177,13 +200,31 @@ class Machine:
             time.sleep(0.1)
         os.rename(file + ".new", file)
 
-    def resume(self, file):
-        self.start("-incoming", "defer")
+    def resume(self, file, terminal=None):
+        self.start("-incoming", "defer", terminal=terminal)
         self.control("migrate-incoming", uri="exec:cat " + file)
         while self.control("query-status")["status"] == "inmigrate":
             time.sleep(0.05)
         if self.control("query-status")["status"] != "running":
             self.control("cont")
+
+    def plug(self, name, **file):
+        """Plugs a disk in, by the options of its block driver; inside it is called `name`."""
+        self.control("blockdev-add", **{"node-name": name, **file})
+        self.control("device_add", driver="virtio-blk-pci", id=name, drive=name, serial=name,
+                     **self.kind["slot"])
+
+    def picture(self, file):
+        """What the machine's screen shows, as a PNG file."""
+        self.control("screendump", filename=file, format="png")
+
+    def touch(self, x, y):
+        """A finger at that point of the screen."""
+        place = [{"type": "abs", "data": {"axis": axis, "value": value * 0x7fff // (size - 1)}}
+                 for axis, value, size in zip("xy", (x, y), SCREEN)]
+        for down in (True, False):
+            button = {"type": "btn", "data": {"button": "left", "down": down}}
+            self.control("input-send-event", events=[*place, button])
 
     def processor_time(self):
         """Seconds that the emulator has computed."""
