@@ -21,7 +21,8 @@ MIB = 1 << 20
 PARTITIONS = [(1 * MIB, 36 * MIB), (37 * MIB, 16 * MIB), (53 * MIB, 2 * MIB)]  # offset, size
 SIZE = 55 * MIB
 FLUSH, FUA, DISCARD = 1, 2, 4
-KINDS = ("settings", "lists", "networks", "counters", "reset", "first start")
+KINDS = ("settings", "lists", "networks", "counters", "reset", "factory reset", "first start",
+         "full card")
 # Which stores a command may change; the others stay as the last mark has them.
 TOUCHES = {
     "settings": ("settings",),
@@ -29,6 +30,17 @@ TOUCHES = {
     "networks": ("networks", "supplicant"),
     "counters": ("counters",),
     "reset": ("settings",),
+    "factory reset": ("settings", "lists", "networks", "supplicant"),
+    "full card": ("counters",),
+}
+# What a user has entered, all of which a factory reset removes in one step.
+OF_THE_USER = {
+    "settings": ["SELECT COUNT(*) FROM CONFIG_STR WHERE CON_Key <> 'MAIN_MeterSN'"],
+    "lists": ["SELECT COUNT(*) FROM OBIECT_TYP WHERE NOT OBT_ReadOnly",
+              "SELECT COUNT(*) FROM OBIECT_NAME WHERE NOT OBN_ReadOnly",
+              "SELECT COUNT(*) FROM MATERIALS WHERE NOT MAT_ReadOnly",
+              "SELECT COUNT(*) FROM LIMITS_R", "SELECT COUNT(*) FROM LIMITS_T"],
+    "networks": ["SELECT COUNT(*) FROM NETWORKS"],
 }
 FACTORY = {"OBIECT_TYP": "OBT", "OBIECT_NAME": "OBN", "MATERIALS": "MAT"}  # table: its prefix
 FILES = {
@@ -103,12 +115,10 @@ def record(system, kind, folder, rounds, seed):
     here = pathlib.Path(__file__).resolve().parent
     with system.machine("writer") as machine:
         machine.resume(state)
-        machine.control("blockdev-add", **{
-            "driver": "blklogwrites", "node-name": "card", "log-sector-size": SECTOR,
+        machine.plug("card", **{
+            "driver": "blklogwrites", "log-sector-size": SECTOR,
             "file": {"driver": "file", "filename": str(card)},
             "log": {"driver": "file", "filename": str(log)}})
-        machine.control("device_add", driver="virtio-blk-pci", id="card", drive="card",
-                        serial="card")
         answer = machine.output("""
             set -e
             for try in $(seq 50); do
@@ -215,7 +225,22 @@ def look(card, kind, work, digest):
     return stores
 
 
-def judge(stores, mark, following):
+def is_anew(work, store):
+    """Has the store nothing that a user has entered?"""
+    path = work / "data" / FILES[store]
+    if not path.exists():
+        return True
+    database = sqlite3.connect(path)
+    try:
+        return all(database.execute(question).fetchone() == (0,)
+                   for question in OF_THE_USER[store]
+                   if database.execute("SELECT 1 FROM sqlite_master WHERE name = ?",
+                                       (question.split("FROM ")[1].split()[0],)).fetchone())
+    finally:
+        database.close()
+
+
+def judge(stores, mark, following, work):
     """Complains when an answer is lost, or a store is neither before nor after the command that the
     cut has met."""
     kind = following["kind"] if following else None
@@ -229,6 +254,8 @@ def judge(stores, mark, following):
             raise Failed(f"the counters' file has {seen}")
         if kind == "first start" or (kind == "reset" and store == "settings"):
             continue  # made anew: whatever is there is sound, and the next start goes on from it
+        if kind == "factory reset" and store in OF_THE_USER and is_anew(work, store):
+            continue  # begun anew; the next start enters what is missing
         if store in TOUCHES.get(kind, ()) and "absent" == promised:
             continue  # a command that meets no store makes one first
         if store in TOUCHES.get(kind, ()) and seen == following["stores"][store]:
@@ -288,7 +315,7 @@ def campaign(system, number, repository, seed):
         folder = pathlib.Path(system.images) / "cuts" / kind
         shutil.rmtree(folder, ignore_errors=True)
         folder.mkdir(parents=True)
-        fresh, entries = record(system, kind, folder, 8, seed)
+        fresh, entries = record(system, kind, folder, 9, seed)
         marks = read_marks(entries)
         flushes = sum(1 for entry in entries if entry[2] & FLUSH)
         print(f"       {kind}: {len(entries)} writes and {flushes} flushes reached the card",
@@ -311,7 +338,7 @@ def campaign(system, number, repository, seed):
                 try:
                     stores = look(image, kind, work, writer.digest)
                     if answered:
-                        judge(stores, answered[-1], following)
+                        judge(stores, answered[-1], following, work)
                     lists = work / "data" / FILES["lists"]
                     if lists.exists():
                         for key, rows in factory_rows(lists).items():

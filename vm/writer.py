@@ -5,6 +5,7 @@ before the next mark belongs to the next command.
 A mark holds the number of the command, its kind and a digest of each store after it.
 """
 
+import errno
 import hashlib
 import json
 import mmap
@@ -75,6 +76,21 @@ def forget_everything():
     os.sync()
 
 
+def fill():
+    """Writes until the card has no room left, not even for a short file."""
+    number = 0
+    for size in (1 << 20, 4096, SECTOR):
+        try:
+            while True:
+                number += 1
+                with open(f"{DATA}filler.{number}", "wb", buffering=0) as file:
+                    if file.write(bytes(size)) < size:
+                        break
+        except OSError as error:
+            assert error.errno == errno.ENOSPC
+    os.sync()
+
+
 def main():
     rounds = int(sys.argv[1])
     dice = random.Random(int(sys.argv[2]))
@@ -96,12 +112,14 @@ def main():
         "networks": lambda: ("wifi", "add", f"Network {number % 7}", text()[:40].ljust(8, "x")),
         "counters": lambda: ("counters", "up", counter),
         "reset": lambda: ("settings", "reset"),
+        "factory reset": lambda: ("factory-reset",),
         "first start": lambda: ("watch", "--seconds", "1"),
     }
+    commands["full card"] = commands["counters"]
     marks.write("begin")
     for turn in range(rounds):
         kinds = ["settings", "lists", "networks", "counters"] * 3
-        kinds.append("reset" if turn % 2 else "first start")
+        kinds.append(("reset", "factory reset", "first start")[turn % 3])
         dice.shuffle(kinds)
         for kind in kinds:
             number += 1
@@ -110,6 +128,11 @@ def main():
                 marks.write("prepared")
             ktvctl(*commands[kind]())
             marks.write(kind)
+    fill()
+    marks.write("filled")
+    for _ in range(8):
+        ktvctl(*commands["full card"]())
+        marks.write("full card")
     print(marks.number, "marks")
 
 
