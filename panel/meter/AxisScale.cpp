@@ -12,7 +12,7 @@ AxisScale AxisScale::ofValues(Quantity quantity, double magnitude)
         return {1, NumericalValueBox::getUnit(ValueBox::Unit_Temperature)};
     const QString unit = quantity == Quantity::Resistance
         ? NumericalValueBox::getUnit(ValueBox::Unit_Ohm)
-        : QStringLiteral("H");
+        : QString(henry);
     for (const ValueBox::UnitPrefixs prefix :
          {ValueBox::Prefix_k, ValueBox::Prefix_None, ValueBox::Prefix_m}) {
         const double divisor = std::pow(10, static_cast<int>(prefix));

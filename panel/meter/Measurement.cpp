@@ -24,6 +24,13 @@ void (KTV_Liczniki::*const counts[])() = {
 
 } // namespace
 
+QString Measurement::Result::label(const QString &meter, const QString &time) const
+{
+    QStringList lines {meter, time, Setup::objectText(objectType, objectName), text};
+    lines.removeAll(QString());
+    return lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
+}
+
 Measurement::Measurement(Setup &setup, Hardware &hardware, KTV_Liczniki &counters, Tones &tones,
                          QObject *parent)
     : QObject(parent)

@@ -22,6 +22,9 @@ public:
         QString text; ///< as it was shown; empty before the first
         QString objectType;
         QString objectName;
+
+        /** What is to be printed of it. */
+        QString label(const QString &meter, const QString &time) const;
     };
 
     Measurement(Setup &setup, Hardware &hardware, KTV_Liczniki &counters, Tones &tones,

@@ -1,5 +1,10 @@
 #pragma once
 
+#include <QLatin1String>
+
+/** The unit of inductance, which the library's texts do not know. */
+constexpr QLatin1String henry("H");
+
 /** What is measured. */
 enum class Quantity
 {

@@ -8,10 +8,9 @@ using ValueBox::NumericalValueBox;
 
 namespace {
 
-/** The library's texts know no henry: it goes behind the prefix, or behind the number. */
+/** The unit goes behind the prefix, or behind the number. */
 QString withHenry(const QString &text)
 {
-    const QLatin1Char henry('H');
     const QString bare = text.trimmed();
     const bool hasPrefix = bare.section(QLatin1Char(' '), -1).at(0).isLetter()
         || bare.endsWith(NumericalValueBox::getUnitPrefix(ValueBox::Prefix_u));
@@ -28,6 +27,16 @@ Reading::Range rangeOf(const QString &text, float value, float shown)
 }
 
 } // namespace
+
+QString testCurrentText(ValueBox::testI current)
+{
+    return NumericalValueBox::formatIinduction(NumericalValueBox::ConvertTestI_ToFlota(current));
+}
+
+QString Form::currentText() const
+{
+    return quantity == Quantity::Temperature ? QString() : testCurrentText(current);
+}
 
 Reading::Reading(float measured, const Form &form) : value(measured)
 {

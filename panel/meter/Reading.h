@@ -14,7 +14,13 @@ struct Form
     Quantity quantity = Quantity::Resistance;
     ValueBox::RoundMetods method = ValueBox::Round_R;
     ValueBox::testI current = ValueBox::testI_10A;
+
+    /** The test current as it is shown; empty where none flows. */
+    QString currentText() const;
 };
+
+/** "10.0 A" */
+QString testCurrentText(ValueBox::testI current);
 
 /** A reading as it is shown. The library rounds and words it, and reads its text back. */
 struct Reading

@@ -1,7 +1,6 @@
 #include "meter/SeriesFile.h"
 
 #include <tools/Tools.h>
-#include <valuebox/NumericalValueBox.h>
 
 #include <QDir>
 #include <QSaveFile>
@@ -9,7 +8,6 @@
 #include <cmath>
 
 using QERNTools::Tools;
-using ValueBox::NumericalValueBox;
 
 namespace {
 
@@ -80,11 +78,7 @@ QByteArray SeriesFile::head(const Series &series)
     const SeriesConditions &conditions = series.conditions();
     const Form &form = conditions.form;
     const QuantityRow &quantity = quantities[static_cast<int>(form.quantity)];
-    const bool hasCurrent = form.quantity != Quantity::Temperature;
     const bool isCompensated = !conditions.material.isEmpty();
-    const QString current = hasCurrent
-        ? NumericalValueBox::formatIinduction(NumericalValueBox::ConvertTestI_ToFlota(form.current))
-        : QString();
     const struct
     {
         const char *name;
@@ -94,7 +88,7 @@ QByteArray SeriesFile::head(const Series &series)
         {"serial number", quoted(conditions.serialNumber)},
         {"quantity", QLatin1String(quantity.name)},
         {"unit", QLatin1String(quantity.unit)},
-        {"test current", current},
+        {"test current", form.currentText()},
         {"object type", name(conditions.objectType)},
         {"object name", name(conditions.objectName)},
         {"material", name(conditions.material)},

@@ -145,6 +145,13 @@ void Setup::setObject(const QString &type, const QString &name)
     keep();
 }
 
+QString Setup::objectText(const QString &type, const QString &name)
+{
+    QStringList parts {type, name};
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral(" \u00B7 "));
+}
+
 void Setup::setTestObject(const TestObject &object)
 {
     m_testObject = object;

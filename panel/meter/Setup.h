@@ -38,6 +38,8 @@ public:
     QString objectType() const { return m_objectType; } ///< of the lists; may be empty
     QString objectName() const { return m_objectName; } ///< of the lists; may be empty
     void setObject(const QString &type, const QString &name);
+    /** "Transformer · T1" */
+    static QString objectText(const QString &type, const QString &name);
     /** What lies between the leads of the simulated hardware. */
     const TestObject &testObject() const { return m_testObject; }
     void setTestObject(const TestObject &object);

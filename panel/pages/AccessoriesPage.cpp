@@ -1,6 +1,5 @@
 #include "pages/AccessoriesPage.h"
 
-#include "pages/Words.h"
 #include "touch/Buttons.h"
 #include "touch/Sheets.h"
 #include "touch/Theme.h"
@@ -112,12 +111,8 @@ QString AccessoriesPage::labelText() const
 {
     const KTV_Configuration *meter = library().getMainConfig();
     const LangSerwis *language = library().get_Lang();
-    const Measurement::Result &result = session().measurement().lastResult();
-    QStringList lines {
+    return session().measurement().lastResult().label(
         meter->get_MeterFullName() + QStringLiteral("  ") + meter->get_SerialNumber(),
         QDateTime::currentDateTime().toString(language->getDataFormat() + QLatin1Char(' ')
-                                              + language->getTimeFormat()),
-        Words::object(result.objectType, result.objectName), result.text};
-    lines.removeAll(QString());
-    return lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
+                                              + language->getTimeFormat()));
 }

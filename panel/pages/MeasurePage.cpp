@@ -1,5 +1,6 @@
 #include "pages/MeasurePage.h"
 
+#include "meter/Hardware.h"
 #include "pages/TestObjectSheet.h"
 #include "pages/Words.h"
 #include "touch/Buttons.h"
@@ -13,8 +14,6 @@
 #include <QGridLayout>
 #include <QVBoxLayout>
 
-#include <functional>
-
 using ValueBox::NumericalValueBox;
 
 namespace {
@@ -23,16 +22,19 @@ constexpr Text noneText = Text {"Panel", "none", "None"};
 constexpr Quantity quantities[] = {Quantity::Resistance, Quantity::Inductance,
                                    Quantity::Temperature};
 
-/** Meters that can be simulated: the model follows from the first two characters. */
-const QLatin1String serialNumbers[] = {
-    QLatin1String("JD10233"), QLatin1String("CH20417"), QLatin1String("EL20590"),
-    QLatin1String("JB20871"), QLatin1String("DV42006"), QLatin1String("DW44019"),
-};
-
-QString currentText(ValueBox::testI current)
+/** Rows to choose from, of which one may be chosen now. */
+struct Rows
 {
-    return NumericalValueBox::formatIinduction(NumericalValueBox::ConvertTestI_ToFlota(current));
-}
+    QVector<TouchRow> rows;
+    int chosen = -1;
+
+    void add(const TouchRow &row, bool isChosen)
+    {
+        if (isChosen)
+            chosen = rows.size();
+        rows += row;
+    }
+};
 
 } // namespace
 
@@ -121,10 +123,10 @@ void MeasurePage::refresh()
     const auto orNone = [&none](const QString &value) { return value.isEmpty() ? none : value; };
     m_quantity->setCurrent(static_cast<int>(setup().quantity()));
     m_meter->setValue(meter->get_MeterModelName() + QLatin1Char(' ') + meter->get_SerialNumber());
-    m_current->setValue(isTemperature ? QString() : currentText(setup().current()));
+    m_current->setValue(isTemperature ? QString() : testCurrentText(setup().current()));
     m_compensation->setValue(isTemperature ? QString() : orNone(setup().material()));
     m_limit->setValue(setup().canJudge() ? orNone(setup().limit().name) : QString());
-    m_object->setValue(orNone(Words::object(setup().objectType(), setup().objectName())));
+    m_object->setValue(orNone(Setup::objectText(setup().objectType(), setup().objectName())));
     m_testObject->setValue(TestObjectSheet::summary(texts(), setup()));
     m_quantity->setEnabled(isFree);
     m_meter->setEnabled(isFree);
@@ -168,27 +170,27 @@ void MeasurePage::refreshValue()
 
 void MeasurePage::chooseMeter()
 {
-    QVector<TouchRow> rows;
-    int chosen = -1;
-    for (const QLatin1String serial : serialNumbers) {
-        if (serial == library().getMainConfig()->get_SerialNumber())
-            chosen = rows.size();
-        rows += TouchRow::of(serial);
-    }
-    rows += TouchRow::of(text(Text {"Panel", "otherSerial", "Another serial number"}));
-    new PickSheet(texts(), this, Text {"About", "serialNumber", "Serial number"}, rows, chosen,
-                  [this](int index) {
-                      if (index < static_cast<int>(std::size(serialNumbers))) {
-                          session().setSerialNumber(serialNumbers[index]);
-                          return;
-                      }
-                      new FormSheet(texts(), this, Text {"About", "serialNumber", "Serial number"},
-                                    {{Text {"About", "serialNumber", "Serial number"},
-                                      TextField::Letters, QString()}},
-                                    [this](const QStringList &lines) {
-                                        session().setSerialNumber(lines.first());
-                                        return QString();
-                                    });
+    constexpr Text title = Text {"About", "serialNumber", "Serial number"};
+    const QStringList serials = Hardware::serialNumbers();
+    Rows rows;
+    for (const QString &serial : serials)
+        rows.add(TouchRow::of(serial), serial == library().getMainConfig()->get_SerialNumber());
+    rows.add(TouchRow::of(text(Text {"Panel", "otherSerial", "Another serial number"})), false);
+    new PickSheet(texts(), this, title, rows.rows, rows.chosen, [this, serials](int index) {
+        if (index < serials.size())
+            session().setSerialNumber(serials.at(index));
+        else
+            writeMeter();
+    });
+}
+
+void MeasurePage::writeMeter()
+{
+    constexpr Text title = Text {"About", "serialNumber", "Serial number"};
+    new FormSheet(texts(), this, title, {{title, TextField::Letters, QString()}},
+                  [this](const QStringList &lines) {
+                      session().setSerialNumber(lines.first());
+                      return QString();
                   });
 }
 
@@ -197,7 +199,7 @@ void MeasurePage::chooseCurrent()
     QVector<TouchRow> rows;
     const QList<ValueBox::testI> currents = setup().testCurrents();
     for (const ValueBox::testI current : currents)
-        rows += TouchRow::of(currentText(current));
+        rows += TouchRow::of(testCurrentText(current));
     new PickSheet(texts(), this, Text {"Measure", "testCurrent", "Test current"}, rows,
                   currents.indexOf(setup().current()),
                   [this, currents](int index) { setup().setCurrent(currents.at(index)); });
@@ -205,18 +207,17 @@ void MeasurePage::chooseCurrent()
 
 void MeasurePage::chooseMaterial()
 {
-    QVector<TouchRow> rows {TouchRow::of(text(noneText))};
-    int chosen = 0;
+    const QString now = setup().material();
+    Rows rows;
+    rows.add(TouchRow::of(text(noneText)), now.isEmpty());
     const QVector<Lists::Entry> materials = session().lists().entries(Lists::Materials);
-    for (const Lists::Entry &material : materials) {
-        if (material.values.at(0) == setup().material())
-            chosen = rows.size();
-        rows += TouchRow::of(material.values.at(0),
-                             material.values.at(1) + QLatin1Char(' ')
-                                 + NumericalValueBox::getAlphaUnit());
-    }
-    new PickSheet(texts(), this, Text {"Measure", "compensation", "Temperature compensation"}, rows,
-                  chosen, [this, materials](int index) {
+    for (const Lists::Entry &material : materials)
+        rows.add(TouchRow::of(material.values.at(0),
+                              material.values.at(1) + QLatin1Char(' ')
+                                  + NumericalValueBox::getAlphaUnit()),
+                 material.values.at(0) == now);
+    new PickSheet(texts(), this, Text {"Measure", "compensation", "Temperature compensation"},
+                  rows.rows, rows.chosen, [this, materials](int index) {
                       const QStringList values = materials.value(index - 1).values;
                       setup().setMaterial(values.value(0), values.value(1).toDouble());
                   });
@@ -225,43 +226,44 @@ void MeasurePage::chooseMaterial()
 void MeasurePage::chooseLimit()
 {
     const Quantity quantity = setup().quantity();
-    QVector<TouchRow> rows {TouchRow::of(text(noneText))};
+    const QString now = setup().limit().name;
+    Rows rows;
+    rows.add(TouchRow::of(text(noneText)), now.isEmpty());
     QVector<Limit> limits(1);
-    int chosen = 0;
     const QVector<Lists::Entry> entries = session().lists().entries(
         quantity == Quantity::Temperature ? Lists::TemperatureLimits : Lists::ResistanceLimits);
     for (const Lists::Entry &entry : entries) {
         const Limit limit {entry.values.at(0), Limit::kept(quantity, entry.values.at(1)),
                            Limit::kept(quantity, entry.values.at(2))};
-        if (limit.name == setup().limit().name)
-            chosen = rows.size();
-        rows += TouchRow::of(limit.name, Words::bounds(texts(), quantity, limit));
+        rows.add(TouchRow::of(limit.name, Words::bounds(texts(), quantity, limit)),
+                 limit.name == now);
         limits += limit;
     }
-    new PickSheet(texts(), this, Text {"Panel", "limit", "Limit"}, rows, chosen,
+    new PickSheet(texts(), this, Text {"Panel", "limit", "Limit"}, rows.rows, rows.chosen,
                   [this, limits](int index) { setup().setLimit(limits.at(index)); });
 }
 
 void MeasurePage::chooseObject()
 {
-    const auto pick = [this](const Text &title, Lists::Family family, const QString &now,
-                             const std::function<void(const QString &)> &take) {
-        QVector<TouchRow> rows {TouchRow::of(text(noneText))};
-        int chosen = 0;
-        for (const Lists::Entry &entry : session().lists().entries(family)) {
-            if (entry.values.at(0) == now)
-                chosen = rows.size();
-            rows += TouchRow::of(entry.values.at(0));
-        }
-        new PickSheet(texts(), this, title, rows, chosen, [rows, take](int index) {
-            take(index > 0 ? rows.at(index).title : QString());
-        });
-    };
-    pick(Text {"Panel", "objectType", "Type of the object"}, Lists::ObjectTypes,
-         setup().objectType(), [this, pick](const QString &type) {
-             setup().setObject(type, setup().objectName());
-             pick(Text {"Panel", "objectName", "Name of the object"}, Lists::ObjectNames,
-                  setup().objectName(),
-                  [this](const QString &name) { setup().setObject(setup().objectType(), name); });
-         });
+    chooseEntry(Text {"Panel", "objectType", "Type of the object"}, Lists::ObjectTypes,
+                setup().objectType(), [this](const QString &type) {
+                    setup().setObject(type, setup().objectName());
+                    chooseEntry(Text {"Panel", "objectName", "Name of the object"},
+                                Lists::ObjectNames, setup().objectName(),
+                                [this](const QString &name) {
+                                    setup().setObject(setup().objectType(), name);
+                                });
+                });
+}
+
+void MeasurePage::chooseEntry(const Text &title, Lists::Family family, const QString &now,
+                              const std::function<void(const QString &)> &take)
+{
+    Rows rows;
+    rows.add(TouchRow::of(text(noneText)), now.isEmpty());
+    for (const Lists::Entry &entry : session().lists().entries(family))
+        rows.add(TouchRow::of(entry.values.at(0)), entry.values.at(0) == now);
+    new PickSheet(texts(), this, title, rows.rows, rows.chosen, [rows, take](int index) {
+        take(index > 0 ? rows.rows.at(index).title : QString());
+    });
 }

@@ -2,6 +2,8 @@
 
 #include "pages/Page.h"
 
+#include <functional>
+
 class Choice;
 class FieldButton;
 class TouchButton;
@@ -23,10 +25,13 @@ private:
     void toggle();
 
     void chooseMeter();
+    void writeMeter();
     void chooseCurrent();
     void chooseMaterial();
     void chooseLimit();
     void chooseObject();
+    void chooseEntry(const Text &title, Lists::Family family, const QString &now,
+                     const std::function<void(const QString &)> &take);
 
     Setup &setup() const { return session().setup(); }
     Measurement &measurement() const { return session().measurement(); }

@@ -10,7 +10,6 @@
 
 #include <configuration/KTV_Configuration.h>
 #include <datasource/KTV_DataSource.h>
-#include <valuebox/NumericalValueBox.h>
 
 #include <QGridLayout>
 #include <QStackedWidget>
@@ -20,7 +19,6 @@
 #include <cmath>
 
 using Buzzer::BuzzerClass;
-using ValueBox::NumericalValueBox;
 
 namespace {
 
@@ -167,12 +165,10 @@ void RecordPage::refresh()
     const Form form = isThere ? conditions.form : setup.form();
     QStringList what {isThere ? conditions.meterName
                               : library().getMainConfig()->get_MeterFullName()};
-    if (form.quantity != Quantity::Temperature)
-        what += NumericalValueBox::formatIinduction(
-            NumericalValueBox::ConvertTestI_ToFlota(form.current));
+    what += form.currentText();
     what += isThere ? conditions.material : setup.isCompensated() ? setup.material() : QString();
-    what += isThere ? Words::object(conditions.objectType, conditions.objectName)
-                    : Words::object(setup.objectType(), setup.objectName());
+    what += isThere ? Setup::objectText(conditions.objectType, conditions.objectName)
+                    : Setup::objectText(setup.objectType(), setup.objectName());
     what.removeAll(QString());
     m_what->setText(what.join(QStringLiteral("   ")));
     m_client->setValue(recorder().client().isEmpty() ? text(Text {"Panel", "none", "None"})
@@ -269,7 +265,13 @@ void RecordPage::refreshFigures()
     m_figures.at(2)->setText(figures.maximum);
     m_figures.at(3)->setText(figures.mean);
     m_figures.at(4)->setText(figures.deviation);
+    refreshVerdict();
+    refreshStatus();
+}
 
+void RecordPage::refreshVerdict()
+{
+    const Series &series = recorder().series();
     Words::VerdictWords words;
     if (!series.isEmpty() && !series.conditions().limit.name.isEmpty())
         words = Words::verdict(texts(), series.verdict(), true);
@@ -278,7 +280,11 @@ void RecordPage::refreshFigures()
     m_verdict->setVerdict(words.headline, words.state);
     m_reason->setText(words.reason);
     m_reason->setVisible(!words.reason.isEmpty());
+}
 
+void RecordPage::refreshStatus()
+{
+    const Series &series = recorder().series();
     const int wanted = isThere() ? series.conditions().wanted : recorder().wanted();
     QString status = QStringLiteral("%1 / %2").arg(series.count()).arg(wanted);
     if (recorder().isSaving())

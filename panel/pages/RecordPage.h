@@ -37,6 +37,8 @@ private:
     void plotAnew();
     void refreshAxes();
     void refreshFigures();
+    void refreshVerdict();
+    void refreshStatus();
     void readPoint(double seconds);
     void toggle();
     void save();

@@ -32,10 +32,10 @@ QString ohms(const Texts &, float value)
         : NumericalValueBox::autoFormat(value, ValueBox::Unit_Ohm, ValueBox::Prefix_None, 4, true);
 }
 
-QString henries(const Texts &texts, float value)
+QString henries(const Texts &, float value)
 {
     return NumericalValueBox::autoFormat(value, ValueBox::Unit_None, ValueBox::Prefix_m, 2, true)
-        + texts.text(Text {"Units", "henry", "H"});
+        + henry;
 }
 
 QString percent(const Texts &texts, float value)

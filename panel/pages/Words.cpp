@@ -5,8 +5,6 @@
 #include <datasource/KTV_DataSource.h>
 #include <valuebox/NumericalValueBox.h>
 
-#include <QStringList>
-
 using ValueBox::NumericalValueBox;
 
 namespace {
@@ -71,13 +69,6 @@ QString Words::bounds(const Texts &texts, Quantity quantity, const Limit &limit)
 QString Words::quantity(const Texts &texts, Quantity quantity)
 {
     return texts.text(quantities[static_cast<int>(quantity)]);
-}
-
-QString Words::object(const QString &type, const QString &name)
-{
-    QStringList parts {type, name};
-    parts.removeAll(QString());
-    return parts.join(QStringLiteral(" \u00B7 "));
 }
 
 QString Words::seconds(const Texts &texts, int milliseconds)

@@ -24,8 +24,6 @@ QString bounds(const Texts &texts, const QString &low, const QString &high);
 /** The bounds of a limit, in the unit in effect. */
 QString bounds(const Texts &texts, Quantity quantity, const Limit &limit);
 QString quantity(const Texts &texts, Quantity quantity);
-/** "Transformer · T1"; either may be empty. */
-QString object(const QString &type, const QString &name);
 QString seconds(const Texts &texts, int milliseconds);
 /** Warning of a memory card that fills up; empty for none. */
 QString cardAlert(const Texts &texts, const KTV_DataSource &library);
