@@ -95,7 +95,8 @@ Window::Window(Context &context, const QSize &size) : m_context(context)
     auto *rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(0);
-    rows->addWidget(makeHeader());
+    QWidget *header = makeHeader();
+    rows->addWidget(header);
     auto *columns = new QHBoxLayout;
     columns->setSpacing(0);
     if (!Theme::isCompact())
@@ -105,14 +106,19 @@ Window::Window(Context &context, const QSize &size) : m_context(context)
     columns->addLayout(pageColumn, 1);
     rows->addLayout(columns, 1);
     auto *keyboard = new Keyboard(context.texts(), context.keyboard(), this);
-    // A page makes room for it; a sheet stands above it anyway.
+    // A page makes room for it, and a small window's header as well; a sheet stands above it
+    // anyway.
     connect(keyboard, &Keyboard::opened, pageColumn,
-            [this, pageColumn](const QWidget *field, int height) {
-                if (m_stack->isAncestorOf(field))
-                    pageColumn->setContentsMargins(0, 0, 0, height);
+            [this, header, pageColumn](const QWidget *field, int height) {
+                if (!m_stack->isAncestorOf(field))
+                    return;
+                pageColumn->setContentsMargins(0, 0, 0, height);
+                header->setVisible(!Theme::isCompact());
             });
-    connect(keyboard, &Keyboard::closed, pageColumn,
-            [pageColumn] { pageColumn->setContentsMargins(0, 0, 0, 0); });
+    connect(keyboard, &Keyboard::closed, pageColumn, [header, pageColumn] {
+        pageColumn->setContentsMargins(0, 0, 0, 0);
+        header->show();
+    });
 
     for (const PageRow &row : pages) {
         m_pages += row.make(context.texts(), session());

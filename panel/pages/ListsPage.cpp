@@ -133,6 +133,9 @@ void ListsPage::setSearching(bool isSearching)
 {
     m_family->setVisible(!isSearching);
     m_buttons->setVisible(!isSearching);
+    const int margin = isSearching ? 0 : Theme::margin();
+    column()->setContentsMargins(Theme::margin(), Theme::isCompact() ? margin : Theme::margin(),
+                                 Theme::margin(), margin);
 }
 
 void ListsPage::refresh()

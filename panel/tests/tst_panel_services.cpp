@@ -51,6 +51,8 @@ private slots:
     void init();
     void cleanup();
     void searchAsYouType();
+    void hitsAreSeenWhileTyping_data();
+    void hitsAreSeenWhileTyping();
     void entriesOfEachList_data();
     void entriesOfEachList();
     void sameEntryTwice();
@@ -116,6 +118,35 @@ void TstPanelServices::searchAsYouType()
     QCOMPARE(panel.titles("lists.list"), QStringList("Aluminium alloy AlMgSi"));
     TAP(panel, "key.done", "lists.clear");
     QCOMPARE(panel.list("lists.list")->rowCount(), all);
+}
+
+void TstPanelServices::hitsAreSeenWhileTyping_data()
+{
+    QTest::addColumn<QSize>("size");
+    for (const QSize &size : {QSize(800, 480), QSize(1024, 600), QSize(480, 320)})
+        QTest::addRow("%d x %d", size.width(), size.height()) << size;
+}
+
+void TstPanelServices::hitsAreSeenWhileTyping()
+{
+    QFETCH(QSize, size);
+    PanelFixture panel(size);
+    panel.window.showPage(2);
+    TAP(panel, "lists.family.2", "lists.search");
+    QVERIFY(panel.finger.type(QStringLiteral("a")));
+    const TouchList *list = panel.list("lists.list");
+    QVERIFY(list->rowCount() > 2);
+    const QWidget *keyboard = panel.finger.find(QStringLiteral("keyboard"));
+    QVERIFY(keyboard);
+    QRect seen = list->viewport()->visibleRegion().boundingRect();
+    seen.setBottom(qMin(
+        seen.bottom(),
+        list->viewport()->mapFrom(&panel.window, keyboard->mapTo(&panel.window, QPoint())).y()));
+    for (int row = 0; row < 2; ++row)
+        QVERIFY2(seen.contains(list->rowRect(row)), qPrintable(QString::number(seen.height())));
+    TAP(panel, "key.done");
+    QVERIFY(panel.finger.find(QStringLiteral("header"))); // it has its room again
+    QVERIFY(panel.finger.find(QStringLiteral("lists.add")));
 }
 
 void TstPanelServices::entriesOfEachList_data()
