@@ -438,6 +438,8 @@ void TstPanelMeasuring::pointIsReadByTouch()
     const double seconds = touched.first().first().toDouble();
     QVERIFY2(seconds > 0.2 && seconds < 2, qPrintable(QString::number(seconds)));
     QVERIFY(plot->grab().toImage() != before);
+    const Series &series = panel.session.recorder().series();
+    QCOMPARE(plot->markedText(), series.text(series.nearest(seconds)));
 }
 
 void TstPanelMeasuring::seriesIsKeptUntilItIsDropped()

@@ -2,6 +2,8 @@
 
 #include "support/Volume.h"
 
+#include "touch/Theme.h"
+
 #include <configuration/KTV_InterfaceConfig.h>
 #include <datalist/KTV_DataList.h>
 #include <datasource/KTV_DataSource.h>
@@ -12,6 +14,7 @@
 #include <QDirIterator>
 #include <QLineEdit>
 #include <QRegularExpression>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QSet>
 #include <QTextBrowser>
@@ -21,6 +24,17 @@ namespace {
 const char *const pages[] = {"nav.Measure",  "nav.Record",      "nav.Lists",
                              "nav.WiFi",     "nav.USB",         "nav.Sound",
                              "nav.Settings", "nav.Accessories", "nav.About"};
+
+/** Number of the page that a widget is on: "measure.start" is on "nav.Measure". */
+int pageOf(const char *widget)
+{
+    const QString name = QStringLiteral("nav.") + QString::fromLatin1(widget).section('.', 0, 0);
+    const auto *const page =
+        std::find_if(std::begin(pages), std::end(pages), [&](const char *each) {
+            return name.compare(QLatin1String(each), Qt::CaseInsensitive) == 0;
+        });
+    return static_cast<int>(page - std::begin(pages));
+}
 
 /** Texts as the sources write them out. */
 QVector<QStringList> writtenTexts()
@@ -67,10 +81,17 @@ QStringList untranslated(const PanelFixture &panel, const LangSerwis &language)
     return found;
 }
 
+bool isScrolled(const QWidget *widget)
+{
+    while (widget && !qobject_cast<const QScrollArea *>(widget))
+        widget = widget->parentWidget();
+    return widget;
+}
+
 /** What is too small to be touched, or cannot be read whole, of what is on the screen. */
 QStringList problemsOf(const PanelFixture &panel, const QString &where)
 {
-    constexpr int fingertip = 44; // pixels
+    const int fingertip = Theme::px(44); // a smaller window has smaller everything
     QStringList problems;
     for (const QWidget *widget : panel.window.findChildren<QWidget *>()) {
         if (!widget->isVisible())
@@ -87,7 +108,10 @@ QStringList problemsOf(const PanelFixture &panel, const QString &where)
                 where + QLatin1Char(' ') + widget->objectName() + QLatin1Char(' ') + problem;
         };
         const QPoint corner = widget->mapTo(&panel.window, QPoint());
-        if (!panel.window.rect().contains(QRect(corner, widget->size())))
+        QRect place(corner, widget->size());
+        if (isScrolled(widget)) // up and down, not to the side
+            place.setCoords(place.left(), 0, place.right(), 0);
+        if (!panel.window.rect().contains(place))
             report(QStringLiteral("leaves the screen"));
         if (isTouched && (widget->width() < fingertip || widget->height() < fingertip))
             report(QStringLiteral("is %1 x %2").arg(widget->width()).arg(widget->height()));
@@ -118,7 +142,8 @@ private slots:
     void keyboardOfTheLanguage();
     void everythingCanBeTouchedAndRead_data();
     void everythingCanBeTouchedAndRead();
-    void onALargerScreen();
+    void onAnotherScreen_data();
+    void onAnotherScreen();
     void onASmallScreen();
     void unitOfTemperatures();
     void limitFollowsTheUnit();
@@ -269,18 +294,50 @@ void TstPanelSettings::everythingCanBeTouchedAndRead()
     panel.session.library().updateTimeDisk();
 }
 
-void TstPanelSettings::onALargerScreen()
+void TstPanelSettings::onAnotherScreen_data()
 {
-    PanelFixture panel(QSize(1024, 600));
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QString>("code");
+    for (const QSize &size : {QSize(480, 320), QSize(800, 480), QSize(1024, 600)})
+        for (const char *code : {"EN", "US", "PL", "DE"})
+            QTest::addRow("%d x %d, %s", size.width(), size.height(), code) << size << code;
+}
+
+void TstPanelSettings::onAnotherScreen()
+{
+    QFETCH(QSize, size);
+    QFETCH(QString, code);
+    PanelFixture panel(size);
+    panel.session.setLanguage(code);
+    // A series with all that is said of one.
+    Setup &setup = panel.session.setup();
+    setup.setLimit({QStringLiteral("joint"), QString(), QStringLiteral("1 m\u2126")});
+    setup.setObject(QStringLiteral("Transformer"), QStringLiteral("T1"));
+    setup.setMaterial(QStringLiteral("Copper"), 0.00393);
+    Recorder &recorder = panel.session.recorder();
+    recorder.setWanted(2);
+    recorder.start();
+    panel.session.hardware().hand(0.0012347F);
+    panel.session.hardware().hand(0.0012346F);
     QStringList problems;
-    for (const char *page : pages) {
-        TAP(panel, page);
-        problems += problemsOf(panel, QLatin1String(page));
+    for (int page = 0; page < static_cast<int>(std::size(pages)); ++page) {
+        panel.window.showPage(page);
+        QTest::qWait(0);
+        problems += problemsOf(panel, QLatin1String(pages[page]));
     }
     QCOMPARE(problems.join(QLatin1Char('\n')), QString());
-    // Nothing is left over: the lowest button is as far from the edge as on the usual screen.
-    const QWidget *reset = panel.finger.find(QStringLiteral("nav.About"));
-    QCOMPARE(reset->mapTo(&panel.window, reset->rect().bottomLeft()).y(), 599);
+    if (Theme::isCompact())
+        return; // its pages are scrolled
+    // No corner is left empty: what is lowest at the right of a page is a margin away from the
+    // edge.
+    for (const char *lowest : {"measure.start", "record.start", "lists.delete", "wifi.forget"}) {
+        panel.window.showPage(pageOf(lowest));
+        const QWidget *widget = panel.finger.find(QLatin1String(lowest));
+        QVERIFY2(widget, lowest);
+        const QPoint corner = widget->mapTo(&panel.window, widget->rect().bottomRight());
+        const QPoint edge = panel.window.rect().bottomRight();
+        QCOMPARE(edge - corner, QPoint(Theme::margin(), Theme::margin()));
+    }
 }
 
 void TstPanelSettings::onASmallScreen()
@@ -330,7 +387,8 @@ void TstPanelSettings::limitFollowsTheUnit()
     QVERIFY(Finger::waitFor([&] { return !panel.session.hardware().isRunning(); }));
     const auto *display = panel.finger.see<ValueDisplay>(QStringLiteral("measure.value"));
     QCOMPARE(display->value(), QStringLiteral("74.0 \u00B0F"));
-    QCOMPARE(display->verdict(), QStringLiteral("Pass")); // 0 to 30 are 32 to 86
+    QCOMPARE(display->verdict(), QStringLiteral("Pass"));
+    QCOMPARE(display->note(), QStringLiteral("32 \u00B0F \u2026 86 \u00B0F"));
 }
 
 void TstPanelSettings::appearance()

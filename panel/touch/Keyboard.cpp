@@ -15,7 +15,7 @@ constexpr int keyGap = 5;
 constexpr int keyHeight = 44;
 const QLatin1String keyboardName("keyboard");
 
-/** What no layout of letters is sure to have. */
+/** All symbols of ASCII: the layouts of letters come from the languages, and may lack some. */
 const QLatin1String symbolRows[] = {QLatin1String("1234567890"), QLatin1String("!\"#$%&'()*+"),
                                     QLatin1String(",-./:;<=>?@"), QLatin1String("[\\]^_`{|}~")};
 

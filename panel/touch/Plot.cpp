@@ -167,6 +167,11 @@ void Plot::unmark()
     m_mark->hide();
 }
 
+QString Plot::markedText() const
+{
+    return m_mark->isVisible() ? m_mark->label().text() : QString();
+}
+
 void Plot::refresh()
 {
     if (!isVisible())

@@ -37,6 +37,7 @@ public:
     /** Marks a point that has been added, with its text. */
     void mark(const QPointF &point, const QString &text);
     void unmark();
+    QString markedText() const; ///< empty while none is marked
     /** Draws what has been added; does nothing while the plot is not seen. */
     void refresh();
 
