@@ -178,6 +178,7 @@ bool NamedDatabase::begin()
     if (m_inTransaction)
         return false;
     m_inTransaction = m_db.transaction();
+    m_hasRun = false;
     m_hasChanges = false;
     return m_inTransaction;
 }
@@ -248,13 +249,15 @@ Statement::Statement(NamedDatabase &database, const QString &text, const QVarian
     // changed the tables would report the next failure in other words.
     if (!m_isDone)
         database.m_kept.clear();
+    database.m_hasRun = true;
 }
 
 bool Statement::run(NamedDatabase &database, const QString &text, const QVariantList &values,
                     Use use)
 {
     QSqlQuery &query = m_run.query;
-    if (query.lastQuery().isEmpty()) {
+    const bool isKept = !query.lastQuery().isEmpty();
+    if (!isKept) {
         // Running a statement whose preparation failed would replace the reason.
         if (!query.prepare(text))
             return false;
@@ -263,11 +266,24 @@ bool Statement::run(NamedDatabase &database, const QString &text, const QVariant
     }
     for (int i = 0; i < values.size(); ++i)
         query.bindValue(i, values.at(i));
-    if (!query.exec())
+    if (!query.exec()) {
+        if (isKept && isStatementsFault(query.lastError()))
+            m_error = failureOfFresh(database, text);
         return false;
+    }
     if (!query.isSelect())
         m_error = database.noteChange();
     return !m_error.isValid();
+}
+
+QSqlError Statement::failureOfFresh(const NamedDatabase &database, const QString &text)
+{
+    // The first statement to meet tables that another program has changed fails when it is run.
+    // Within a transaction those before it have met them: it fails when it is prepared.
+    if (!database.m_inTransaction || !database.m_hasRun)
+        return {};
+    QSqlQuery fresh(database.m_db);
+    return fresh.prepare(text) ? QSqlError() : fresh.lastError();
 }
 
 QStringList versionTable(int version)

@@ -80,6 +80,7 @@ private:
     QHash<QString, QSqlQuery> m_kept; ///< prepared statements by their text; none is running
     bool m_isRegistered = false;
     bool m_inTransaction = false;
+    bool m_hasRun = false; ///< a statement, since the transaction began
     bool m_hasChanges = false; ///< since the transaction began
 };
 
@@ -149,6 +150,8 @@ private:
     };
 
     bool run(NamedDatabase &database, const QString &text, const QVariantList &values, Use use);
+    /** Why a fresh statement would have failed in a kept one's place; no error: as that one did. */
+    static QSqlError failureOfFresh(const NamedDatabase &database, const QString &text);
 
     Run m_run;
     QSqlError m_error;

@@ -749,6 +749,14 @@ void TstKtvInterfaceConfig::tablesChangeUnderneath()
     QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("DE"));
     config.setValue(Config::MAIN_Lang, QStringLiteral("PL"));
     QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("PL"));
+    change("ALTER TABLE CONFIG_STR RENAME COLUMN CON_Value TO Other");
+    {
+        const LogCapture log; // the deletion meets no column that is gone, but it reads the tables
+        config.setValue(Config::MAIN_Lang, QStringLiteral("DE"));
+        QCOMPARE(log.lines(),
+                 QStringList("setValue - INSERT: table CONFIG_STR has no column named CON_Value "
+                             "Unable to execute statement"));
+    }
     change("BEGIN EXCLUSIVE"); // nothing that goes on holds the file
 }
 
