@@ -56,15 +56,32 @@ AboutPage::AboutPage(Texts &texts, Session &session)
     , m_alert(label(QStringLiteral("about.alert"), "alarm"))
     , m_gauge(new Gauge)
 {
-    auto *identity = new QGridLayout;
-    identity->setVerticalSpacing(6);
-    identity->setHorizontalSpacing(Theme::margin());
-    m_model = addFact(identity, Text {"About", "model", "Model"}, "about.model");
-    m_serial = addFact(identity, Text {"About", "serialNumber", "Serial number"}, "about.serial");
-    m_interface = addFact(identity, Text {"About", "interfaceVersion", "Interface version"},
-                          "about.interface");
-    m_system = addFact(identity, Text {"About", "systemVersion", "System version"}, "about.system");
+    auto *upper = new QHBoxLayout;
+    upper->setSpacing(2 * Theme::margin());
+    upper->addLayout(makeIdentity(), 1);
+    upper->addLayout(makeCounters(), 1);
+    column()->addLayout(upper, 1);
+    layOutCard();
+    connect(&session.library(), &KTV_DataSource::changeFreeSpaceAlert, this, &AboutPage::refresh);
+    connect(&session, &Session::meterChanged, this, &AboutPage::refresh);
+    texts.keep(this, [this] { refresh(); });
+}
 
+QVBoxLayout *AboutPage::makeIdentity()
+{
+    auto *facts = new QGridLayout;
+    facts->setVerticalSpacing(6);
+    facts->setHorizontalSpacing(Theme::margin());
+    m_model = addFact(facts, Text {"About", "model", "Model"}, "about.model");
+    m_serial = addFact(facts, Text {"About", "serialNumber", "Serial number"}, "about.serial");
+    m_interface =
+        addFact(facts, Text {"About", "interfaceVersion", "Interface version"}, "about.interface");
+    m_system = addFact(facts, Text {"About", "systemVersion", "System version"}, "about.system");
+    return under(Text {"About", "title", "About the meter"}, facts);
+}
+
+QVBoxLayout *AboutPage::makeCounters()
+{
     auto *counts = new QGridLayout;
     counts->setVerticalSpacing(4);
     counts->setHorizontalSpacing(Theme::margin());
@@ -74,29 +91,28 @@ AboutPage::AboutPage(Texts &texts, Session &session)
             qPrintable(QStringLiteral("about.counter.%1").arg(static_cast<int>(row.counter))));
         m_counters.last()->setAlignment(Qt::AlignRight);
     }
+    return under(Text {"About", "counters", "Measurements made"}, counts);
+}
 
-    auto *left = new QVBoxLayout;
-    left->addWidget(heading(texts, Text {"About", "title", "About the meter"}));
-    left->addLayout(identity);
-    left->addStretch(1);
-    auto *right = new QVBoxLayout;
-    right->addWidget(heading(texts, Text {"About", "counters", "Measurements made"}));
-    right->addLayout(counts);
-    right->addStretch(1);
-    auto *upper = new QHBoxLayout;
-    upper->setSpacing(2 * Theme::margin());
-    upper->addLayout(left, 1);
-    upper->addLayout(right, 1);
-    column()->addLayout(upper, 1);
+QVBoxLayout *AboutPage::under(const Text &title, QLayout *facts)
+{
+    auto *part = new QVBoxLayout;
+    part->addWidget(heading(texts(), title));
+    part->addLayout(facts);
+    part->addStretch(1);
+    return part;
+}
 
+void AboutPage::layOutCard()
+{
     auto *cardRow = new QHBoxLayout;
-    cardRow->addWidget(heading(texts, Text {"About", "disk", "Memory card"}));
+    cardRow->addWidget(heading(texts(), Text {"About", "disk", "Memory card"}));
     cardRow->addStretch(1);
     cardRow->addWidget(m_card);
     column()->addLayout(cardRow);
     column()->addWidget(m_gauge);
     auto *check = new TouchButton(QStringLiteral("about.check"));
-    texts.translate(check, Text {"Panel", "checkNow", "Check now"});
+    texts().translate(check, Text {"Panel", "checkNow", "Check now"});
     connect(check, &QPushButton::clicked, this, &AboutPage::enter);
     auto *figures = new QHBoxLayout;
     auto *lines = new QVBoxLayout;
@@ -105,10 +121,6 @@ AboutPage::AboutPage(Texts &texts, Session &session)
     figures->addLayout(lines, 1);
     figures->addWidget(check);
     column()->addLayout(figures);
-
-    connect(&session.library(), &KTV_DataSource::changeFreeSpaceAlert, this, &AboutPage::refresh);
-    connect(&session, &Session::meterChanged, this, &AboutPage::refresh);
-    texts.keep(this, [this] { refresh(); });
 }
 
 QLabel *AboutPage::addFact(QGridLayout *grid, const Text &captionText, const char *name)

@@ -4,6 +4,7 @@
 
 class Gauge;
 class QGridLayout;
+class QLayout;
 
 /** What this meter is, what it has measured, and how full its memory card is. */
 class AboutPage : public Page
@@ -14,6 +15,10 @@ public:
     void enter() override;
 
 private:
+    QVBoxLayout *makeIdentity();
+    QVBoxLayout *makeCounters();
+    QVBoxLayout *under(const Text &title, QLayout *facts);
+    void layOutCard();
     QLabel *addFact(QGridLayout *grid, const Text &caption, const char *name);
     void refresh();
 

@@ -87,29 +87,10 @@ TestObjectSheet::TestObjectSheet(Texts &texts, Setup &setup, QWidget *somewhere)
     , m_leads(new Choice(QStringLiteral("object.leads"), std::size(leadsTexts)))
 {
     constexpr int sheetWidth = 680;
-    constexpr int stepWidth = 56;
     addTitle(Text {"Panel", "object", "Simulated object"});
     auto *grid = new QGridLayout;
-    for (int i = 0; i < quantities().size(); ++i) {
-        auto *value = new FieldButton(QStringLiteral("object.%1").arg(i));
-        value->setEnabled(true);
-        value->setAttribute(Qt::WA_TransparentForMouseEvents);
-        texts.translate(value, quantities().at(i).name);
-        auto *less = new TouchButton(QStringLiteral("object.%1.less").arg(i));
-        less->setText(QStringLiteral("\u2212"));
-        auto *more = new TouchButton(QStringLiteral("object.%1.more").arg(i));
-        more->setText(QStringLiteral("+"));
-        less->setFixedWidth(Theme::px(stepWidth));
-        more->setFixedWidth(Theme::px(stepWidth));
-        connect(less, &QPushButton::clicked, this, [this, i] { step(i, -1); });
-        connect(more, &QPushButton::clicked, this, [this, i] { step(i, +1); });
-        const int left = (i % 2) * 3;
-        grid->addWidget(less, i / 2, left);
-        grid->addWidget(value, i / 2, left + 1);
-        grid->addWidget(more, i / 2, left + 2);
-        grid->setColumnStretch(left + 1, 1);
-        m_values += value;
-    }
+    for (int quantity = 0; quantity < quantities().size(); ++quantity)
+        addQuantity(grid, quantity);
     card()->addLayout(grid);
     for (size_t i = 0; i < std::size(leadsTexts); ++i)
         texts.translate(m_leads->part(static_cast<int>(i)), leadsTexts[i]);
@@ -125,6 +106,30 @@ TestObjectSheet::TestObjectSheet(Texts &texts, Setup &setup, QWidget *somewhere)
     card()->addWidget(close);
     refresh();
     open(sheetWidth);
+}
+
+void TestObjectSheet::addQuantity(QGridLayout *grid, int quantity)
+{
+    const QString name = QStringLiteral("object.%1").arg(quantity);
+    auto *value = new FieldButton(name);
+    value->setAttribute(Qt::WA_TransparentForMouseEvents);
+    texts().translate(value, quantities().at(quantity).name);
+    m_values += value;
+    const auto makeStep = [&](const char *part, const QString &sign, int direction) {
+        constexpr int stepWidth = 56;
+        auto *button = new TouchButton(name + QLatin1String(part));
+        button->setText(sign);
+        button->setFixedWidth(Theme::px(stepWidth));
+        connect(button, &QPushButton::clicked, this,
+                [this, quantity, direction] { step(quantity, direction); });
+        return button;
+    };
+    const int row = quantity / 2;
+    const int left = (quantity % 2) * 3;
+    grid->addWidget(makeStep(".less", QStringLiteral("\u2212"), -1), row, left);
+    grid->addWidget(value, row, left + 1);
+    grid->addWidget(makeStep(".more", QStringLiteral("+"), +1), row, left + 2);
+    grid->setColumnStretch(left + 1, 1);
 }
 
 QString TestObjectSheet::summary(const Texts &texts, const Setup &setup)

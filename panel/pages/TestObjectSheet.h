@@ -4,6 +4,7 @@
 
 class Choice;
 class FieldButton;
+class QGridLayout;
 class Setup;
 
 /** The object under test, to be changed: what a person would do with leads and objects. */
@@ -17,6 +18,7 @@ public:
     static QString summary(const Texts &texts, const Setup &setup);
 
 private:
+    void addQuantity(QGridLayout *grid, int quantity);
     void refresh();
     void step(int quantity, int direction);
 

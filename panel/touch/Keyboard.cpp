@@ -184,55 +184,67 @@ void Keyboard::addLastRow()
 {
     auto *row = new QHBoxLayout;
     row->setSpacing(Theme::px(keyGap));
-    const auto add = [&](const char *name, const QString &text, int stretch, auto action) {
-        auto *key = new TouchButton(QLatin1String(name), TouchButton::Key);
-        key->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-        key->setMinimumHeight(Theme::px(keyHeight));
-        key->setText(text);
-        connect(key, &QPushButton::clicked, this, action);
-        row->addWidget(key, stretch);
-        return key;
-    };
+    static_cast<QVBoxLayout *>(m_keys->layout())->addLayout(row);
     if (m_field->kind() == TextField::Letters) {
-        QPushButton *shift = add("key.shift", QStringLiteral("\u21E7"), 2, [this] {
-            m_isBig = !m_isBig;
-            m_isSymbols = false;
-            build();
-        });
-        shift->setCheckable(true);
-        shift->setChecked(m_isBig);
-        QPushButton *regional = add("key.regional", m_policy.regionalName(), 2, [this] {
-            m_isRegional = !m_isRegional;
-            m_isSymbols = false;
-            build();
-        });
-        regional->setCheckable(true);
-        regional->setChecked(m_isRegional && !m_isSymbols);
-        QPushButton *symbols = add("key.symbols", QStringLiteral("[#]"), 2, [this] {
-            m_isSymbols = !m_isSymbols;
-            m_isBig = false;
-            build();
-        });
-        symbols->setCheckable(true);
-        symbols->setChecked(m_isSymbols);
-        add("key.space", QString(), 6, [this] {
+        addModeKeys(row);
+        connect(addKey(row, "key.space", QString(), 6), &QPushButton::clicked, this, [this] {
             if (m_field)
                 m_field->insert(QStringLiteral(" "));
         });
     }
-    add("key.backspace", QStringLiteral("\u232B"), 2, [this] {
-        if (m_field)
-            m_field->backspace();
+    connect(addKey(row, "key.backspace", QStringLiteral("\u232B"), 2), &QPushButton::clicked, this,
+            [this] {
+                if (m_field)
+                    m_field->backspace();
+            });
+    QPushButton *done = addKey(row, "key.done", QStringLiteral("\u2713"), 3);
+    done->setProperty("role", QStringLiteral("lastKey"));
+    connect(done, &QPushButton::clicked, this, &Keyboard::finish);
+}
+
+void Keyboard::addModeKeys(QHBoxLayout *row)
+{
+    const auto add = [&](const char *name, const QString &text, bool isOn, auto change) {
+        QPushButton *key = addKey(row, name, text, 2);
+        key->setCheckable(true);
+        key->setChecked(isOn);
+        connect(key, &QPushButton::clicked, this, [this, change] {
+            change();
+            build();
+        });
+    };
+    add("key.shift", QStringLiteral("\u21E7"), m_isBig, [this] {
+        m_isBig = !m_isBig;
+        m_isSymbols = false;
     });
-    add("key.done", QStringLiteral("\u2713"), 3, [this] {
-        const QPointer<TextField> field = m_field;
-        if (!field)
-            return;
-        close(field);
-        if (field)
-            emit field->accepted();
-    })->setProperty("role", QStringLiteral("lastKey"));
-    static_cast<QVBoxLayout *>(m_keys->layout())->addLayout(row);
+    add("key.regional", m_policy.regionalName(), m_isRegional && !m_isSymbols, [this] {
+        m_isRegional = !m_isRegional;
+        m_isSymbols = false;
+    });
+    add("key.symbols", QStringLiteral("[#]"), m_isSymbols, [this] {
+        m_isSymbols = !m_isSymbols;
+        m_isBig = false;
+    });
+}
+
+QPushButton *Keyboard::addKey(QHBoxLayout *row, const char *name, const QString &text, int stretch)
+{
+    auto *key = new TouchButton(QLatin1String(name), TouchButton::Key);
+    key->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    key->setMinimumHeight(Theme::px(keyHeight));
+    key->setText(text);
+    row->addWidget(key, stretch);
+    return key;
+}
+
+void Keyboard::finish()
+{
+    const QPointer<TextField> field = m_field;
+    if (!field)
+        return;
+    close(field);
+    if (field)
+        emit field->accepted();
 }
 
 void Keyboard::place()

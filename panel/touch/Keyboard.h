@@ -6,6 +6,8 @@
 #include <QWidget>
 
 class KeyboardPolicy;
+class QHBoxLayout;
+class QPushButton;
 class Texts;
 
 /** A line to be written with the keyboard on the screen, which it opens and closes. */
@@ -70,6 +72,9 @@ private:
     void insert(const QString &text);
     void addTextRow(const QStringList &texts);
     void addLastRow();
+    void addModeKeys(QHBoxLayout *row);
+    QPushButton *addKey(QHBoxLayout *row, const char *name, const QString &text, int stretch);
+    void finish();
     void place();
 
     const KeyboardPolicy &m_policy;

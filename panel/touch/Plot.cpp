@@ -196,51 +196,46 @@ void Plot::scale()
     for (const int axis : {int(QwtPlot::xBottom), int(QwtPlot::yLeft)})
         m_plot->enableAxis(axis, !m_envelope.isEmpty());
     m_plot->setAxisScale(QwtPlot::xBottom, 0, std::max(m_envelope.lastX(), 1.) / m_x.divisor);
-    double low = m_envelope.minimum();
-    double high = m_envelope.maximum();
-    if (std::isnan(low)) {
-        low = 0;
-        high = 1;
+    const Range range = valueRange();
+    m_plot->setAxisScale(QwtPlot::yLeft, range.low / m_y.divisor, range.high / m_y.divisor);
+    for (int i = 0; i < m_lines.size(); ++i)
+        draw(m_bounds.at(i), m_lines.at(i), range);
+}
+
+Plot::Range Plot::valueRange() const
+{
+    const bool hasValues = !std::isnan(m_envelope.minimum());
+    const Range values =
+        hasValues ? Range {m_envelope.minimum(), m_envelope.maximum()} : Range {0, 1};
+    const double span = std::max(values.high - values.low, std::abs(values.high) * 1e-4);
+    Range reached = values;
+    for (const Bound &bound : std::as_const(m_bounds)) {
+        reached.low = std::min(reached.low, bound.value);
+        reached.high = std::max(reached.high, bound.value);
     }
     // Bounds come into view as long as the curve stays more than a line between them.
     constexpr double flattest = 20;
-    const double span = std::max(high - low, std::abs(high) * 1e-4);
-    double reachedLow = low;
-    double reachedHigh = high;
-    for (const Bound &bound : std::as_const(m_bounds)) {
-        reachedLow = std::min(reachedLow, bound.value);
-        reachedHigh = std::max(reachedHigh, bound.value);
-    }
-    if (reachedHigh - reachedLow <= flattest * span) {
-        low = reachedLow;
-        high = reachedHigh;
-    }
-    const double margin = std::max((high - low) / 10, span / 10);
-    low -= margin;
-    high += margin;
-    m_plot->setAxisScale(QwtPlot::yLeft, low / m_y.divisor, high / m_y.divisor);
+    const Range range = reached.high - reached.low <= flattest * span ? reached : values;
+    const double margin = std::max((range.high - range.low) / 10, span / 10);
+    return {range.low - margin, range.high + margin};
+}
 
-    for (int i = 0; i < m_lines.size(); ++i) {
-        const Bound &bound = m_bounds.at(i);
-        // One that is out of view stands at the edge, with an arrow.
-        const bool isAbove = bound.value > high;
-        const bool isBelow = bound.value < low;
-        QwtText text(bound.text
-                     + (isAbove       ? QStringLiteral(" \u2191")
-                            : isBelow ? QStringLiteral(" \u2193")
-                                      : QString()));
-        QFont font = this->font();
-        font.setPixelSize(Theme::px(12));
-        text.setFont(font);
-        text.setColor(Theme::current().alarm);
-        m_lines.at(i)->setYValue(std::clamp(bound.value, low, high) / m_y.divisor);
-        m_lines.at(i)->setLinePen(Theme::current().alarm, 1,
-                                  isAbove || isBelow ? Qt::NoPen : Qt::DashLine);
-        const bool isInUpperHalf = bound.value > (low + high) / 2;
-        m_lines.at(i)->setLabel(text);
-        m_lines.at(i)->setLabelAlignment(Qt::AlignRight
-                                         | (isInUpperHalf ? Qt::AlignBottom : Qt::AlignTop));
-    }
+void Plot::draw(const Bound &bound, QwtPlotMarker *line, const Range &range) const
+{
+    // One that is out of view stands at the edge, with an arrow.
+    const bool isAbove = bound.value > range.high;
+    const bool isBelow = bound.value < range.low;
+    const char16_t *const arrow = isAbove ? u" \u2191" : isBelow ? u" \u2193" : u"";
+    QwtText text(bound.text + QString::fromUtf16(arrow));
+    QFont font = this->font();
+    font.setPixelSize(Theme::px(12));
+    text.setFont(font);
+    text.setColor(Theme::current().alarm);
+    line->setYValue(std::clamp(bound.value, range.low, range.high) / m_y.divisor);
+    line->setLinePen(Theme::current().alarm, 1, isAbove || isBelow ? Qt::NoPen : Qt::DashLine);
+    const bool isInUpperHalf = bound.value > (range.low + range.high) / 2;
+    line->setLabel(text);
+    line->setLabelAlignment(Qt::AlignRight | (isInUpperHalf ? Qt::AlignBottom : Qt::AlignTop));
 }
 
 // --- how it looks

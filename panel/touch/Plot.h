@@ -51,8 +51,17 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
+    /** Of the value axis, in the unit of the values. */
+    struct Range
+    {
+        double low;
+        double high;
+    };
+
     void dress();
     void scale();
+    Range valueRange() const;
+    void draw(const Bound &bound, QwtPlotMarker *line, const Range &range) const;
     QPointF divided(const QPointF &point) const;
 
     Envelope m_envelope;
