@@ -9,6 +9,7 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QLocale>
 
 #include <algorithm>
 #include <memory>
@@ -220,13 +221,23 @@ QJsonObject toJson(const PickList &list, const Entry &entry)
     return json;
 }
 
+/** Numbers as Qt 5 writes them: where an exponent is shorter, Qt 6 has 6e-04 for 0.0006. */
+QString toText(const QVariant &column)
+{
+    const double number = std::abs(column.toDouble());
+    const bool isPlain = number >= 1e-4 && number < 1e6;
+    if (column.userType() == QMetaType::Double && isPlain)
+        return QString::number(column.toDouble(), 'f', QLocale::FloatingPointShortest);
+    return column.toString();
+}
+
 QString toLine(const PickList &list, const Entry &entry)
 {
     QString line = QString::number(entry.id).rightJustified(4);
     if (list.hasFactoryRows)
         line += entry.isFactory ? QStringLiteral("  factory") : QStringLiteral("  user   ");
     for (const QVariant &column : entry.columns)
-        line += QStringLiteral("  ") + column.toString();
+        line += QStringLiteral("  ") + toText(column);
     return line;
 }
 
