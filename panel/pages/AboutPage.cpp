@@ -1,6 +1,6 @@
 #include "pages/AboutPage.h"
 
-#include "pages/Words.h"
+#include "common/Words.h"
 #include "touch/Buttons.h"
 #include "touch/Indicators.h"
 #include "touch/Theme.h"

@@ -1,6 +1,6 @@
 #include "pages/ListsPage.h"
 
-#include "pages/Words.h"
+#include "common/Words.h"
 #include "touch/Buttons.h"
 #include "touch/Keyboard.h"
 #include "touch/Sheets.h"

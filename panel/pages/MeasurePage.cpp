@@ -1,8 +1,8 @@
 #include "pages/MeasurePage.h"
 
+#include "common/TestObjectSheet.h"
+#include "common/Words.h"
 #include "meter/Hardware.h"
-#include "pages/TestObjectSheet.h"
-#include "pages/Words.h"
 #include "touch/Buttons.h"
 #include "touch/Sheets.h"
 #include "touch/Theme.h"

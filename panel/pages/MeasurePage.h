@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pages/Page.h"
+#include "common/Page.h"
 
 #include <functional>
 

@@ -1,6 +1,6 @@
 #include "pages/SettingsPage.h"
 
-#include "pages/LanguageSheet.h"
+#include "common/LanguageSheet.h"
 #include "touch/Buttons.h"
 #include "touch/PercentSlider.h"
 #include "touch/Theme.h"

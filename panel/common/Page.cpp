@@ -1,4 +1,4 @@
-#include "pages/Page.h"
+#include "common/Page.h"
 
 #include "touch/Sheets.h"
 #include "touch/Theme.h"

@@ -1,4 +1,4 @@
-#include "pages/Words.h"
+#include "common/Words.h"
 
 #include "touch/Texts.h"
 

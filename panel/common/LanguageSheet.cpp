@@ -1,4 +1,4 @@
-#include "pages/LanguageSheet.h"
+#include "common/LanguageSheet.h"
 
 #include "meter/Session.h"
 

@@ -1,4 +1,4 @@
-#include "pages/TestObjectSheet.h"
+#include "common/TestObjectSheet.h"
 
 #include "meter/Setup.h"
 #include "touch/Buttons.h"
