@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QtConcurrent>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -17,6 +18,9 @@ using WiFi::Network;
 namespace {
 
 constexpr int usualPatience = 20000; // ms; a sound network takes 5 to 10 s
+constexpr int joiningInterval = 1000; // ms, between looks at the connection
+constexpr int switchingTime = 3000; // ms, at most
+constexpr int rescanDelay = 1000; // ms; a scan that cannot even be started fails at once
 
 /** The tool tells an address behind a colon. */
 QString bare(const QString &address)
@@ -29,29 +33,40 @@ QString bare(const QString &address)
 Networks::Networks(KTV_Connection &connection, QObject *parent)
     : QObject(parent)
     , m_connection(connection)
+    , m_patience(usualPatience)
 {
     connect(&connection, &KTV_Connection::WiFi_Scan, this, &Networks::takeScan);
     connect(&connection, &KTV_Connection::WiFi_DetailState_Change, this, &Networks::takeDetails);
     connect(&connection, &KTV_Connection::WiFi_State_Change, this, &Networks::takeState);
     connect(&m_adapter, &QFutureWatcher<void>::finished, this, &Networks::start);
-    m_patience.setSingleShot(true);
-    m_patience.setInterval(usualPatience);
-    connect(&m_patience, &QTimer::timeout, this,
-            [this] { endJoining(m_state.isConnected && m_state.name == m_joining); });
+    connect(&m_reading, &QFutureWatcherBase::finished, this, &Networks::takeReading);
+    m_joiningTick.setSingleShot(true);
+    m_joiningTick.setInterval(joiningInterval);
+    connect(&m_joiningTick, &QTimer::timeout, this, &Networks::checkJoining);
 }
 
 Networks::~Networks()
 {
     m_adapter.waitForFinished();
+    m_reading.waitForFinished();
     rest();
     m_connection.disconnect(this);
     QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
+}
+
+bool Networks::isPassPhrase(const QString &key)
+{
+    constexpr int shortest = 8;
+    constexpr int longest = 63;
+    return key.size() >= shortest && key.size() <= longest;
 }
 
 void Networks::look()
 {
     m_isLooking = true;
     m_isScanned = false;
+    m_isScanLate = false;
+    m_emptyScans = 0;
     readKnown();
     m_state.hasAdapter = !m_connection.getInterfaceName().isEmpty();
     if (m_state.hasAdapter)
@@ -67,6 +82,7 @@ void Networks::start()
     if (m_isLooking) {
         m_connection.DetailInfoScan(true);
         m_connection.ScanNetwork(true);
+        read(); // the library tells of changes only
     }
     emit changed();
 }
@@ -78,41 +94,96 @@ void Networks::rest()
     m_connection.DetailInfoScan(false);
 }
 
+bool Networks::isOpen(const QString &name) const
+{
+    return std::any_of(m_cells.begin(), m_cells.end(), [&name](const Cell &cell) {
+        return cell.name == name && !cell.isProtected;
+    });
+}
+
 // --- what the library tells
 
 void Networks::takeScan(QList<Network *> *networks)
 {
+    constexpr int believedEmptyScans = 2;
     const std::unique_ptr<QList<Network *>> owned(networks);
-    m_isScanned = true;
-    m_cells.clear();
-    if (owned) {
+    m_isScanLate = !owned;
+    if (!owned) {
+        // The library has ended scanning. An adapter of two bands needs more than the 5 s allowed.
+        QTimer::singleShot(rescanDelay, this, [this] {
+            if (m_isLooking)
+                m_connection.ScanNetwork(true);
+        });
+        emit changed();
+        return;
+    }
+    m_emptyScans = owned->isEmpty() ? m_emptyScans + 1 : 0;
+    if (!owned->isEmpty() || m_emptyScans >= believedEmptyScans) {
+        m_isScanned = true;
+        m_cells.clear();
         for (const Network *network : std::as_const(*owned))
             m_cells.prepend({NetworkName::readable(network->ESSID),
                              qMax(0, network->state - Network::wifi_States_Connect_0),
                              network->encryption}); // the weakest came first
-        qDeleteAll(*owned);
     }
+    qDeleteAll(*owned);
     emit changed();
 }
 
 void Networks::takeDetails(Network *network)
 {
     const std::unique_ptr<Network> owned(network);
-    m_state.name = NetworkName::readable(network->ESSID);
-    m_state.address = bare(network->address);
-    m_state.mask = bare(network->mask);
-    m_state.broadcast = bare(network->broadcast);
-    takeState(network->state);
-    if (m_state.isConnected && !m_joining.isEmpty() && m_state.name == m_joining)
-        endJoining(true);
+    m_isReadingOld = true;
+    take(*owned);
+    emit changed();
+    if (!m_joining.isEmpty())
+        checkJoining();
 }
 
 void Networks::takeState(int state)
 {
+    m_isReadingOld = true;
+    setState(state);
+    emit changed();
+}
+
+void Networks::read()
+{
+    if (m_reading.isRunning())
+        return;
+    m_isReadingOld = false;
+    m_reading.setFuture(QtConcurrent::run([connection = &m_connection] {
+        const QSharedPointer<Network> network(connection->getWiFi_Info());
+        network->moveToThread(connection->thread());
+        return network;
+    }));
+}
+
+void Networks::takeReading()
+{
+    const QSharedPointer<Network> network = m_reading.result();
+    if (!m_isReadingOld)
+        take(*network);
+    emit changed();
+    if (std::exchange(m_isChecking, false))
+        judgeJoining(*network);
+}
+
+void Networks::take(const Network &network)
+{
+    m_state.name = NetworkName::readable(network.ESSID);
+    m_state.address = bare(network.address);
+    m_state.mask = bare(network.mask);
+    m_state.broadcast = bare(network.broadcast);
+    setState(network.state);
+}
+
+void Networks::setState(int state)
+{
+    m_state.isRead = true;
     m_state.isOn = state > Network::wifi_States_OFF;
     m_state.isAssociated = state >= Network::wifi_States_Connecting;
     m_state.isConnected = state >= Network::wifi_States_Connect_0;
-    emit changed();
 }
 
 void Networks::readKnown()
@@ -130,6 +201,11 @@ void Networks::readKnown()
 void Networks::setOn(bool on)
 {
     m_connection.set_wifi_Enable(on);
+    // The library tells of a change only to what it has told before, which may have been nothing.
+    QTimer::singleShot(switchingTime, this, [this] {
+        if (m_isLooking)
+            read();
+    });
 }
 
 bool Networks::join(const QString &name, const QString &key)
@@ -137,18 +213,53 @@ bool Networks::join(const QString &name, const QString &key)
     const bool isStored = m_connection.AddNetwork(name, key);
     if (isStored) {
         m_joining = name;
-        m_patience.start();
+        m_isJoiningOpen = key.isEmpty();
+        m_isChecking = false; // what is being read is the former connection
+        m_joiningEnd.setRemainingTime(m_patience);
+        m_joiningTick.start();
     }
     readKnown();
     return isStored;
 }
 
-void Networks::endJoining(bool isWell)
+void Networks::checkJoining()
 {
-    m_patience.stop();
-    const QString name = std::exchange(m_joining, QString());
+    if (m_reading.isRunning()) { // since when?
+        m_joiningTick.start();
+        return;
+    }
+    m_isChecking = true;
+    read();
+}
+
+void Networks::judgeJoining(const Network &network)
+{
+    const bool isJoined = network.state >= Network::wifi_States_Connect_0
+        && NetworkName::readable(network.ESSID) == m_joining;
+    if (!isJoined && !m_joiningEnd.hasExpired()) {
+        m_joiningTick.start();
+        return;
+    }
+    const QString name = m_joining;
+    stopJoining();
     emit changed();
-    emit joined(name, isWell);
+    emit joined(name, isJoined ? Joined : failure(name));
+}
+
+Networks::Outcome Networks::failure(const QString &name) const
+{
+    if (m_isJoiningOpen)
+        return NotAnswering;
+    const bool isInReach = std::any_of(m_cells.begin(), m_cells.end(),
+                                       [&name](const Cell &cell) { return cell.name == name; });
+    return isInReach ? PassPhraseRefused : NotFound;
+}
+
+void Networks::stopJoining()
+{
+    m_joining.clear();
+    m_joiningTick.stop();
+    m_isChecking = false;
 }
 
 void Networks::prefer(const QString &name)
@@ -160,9 +271,7 @@ void Networks::prefer(const QString &name)
 void Networks::forget(const QString &name)
 {
     m_connection.DeleteNetwork(name);
-    if (name == m_joining) {
-        m_patience.stop();
-        m_joining.clear();
-    }
+    if (name == m_joining)
+        stopJoining();
     readKnown();
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QFutureWatcher>
 #include <QObject>
 #include <QSet>
+#include <QSharedPointer>
 #include <QString>
 #include <QTimer>
 #include <QVector>
@@ -32,6 +34,7 @@ public:
     struct State
     {
         bool hasAdapter = false;
+        bool isRead = false; ///< until then the rest says nothing
         bool isOn = false;
         bool isAssociated = false; ///< with or without an address
         bool isConnected = false;
@@ -40,17 +43,39 @@ public:
         QString mask;
         QString broadcast;
     };
+    /** How joining a network has ended. */
+    enum Outcome
+    {
+        Joined,
+        NotAnswering, ///< an open network
+        PassPhraseRefused, ///< perhaps; in reach, but not connected
+        NotFound ///< or its pass phrase is wrong: the scan does not have it
+    };
+    Q_ENUM(Outcome)
 
     explicit Networks(WiFi::KTV_Connection &connection, QObject *parent = nullptr);
     /** Takes what the library has already sent: nobody else would delete it. */
     ~Networks() override;
 
+    /** Whether a pass phrase has a length that a network can have. */
+    static bool isPassPhrase(const QString &key);
+
     /** Looks at the connection and around, until rest(). An adapter may have been plugged in. */
     void look();
+    /** What is being joined is followed to its end all the same. */
     void rest();
 
-    const QVector<Cell> &cells() const { return m_cells; } ///< the strongest first
+    /**
+     * The strongest first. An adapter that is busy finds nothing at times: they stay until a scan
+     * finds others, or two in a row find none.
+     */
+    const QVector<Cell> &cells() const { return m_cells; }
+    /** Whether cells() tells what is in reach; until then a scan is under way. */
     bool isScanned() const { return m_isScanned; }
+    /** Whether the last scan has not ended in time, and another one is under way. */
+    bool isScanLate() const { return m_isScanLate; }
+    /** Whether a network in reach needs no pass phrase. */
+    bool isOpen(const QString &name) const;
     const QSet<QString> &known() const { return m_known; }
     const State &state() const { return m_state; }
     QString joining() const { return m_joining; } ///< empty: none
@@ -58,6 +83,8 @@ public:
     void setOn(bool on);
     /**
      * Stores a network and waits for the connection; joined() tells how it went. Blocks.
+     * A network that hides its name is usually not found: what the library writes for the
+     * supplicant does not have it ask for networks by name.
      * @return whether it could be stored
      */
     bool join(const QString &name, const QString &key);
@@ -65,27 +92,42 @@ public:
     void forget(const QString &name); ///< Blocks.
 
     /** How long a network that is joined may take, in milliseconds. */
-    void setPatience(int milliseconds) { m_patience.setInterval(milliseconds); }
+    void setPatience(int milliseconds) { m_patience = milliseconds; }
 
 signals:
     void changed();
-    void joined(const QString &name, bool isWell);
+    void joined(const QString &name, Networks::Outcome outcome);
 
 private:
     void takeScan(QList<WiFi::Network *> *networks);
     void takeDetails(WiFi::Network *network);
     void takeState(int state);
-    void endJoining(bool isWell);
+    void read();
+    void takeReading();
+    void take(const WiFi::Network &network);
+    void setState(int state);
+    void checkJoining();
+    void judgeJoining(const WiFi::Network &network);
+    Outcome failure(const QString &name) const;
+    void stopJoining();
     void readKnown();
     void start();
 
     WiFi::KTV_Connection &m_connection;
     QFutureWatcher<void> m_adapter; ///< looks for one
+    QFutureWatcher<QSharedPointer<WiFi::Network>> m_reading; ///< of the connection
+    bool m_isReadingOld = false; ///< the library has told of a change since it began
+    bool m_isChecking = false; ///< the reading decides about the network that is joined
     QVector<Cell> m_cells;
     QSet<QString> m_known;
     State m_state;
     bool m_isLooking = false;
     bool m_isScanned = false;
+    bool m_isScanLate = false;
+    int m_emptyScans = 0; ///< in a row
     QString m_joining;
-    QTimer m_patience;
+    bool m_isJoiningOpen = false;
+    int m_patience;
+    QDeadlineTimer m_joiningEnd;
+    QTimer m_joiningTick;
 };

@@ -7,21 +7,13 @@
 
 #include <QVBoxLayout>
 
-#include <algorithm>
 #include <utility>
 
 namespace {
 
 constexpr int detailsWidth = 230;
 
-/** Whether a pass phrase has a length that a network can have. */
-bool isPassPhrase(const QString &key)
-{
-    constexpr int shortest = 8;
-    constexpr int longest = 63;
-    return key.size() >= shortest && key.size() <= longest;
-}
-
+constexpr Text scanningText = Text {"WiFi", "scanning", "Searching"};
 constexpr Text lengthText =
     Text {"WiFi", "passphraseLength", "The pass phrase has 8 to 63 characters"};
 
@@ -65,8 +57,9 @@ void WifiPage::layOut()
     texts().translate(m_join, Text {"WiFi", "connect", "Connect"});
     texts().translate(m_prefer, Text {"Panel", "prefer", "Prefer"});
     texts().translate(m_forget, Text {"Panel", "forget", "Forget"});
-    m_state->setWordWrap(true);
-    m_details->setWordWrap(true);
+    for (QLabel *label : {m_note, m_state, m_details})
+        label->setWordWrap(true);
+    m_details->setTextFormat(Qt::RichText);
     auto *list = new QVBoxLayout;
     list->addWidget(m_list, 1);
     list->addWidget(m_note);
@@ -127,20 +120,27 @@ void WifiPage::refresh()
     }
     m_list->setRows(rows);
 
-    if (!networks().state().hasAdapter || (networks().isScanned() && !networks().cells().isEmpty()))
-        m_note->clear();
-    else
-        m_note->setText(networks().isScanned()
-                            ? text(Text {"WiFi", "noNetworks", "No networks in reach"})
-                            : text(Text {"WiFi", "scanning", "Searching"}));
+    m_note->setText(noteText());
     refreshState();
     refreshButtons();
+}
+
+QString WifiPage::noteText() const
+{
+    if (!networks().state().hasAdapter)
+        return {};
+    if (networks().isScanLate())
+        return text(Text {"Panel", "scanLate", "The scan took longer than 5 s; scanning again"});
+    if (!networks().isScanned())
+        return text(scanningText);
+    return networks().cells().isEmpty() ? text(Text {"WiFi", "noNetworks", "No networks in reach"})
+                                        : QString();
 }
 
 void WifiPage::refreshState()
 {
     const Networks::State &state = networks().state();
-    m_power->setEnabled(state.hasAdapter);
+    m_power->setEnabled(state.hasAdapter && state.isRead);
     m_power->setText(state.isOn ? text(Text {"WiFi", "off", "Switch WiFi off"})
                                 : text(Text {"WiFi", "on", "Switch WiFi on"}));
     m_state->setText(stateText());
@@ -155,6 +155,8 @@ QString WifiPage::stateText() const
     if (!networks().joining().isEmpty())
         return text(Text {"Panel", "joiningNetwork", "Connecting to"}) + QLatin1Char(' ')
             + networks().joining();
+    if (!state.isRead)
+        return text(scanningText);
     if (state.isConnected)
         return text(Text {"WiFi", "connected", "Connected"});
     if (state.isAssociated)
@@ -212,11 +214,7 @@ QString WifiPage::chosenName() const
 void WifiPage::chooseToJoin()
 {
     const QString name = chosenName();
-    const QVector<Networks::Cell> &cells = networks().cells();
-    const bool isOpen = std::any_of(cells.begin(), cells.end(), [&](const Networks::Cell &cell) {
-        return cell.name == name && !cell.isProtected;
-    });
-    if (isOpen)
+    if (networks().isOpen(name))
         join(name, QString());
     else
         askPassPhrase(name);
@@ -228,7 +226,7 @@ void WifiPage::askPassPhrase(const QString &name)
         texts(), this, Text {"WiFi", "connect", "Connect"},
         {{Text {"WiFi", "passphrase", "Pass phrase"}, TextField::Letters, QString()}},
         [this, name](const QStringList &lines) {
-            if (!isPassPhrase(lines.first()))
+            if (!Networks::isPassPhrase(lines.first()))
                 return text(lengthText);
             join(name, lines.first());
             return QString();
@@ -246,7 +244,7 @@ void WifiPage::askHidden()
         [this](const QStringList &lines) {
             if (lines.first().isEmpty())
                 return text(Text {"Dialogs", "enterName", "Enter a name"});
-            if (!lines.last().isEmpty() && !isPassPhrase(lines.last()))
+            if (!lines.last().isEmpty() && !Networks::isPassPhrase(lines.last()))
                 return text(lengthText);
             join(lines.first(), lines.last());
             return QString();
@@ -255,26 +253,29 @@ void WifiPage::askHidden()
 
 void WifiPage::join(const QString &name, const QString &key)
 {
-    m_isOpen = key.isEmpty();
     block([this, name, key] {
         if (!networks().join(name, key))
             fail();
     });
 }
 
-void WifiPage::tellJoined(const QString &name, bool isWell)
+void WifiPage::tellJoined(const QString &name, Networks::Outcome outcome)
 {
-    if (isWell || !isVisible())
+    if (outcome == Networks::Joined)
         return; // the state says so
     session().tones().play(Buzzer::BuzzerClass::Tone_Decline);
-    if (m_isOpen)
+    if (outcome == Networks::NotAnswering)
         new ConfirmSheet(
             texts(), this, Text {"Panel", "notReached", "Not joined: the network does not answer"},
             Text {"Panel", "tryAgain", "Try again"}, [this, name] { join(name, QString()); }, name,
             TouchButton::Primary);
     else
         new ConfirmSheet(
-            texts(), this, Text {"Panel", "notJoined", "Not joined: the pass phrase may be wrong"},
+            texts(), this,
+            outcome == Networks::NotFound
+                ? Text {"Panel", "notFound",
+                        "Not joined: not found, or the pass phrase may be wrong"}
+                : Text {"Panel", "notJoined", "Not joined: the pass phrase may be wrong"},
             Text {"Panel", "enterAgain", "Enter it again"}, [this, name] { askPassPhrase(name); },
             name, TouchButton::Primary);
 }

@@ -20,6 +20,7 @@ public:
 private:
     void layOut();
     void refresh();
+    QString noteText() const;
     void refreshState();
     void refreshButtons();
     QString stateText() const;
@@ -30,7 +31,7 @@ private:
     void askPassPhrase(const QString &name);
     void askHidden();
     void join(const QString &name, const QString &key);
-    void tellJoined(const QString &name, bool isWell);
+    void tellJoined(const QString &name, Networks::Outcome outcome);
     /** Says that it takes its time, and then keeps the interface's thread as long as it does. */
     void block(std::function<void()> work);
 
@@ -45,5 +46,4 @@ private:
     TouchButton *m_join;
     TouchButton *m_prefer;
     TouchButton *m_forget;
-    bool m_isOpen = false; ///< the network that is joined has no pass phrase
 };

@@ -41,6 +41,15 @@ bool typePassPhrase(PanelFixture &panel, const QString &passPhrase)
         && panel.finger.tap(QStringLiteral("key.done"));
 }
 
+/** Whether a text stands on the sheet. */
+bool sheetSays(const PanelFixture &panel, const QString &text)
+{
+    const QWidget *sheet = panel.finger.find(QStringLiteral("sheet"));
+    const QList<QLabel *> labels = sheet ? sheet->findChildren<QLabel *>() : QList<QLabel *>();
+    return std::any_of(labels.begin(), labels.end(),
+                       [&text](const QLabel *label) { return label->text() == text; });
+}
+
 } // namespace
 
 /** The Lists, WiFi, USB, Sound and Accessories pages, by touches. */
@@ -60,11 +69,14 @@ private slots:
     void entriesOfOneName();
     void entriesThatAreRefused_data();
     void entriesThatAreRefused();
+    void stateBeforeItIsRead();
+    void scanThatTakesTooLong();
     void joinAndForgetANetwork();
     void joinANetworkBeyondAscii();
     void namesOfNetworks_data();
     void namesOfNetworks();
     void wrongPassPhrase();
+    void networkThatIsNotJoinedUnseen();
     void hiddenNetwork();
     void everyPassPhraseCanBeTyped_data();
     void everyPassPhraseCanBeTyped();
@@ -100,7 +112,7 @@ void TstPanelServices::init()
 
 void TstPanelServices::cleanup()
 {
-    for (const char *program : {"modprobe-usb-gadget", "systemctl"})
+    for (const char *program : {"iwgetid", "iwlist", "modprobe-usb-gadget", "systemctl"})
         Meter::setBehaviour(QLatin1String(program), QByteArray());
 }
 
@@ -266,6 +278,33 @@ void TstPanelServices::entriesThatAreRefused()
 
 // --- WiFi
 
+void TstPanelServices::stateBeforeItIsRead()
+{
+    PanelFixture panel;
+    Meter::setBehaviour(QStringLiteral("iwgetid"), "delay=0.3");
+    TAP(panel, "nav.WiFi");
+    QCOMPARE(panel.labelText("wifi.state"), QStringLiteral("Searching"));
+    QVERIFY(!panel.finger.find(QStringLiteral("wifi.power"))->isEnabled());
+    Meter::setBehaviour(QStringLiteral("iwgetid"), QByteArray());
+    QVERIFY(Finger::waitFor(
+        [&] { return panel.labelText("wifi.state") == QLatin1String("Not connected"); }));
+    QVERIFY(panel.finger.find(QStringLiteral("wifi.power"))->isEnabled());
+    QCOMPARE(panel.buttonText("wifi.power"), QStringLiteral("Switch WiFi off"));
+}
+
+void TstPanelServices::scanThatTakesTooLong()
+{
+    PanelFixture panel;
+    Meter::setBehaviour(QStringLiteral("iwlist"), "hang=1");
+    TAP(panel, "nav.WiFi");
+    QCOMPARE(panel.labelText("wifi.note"), QStringLiteral("Searching"));
+    QTRY_COMPARE(panel.labelText("wifi.note"),
+                 QStringLiteral("The scan took longer than 5 s; scanning again"));
+    Meter::setBehaviour(QStringLiteral("iwlist"), QByteArray());
+    QTRY_VERIFY(!panel.titles("wifi.list").isEmpty()); // no page has been entered meanwhile
+    QCOMPARE(panel.labelText("wifi.note"), QString());
+}
+
 void TstPanelServices::joinAndForgetANetwork()
 {
     const QString name = QStringLiteral("Substation North");
@@ -278,7 +317,8 @@ void TstPanelServices::joinAndForgetANetwork()
     QVERIFY(typePassPhrase(panel, QStringLiteral("ohm-law-1827")));
     QVERIFY(Finger::waitFor(
         [&] { return panel.labelText("wifi.details").contains(QLatin1String("192.168.44.100")); }));
-    QCOMPARE(panel.labelText("wifi.state"), QStringLiteral("Connected"));
+    QVERIFY(Finger::waitFor(
+        [&] { return panel.labelText("wifi.state") == QLatin1String("Connected"); }));
     QVERIFY(!panel.labelText("wifi.details").contains(QLatin1String(":192")));
 
     QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
@@ -344,13 +384,12 @@ void TstPanelServices::wrongPassPhrase()
     QVERIFY(Finger::waitFor(
         [&] { return panel.labelText("wifi.state") == QStringLiteral("Connecting to ") + name; }));
     QVERIFY(Finger::waitFor([&] { return panel.finger.find(QStringLiteral("sheet.yes")); }));
+    QVERIFY(sheetSays(panel, QStringLiteral("Not joined: the pass phrase may be wrong")));
+    QVERIFY(sheetSays(panel, name));
     QCOMPARE(panel.buttonText("sheet.yes"), QStringLiteral("Enter it again"));
     QVERIFY(panel.labelText("wifi.state") != QStringLiteral("Connecting to ") + name);
     TAP(panel, "sheet.yes");
-    const QList<QLabel *> labels =
-        panel.finger.find(QStringLiteral("sheet"))->findChildren<QLabel *>();
-    QVERIFY(std::any_of(labels.begin(), labels.end(),
-                        [&](const QLabel *label) { return label->text().endsWith(name); }));
+    QVERIFY(sheetSays(panel, QStringLiteral("Connect ") + name));
     panel.session.networks().setPatience(20000);
     QVERIFY(panel.finger.type(QStringLiteral("ohm-law-1827")));
     TAP(panel, "key.done");
@@ -358,21 +397,43 @@ void TstPanelServices::wrongPassPhrase()
         [&] { return panel.labelText("wifi.state") == QLatin1String("Connected"); }));
 }
 
+void TstPanelServices::networkThatIsNotJoinedUnseen()
+{
+    const QString name = QStringLiteral("Substation North");
+    PanelFixture panel;
+    QVERIFY(chooseNetwork(panel, name));
+    panel.session.networks().setPatience(3000);
+    QVERIFY(typePassPhrase(panel, QStringLiteral("ohm-law-1828")));
+    QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
+    TAP(panel, "nav.Lists");
+    QVERIFY(Finger::waitFor([&] { return panel.isSheetOpen(); }));
+    QVERIFY(sheetSays(panel, QStringLiteral("Not joined: the pass phrase may be wrong")));
+    TAP(panel, "sheet.yes"); // from here, too
+    QVERIFY(sheetSays(panel, QStringLiteral("Connect ") + name));
+}
+
 void TstPanelServices::hiddenNetwork()
 {
+    const QString name = QStringLiteral("Control Room");
     PanelFixture panel;
     TAP(panel, "nav.WiFi", "wifi.hidden");
-    QVERIFY(panel.fill({QStringLiteral("attic"), QStringLiteral("short")}));
+    QVERIFY(panel.fill({name, QStringLiteral("four-wi")}));
     TAP(panel, "key.done");
     QCOMPARE(panel.labelText("sheet.error"),
              QStringLiteral("The pass phrase has 8 to 63 characters"));
     TAP(panel, "sheet.line.1");
-    QVERIFY(panel.finger.type(QStringLiteral("ly8"))); // now it is long enough
+    QVERIFY(panel.finger.type(QStringLiteral("re-kelvin"))); // now it is long enough
+    panel.session.networks().setPatience(0);
     TAP(panel, "key.done");
     QVERIFY(Finger::waitFor(
-        [&] { return panel.labelText("wifi.state") == QLatin1String("Connecting to attic"); }));
+        [&] { return panel.labelText("wifi.state") == QStringLiteral("Connecting to ") + name; }));
     QVERIFY(Meter::readFile(QStringLiteral("/etc/wpa_supplicant/wpa_supplicant-wlan0.conf"))
-                .contains("ssid=\"attic\""));
+                .contains("ssid=\"Control Room\""));
+    // The supplicant does not ask for it by name.
+    QVERIFY(Finger::waitFor([&] { return panel.finger.find(QStringLiteral("sheet.yes")); }));
+    QVERIFY(
+        sheetSays(panel, QStringLiteral("Not joined: not found, or the pass phrase may be wrong")));
+    QVERIFY(sheetSays(panel, name));
 }
 
 void TstPanelServices::everyPassPhraseCanBeTyped_data()

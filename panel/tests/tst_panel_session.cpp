@@ -1,0 +1,203 @@
+#include "meter/Networks.h"
+
+#include "support/Meter.h"
+
+#include <wifi/KTV_Connection.h>
+#include <wifi/Network.h>
+
+#include <QTemporaryDir>
+
+#include <limits>
+
+using WiFi::KTV_Connection;
+using WiFi::Network;
+
+namespace {
+
+/** The radio of the simulated meter, as the panel sees it. */
+struct Radio
+{
+    QTemporaryDir directory;
+    KTV_Connection connection {directory.path() + QLatin1Char('/')};
+    Networks networks {connection};
+
+    bool look()
+    {
+        networks.look();
+        return QTest::qWaitFor([this] { return !networks.cells().isEmpty(); }, Meter::patience);
+    }
+    void sendScan(const QStringList &names)
+    {
+        auto *list = new QList<Network *>;
+        for (const QString &name : names) {
+            list->append(new Network);
+            list->last()->ESSID = name;
+        }
+        emit connection.WiFi_Scan(list);
+    }
+    QStringList names() const
+    {
+        QStringList names;
+        for (const Networks::Cell &cell : networks.cells())
+            names += cell.name;
+        return names;
+    }
+};
+
+} // namespace
+
+/** What the panel does with the meter's tools, without its screen: no touches, but seconds. */
+class TstPanelSession : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void lateScanIsBegunAnew();
+    void listStaysUntilTwoScansAreEmpty();
+    void stateIsReadBeforeItChanges();
+    void passPhrases_data();
+    void passPhrases();
+    void networkIsJoinedUnseen();
+    void networkIsJoinedAgain();
+    void networksThatAreNotJoined_data();
+    void networksThatAreNotJoined();
+};
+
+void TstPanelSession::initTestCase()
+{
+    qRegisterMetaType<Networks::Outcome>(); // the spies look it up by its name
+}
+
+// --- WiFi
+
+void TstPanelSession::lateScanIsBegunAnew()
+{
+    Radio radio;
+    QVERIFY(radio.look());
+    const QStringList before = radio.names();
+    radio.connection.ScanNetwork(false); // as the library does before it tells
+    QSignalSpy changed(&radio.networks, &Networks::changed);
+    emit radio.connection.WiFi_Scan(nullptr);
+    QCOMPARE(changed.size(), 1);
+    QVERIFY(radio.networks.isScanLate());
+    QCOMPARE(radio.names(), before);
+    QTRY_VERIFY(radio.connection.isScanMode());
+    QTRY_VERIFY(!radio.networks.isScanLate());
+    QCOMPARE(radio.names(), before);
+}
+
+void TstPanelSession::listStaysUntilTwoScansAreEmpty()
+{
+    Radio radio;
+    radio.sendScan({QStringLiteral("weak"), QStringLiteral("strong")});
+    const QStringList both {QStringLiteral("strong"), QStringLiteral("weak")};
+    QCOMPARE(radio.names(), both);
+    radio.sendScan({});
+    QCOMPARE(radio.names(), both);
+    radio.sendScan({QStringLiteral("strong")});
+    QCOMPARE(radio.names(), QStringList("strong"));
+    radio.sendScan({});
+    QCOMPARE(radio.names(), QStringList("strong"));
+    QVERIFY(radio.networks.isScanned());
+    radio.sendScan({});
+    QCOMPARE(radio.names(), QStringList());
+    QVERIFY(radio.networks.isScanned());
+}
+
+void TstPanelSession::stateIsReadBeforeItChanges()
+{
+    const QTemporaryDir directory;
+    KTV_Connection connection(directory.path() + QLatin1Char('/'));
+    {
+        Networks networks(connection);
+        QVERIFY(!networks.state().isRead);
+        networks.look();
+        QTRY_VERIFY(networks.state().isRead);
+        networks.setOn(false);
+        QTRY_VERIFY(!networks.state().isOn);
+    }
+    // What the library has told once, it does not tell again.
+    Networks later(connection);
+    later.look();
+    QTRY_VERIFY(later.state().isRead);
+    QVERIFY(!later.state().isOn);
+    later.setOn(true);
+    QTRY_VERIFY(later.state().isOn);
+}
+
+void TstPanelSession::passPhrases_data()
+{
+    QTest::addColumn<int>("length");
+    QTest::addColumn<bool>("isOne");
+    QTest::newRow("none") << 0 << false;
+    QTest::newRow("too short") << 7 << false;
+    QTest::newRow("shortest") << 8 << true;
+    QTest::newRow("longest") << 63 << true;
+    QTest::newRow("too long") << 64 << false;
+}
+
+void TstPanelSession::passPhrases()
+{
+    QFETCH(int, length);
+    QTEST(Networks::isPassPhrase(QString(length, QLatin1Char(' '))), "isOne");
+}
+
+void TstPanelSession::networkIsJoinedUnseen()
+{
+    Radio radio;
+    QVERIFY(radio.look());
+    QVERIFY(radio.networks.isOpen(QStringLiteral("Workshop Guest")));
+    QVERIFY(!radio.networks.isOpen(QStringLiteral("Substation North")));
+    QSignalSpy joined(&radio.networks, &Networks::joined);
+    QVERIFY(radio.networks.join(QStringLiteral("Workshop Guest"), QString()));
+    QCOMPARE(radio.networks.joining(), QStringLiteral("Workshop Guest"));
+    radio.networks.rest(); // another page is looked at
+    QTRY_COMPARE(joined.size(), 1);
+    QCOMPARE(joined.first().at(0).toString(), QStringLiteral("Workshop Guest"));
+    QCOMPARE(joined.first().at(1).value<Networks::Outcome>(), Networks::Joined);
+    QVERIFY(radio.networks.joining().isEmpty());
+    QVERIFY(radio.networks.state().isConnected);
+}
+
+void TstPanelSession::networkIsJoinedAgain()
+{
+    Radio radio;
+    radio.networks.setPatience(std::numeric_limits<int>::max());
+    QSignalSpy joined(&radio.networks, &Networks::joined);
+    radio.networks.look();
+    for (int times = 1; times <= 2; ++times) {
+        QVERIFY(radio.networks.join(QStringLiteral("Workshop Guest"), QString()));
+        QTRY_COMPARE(joined.size(), times);
+        QCOMPARE(joined.last().at(1).value<Networks::Outcome>(), Networks::Joined);
+    }
+}
+
+void TstPanelSession::networksThatAreNotJoined_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<Networks::Outcome>("outcome");
+    QTest::newRow("wrong pass phrase") << "Substation North"
+                                       << "ohm-law-1828" << Networks::PassPhraseRefused;
+    QTest::newRow("hidden") << "Control Room"
+                            << "four-wire-kelvin" << Networks::NotFound;
+    QTest::newRow("without a pass phrase") << "Printer"
+                                           << "" << Networks::NotAnswering;
+}
+
+void TstPanelSession::networksThatAreNotJoined()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, key);
+    Radio radio;
+    QVERIFY(radio.look());
+    radio.networks.setPatience(0); // the first look decides
+    QSignalSpy joined(&radio.networks, &Networks::joined);
+    QVERIFY(radio.networks.join(name, key));
+    QTRY_COMPARE(joined.size(), 1);
+    QTEST(joined.first().at(1).value<Networks::Outcome>(), "outcome");
+}
+
+KTV_METER_TEST_MAIN(TstPanelSession)
+
+#include "tst_panel_session.moc"
