@@ -26,7 +26,6 @@ Session::Session(QObject *parent)
     , m_recorder(*m_library->get_InterfaceConfig(), *m_library->getMainConfig(), m_setup,
                  m_hardware, *m_library->getLiczniki())
     , m_networks(*m_library->getConnection())
-    , m_usbPort(*m_library)
 {
     startMeter();
     m_setup.load();

@@ -1,37 +1,66 @@
 #include "meter/UsbPort.h"
 
-#include <datasource/KTV_DataSource.h>
-
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QtConcurrent>
+
+#include <algorithm>
 
 using QERNTools::Tools;
 
 namespace {
 
-UsbPort::State stateOf(const KTV_DataSource &library)
+UsbPort::State stateNow()
 {
-    return {library.getUSB_Mode(), library.getRS_Mode()};
+    return {Tools::getCurrentMode(), Tools::getRS232_Function()};
 }
 
-void switchTo(const KTV_DataSource &library, const UsbPort::State &wanted)
+void switchTo(const UsbPort::State &wanted)
 {
     // Asked to give a line to nobody, the library frees it, and then falls back to the
     // network: a line is taken from its owner in so many words.
     if (wanted.mode == Tools::USB_RS232 && wanted.owner == Tools::RS232_None
-        && library.getUSB_Mode() == Tools::USB_RS232)
+        && Tools::getCurrentMode() == Tools::USB_RS232)
         Tools::StopAllRS232Function();
     else
-        library.SetUSBMode(wanted.mode, wanted.owner);
+        Tools::SetUSBMode(wanted.mode, wanted.owner);
+}
+
+bool hasOpen(const QDir &process, const QString &file)
+{
+    const QFileInfoList open =
+        QDir(process.filePath(QStringLiteral("fd"))).entryInfoList(QDir::Files | QDir::System);
+    return std::any_of(open.begin(), open.end(), [&file](const QFileInfo &descriptor) {
+        return descriptor.symLinkTarget() == file;
+    });
+}
+
+QStringList holdersOfTheLine()
+{
+    const QString line = QFileInfo(QStringLiteral("/dev/ttyGS0")).canonicalFilePath();
+    if (line.isEmpty())
+        return {};
+    QStringList holders;
+    const QFileInfoList processes =
+        QDir(QStringLiteral("/proc")).entryInfoList({QStringLiteral("[0-9]*")}, QDir::Dirs);
+    for (const QFileInfo &process : processes) {
+        const QDir directory(process.filePath());
+        QFile name(directory.filePath(QStringLiteral("comm")));
+        if (hasOpen(directory, line) && name.open(QIODevice::ReadOnly))
+            holders += QStringLiteral("%1 (%2)").arg(
+                QString::fromLocal8Bit(name.readAll()).trimmed(), process.fileName());
+    }
+    return holders;
 }
 
 } // namespace
 
-UsbPort::UsbPort(const KTV_DataSource &library, QObject *parent)
-    : QObject(parent)
-    , m_library(library)
+UsbPort::UsbPort(QObject *parent) : QObject(parent)
 {
-    connect(&m_work, &QFutureWatcher<State>::finished, this, [this] {
-        m_state = m_work.result();
+    connect(&m_work, &QFutureWatcher<Look>::finished, this, [this] {
+        m_state = m_work.result().state;
+        m_holders = m_work.result().holders;
         emit looked();
         // The switching itself always calls itself a success.
         if (m_isBringing)
@@ -49,7 +78,7 @@ void UsbPort::look()
     if (isBusy())
         return;
     m_isBringing = false;
-    m_work.setFuture(QtConcurrent::run([library = &m_library] { return stateOf(*library); }));
+    m_work.setFuture(QtConcurrent::run([] { return Look {stateNow(), {}}; }));
 }
 
 void UsbPort::bring(const State &wanted)
@@ -58,8 +87,12 @@ void UsbPort::bring(const State &wanted)
         return;
     m_isBringing = true;
     m_wanted = wanted;
-    m_work.setFuture(QtConcurrent::run([library = &m_library, wanted] {
-        switchTo(*library, wanted);
-        return stateOf(*library);
-    }));
+    m_work.setFuture(QtConcurrent::run(stateAfter, wanted));
+}
+
+UsbPort::Look UsbPort::stateAfter(const State &wanted)
+{
+    switchTo(wanted);
+    const State state = stateNow();
+    return {state, state == wanted ? QStringList() : holdersOfTheLine()};
 }

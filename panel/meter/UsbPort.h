@@ -4,10 +4,12 @@
 
 #include <QFutureWatcher>
 #include <QObject>
+#include <QStringList>
 
-class KTV_DataSource;
-
-/** The USB port, looked at and switched off the interface's thread: that takes up to 10 s. */
+/**
+ * The USB port, looked at and switched off the interface's thread: that takes up to 10 s. The
+ * library wants one thread at a time for it; nobody else in the panel touches it.
+ */
 class UsbPort : public QObject
 {
     Q_OBJECT
@@ -24,11 +26,16 @@ public:
         }
     };
 
-    explicit UsbPort(const KTV_DataSource &library, QObject *parent = nullptr);
+    explicit UsbPort(QObject *parent = nullptr);
     /** Waits until the port has been switched. */
     ~UsbPort() override;
 
     State state() const { return m_state; } ///< as it was seen last
+    /**
+     * After a failure the processes that have the serial line open, each "login (212)": the port
+     * stays a serial line for as long as any of them does.
+     */
+    const QStringList &holders() const { return m_holders; }
     bool isBusy() const { return m_work.isRunning(); }
     void look();
     void bring(const State &wanted);
@@ -38,9 +45,17 @@ signals:
     void brought(bool isWell); ///< The same after bring(), and whether it is the wanted one.
 
 private:
-    const KTV_DataSource &m_library;
-    QFutureWatcher<State> m_work; ///< one thread at a time for the port
+    struct Look
+    {
+        State state;
+        QStringList holders;
+    };
+
+    static Look stateAfter(const State &wanted);
+
+    QFutureWatcher<Look> m_work; ///< one thread at a time for the port
     State m_state;
+    QStringList m_holders;
     State m_wanted;
     bool m_isBringing = false;
 };

@@ -40,6 +40,7 @@ UsbPage::UsbPage(Texts &texts, Session &session)
     , m_choices(new TouchList(QStringLiteral("usb.choices")))
     , m_note(label(QStringLiteral("usb.note"), "alarm"))
 {
+    m_note->setWordWrap(true);
     column()->addWidget(caption(Text {"Panel", "usbShows", "The port shows itself as"}));
     column()->addWidget(m_choices, 1);
     column()->addWidget(m_note);
@@ -87,6 +88,16 @@ void UsbPage::refresh()
     }
     m_choices->setRows(rows);
     m_choices->choose(choiceOf(session().usbPort().state()));
-    m_note->setText(m_hasFailed ? text(Text {"USB", "failed", "The port could not be switched"})
-                                : QString());
+    m_note->setText(m_hasFailed ? failure() : QString());
+}
+
+QString UsbPage::failure() const
+{
+    QString failure = text(Text {"USB", "failed", "The port could not be switched"});
+    const QStringList &holders = session().usbPort().holders();
+    if (!holders.isEmpty())
+        failure += QStringLiteral(": ")
+            + text(Text {"Panel", "lineHeldBy", "its serial line is held by"}) + QLatin1Char(' ')
+            + holders.join(QStringLiteral(", "));
+    return failure;
 }

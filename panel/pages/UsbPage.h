@@ -20,6 +20,7 @@ private:
     void switchTo(int choice);
     void finish(bool isWell);
     void refresh();
+    QString failure() const;
 
     QPointer<BusySheet> m_busy;
     bool m_hasFailed = false;

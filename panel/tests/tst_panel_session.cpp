@@ -1,4 +1,5 @@
 #include "meter/Networks.h"
+#include "meter/UsbPort.h"
 
 #include "support/Meter.h"
 
@@ -9,6 +10,7 @@
 
 #include <limits>
 
+using QERNTools::Tools;
 using WiFi::KTV_Connection;
 using WiFi::Network;
 
@@ -61,6 +63,8 @@ private slots:
     void networkIsJoinedAgain();
     void networksThatAreNotJoined_data();
     void networksThatAreNotJoined();
+    void portIsBrought();
+    void portWhoseLineIsHeld();
 };
 
 void TstPanelSession::initTestCase()
@@ -196,6 +200,49 @@ void TstPanelSession::networksThatAreNotJoined()
     QVERIFY(radio.networks.join(name, key));
     QTRY_COMPARE(joined.size(), 1);
     QTEST(joined.first().at(1).value<Networks::Outcome>(), "outcome");
+}
+
+// --- USB
+
+void TstPanelSession::portIsBrought()
+{
+    UsbPort port;
+    QSignalSpy looked(&port, &UsbPort::looked);
+    QSignalSpy brought(&port, &UsbPort::brought);
+    port.look();
+    QVERIFY(port.isBusy());
+    port.bring({Tools::USB_RS232, Tools::RS232_None}); // does nothing yet
+    QTRY_COMPARE(looked.size(), 1);
+    QCOMPARE(brought.size(), 0);
+    const UsbPort::State console {Tools::USB_RS232, Tools::RS232_Console};
+    port.bring(console);
+    QTRY_COMPARE(brought.size(), 1);
+    QCOMPARE(brought.takeFirst().first().toBool(), true);
+    QVERIFY(port.state() == console);
+    QCOMPARE(port.holders(), QStringList());
+    port.bring({Tools::USB_RNDIS, Tools::RS232_None});
+    QTRY_COMPARE(brought.size(), 1);
+    QCOMPARE(brought.first().first().toBool(), true);
+}
+
+void TstPanelSession::portWhoseLineIsHeld()
+{
+    QVERIFY(Tools::StartRS232());
+    QFile line(QStringLiteral("/dev/ttyGS0"));
+    QVERIFY(line.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+    Meter::setBehaviour(QStringLiteral("modprobe-usb-gadget"), "stdout=busy");
+    UsbPort port;
+    QSignalSpy brought(&port, &UsbPort::brought);
+    port.bring({Tools::USB_RNDIS, Tools::RS232_None});
+    const bool isEnded = brought.wait(Meter::patience);
+    Meter::setBehaviour(QStringLiteral("modprobe-usb-gadget"), QByteArray());
+    QVERIFY(isEnded);
+    QCOMPARE(brought.first().first().toBool(), false);
+    const QString own = QString::fromLocal8Bit(Meter::readFile("/proc/self/comm")).trimmed();
+    // Beside what plays the kernel's driver.
+    QVERIFY2(port.holders().contains(
+                 QStringLiteral("%1 (%2)").arg(own).arg(QCoreApplication::applicationPid())),
+             qPrintable(port.holders().join(QLatin1Char(' '))));
 }
 
 KTV_METER_TEST_MAIN(TstPanelSession)
