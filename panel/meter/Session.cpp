@@ -29,10 +29,10 @@ Session::Session(QObject *parent)
 {
     startMeter();
     m_setup.load();
-    m_mixer.setVolume(m_preferences.volume());
+    m_tones.setVolume(m_preferences.volume());
     takeBrightness();
     connect(&m_preferences, &Preferences::soundChanged, this,
-            [this] { m_mixer.setVolume(m_preferences.volume()); });
+            [this] { m_tones.setVolume(m_preferences.volume()); });
     connect(&m_preferences, &Preferences::brightnessChanged, this, &Session::takeBrightness);
     connect(&m_preferences, &Preferences::temperatureUnitChanged, this, [this] {
         m_measurement.refresh();

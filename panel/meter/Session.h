@@ -3,7 +3,6 @@
 #include "meter/Hardware.h"
 #include "meter/Lists.h"
 #include "meter/Measurement.h"
-#include "meter/Mixer.h"
 #include "meter/Networks.h"
 #include "meter/Preferences.h"
 #include "meter/Recorder.h"
@@ -58,7 +57,6 @@ private:
     std::unique_ptr<KTV_DataSource> m_library;
     Preferences m_preferences;
     Tones m_tones;
-    Mixer m_mixer;
     Lists m_lists;
     Setup m_setup;
     Hardware m_hardware;

@@ -3,6 +3,7 @@
 #include "meter/Preferences.h"
 
 using Buzzer::BuzzerClass;
+using SoundNamespace::Sound;
 
 Tones::Tones(const Preferences &preferences, QObject *parent)
     : QObject(parent)
@@ -16,7 +17,8 @@ Tones::~Tones()
 {
     if (BuzzerClass::playWave)
         silence(); // a sample's player belongs to the thread that ends here
-    m_thread.quit();
+    // Behind everything that waits: quit() itself would drop it.
+    QMetaObject::invokeMethod(&m_worker, [this] { m_thread.quit(); });
     m_thread.wait();
 }
 
@@ -35,6 +37,12 @@ void Tones::repeat(BuzzerClass::Tone tone)
 void Tones::silence()
 {
     ask(BuzzerClass::Tone_Empty, true);
+}
+
+void Tones::setVolume(int percent)
+{
+    if (m_volume.exchange(percent) < 0)
+        QMetaObject::invokeMethod(&m_worker, [this] { Sound::SetVolumme(m_volume.exchange(-1)); });
 }
 
 void Tones::ask(BuzzerClass::Tone tone, bool loop)

@@ -1,8 +1,15 @@
 #include "meter/Networks.h"
+#include "meter/Preferences.h"
+#include "meter/Session.h"
+#include "meter/Tones.h"
 #include "meter/UsbPort.h"
 
 #include "support/Meter.h"
 
+#include <configuration/KTV_Configuration.h>
+#include <configuration/KTV_InterfaceConfig.h>
+#include <datasource/KTV_DataSource.h>
+#include <language/LangSerwis.h>
 #include <wifi/KTV_Connection.h>
 #include <wifi/Network.h>
 
@@ -10,6 +17,7 @@
 
 #include <limits>
 
+using Buzzer::BuzzerClass;
 using QERNTools::Tools;
 using WiFi::KTV_Connection;
 using WiFi::Network;
@@ -65,6 +73,10 @@ private slots:
     void networksThatAreNotJoined();
     void portIsBrought();
     void portWhoseLineIsHeld();
+    void volumeWaitsForTones();
+    void languageOfTheSession();
+    void meterOfTheSession();
+    void settersReachTheMeter();
 };
 
 void TstPanelSession::initTestCase()
@@ -243,6 +255,75 @@ void TstPanelSession::portWhoseLineIsHeld()
     QVERIFY2(port.holders().contains(
                  QStringLiteral("%1 (%2)").arg(own).arg(QCoreApplication::applicationPid())),
              qPrintable(port.holders().join(QLatin1Char(' '))));
+}
+
+// --- sound
+
+void TstPanelSession::volumeWaitsForTones()
+{
+    const QTemporaryDir directory;
+    KTV_InterfaceConfig settings(directory.path() + QLatin1Char('/'));
+    const Preferences preferences(settings, directory.filePath(QStringLiteral("panel.ini")));
+    BuzzerClass::BuzzerClass_Initialiser(KTV_Configuration::KTV_420, QString(), false);
+    Meter::setBehaviour(QStringLiteral("beep"), "delay=1");
+    {
+        Tones tones(preferences);
+        tones.repeat(BuzzerClass::Tone_Alarm);
+        QTRY_VERIFY(!Meter::processes(QStringLiteral("beep")).isEmpty());
+        Meter::clearJournal();
+        tones.silence(); // waits for the end of the beep
+        for (const int percent : {20, 30, 40})
+            tones.setVolume(percent);
+        QTRY_COMPARE(Meter::readFile(QStringLiteral("/run/meter/volume")).trimmed(), "40");
+        QVERIFY(Meter::processes(QStringLiteral("beep")).isEmpty());
+        QCOMPARE(Meter::journal().filter(QStringLiteral("amixer")).size(), 1);
+        tones.setVolume(50);
+    }
+    QCOMPARE(Meter::readFile(QStringLiteral("/run/meter/volume")).trimmed(), "50");
+    Meter::setBehaviour(QStringLiteral("beep"), QByteArray());
+    BuzzerClass::BuzzerClass_Free();
+}
+
+// --- session
+
+void TstPanelSession::languageOfTheSession()
+{
+    Session session;
+    QSignalSpy changed(&session, &Session::languageChanged);
+    QSignalSpy lists(&session.lists(), &Lists::changed);
+    session.setLanguage(QStringLiteral("DE"));
+    QCOMPARE(changed.size(), 1);
+    QCOMPARE(lists.size(), 1);
+    QCOMPARE(session.library().get_Lang()->getCurrentLang(), QStringLiteral("DE"));
+    QCOMPARE(session.library().get_InterfaceConfig()->getValue(KTV_InterfaceConfig::MAIN_Lang,
+                                                               QString()),
+             QStringLiteral("DE"));
+}
+
+void TstPanelSession::meterOfTheSession()
+{
+    Session session;
+    const KTV_Configuration *meter = session.library().getMainConfig();
+    QVERIFY(meter->get_MeterModel() != KTV_Configuration::MeterModels_NaN);
+    session.setSerialNumber(QStringLiteral("DV42006"));
+    session.setup().setCurrent(ValueBox::testI_150A);
+    QCOMPARE(session.setup().current(), ValueBox::testI_150A);
+    session.measurement().start();
+    QSignalSpy changed(&session, &Session::meterChanged);
+    session.setSerialNumber(QStringLiteral("CH20417")); // up to 10 A
+    QCOMPARE(changed.size(), 1);
+    QCOMPARE(meter->get_SerialNumber(), QStringLiteral("CH20417"));
+    QVERIFY(!session.measurement().isRunning());
+    QVERIFY(session.setup().testCurrents().contains(session.setup().current()));
+}
+
+void TstPanelSession::settersReachTheMeter()
+{
+    Session session;
+    session.preferences().setBrightness(30);
+    QCOMPARE(Meter::readFile(QStringLiteral("/run/platform/brightness")), QByteArray("30\n"));
+    session.preferences().setVolume(60);
+    QTRY_COMPARE(Meter::readFile(QStringLiteral("/run/meter/volume")).trimmed(), "60");
 }
 
 KTV_METER_TEST_MAIN(TstPanelSession)
