@@ -224,7 +224,7 @@ void WifiPage::askPassPhrase(const QString &name)
 {
     new FormSheet(
         texts(), this, Text {"WiFi", "connect", "Connect"},
-        {{Text {"WiFi", "passphrase", "Pass phrase"}, TextField::Letters, QString()}},
+        {{Text {"WiFi", "passphrase", "Pass phrase"}, TextField::Letters, QString(), true}},
         [this, name](const QStringList &lines) {
             if (!Networks::isPassPhrase(lines.first()))
                 return text(lengthText);
@@ -236,19 +236,19 @@ void WifiPage::askPassPhrase(const QString &name)
 
 void WifiPage::askHidden()
 {
-    new FormSheet(
-        texts(), this, Text {"Panel", "hiddenNetwork", "Hidden network"},
-        {{Text {"Panel", "networkName", "Name of the network"}, TextField::Letters, QString()},
-         {Text {"Panel", "openWhenEmpty", "Pass phrase; empty for an open network"},
-          TextField::Letters, QString()}},
-        [this](const QStringList &lines) {
-            if (lines.first().isEmpty())
-                return text(Text {"Dialogs", "enterName", "Enter a name"});
-            if (!lines.last().isEmpty() && !Networks::isPassPhrase(lines.last()))
-                return text(lengthText);
-            join(lines.first(), lines.last());
-            return QString();
-        });
+    new FormSheet(texts(), this, Text {"Panel", "hiddenNetwork", "Hidden network"},
+                  {{Text {"Panel", "networkName", "Name of the network"}, TextField::Letters,
+                    QString(), true},
+                   {Text {"Panel", "openWhenEmpty", "Pass phrase; empty for an open network"},
+                    TextField::Letters, QString(), true}},
+                  [this](const QStringList &lines) {
+                      if (lines.first().isEmpty())
+                          return text(Text {"Dialogs", "enterName", "Enter a name"});
+                      if (!lines.last().isEmpty() && !Networks::isPassPhrase(lines.last()))
+                          return text(lengthText);
+                      join(lines.first(), lines.last());
+                      return QString();
+                  });
 }
 
 void WifiPage::join(const QString &name, const QString &key)

@@ -158,6 +158,7 @@ FormSheet::FormSheet(Texts &texts, QWidget *somewhere, const Text &title,
                      std::function<QString(const QStringList &lines)> onAccepted,
                      const QString &subject)
     : Sheet(texts, somewhere)
+    , m_fields(fields)
     , m_onAccepted(std::move(onAccepted))
 {
     constexpr int formWidth = 720;
@@ -204,8 +205,10 @@ FormSheet::FormSheet(Texts &texts, QWidget *somewhere, const Text &title,
 void FormSheet::accept()
 {
     QStringList lines;
-    for (const TextField *line : std::as_const(m_lines))
-        lines += line->text().trimmed();
+    for (int i = 0; i < m_lines.size(); ++i) {
+        const QString text = m_lines.at(i)->text();
+        lines += m_fields.at(i).keepsBlanks ? text : text.trimmed();
+    }
     const QString error = m_onAccepted(lines);
     if (error.isEmpty())
         finish();

@@ -80,6 +80,7 @@ public:
         Text caption;
         TextField::Kind kind;
         QString value;
+        bool keepsBlanks = false; ///< those at either end count
     };
 
     /**
@@ -93,6 +94,7 @@ public:
 private:
     void accept();
 
+    const QVector<Field> m_fields;
     QVector<TextField *> m_lines;
     QLabel *m_error = nullptr;
     std::function<QString(const QStringList &lines)> m_onAccepted;
