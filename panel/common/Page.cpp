@@ -29,6 +29,7 @@ QLabel *Page::label(const QString &name, const char *role)
     auto *label = new QLabel;
     label->setObjectName(name);
     label->setProperty("role", QString::fromLatin1(role));
+    label->setTextFormat(Qt::PlainText); // names may look like HTML
     return label;
 }
 

@@ -78,6 +78,7 @@ private slots:
     void joinANetworkBeyondAscii();
     void namesOfNetworks_data();
     void namesOfNetworks();
+    void namesAreNoMarkup();
     void wrongPassPhrase();
     void networkThatIsNotJoinedUnseen();
     void hiddenNetwork();
@@ -375,6 +376,38 @@ void TstPanelServices::namesOfNetworks()
     Meter::writeFile(radio, usual);
     QVERIFY(isListed);
     QCOMPARE(panel.titles("wifi.list"), QStringList(shown));
+}
+
+void TstPanelServices::namesAreNoMarkup()
+{
+    const QString name = QStringLiteral("<b>x</b>");
+    const QString radio = QStringLiteral("/run/meter/radio");
+    const QByteArray usual = Meter::readFile(radio);
+    Meter::writeFile(radio, "-50\t<b>x</b>\tohm-law-1827\n");
+    PanelFixture panel;
+    const auto shownAsMarkup = [&] {
+        QStringList labels;
+        for (const QLabel *label : panel.window.findChildren<QLabel *>())
+            if (label->isVisible() && label->text().contains(name)
+                && label->textFormat() != Qt::PlainText)
+                labels += label->text();
+        return labels;
+    };
+    const bool isChosen = chooseNetwork(panel, name);
+    Meter::writeFile(radio, usual);
+    QVERIFY(isChosen);
+    panel.session.networks().setPatience(0);
+    TAP(panel, "wifi.join");
+    QVERIFY(sheetSays(panel, QStringLiteral("Connect ") + name));
+    QCOMPARE(shownAsMarkup(), QStringList());
+    QVERIFY(panel.finger.type(QStringLiteral("ohm-law-1828")));
+    TAP(panel, "key.done");
+    QVERIFY(Finger::waitFor(
+        [&] { return panel.labelText("wifi.state") == QStringLiteral("Connecting to ") + name; }));
+    QCOMPARE(shownAsMarkup(), QStringList());
+    QVERIFY(Finger::waitFor([&] { return panel.finger.find(QStringLiteral("sheet.yes")); }));
+    QVERIFY(sheetSays(panel, name));
+    QCOMPARE(shownAsMarkup(), QStringList());
 }
 
 void TstPanelServices::wrongPassPhrase()

@@ -55,6 +55,7 @@ void Sheet::finish()
 QLabel *Sheet::addTitle(const Text &title, const QString &subject)
 {
     auto *label = new QLabel;
+    label->setTextFormat(Qt::PlainText); // a subject may look like HTML
     label->setProperty("role", QStringLiteral("title"));
     label->setWordWrap(true);
     m_texts.keep(label, [this, label, title, subject] {
@@ -118,8 +119,12 @@ ConfirmSheet::ConfirmSheet(Texts &texts, QWidget *somewhere, const Text &questio
     : Sheet(texts, somewhere)
 {
     addTitle(question);
-    if (!subject.isEmpty())
-        card()->addWidget(new QLabel(subject));
+    if (!subject.isEmpty()) {
+        auto *label = new QLabel(subject);
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);
+        card()->addWidget(label);
+    }
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(Theme::px(12));
     connect(addButton(buttons, texts, "sheet.cancel", cancelText), &QPushButton::clicked, this,
@@ -141,6 +146,7 @@ MessageSheet::MessageSheet(Texts &texts, QWidget *somewhere, const Text &title,
 {
     addTitle(title);
     auto *label = new QLabel(message);
+    label->setTextFormat(Qt::PlainText);
     label->setObjectName(QStringLiteral("sheet.message"));
     label->setWordWrap(true);
     card()->addWidget(label);
