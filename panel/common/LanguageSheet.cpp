@@ -10,7 +10,13 @@
 LanguageSheet::LanguageSheet(Texts &texts, Session &session, QWidget *somewhere, const Text &title)
     : PickSheet(texts, somewhere, title, rows(session),
                 codes(session).indexOf(session.library().get_Lang()->getCurrentLang()),
-                [&session](int index) { session.setLanguage(codes(session).value(index)); })
+                [&texts, &session, window = somewhere->window()](int index) {
+                    // The first use of a language writes the lists that it brings.
+                    new StillSheet(texts, window, Text {"Settings", "language", "Language"},
+                                   [&session, code = codes(session).value(index)] {
+                                       session.setLanguage(code);
+                                   });
+                })
 { }
 
 QString LanguageSheet::nameOf(const QString &code)

@@ -56,11 +56,19 @@ public:
         return labelText("sheet.message");
     }
     bool isSheetOpen() const { return finger.find(QStringLiteral("sheet")); }
+    /** Whether a sheet says that the screen is going to stand still. */
+    bool isAnnounced() const { return finger.find(QStringLiteral("sheet.still")); }
     /** Touches a setting, and a row of the list that opens. */
     bool pick(const char *button, const QString &title)
     {
         return finger.tap(QLatin1String(button))
             && finger.tapRow(QStringLiteral("sheet.list"), title);
+    }
+    /** Touches another language, and waits for it. */
+    bool chooseLanguage(const QString &name)
+    {
+        return pick("settings.language", name) && isAnnounced()
+            && Finger::waitFor([this] { return !isSheetOpen(); });
     }
     /** Types each value into its line of the sheet. @return whether every line could be touched */
     bool fill(const QStringList &values)

@@ -319,6 +319,7 @@ void TstPanelServices::joinAndForgetANetwork()
     QVERIFY(panel.list("wifi.list")->row(1).bars < 4);
     QVERIFY(!panel.finger.find(QStringLiteral("wifi.forget"))->isEnabled());
     QVERIFY(typePassPhrase(panel, QStringLiteral("ohm-law-1827")));
+    QVERIFY(panel.isAnnounced());
     QVERIFY(Finger::waitFor(
         [&] { return panel.labelText("wifi.details").contains(QLatin1String("192.168.44.100")); }));
     QVERIFY(Finger::waitFor(
@@ -328,6 +329,7 @@ void TstPanelServices::joinAndForgetANetwork()
     QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
     QCOMPARE(panel.list("wifi.list")->chosenRow()->detail, QStringLiteral("known"));
     TAP(panel, "wifi.forget", "sheet.yes");
+    QVERIFY(panel.isAnnounced());
     QVERIFY(Finger::waitFor([&] {
         return panel.list("wifi.list")->chosenRow()
             && panel.list("wifi.list")->chosenRow()->detail.isEmpty();
@@ -530,7 +532,7 @@ void TstPanelServices::preferANetwork()
     TAP(panel, "nav.WiFi");
     QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), QStringLiteral("North")));
     TAP(panel, "wifi.prefer");
-    QVERIFY(panel.isSheetOpen()); // says that it takes its time
+    QVERIFY(panel.isAnnounced());
     QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
     QVERIFY(isPreferred("North"));
     QVERIFY(!isPreferred("South"));

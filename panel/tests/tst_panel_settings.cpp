@@ -214,7 +214,7 @@ void TstPanelSettings::languageChangesEverythingAtOnce()
     for (const char *page : pages)
         TAP(panel, page);
     TAP(panel, "nav.Settings");
-    QVERIFY(panel.pick("settings.language", name));
+    QVERIFY(panel.chooseLanguage(name));
 
     LangSerwis language(QStringLiteral("/home/root/Langs/"), KTV_Configuration::KTV_420);
     QVERIFY(language.setLang(code));
@@ -242,7 +242,7 @@ void TstPanelSettings::keyboardOfTheLanguage()
 {
     PanelFixture panel;
     TAP(panel, "nav.Settings");
-    QVERIFY(panel.pick("settings.language", QStringLiteral("Polski")));
+    QVERIFY(panel.chooseLanguage(QStringLiteral("Polski")));
     TAP(panel, "nav.Lists", "lists.add");
     const QString text = QStringLiteral("\u0141\u0105cznik Nr 7!");
     QVERIFY(panel.finger.type(text));
@@ -449,6 +449,7 @@ void TstPanelSettings::factoryReset()
         "sheet.cancel");
     QCOMPARE(panel.session.preferences().temperatureUnit(), ValueBox::Temp_Fahrenheit);
     TAP(panel, "settings.reset", "sheet.yes");
+    QVERIFY(panel.isAnnounced());
     QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
     QCOMPARE(panel.session.preferences().temperatureUnit(), ValueBox::Temp_Celsius);
     QVERIFY(!panel.session.preferences().isDark());
@@ -467,6 +468,8 @@ void TstPanelSettings::firstStart()
     QCOMPARE(panel.titles("sheet.list"),
              QStringList({"Deutsch", "English", "Polski", "English (US)"}));
     QVERIFY(panel.finger.tapRow(QStringLiteral("sheet.list"), QStringLiteral("Deutsch")));
+    QVERIFY(panel.isAnnounced());
+    QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
     QCOMPARE(panel.buttonText("nav.Measure"), QStringLiteral("Messen"));
 }
 

@@ -231,6 +231,7 @@ StillSheet::StillSheet(Texts &texts, QWidget *somewhere, const Text &what,
     constexpr int readingTime = 300; // ms; long enough for the card to be seen
     addTitle(what);
     auto *still = new QLabel;
+    still->setObjectName(QStringLiteral("sheet.still"));
     still->setWordWrap(true);
     texts.translate(still,
                     Text {"Panel", "standsStill",

@@ -119,10 +119,12 @@ void Tour::begin()
         picture(QStringLiteral("welcome"));
         check(m_finger.tapRow(QStringLiteral("sheet.list"), QStringLiteral("English")),
               QStringLiteral("English"));
+        waitForSheet();
     }
     // The meter may have been used before.
     tap(QStringLiteral("nav.Settings"));
     pick(QStringLiteral("settings.language"), QStringLiteral("English"));
+    waitForSheet();
     for (const char *choice : {"settings.temperature.0", "settings.theme.0", "settings.keyboard.0"})
         tap(QLatin1String(choice));
 }
@@ -377,6 +379,7 @@ void Tour::settings()
     picture(QStringLiteral("settings"));
     for (const char *language : {"Polski", "Deutsch", "English"}) {
         pick(QStringLiteral("settings.language"), QLatin1String(language));
+        waitForSheet();
         say(QStringLiteral("Settings: %1, so the first page is \"%2\"")
                 .arg(QLatin1String(language),
                      m_finger.see<QPushButton>(QStringLiteral("nav.Measure"))->text()));
@@ -456,6 +459,12 @@ void Tour::pick(const QString &button, const QString &title)
 {
     tap(button);
     check(m_finger.tapRow(QStringLiteral("sheet.list"), title), title);
+}
+
+void Tour::waitForSheet()
+{
+    check(Finger::waitFor([this] { return !m_finger.find(QStringLiteral("sheet")); }),
+          QStringLiteral("a sheet that stands still goes"));
 }
 
 void Tour::picture(const QString &name)

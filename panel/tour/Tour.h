@@ -43,6 +43,7 @@ private:
     static void check(bool isWell, const QString &what);
     void tap(const QString &name) { check(m_finger.tap(name), name); }
     void pick(const QString &button, const QString &title);
+    void waitForSheet();
     void picture(const QString &name);
     QString measureOnce();
 
