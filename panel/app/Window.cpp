@@ -27,6 +27,7 @@
 #include <wifi/KTV_Connection.h>
 #include <wifi/Network.h>
 
+#include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollArea>
@@ -160,6 +161,23 @@ Session &Window::session() const
 void Window::welcome()
 {
     new LanguageSheet(m_context.texts(), session(), this, Text {"Main", "welcome", "Welcome"});
+}
+
+void Window::closeEvent(QCloseEvent *event)
+{
+    const Recorder &recorder = session().recorder();
+    if (m_isDropped || (!recorder.isRunning() && !recorder.isUnsaved()))
+        return;
+    event->ignore();
+    if (m_closingQuestion)
+        return;
+    m_closingQuestion = new ConfirmSheet(
+        m_context.texts(), this,
+        Text {"Panel", "confirmClose", "The series is not saved. Close the panel and lose it?"},
+        Text {"Panel", "dropSeries", "Drop the series"}, [this] {
+            m_isDropped = true;
+            close();
+        });
 }
 
 QWidget *Window::makeHeader()

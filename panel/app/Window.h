@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFutureWatcher>
+#include <QPointer>
 #include <QSize>
 #include <QTimer>
 #include <QVector>
@@ -33,6 +34,10 @@ public:
     /** Shows a page by its number on the rail. */
     void showPage(int index);
 
+protected:
+    /** Asks first where a series would be lost. */
+    void closeEvent(QCloseEvent *event) override;
+
 private:
     QWidget *makeHeader();
     QWidget *makeRail();
@@ -61,4 +66,6 @@ private:
     TouchButton *m_helpButton;
     QTimer m_tick;
     QTimer m_recordingTick;
+    QPointer<QWidget> m_closingQuestion;
+    bool m_isDropped = false; ///< the series may be lost
 };

@@ -151,6 +151,7 @@ private slots:
     void connectedKeyboard();
     void brightness();
     void factoryReset();
+    void closingAsksForASeries();
     void firstStart();
     void aboutTheMeter();
     void alertOfTheCard_data();
@@ -459,6 +460,23 @@ void TstPanelSettings::factoryReset()
     QVERIFY(!panel.titles("lists.list").isEmpty());
     TAP(panel, "nav.Record");
     QCOMPARE(panel.fieldValue("record.client"), QStringLiteral("None"));
+}
+
+void TstPanelSettings::closingAsksForASeries()
+{
+    PanelFixture panel;
+    Recorder &recorder = panel.session.recorder();
+    recorder.setWanted(1);
+    recorder.start();
+    QVERIFY(!panel.window.close());
+    QVERIFY(panel.window.isVisible());
+    QVERIFY(!panel.window.close()); // asked once
+    TAP(panel, "sheet.cancel");
+    QVERIFY(!panel.isSheetOpen());
+    QVERIFY(Finger::waitFor([&] { return !recorder.isRunning(); }));
+    QVERIFY(!panel.window.close());
+    TAP(panel, "sheet.yes");
+    QVERIFY(!panel.window.isVisible());
 }
 
 void TstPanelSettings::firstStart()
