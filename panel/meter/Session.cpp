@@ -75,6 +75,8 @@ void Session::setSerialNumber(const QString &serial)
 
 void Session::restoreFactorySettings()
 {
+    if (!canRestoreFactorySettings())
+        return;
     m_library->ClearToDefault();
     m_preferences.restoreFactorySettings();
     m_setup.load();

@@ -40,10 +40,15 @@ public:
     Networks &networks() { return m_networks; }
     UsbPort &usbPort() { return m_usbPort; }
 
-    void setLanguage(const QString &code);
+    void setLanguage(const QString &code); ///< Blocks at the first use of a language.
     /** As if the measuring hardware had reported another serial number. */
     void setSerialNumber(const QString &serial);
-    /** Factory reset of everything that a user can change, the panel's own settings included. */
+    /** Not while a series is recorded: it would end at another number, with other settings. */
+    bool canRestoreFactorySettings() const { return !m_recorder.isRunning(); }
+    /**
+     * Factory reset of everything that a user can change, the panel's own settings included.
+     * Nothing happens while it cannot be done. Blocks.
+     */
     void restoreFactorySettings();
 
 signals:

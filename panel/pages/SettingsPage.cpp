@@ -31,6 +31,7 @@ SettingsPage::SettingsPage(Texts &texts, Session &session)
     , m_theme(new Choice(QStringLiteral("settings.theme"), 2))
     , m_keyboard(new Choice(QStringLiteral("settings.keyboard"), 2))
     , m_brightness(new PercentSlider(QStringLiteral("settings.brightness"), leastBrightness))
+    , m_reset(new TouchButton(QStringLiteral("settings.reset"), TouchButton::Danger))
 {
     layOut();
     connect(m_language, &QPushButton::clicked, this, [this] {
@@ -45,6 +46,7 @@ SettingsPage::SettingsPage(Texts &texts, Session &session)
     connect(m_keyboard, &Choice::chosen, this,
             [this](int choice) { preferences().setUsesScreenKeyboard(choice == 0); });
     connect(m_brightness, &PercentSlider::changed, &preferences(), &Preferences::setBrightness);
+    connect(&session.recorder(), &Recorder::stateChanged, this, &SettingsPage::refresh);
     texts.keep(this, [this] { refresh(); });
 }
 
@@ -57,9 +59,8 @@ void SettingsPage::layOut()
     texts().translate(m_theme->part(1), Text {"Panel", "dark", "Dark"});
     texts().translate(m_keyboard->part(0), Text {"Panel", "onScreen", "On the screen"});
     texts().translate(m_keyboard->part(1), Text {"Panel", "connectedKeyboard", "Connected"});
-    auto *reset = new TouchButton(QStringLiteral("settings.reset"), TouchButton::Danger);
-    texts().translate(reset, Text {"Settings", "factoryReset", "Restore factory settings"});
-    connect(reset, &QPushButton::clicked, this, [this] {
+    texts().translate(m_reset, Text {"Settings", "factoryReset", "Restore factory settings"});
+    connect(m_reset, &QPushButton::clicked, this, [this] {
         new ConfirmSheet(
             this->texts(), this,
             Text {"Dialogs", "confirmReset", "All settings and lists will be lost. Go on?"},
@@ -89,7 +90,7 @@ void SettingsPage::layOut()
     column()->addSpacing(Theme::gap());
     column()->addLayout(grid);
     column()->addStretch(1);
-    column()->addWidget(reset);
+    column()->addWidget(m_reset);
 }
 
 void SettingsPage::restoreFactorySettings()
@@ -105,4 +106,5 @@ void SettingsPage::refresh()
     m_theme->setCurrent(preferences().isDark() ? 1 : 0);
     m_keyboard->setCurrent(preferences().usesScreenKeyboard() ? 0 : 1);
     m_brightness->setPercent(preferences().brightness());
+    m_reset->setEnabled(session().canRestoreFactorySettings());
 }

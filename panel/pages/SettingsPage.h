@@ -5,6 +5,7 @@
 class Choice;
 class FieldButton;
 class PercentSlider;
+class TouchButton;
 
 /** The user's settings. */
 class SettingsPage : public Page
@@ -24,4 +25,5 @@ private:
     Choice *m_theme;
     Choice *m_keyboard;
     PercentSlider *m_brightness;
+    TouchButton *m_reset;
 };

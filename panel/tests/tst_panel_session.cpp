@@ -77,6 +77,7 @@ private slots:
     void languageOfTheSession();
     void meterOfTheSession();
     void settersReachTheMeter();
+    void factoryReset();
 };
 
 void TstPanelSession::initTestCase()
@@ -324,6 +325,24 @@ void TstPanelSession::settersReachTheMeter()
     QCOMPARE(Meter::readFile(QStringLiteral("/run/platform/brightness")), QByteArray("30\n"));
     session.preferences().setVolume(60);
     QTRY_COMPARE(Meter::readFile(QStringLiteral("/run/meter/volume")).trimmed(), "60");
+}
+
+void TstPanelSession::factoryReset()
+{
+    Session session;
+    Recorder &recorder = session.recorder();
+    const int usual = recorder.wanted();
+    recorder.setWanted(7);
+    session.preferences().setDark(true);
+    recorder.start();
+    QVERIFY(!session.canRestoreFactorySettings());
+    session.restoreFactorySettings(); // the series goes on as it began
+    QCOMPARE(recorder.wanted(), 7);
+    QVERIFY(session.preferences().isDark());
+    recorder.stop();
+    session.restoreFactorySettings();
+    QCOMPARE(recorder.wanted(), usual);
+    QVERIFY(!session.preferences().isDark());
 }
 
 KTV_METER_TEST_MAIN(TstPanelSession)

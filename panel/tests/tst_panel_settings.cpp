@@ -151,6 +151,7 @@ private slots:
     void connectedKeyboard();
     void brightness();
     void factoryReset();
+    void factoryResetWaitsForASeries();
     void closingAsksForASeries();
     void firstStart();
     void aboutTheMeter();
@@ -460,6 +461,16 @@ void TstPanelSettings::factoryReset()
     QVERIFY(!panel.titles("lists.list").isEmpty());
     TAP(panel, "nav.Record");
     QCOMPARE(panel.fieldValue("record.client"), QStringLiteral("None"));
+}
+
+void TstPanelSettings::factoryResetWaitsForASeries()
+{
+    PanelFixture panel;
+    panel.session.recorder().setWanted(Series::capacity);
+    TAP(panel, "nav.Record", "record.start", "nav.Settings");
+    QVERIFY(!panel.finger.find(QStringLiteral("settings.reset"))->isEnabled());
+    panel.session.recorder().stop();
+    QVERIFY(panel.finger.find(QStringLiteral("settings.reset"))->isEnabled());
 }
 
 void TstPanelSettings::closingAsksForASeries()
