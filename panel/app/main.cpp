@@ -1,4 +1,5 @@
 #include "app/Context.h"
+#include "app/StartPicture.h"
 #include "app/Window.h"
 
 #include <datasource/KTV_DataSource.h>
@@ -36,10 +37,14 @@ int main(int argc, char *argv[])
     options.addOption(size);
     options.addHelpOption();
     options.process(application);
+    const QSize wanted = sizeOf(options.value(size));
+    StartPicture picture(wanted);
+    picture.present();
     const bool isFirstStart = KTV_DataSource::FirstStart();
     Context context;
-    Window window(context, sizeOf(options.value(size)));
+    Window window(context, wanted);
     window.show();
+    picture.hide();
     if (isFirstStart)
         window.welcome();
     return QApplication::exec();

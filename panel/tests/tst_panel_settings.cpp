@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QLineEdit>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -153,6 +154,7 @@ private slots:
     void factoryReset();
     void factoryResetWaitsForASeries();
     void closingAsksForASeries();
+    void pictureBeforeTheLibrary();
     void firstStart();
     void aboutTheMeter();
     void alertOfTheCard_data();
@@ -488,6 +490,39 @@ void TstPanelSettings::closingAsksForASeries()
     QVERIFY(!panel.window.close());
     TAP(panel, "sheet.yes");
     QVERIFY(!panel.window.isVisible());
+}
+
+void TstPanelSettings::pictureBeforeTheLibrary()
+{
+    // The restart of the supplicant, which the library waits for without a limit.
+    Meter::setBehaviour(QStringLiteral("systemctl"), "hang=1");
+    Meter::clearJournal();
+    QProcess panel;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_LOGGING_RULES"),
+                       QStringLiteral("qt.widgets.painting=true"));
+    panel.setProcessEnvironment(environment);
+    panel.setProcessChannelMode(QProcess::MergedChannels);
+    panel.start(QStringLiteral(KTVPANEL), QStringList());
+    QByteArray said;
+    const bool isPainted = QTest::qWaitFor(
+        [&] {
+            said += panel.readAll();
+            return said.contains("qt.widgets.painting: Flushing");
+        },
+        Meter::patience);
+    const bool isWaiting = QTest::qWaitFor(
+        [] {
+            return Meter::journal()
+                .join(QLatin1Char(' '))
+                .contains(QLatin1String("systemctl restart"));
+        },
+        Meter::patience);
+    panel.kill();
+    panel.waitForFinished();
+    Meter::setBehaviour(QStringLiteral("systemctl"), QByteArray());
+    QVERIFY2(isPainted, said.right(1000).constData());
+    QVERIFY(isWaiting);
 }
 
 void TstPanelSettings::firstStart()
