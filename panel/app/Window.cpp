@@ -13,6 +13,7 @@
 #include "pages/UsbPage.h"
 #include "pages/WifiPage.h"
 #include "touch/Buttons.h"
+#include "touch/ElidedLabel.h"
 #include "touch/Indicators.h"
 #include "touch/Keyboard.h"
 #include "touch/Sheets.h"
@@ -202,8 +203,7 @@ QWidget *Window::makeHeader()
     m_recording->setProperty("role", QStringLiteral("recording"));
     m_recording->hide();
     connect(m_recording, &QPushButton::clicked, this, [this] { showPage(pageOf("Record")); });
-    m_alert = new QLabel;
-    m_alert->setObjectName(QStringLiteral("header.alert"));
+    m_alert = new ElidedLabel(QStringLiteral("header.alert")); // whole on the page About
     m_alert->setProperty("role", QStringLiteral("alarm"));
     m_clock = new QLabel;
     m_bars = new SignalBars;

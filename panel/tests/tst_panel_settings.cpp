@@ -2,6 +2,7 @@
 
 #include "support/Volume.h"
 
+#include "touch/ElidedLabel.h"
 #include "touch/Theme.h"
 
 #include <configuration/KTV_InterfaceConfig.h>
@@ -122,7 +123,10 @@ QStringList problemsOf(const PanelFixture &panel, const QString &where)
             report(QStringLiteral("cannot be read whole: ") + field->caption());
         if (label && label->wordWrap() && label->heightForWidth(label->width()) > label->height())
             report(QStringLiteral("is too low: ") + label->text());
-        if (label && !label->wordWrap() && label->sizeHint().width() > label->width())
+        const int needed = qobject_cast<const ElidedLabel *>(widget)
+            ? widget->minimumSizeHint().width()
+            : widget->sizeHint().width();
+        if (label && !label->wordWrap() && needed > label->width())
             report(QStringLiteral("is too narrow: ") + label->text());
     }
     return problems;
@@ -143,6 +147,10 @@ private slots:
     void keyboardOfTheLanguage();
     void everythingCanBeTouchedAndRead_data();
     void everythingCanBeTouchedAndRead();
+    void sheetsCanBeTouchedAndRead_data();
+    void sheetsCanBeTouchedAndRead();
+    void headerHasRoomForEverything_data();
+    void headerHasRoomForEverything();
     void onAnotherScreen_data();
     void onAnotherScreen();
     void onASmallScreen();
@@ -294,6 +302,77 @@ void TstPanelSettings::everythingCanBeTouchedAndRead()
         TAP(panel, sheet.closes);
     }
     QCOMPARE(problems.join(QLatin1Char('\n')), QString());
+    card.fill(0);
+    panel.session.library().updateTimeDisk();
+}
+
+void TstPanelSettings::sheetsCanBeTouchedAndRead_data()
+{
+    onAnotherScreen_data();
+}
+
+void TstPanelSettings::sheetsCanBeTouchedAndRead()
+{
+    QFETCH(QSize, size);
+    QFETCH(QString, code);
+    const QString name = QStringLiteral("Substation North");
+    PanelFixture panel(size);
+    panel.session.setLanguage(code);
+    QStringList problems;
+    const auto look = [&](const char *sheet) {
+        problems += panel.isSheetOpen() ? problemsOf(panel, QLatin1String(sheet))
+                                        : QStringList(QStringLiteral("no sheet: %1").arg(sheet));
+        panel.finger.tap(QStringLiteral("sheet.cancel"));
+    };
+    panel.window.showPage(3); // WiFi
+    TAP(panel, "wifi.hidden");
+    look("hidden network");
+    QVERIFY(Finger::waitFor([&] { return panel.titles("wifi.list").contains(name); }));
+    QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
+    TAP(panel, "wifi.join");
+    TAP(panel, "sheet.ok"); // the pass phrase is too short: that takes room, too
+    look("pass phrase");
+    for (const auto outcome :
+         {Networks::NotAnswering, Networks::PassPhraseRefused, Networks::NotFound}) {
+        emit panel.session.networks().joined(name, outcome);
+        look("not joined");
+    }
+    Recorder &recorder = panel.session.recorder();
+    recorder.setWanted(1);
+    recorder.start();
+    QVERIFY(Finger::waitFor([&] { return recorder.isUnsaved() && !recorder.isRunning(); }));
+    panel.window.showPage(1); // Record
+    TAP(panel, "record.start");
+    look("drop the series");
+    panel.window.close();
+    look("close the panel");
+    QCOMPARE(problems.join(QLatin1Char('\n')), QString());
+}
+
+void TstPanelSettings::headerHasRoomForEverything_data()
+{
+    sheetsCanBeTouchedAndRead_data();
+}
+
+void TstPanelSettings::headerHasRoomForEverything()
+{
+    QFETCH(QSize, size);
+    QFETCH(QString, code);
+    PanelFixture panel(size);
+    panel.session.setLanguage(code);
+    Volume card(QStringLiteral("/media/sdcard/Clients"), 100);
+    card.fill(85);
+    panel.session.library().updateTimeDisk();
+    panel.session.recorder().setWanted(Series::capacity);
+    panel.session.recorder().start();
+    QVERIFY(panel.finger.find(QStringLiteral("header.recording")));
+    QVERIFY(!panel.labelText("header.alert").isEmpty());
+    const QStringList problems =
+        problemsOf(panel, QStringLiteral("header")).filter(QLatin1String(" header."))
+        + problemsOf(panel, QStringLiteral("header")).filter(QLatin1String(" nav."));
+    QCOMPARE(problems.join(QLatin1Char('\n')), QString());
+    const QWidget *help = panel.finger.find(QStringLiteral("nav.Help"));
+    QCOMPARE(help->mapTo(&panel.window, help->rect().topRight()).x(), size.width() - 1);
     card.fill(0);
     panel.session.library().updateTimeDisk();
 }
