@@ -224,7 +224,7 @@ bool Networks::join(const QString &name, const QString &key)
 
 void Networks::checkJoining()
 {
-    if (m_reading.isRunning()) { // since when?
+    if (m_reading.isRunning()) { // perhaps since before the network was stored
         m_joiningTick.start();
         return;
     }
