@@ -26,13 +26,13 @@ page() { # page NAME NUMBER: touches its name on the rail
     outside picture "$1"
 }
 
-is_painted() { # a console is black
-    [ "$(tr -d '\0' </dev/fb0 | wc -c)" -gt 500000 ]
+is_shown() { # the header is white; a console is black, and the picture before the window grey
+    [ "$(dd if=/dev/fb0 bs=4 skip=300 count=8 2>/dev/null | tr -cd '\377' | wc -c)" -ge 24 ]
 }
 
 check "there is a screen" until_true 10 test -c /dev/fb0
 systemctl start panel
-check "the panel draws on it" until_true 60 is_painted
+check "the panel draws on it" until_true 60 is_shown
 still
 outside picture Measure
 number=1
