@@ -25,7 +25,7 @@ install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/KTV_DataSourceConfigVersion.cmake
     DESTINATION ${package_directory})
 
-# The platform library may be anybody's: its flags are what its target says.
+# The platform library may come from any maker, so its flags are taken from its target.
 set(platform KTV_Platform::KTV_Platform)
 get_target_property(platform_type ${platform} TYPE)
 if(NOT KTV_PLATFORM_LIBRARY AND NOT KTV_PLATFORM_PACKAGE)
@@ -42,7 +42,7 @@ else()
     set(directories "$<TARGET_PROPERTY:${platform},INTERFACE_INCLUDE_DIRECTORIES>")
     set(pkgconfig_platform_cflags "$<$<BOOL:${directories}>:-I$<JOIN:${directories}, -I>>")
 endif()
-# Relative to the file itself: `cmake --install --prefix` may choose another place.
+# Relative to the file itself, because `cmake --install --prefix` may choose another place.
 file(RELATIVE_PATH pkgconfig_to_prefix
     ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(${PROJECT_SOURCE_DIR}/cmake/KTV_DataSource.pc.in

@@ -40,15 +40,15 @@ public:
     QString betaVersion;
     QString clientsDirectory = QStringLiteral("/media/sdcard/Clients/");
     QString logDirectory = QStringLiteral("/media/sdcard/Log/");
-    QString updateDirectory = QStringLiteral("/media/sdcard/Update"); // kept without "/"
+    QString updateDirectory = QStringLiteral("/media/sdcard/Update"); // kept: no "/" at its end
     QString mainDirectory = QStringLiteral("/home/root/");
-    // Composed before the file is read: a file that moves the main directory moves only that.
+    // Set before the file is read: a file that changes the main directory does not change these.
     QString firmwareDirectory = mainDirectory + QStringLiteral("Firmware/");
     QString langsDirectory = mainDirectory + QStringLiteral("Langs/");
     QString userDataDirectory = QStringLiteral("/media/sdcard/UserData/");
     QString helpDirectory = mainDirectory + QStringLiteral("Help/");
     QString serialNumber = QStringLiteral("AA0000");
-    QString soundSampleDirectory; // its default applies only once a file has been loaded
+    QString soundSampleDirectory; // stays empty unless a file is loaded
     int batteryAlarm1 = defaultBatteryAlarm1;
     int batteryAlarm2 = defaultBatteryAlarm2;
     bool soundOff = false;

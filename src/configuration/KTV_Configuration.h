@@ -9,12 +9,12 @@
 class QDomElement;
 
 /**
- * The fixed facts of one meter: maker, model, versions, directories and switches.
+ * The description of one meter: maker, model, versions, directories and switches.
  *
  * Directories and switches come from "/home/root/globalInfo.xml", read once by the constructor;
  * whatever the file lacks keeps its default. The serial number, and with it the model, is set
- * later, when the meter has reported it. All directories but the update directory end in "/";
- * values of the file are taken as they stand.
+ * later, when the meter has reported it. All directories except the update directory end in "/";
+ * values of the file are taken unchanged.
  *
  * Used from the interface's thread only. Nothing here blocks beyond reading a small file.
  */
@@ -25,7 +25,7 @@ public:
     /** Meter models; unknown until a serial number is set. */
     enum MeterModels : qint32
     {
-        MeterModels_NaN = 0, ///< no serial number yet, or one of no known model
+        MeterModels_NaN = 0, ///< no serial number yet, or one that belongs to no known model
         KTV_410 = 1,
         KTV_420 = 2,
         KTV_4200 = 3,
@@ -34,7 +34,7 @@ public:
     };
     Q_ENUM(MeterModels)
 
-    /** Reads the device description; a missing or damaged file leaves every default. */
+    /** Reads the device description; without a valid file every value keeps its default. */
     explicit KTV_Configuration(QObject *parent = nullptr);
     ~KTV_Configuration() override;
 
@@ -72,17 +72,17 @@ public:
 
     /** Model derived from the serial number. */
     MeterModels get_MeterModel() const;
-    /** The same for code that has no configuration object. */
+    /** The same value as get_MeterModel(), for code that has no configuration object. */
     static MeterModels currentMeterModel();
 
     /** Maker and model, as "QERN KTV-420". */
     QString get_MeterFullName() const;
 
-    /** Stores the serial number; its first two characters decide the model, whatever follows. */
+    /** Stores the serial number. Its first two characters alone decide the model. */
     void set_SerialNumber(const QString &serial);
 
     /**
-     * Version of the interface, its beta mark if any, and the system's version, as
+     * Version of the interface, its beta version if there is one, and the system's version, as
      * "1.2.3 beta: 7 - 2.0.1"; " - ????" stands for an unreadable "/etc/version".
      */
     QString get_InterfaceVersion() const;

@@ -105,8 +105,8 @@ bool KTV_InterfaceConfig::Open()
 
 bool KTV_InterfaceConfig::CreateNew()
 {
-    if (Internal::hasGivenUpDatabases())
-        return false; // what would be deleted could not be made anew
+    if (Internal::areDatabasesClosed())
+        return false; // a deleted file could not be created again
     d->database.release();
     QFile file(d->path);
     if (file.exists() && !file.remove()) {
@@ -160,7 +160,8 @@ void KTV_InterfaceConfig::setValue(SettingKey key, const QString &value)
         const QString name = enumToString(key);
         const bool removed = d->remove(name, QLatin1String("setValue - DELETE:"));
         const bool inserted = d->insert(name, value);
-        // Also after one statement has failed, which is logged: the other one is kept.
+        // If one of the statements has failed, which is logged, the other one is committed all the
+        // same.
         if (!transaction.commit() && removed && inserted)
             log() << "setValue: " << d->database.lastError().text();
     });

@@ -10,25 +10,25 @@
 /**
  * The user's settings: text by key, in the SQLite file "interfaceConfig.db".
  *
- * Each key is stored under its enumerator name, integers as decimal text. Defaults are not
- * stored; every reader gives its own. A file that cannot be opened is replaced by an empty one.
+ * Each key is stored under its enumerator name, integers as decimal text. Defaults are not stored:
+ * callers pass their own. A file that cannot be opened is replaced by an empty one.
  *
  * One instance at a time, used from one thread: the connection's name is process-wide. A write
- * returns when the card has it (tens of milliseconds on an SD card). The file is this process's;
- * while another one writes it, each statement of a call may block for 5 s and then fail: one of a
- * read, two of a write, one for each key to delete.
+ * returns after it has been flushed to the card (tens of milliseconds on an SD card). No other
+ * process should use the file: while one writes it, each statement of a call may block for 5 s and
+ * then fail. A read is one statement, a write two, and a deletion one for each key.
  */
 class KTV_DATASOURCE_EXPORT KTV_InterfaceConfig : public QObject
 {
     Q_OBJECT
 public:
-    /** Keys of the settings; the enumerator's name is what the file holds. */
+    /** Keys of the settings; the file contains the enumerators' names. */
     enum SettingKey : qint32
     {
         MAIN_Lang = 1, ///< interface language code
         MAIN_UseScreenKeyboard = 2, ///< whether the on-screen keyboard is used
         MAIN_HideNoCriticalDialog = 3, ///< whether non-critical dialogs are hidden
-        MAIN_OffSound = 4, ///< the user's sound-off choice
+        MAIN_OffSound = 4, ///< whether the user has switched the sound off
         MAIN_TemperatureUnit = 5, ///< temperature unit
         MAIN_StartScreen = 6, ///< screen shown at start
         MAIN_Pin = 7, ///< screen PIN
@@ -63,7 +63,7 @@ public:
     bool Open();
     /** Deletes the file and creates an empty one. @return whether the store is open */
     bool CreateNew();
-    /** Factory reset: every setting is gone, every reader falls back to its default. */
+    /** Factory reset: removes every setting, so that readers return their defaults. */
     void RestoreFabricalSetting();
 
     /** Stored text of @p key, or @p defaultValue when there is none or the store is closed. */
@@ -74,15 +74,15 @@ public:
      */
     int getValue(KTV_InterfaceConfig::SettingKey key, int defaultValue);
 
-    /** Stores a text in place of the key's earlier value; dropped when the store is closed. */
+    /** Stores a text in place of the key's earlier value; does nothing when the store is closed. */
     void setValue(KTV_InterfaceConfig::SettingKey key, const QString &value);
     /** Stores the decimal text of @p value. */
     void setValue(KTV_InterfaceConfig::SettingKey key, int value);
 
-    /** Removes the keys in one transaction; dropped when the store is closed. */
+    /** Removes the keys in one transaction; does nothing when the store is closed. */
     void deleteValue(const QList<KTV_InterfaceConfig::SettingKey> &keys);
 
-    /** Enumerator name of @p key; empty for a number that is no key. */
+    /** Enumerator name of @p key; empty for a number that is not a key. */
     QString enumToString(KTV_InterfaceConfig::SettingKey key) const;
 
 private:

@@ -6,7 +6,7 @@
 
 namespace Internal {
 
-/** Models of one family round measured values alike. */
+/** All models of one family round measured values in the same way. */
 enum class RoundingFamily
 {
     None,
@@ -14,19 +14,19 @@ enum class RoundingFamily
     Ktv4200
 };
 
-/** What one meter model is. */
+/** Properties of one meter model. */
 struct MeterModel
 {
     KTV_Configuration::MeterModels model;
     QLatin1String name; ///< as users know it
-    QLatin1String serialPrefixes; ///< of its serial numbers, separated by blanks
+    QLatin1String serialPrefixes; ///< how its serial numbers begin, separated by spaces
     RoundingFamily rounding;
     QLatin1String helpFolder; ///< in the help directory; empty for the directory itself
-    bool playsSamples; ///< through its audio codec, where others beep
-    QLatin1String languages; ///< offered ones, separated by blanks; empty: what is installed
+    bool playsSamples; ///< plays signals as samples through an audio codec; other models beep
+    QLatin1String languages; ///< the ones offered, separated by spaces; empty: all installed ones
 };
 
-/** Every model, the unknown one first. A new model is a row here. */
+/** Every model, the unknown one first. To add a model, add a row here. */
 // clang-format off
 inline const MeterModel meterModels[] = {
     {KTV_Configuration::MeterModels_NaN, QLatin1String("KTV-xxx"), QLatin1String(""),
@@ -44,10 +44,10 @@ inline const MeterModel meterModels[] = {
 };
 // clang-format on
 
-/** The words of a column that are separated by blanks. */
+/** Splits a column's text at its spaces. */
 QStringList wordsOf(QLatin1String column);
 
-/** The row of a model; the unknown one when there is none. */
+/** The row of a model; the unknown model's row when there is none. */
 const MeterModel &meterModel(KTV_Configuration::MeterModels model);
 const MeterModel &meterModelOfName(const QString &name);
 const MeterModel &meterModelOfSerialNumber(const QString &serial);

@@ -20,7 +20,7 @@ namespace {
 constexpr qint64 fileMarker = 1234567890;
 constexpr auto streamVersion = QDataStream::Qt_4_6;
 
-// By name, not by value: stored files depend on it.
+// Sorted by name, not by number: stored files depend on it.
 constexpr KTV_Liczniki::Licznik fileOrder[] = {
     KTV_Liczniki::Licznik_AutomatycznyDoborMetody,
     KTV_Liczniki::Licznik_Demagnetyzacja,
@@ -32,9 +32,9 @@ constexpr KTV_Liczniki::Licznik fileOrder[] = {
 };
 
 /**
- * Writes the bytes over those that the file has, so that no moment exists at which it holds none:
- * they lie in one sector, which a card writes whole or not at all, and need no more room. What
- * would replace the file needs room for a second one, and on FAT it has several steps.
+ * Overwrites the content of the file, so that it is never empty. The bytes are in one sector, which
+ * a card writes whole or not at all, and need no further space. Replacing the file would need space
+ * for a second one, and on FAT takes several steps.
  *
  * @return success; otherwise the file has the reason
  */
@@ -78,7 +78,7 @@ bool KTV_Liczniki::Private::save(QFile &file, bool exists, QString *reason) cons
     if (!overwrite(file, bytes())) {
         *reason = file.errorString();
         if (!exists)
-            file.remove(); // the next start would take the empty file for a damaged one
+            file.remove(); // the next start would report an empty file as damaged
         return false;
     }
     if (Internal::flushFile(file.handle()) && (exists || Internal::flushDirectoryOf(path)))

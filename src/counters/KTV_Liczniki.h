@@ -13,10 +13,10 @@ class QDataStream;
 /**
  * Usage counters of the meter's main functions, kept in "liczniki.bin".
  *
- * Counts live in memory and reach the file only when the object is destroyed, in one step: a
- * pulled battery leaves the old counts or the new ones, also on a FAT card, and a card that is
- * full has room for them once the file exists. Used from the interface's thread only.
- * Nothing is reported to the caller; failures are lines of the debug log.
+ * Counts are kept in memory and written to the file only when the object is destroyed. They are
+ * written in one step: a pulled battery leaves the old counts or the new ones, also on a FAT card.
+ * Once the file exists it can be written even on a full card. Used from the interface's thread
+ * only. Failures are not returned to the caller, only logged.
  */
 class KTV_DATASOURCE_EXPORT KTV_Liczniki : public QObject
 {
@@ -54,20 +54,20 @@ public:
     qint64 get_dictionary(KTV_Liczniki::Licznik counter) const;
     /** Sets a counter. */
     void set_dictionary(KTV_Liczniki::Licznik counter, qint64 count);
-    /** Reads a counter from the stream; 0 past the stream's end. The stream stays the caller's. */
+    /** Reads a counter from the stream; 0 past the stream's end. The caller keeps the stream. */
     void load(QDataStream *stream, KTV_Liczniki::Licznik counter);
 
     /** @return new copy of all counters; the caller deletes it; never null */
     QHash<KTV_Liczniki::Licznik, qint64> *getLiczniki() const;
-    /** Writes one debug line a counter, in the order of the file. */
+    /** Writes one debug line for each counter, in the order of the file. */
     void printLiczniki() const;
 
-    /** Reads the file; counters that it lacks become 0, all of them when it is damaged. */
+    /** Reads the file. Counters missing from it become 0; a damaged file changes no counter. */
     void LoadLiczniki();
     /**
      * Overwrites the file in place, creating it and its directory (one level) when they are
-     * missing. Blocks until the card has it. A file that cannot be written is replaced; if it
-     * cannot be replaced either, the old one stays.
+     * missing. Blocks until it has been flushed to the card. A file that cannot be opened for
+     * writing is replaced; if it cannot be replaced either, the old one stays.
      */
     void SaveLiczniki();
 

@@ -14,19 +14,18 @@
 #include <QTextStream>
 #include <QVariant>
 
-#include <exception>
 #include <optional>
 #include <utility>
 
 using Internal::guarded;
 using Internal::ListFamily;
 using Internal::log;
-using Internal::Rows;
+using Internal::RowKind;
 using Internal::Statement;
 
 namespace {
 
-/** A list and its elements, deleted together unless it is handed out. */
+/** A list and its elements, deleted together unless release() gives them to the caller. */
 template <typename Element> class OwnedList
 {
 public:
@@ -44,15 +43,15 @@ public:
         m_list->append(element.get());
         return *element.release();
     }
-    QList<Element *> *handOut() { return m_list.release(); }
+    QList<Element *> *release() { return m_list.release(); }
 
 private:
-    static constexpr int screenful = 32; ///< most pickers ask for no more: room from the start
+    static constexpr int screenful = 32; ///< reserved at the start; most clients ask for no more
 
     std::unique_ptr<QList<Element *>> m_list = std::make_unique<QList<Element *>>();
 };
 
-/** Null while temperatures are shown as they are stored. */
+/** Null while temperatures are shown in degrees Celsius, as they are stored. */
 const Internal::TemperatureScale *scaleInEffect()
 {
     return Internal::temperatureScale(ValueBox::NumericalValueBox::getTempUnit());
@@ -64,7 +63,7 @@ QString converted(const QString &limit, double (*convert)(double))
     if (limit.isEmpty())
         return limit;
     constexpr int decimals = 2;
-    // Kept: the text carries the sign of the unit in effect, also where the number is Celsius.
+    // Kept: the text has the sign of the current unit although the number is in degrees Celsius.
     return NumericalValueBox::autoFormat(float(convert(double(NumericalValueBox::getValue(limit)))),
                                          ValueBox::Unit_Temperature, ValueBox::Prefix_None,
                                          decimals, true);
@@ -84,7 +83,7 @@ QString shownLimit(const ListFamily &family, const QString &limit)
     return scale ? converted(limit, scale->fromCelsius) : limit;
 }
 
-/** The driver delivers 64 bits: asked for as such, they need no conversion of a QVariant. */
+/** Reads the 64-bit number that the driver delivers, so that no QVariant is converted. */
 int idOf(const Statement &row)
 {
     return int(row.value(0).toLongLong());
@@ -113,18 +112,18 @@ void readRow(const ListFamily &family, const Statement &row, LimitList_Element &
     element.LoLimit = shownLimit(family, row.value(3).toString());
 }
 
-Rows wantedRows(bool readOnlyRows, bool userRows)
+RowKind wantedRows(bool readOnlyRows, bool userRows)
 {
     if (readOnlyRows == userRows)
-        return Rows::All; // kept: pickers clear both flags to see everything
-    return readOnlyRows ? Rows::Factory : Rows::User;
+        return RowKind::All; // kept: clients clear both flags to get everything
+    return readOnlyRows ? RowKind::Factory : RowKind::User;
 }
 
-/** What became of an entry. */
+/** Result of adding an entry. */
 enum class Added
 {
     Failed,
-    Refused, ///< the store has the text already
+    Refused, ///< the text is stored already
     Done
 };
 
@@ -143,7 +142,7 @@ public:
     void fillAll();
     void fill(const ListFamily &family);
     void addFactoryEntries(const ListFamily &family, QFile &file);
-    std::optional<int> countFactoryRows(const ListFamily &family); ///< nothing: unknown
+    std::optional<int> countFactoryRows(const ListFamily &family); ///< no value: it cannot be read
 
     Added insert(const ListFamily &family, bool readOnly, const QVariantList &columns);
     Added insertUnlessRefused(const ListFamily &family, bool readOnly, const QVariantList &columns);
@@ -153,21 +152,22 @@ public:
     bool remove(const ListFamily &family, int id);
     bool isUserRow(const ListFamily &family, int id);
     template <typename Element>
-    QList<Element *> *select(const ListFamily &family, Rows rows, const QString &filter, int limit);
+    QList<Element *> *select(const ListFamily &family, RowKind kind, const QString &filter,
+                             int limit);
 
-    /** Statements of a list, put together only once. */
+    /** SQL statements of a list, kept so that they are composed only once. */
     struct Texts
     {
         QString countDuplicates;
         QString insert;
-        QString select; ///< the latest query, and what it asked for
+        QString select; ///< the latest query; its arguments follow
         QString selectLanguage;
-        Rows selectRows = Rows::All;
+        RowKind selectKind = RowKind::All;
         bool selectHasFilter = false;
         int selectLimit = 0;
     };
     Texts &texts(const ListFamily &family);
-    const QString &selectText(const ListFamily &family, Rows rows, bool hasFilter, int limit);
+    const QString &selectText(const ListFamily &family, RowKind kind, bool hasFilter, int limit);
 
     const QString directory;
     const QString path;
@@ -193,15 +193,15 @@ KTV_DataList::Private::Texts &KTV_DataList::Private::texts(const ListFamily &fam
     return texts;
 }
 
-const QString &KTV_DataList::Private::selectText(const ListFamily &family, Rows rows,
+const QString &KTV_DataList::Private::selectText(const ListFamily &family, RowKind kind,
                                                  bool hasFilter, int limit)
 {
     Texts &last = texts(family);
-    if (last.select.isNull() || last.selectLanguage != language || last.selectRows != rows
+    if (last.select.isNull() || last.selectLanguage != language || last.selectKind != kind
         || last.selectHasFilter != hasFilter || last.selectLimit != limit) {
-        last.select = family.select(language, rows, hasFilter, limit);
+        last.select = family.select(language, kind, hasFilter, limit);
         last.selectLanguage = language;
-        last.selectRows = rows;
+        last.selectKind = kind;
         last.selectHasFilter = hasFilter;
         last.selectLimit = limit;
     }
@@ -226,20 +226,21 @@ void KTV_DataList::Private::fill(const ListFamily &family)
         log() << "Nie znaleziono lub nie otwarto pliku: " << file.fileName();
         return;
     }
-    // Unknown is not none: rows that a lock hid for a moment would be there twice.
+    // Without a count nothing is added: rows that could not be read, because of a lock for
+    // instance, would then be there twice.
     if (count && file.open(QIODevice::ReadOnly | QIODevice::Text))
         guarded([&] { addFactoryEntries(family, file); });
 }
 
 /**
- * All of the entries or none: one factory row counts as the whole list at the next start, so
- * a list that was cut short would stay short for good.
+ * Adds all of the entries or none: at the next start a single factory row counts as the whole list,
+ * so an incomplete list would never be completed.
  */
 void KTV_DataList::Private::addFactoryEntries(const ListFamily &family, QFile &file)
 {
     Internal::Transaction transaction(database);
     QTextStream stream(&file);
-    // Not until the stream's end: one that cannot be read on never comes to it.
+    // Not until stream.atEnd(): after a read error that never becomes true.
     for (QString line = stream.readLine(); !line.isNull(); line = stream.readLine()) {
         const QVariantList columns = family.factoryEntry(line);
         if (!columns.isEmpty() && insert(family, true, columns) == Added::Failed)
@@ -339,7 +340,7 @@ bool KTV_DataList::Private::remove(const ListFamily &family, int id)
 }
 
 template <typename Element>
-QList<Element *> *KTV_DataList::Private::select(const ListFamily &family, Rows rows,
+QList<Element *> *KTV_DataList::Private::select(const ListFamily &family, RowKind kind,
                                                 const QString &filter, int limit)
 {
     if (!database.isOpen())
@@ -348,14 +349,14 @@ QList<Element *> *KTV_DataList::Private::select(const ListFamily &family, Rows r
         QVariantList values;
         if (!filter.isEmpty())
             values += QString(QLatin1Char('%') + filter + QLatin1Char('%'));
-        Statement query(database, selectText(family, rows, !filter.isEmpty(), limit), values,
+        Statement query(database, selectText(family, kind, !filter.isEmpty(), limit), values,
                         Statement::Often);
         if (!query.isDone())
             return nullptr;
         OwnedList<Element> list;
         while (query.next())
             readRow(family, query, list.appendNew());
-        return query.lastError().isValid() ? nullptr : list.handOut();
+        return query.lastError().isValid() ? nullptr : list.release();
     });
 }
 
@@ -385,8 +386,8 @@ bool KTV_DataList::Open()
 
 bool KTV_DataList::CreateNew()
 {
-    if (Internal::hasGivenUpDatabases())
-        return false; // what would be deleted could not be made anew
+    if (Internal::areDatabasesClosed())
+        return false; // a deleted file could not be created again
     d->database.close();
     if (QFile::exists(d->path) && !QFile::remove(d->path))
         return false;
@@ -551,7 +552,7 @@ bool KTV_DataList::DeleteLimit_R(int id)
 
 QList<LimitList_Element *> *KTV_DataList::GetLimits_R(const QString &filter, int limit)
 {
-    return d->select<LimitList_Element>(Internal::resistanceLimits, Rows::All, filter, limit);
+    return d->select<LimitList_Element>(Internal::resistanceLimits, RowKind::All, filter, limit);
 }
 
 bool KTV_DataList::AddLimit_T(const QString &name, const QString &high, const QString &low)
@@ -577,5 +578,5 @@ bool KTV_DataList::DeleteLimit_T(int id)
 
 QList<LimitList_Element *> *KTV_DataList::GetLimits_T(const QString &filter, int limit)
 {
-    return d->select<LimitList_Element>(Internal::temperatureLimits, Rows::All, filter, limit);
+    return d->select<LimitList_Element>(Internal::temperatureLimits, RowKind::All, filter, limit);
 }

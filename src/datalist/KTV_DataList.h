@@ -13,8 +13,8 @@
 #include <memory>
 
 /**
- * The pick lists of the measurement screens: object types, object names, materials, limits of
- * resistance and limits of temperature, in the SQLite file "dataList.db".
+ * The lists from which the user picks on the measurement screens: object types, object names,
+ * materials, limits of resistance and limits of temperature, in the SQLite file "dataList.db".
  *
  * Every row belongs to a language; queries see the rows of the language in effect. The first
  * three lists start with factory rows (read only), read from the text files of the language;
@@ -25,10 +25,10 @@
  * order of their keys, the order in which they were added.
  *
  * One instance at a time, used from one thread: the connection's name is process-wide. A write
- * returns when the card has it (tens of milliseconds on an SD card). While another process holds
- * a lock on the file, an operation fails after 5 s, the SQLite driver's own limit; Open(),
- * SetLang() and the constructor, which look at three lists, after 15 s. A failed operation leaves
- * the rows as they were. No failure is thrown.
+ * returns after it has been flushed to the card (tens of milliseconds on an SD card). While another
+ * process holds a lock on the file, an operation fails after 5 s, the SQLite driver's own limit;
+ * Open(), SetLang() and the constructor, which read three lists, after 15 s. A failed operation
+ * leaves the rows as they were. Nothing throws.
  */
 class KTV_DATASOURCE_EXPORT KTV_DataList : public QObject
 {
@@ -42,28 +42,28 @@ public:
      */
     KTV_DataList(const QString &userDataDirectory, const QString &languagesDirectory,
                  const QString &language, QObject *parent = nullptr);
-    /** Closes the file. Lists that were handed out stay valid. */
+    /** Closes the file. Lists that were returned stay valid. */
     ~KTV_DataList() override;
 
     /**
      * Opens the file, closing it first when it is open, and adds the factory rows that the
      * language in effect lacks. A missing file is created.
-     * @return whether the store is open; a damaged file opens, too, and its operations fail
+     * @return whether the store is open. A damaged file opens, too, but then every operation fails.
      */
     bool Open();
     /**
      * Deletes the file and creates one with the factory rows of the language in effect.
-     * @return whether the store is open; false with the file untouched and closed when it
-     *         cannot be deleted
+     * @return whether the store is open. If the old file cannot be deleted: false, and the file is
+     *         unchanged and closed.
      */
     bool CreateNew();
-    /** Factory reset: CreateNew(). User rows of every language are gone. */
+    /** Factory reset: calls CreateNew(). User rows of every language are lost. */
     bool RestoreFabricalSetting();
-    /** Closes the file and gives the connection back. Open() opens it again. */
+    /** Closes the file and removes the database connection. Open() opens it again. */
     void freeDB();
     /**
-     * Takes another language into effect, also while the store is closed, and adds its factory
-     * rows unless it has some. Each factory file that is missing is logged, every time.
+     * Selects another language, also while the store is closed, and adds its factory rows unless it
+     * has some. Each factory file that is missing is logged, every time.
      */
     void SetLang(const QString &language);
 
@@ -72,9 +72,9 @@ public:
     int GetDefaultMaterialsCount(); ///< Factory materials of the language; 0 on a failure.
 
     /**
-     * Adds the object types of the language's file, one a line, unless the language has
-     * factory rows already. All of the file's entries are added, or none when the card fails.
-     * Empty lines, and texts that any language has already, are left out.
+     * Adds the object types of the language's file, one per line, unless the language has factory
+     * rows already. All of the file's entries are added, or none when the card fails. Empty lines,
+     * and texts already stored for any language, are skipped.
      */
     void FillDefaultObiectTyp();
     /** The same for the object names. */
@@ -84,7 +84,7 @@ public:
 
     /**
      * Adds a user's object type. An empty text counts as added.
-     * @return whether it was added; false also for a text that any language has already
+     * @return whether it was added; false also for a text already stored for any language
      */
     bool AddObiectTyp(const QString &value);
     /** Adds an object type, as a factory row when @p readOnly. */
@@ -99,10 +99,10 @@ public:
     bool DeleteObiectTyp(int id);
     /**
      * Rows of the language in effect.
-     * @param readOnlyRows,userRows which kind is wanted; equal flags mean both kinds
-     * @param filter part of the text, ASCII letters in either case, "%" for any text and "_"
-     *        for any character; empty: every text
-     * @param limit most rows returned; 0 or less: all
+     * @param readOnlyRows,userRows which kind of rows to return; equal flags mean both kinds
+     * @param filter returns only texts that contain it, whatever the case of ASCII letters; "%"
+     *        stands for any text and "_" for any character; empty: every text
+     * @param limit maximum number of rows returned; 0 or less: all
      * @return new list; the caller deletes the list and every element in it; null on a failure
      */
     QList<DataList_Element *> *GetObiectTyp(bool readOnlyRows, bool userRows, const QString &filter,
@@ -156,7 +156,7 @@ public:
     /**
      * Adds a pair of temperature limits. While the temperature unit in effect is Fahrenheit or
      * Kelvin, the texts are read as temperatures of that unit and stored in degrees Celsius,
-     * with two decimals at most; in Celsius they are stored as they stand.
+     * with two decimals at most; in Celsius they are stored unchanged.
      */
     bool AddLimit_T(const QString &name, const QString &high, const QString &low);
     /** As AddLimit_T(). */

@@ -50,7 +50,7 @@ QString joined(const QStringList &columns, QString (*form)(const QString &))
     return text;
 }
 
-/** A text constant: a quote inside it is doubled, so that it cannot end the constant. */
+/** An SQL string constant; quotes inside are doubled, so that they cannot end it. */
 QString constant(const QString &text)
 {
     QString doubled = text;
@@ -141,7 +141,8 @@ QString ListFamily::remove(int id) const
         + quoted(QLatin1String(key)) + QLatin1Char('=') + QString::number(id);
 }
 
-QString ListFamily::select(const QString &languageCode, Rows rows, bool hasFilter, int limit) const
+QString ListFamily::select(const QString &languageCode, RowKind kind, bool hasFilter,
+                           int limit) const
 {
     const QLatin1String conjunction(" AND ");
     const QLatin1String name(columns.front());
@@ -150,9 +151,9 @@ QString ListFamily::select(const QString &languageCode, Rows rows, bool hasFilte
         + joined(QStringList {QLatin1String(key)} + storedColumns(), quoted)
         + QLatin1String(" FROM ") + QLatin1String(table) + QLatin1String(" WHERE ")
         + condition(quoted(QLatin1String(language)) + QLatin1Char('=') + constant(languageCode));
-    if (rows == Rows::Factory)
+    if (kind == RowKind::Factory)
         text += conjunction + condition(flag + QLatin1String(" = 1"));
-    else if (rows == Rows::User)
+    else if (kind == RowKind::User)
         text += conjunction + condition(flag + QLatin1String(" = 0")) + QLatin1String(userRowsEnd);
     if (hasFilter)
         text += conjunction + condition(quoted(name) + QLatin1String(" LIKE ") + placeholder(name));

@@ -8,8 +8,8 @@
 
 namespace Internal {
 
-/** Which rows of a list a query wants. */
-enum class Rows
+/** Which rows of a list a query returns. */
+enum class RowKind
 {
     All,
     Factory,
@@ -17,10 +17,10 @@ enum class Rows
 };
 
 /**
- * What one of the lists is made of, and the statements that follow from it.
+ * Table and columns of one of the lists, and the SQL statements made from them.
  *
- * The first of the columns names the entry: it must not be empty, filters search it, and the
- * duplicate test compares it.
+ * The first of the columns is the name of the entry: it must not be empty, filters search in it,
+ * and the duplicate test compares it.
  */
 struct ListFamily
 {
@@ -28,13 +28,13 @@ struct ListFamily
     const char *key;
     const char *language;
     const char *readOnly; ///< flag of factory rows; null: the list has none
-    std::array<const char *, 3> columns; ///< what a user enters; null past the last one
-    bool hasParentheses; ///< whether conditions of a query stand in parentheses
+    std::array<const char *, 3> columns; ///< texts that a user enters; null after the last one
+    bool hasParentheses; ///< whether the conditions of a query are put in parentheses
     const char *userRowsEnd; ///< what follows the condition for user rows
     bool isUnique; ///< whether a text that the table holds already is refused
     bool isTemperature; ///< whether the columns after the first are temperatures
     const char *factoryFile; ///< in the language's folder; null: the list starts empty
-    QVariantList (*factoryEntry)(const QString &line); ///< columns of a line; empty: no entry
+    QVariantList (*factoryEntry)(const QString &line); ///< columns of a line; empty: not an entry
 
     bool hasFactoryRows() const { return readOnly != nullptr; }
 
@@ -45,7 +45,7 @@ struct ListFamily
     QString selectFlag(int id) const;
     QString remove(int id) const;
     /** Key, flag (where there is one) and columns; binds the pattern when there is a filter. */
-    QString select(const QString &languageCode, Rows rows, bool hasFilter, int limit) const;
+    QString select(const QString &languageCode, RowKind kind, bool hasFilter, int limit) const;
 
 private:
     QStringList storedColumns() const;
@@ -58,7 +58,7 @@ extern const ListFamily materials;
 extern const ListFamily resistanceLimits;
 extern const ListFamily temperatureLimits;
 
-/** The statements of a new file, in their order. */
+/** The statements that create the tables of a new file, in order. */
 QStringList listSchema();
 
 } // namespace Internal

@@ -27,7 +27,7 @@ namespace {
 constexpr int diskCheckInterval = 60000; // ms
 constexpr int factoryBrightness = 50; // percent
 
-/** Alert level of a used part in percent. */
+/** Alert level for the used part of a disk in percent. */
 int alertLevel(qint64 usedPercent)
 {
     constexpr qint64 firstLevelAbove = 70;
@@ -106,7 +106,7 @@ KTV_DataSource::KTV_DataSource(QObject *parent) : QObject(parent), d(std::make_u
 
 KTV_DataSource::~KTV_DataSource()
 {
-    Internal::stopBackgroundWork(); // no bridge and no tone outlives the services
+    Internal::stopBackgroundWork(); // the bridge and tones end before the services are destroyed
     d->diskTimer->stop();
     destroy(d->diskTimer);
     destroy(d->connection);
@@ -145,7 +145,7 @@ void KTV_DataSource::SetLang(const QString &code)
 {
     d->lang->setLang(code);
     d->lists->SetLang(d->lang->getCurrentLang());
-    d->help->SetLang(code); // the requested code, also when the texts fell back to another
+    d->help->SetLang(code); // the requested code, even if the texts have fallen back to another one
 }
 
 void KTV_DataSource::ClearToDefault()

@@ -40,40 +40,40 @@ extern KTV_DATASOURCE_EXPORT int currentFreeSpaceAlletr;
 /**
  * The one object through which the interface reaches every service of the meter.
  *
- * The constructor builds the services in a fixed order, the destructor saves what is to be
- * saved and takes them down again. The interface calls setMeterSerialName() once, early, with
- * the serial number that the meter reports, before SetLang() or getHelpManager().
+ * The constructor creates the services in a fixed order; the destructor saves the counters and the
+ * serial number, and destroys the services. The interface calls setMeterSerialName() once, early,
+ * with the serial number that the meter reports, before SetLang() or getHelpManager().
  *
- * All getters hand out services that stay the facade's own. Everything here belongs to the
- * interface's thread; one instance at a time.
+ * All getters return services that the facade owns. Everything here belongs to the interface's
+ * thread; only one instance may exist at a time.
  */
 class KTV_DATASOURCE_EXPORT KTV_DataSource : public QObject
 {
     Q_OBJECT
 public:
     /**
-     * Builds every service but the help manager, and starts the disk check (once a minute).
-     * A failure is logged, and the service itself reports it.
+     * Creates every service except the help manager, and starts the disk check (once a minute).
+     * Failures are logged, and can be seen in the service itself.
      *
      * Blocks while the databases open, the supplicant restarts and the wireless tools answer, as
-     * WiFi::KTV_Connection does. With a WiFi interface that is in no network, a start runs four
-     * commands, which are eight processes, or nine with a shell that stays beside its last
-     * command: it looks for the interface, restarts the supplicant
-     * with the known networks, and reads the state by two more; one is added for each protected
-     * network, and two where there is a connection. Most of the time goes into the restart: 31 of
-     * 51 ms on a workstation. The commands run one after the other and are waited for, so that
-     * the supplicant has the known networks and the state is known when the interface begins.
+     * WiFi::KTV_Connection does. With a WiFi interface that has joined no network, the constructor
+     * runs four commands, which are eight processes, or nine if the shell does not replace itself
+     * with its last command: one looks for the interface, one restarts the supplicant with the
+     * known networks, two read the state. Each protected network adds one command, and a connection
+     * two. The restart takes most of the time: 31 of 51 ms on a workstation. The commands run one
+     * after the other and are waited for, so that the supplicant has the known networks and the
+     * state is known when the interface starts.
      */
     explicit KTV_DataSource(QObject *parent = nullptr);
     /**
      * Silences the buzzer, ends a calibration bridge, saves the counters and the serial number,
      * then deletes every service. Blocks for up to half a second and two writes to the card.
-     * One that is destroyed after main() has returned, as a static object is, finds the databases
-     * given up already, and does not store the serial number.
+     * A static object is destroyed after main() has returned, when the databases are closed
+     * already: then the serial number is not stored.
      */
     ~KTV_DataSource() override;
 
-    LangSerwis *get_Lang() const; ///< Texts of the language in effect.
+    LangSerwis *get_Lang() const; ///< Texts of the current language.
     KTV_InterfaceConfig *get_InterfaceConfig() const; ///< The user's settings.
     KTV_Configuration *getMainConfig() const; ///< The device's description.
     KTV_DataList *get_DataList() const; ///< The pick lists.
@@ -88,21 +88,21 @@ public:
     PowerManager *getPowerManager() const; ///< Power manager.
 
     /**
-     * Switches the language of the texts, with the fallback of LangSerwis::setLang(), that of the
-     * pick lists to the one then in effect, and that of the help pages to @p code. The stored
-     * setting is the caller's business. setMeterSerialName() must have been called before. Blocks
+     * Switches the texts to the language @p code, or to the fallback of LangSerwis::setLang(); the
+     * pick lists to the language that the texts then have; and the help pages to @p code. The
+     * caller has to store the setting. setMeterSerialName() must have been called before. Blocks
      * while the texts are read and, for a new language, its factory lists are written.
      */
     void SetLang(const QString &code);
     /**
-     * Takes the meter's serial number and renews everything that depends on the model. Pointers
-     * to the updater are void from then on; an earlier help manager lives on with the facade.
-     * Blocks no longer than it takes to look for two folders, and to create them.
+     * Sets the meter's serial number and renews everything that depends on the model. Earlier
+     * pointers to the updater are invalid from then on; an earlier help manager exists as long as
+     * the facade. Blocks only to look for two folders and to create them.
      */
     void setMeterSerialName(const QString &serial);
     /**
      * Factory reset of what a user can change: settings, lists, known networks and brightness.
-     * Counters and the language in effect stay. Blocks for the writes to the card; what fails is
+     * Counters and the current language stay. Blocks for the writes to the card; what fails is
      * logged, and the rest is reset all the same.
      */
     void ClearToDefault();
@@ -117,7 +117,7 @@ public:
     /** Who owns the serial line now; blocks for up to three commands. */
     QERNTools::Tools::RS232_Function getRS_Mode() const;
 
-    /** Plays a signal tone as BuzzerClass::Beep() does, and blocks as that. */
+    /** Plays a signal tone with BuzzerClass::Beep(), and blocks for as long. */
     void Buzzer(::Buzzer::BuzzerClass::Tone tone, bool loop) const;
 
     /** @return new disk figures of the clients directory; the caller deletes them */
@@ -126,8 +126,8 @@ public:
     int getFreeSpaceAlert() const;
 
     /**
-     * Whether this is the first start after an installation; true once, for the mark is removed
-     * then. False also for a mark that cannot be read.
+     * Whether this is the first start after an installation. True only once, because the file that
+     * says so is then removed. False also if that file cannot be read.
      */
     static bool FirstStart();
     /** Whether the device has a touch screen. */
@@ -135,8 +135,8 @@ public:
 
 public Q_SLOTS:
     /**
-     * Computes the alert level anew; the timer's handler, and free to be called directly. A
-     * volume that cannot be examined counts as empty.
+     * Computes the alert level again. Called by a timer; may also be called directly. A volume that
+     * cannot be examined counts as empty.
      */
     void updateTimeDisk();
 

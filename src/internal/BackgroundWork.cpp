@@ -23,7 +23,7 @@ namespace {
 class StopRegistry
 {
 public:
-    /** Never deleted: a client's static objects may still use the library after main(). */
+    /** Never deleted, because a client's static objects may still use the library after main(). */
     static StopRegistry &instance()
     {
         static auto *const list = new StopRegistry;
@@ -64,7 +64,10 @@ private:
         ~AtExit() { StopRegistry::instance().stopAll(); }
     };
 
-    /** Static objects are destroyed in reverse order: this one before the pool, which is older. */
+    /**
+     * Static objects are destroyed in reverse order: this one is created after the pool, so it is
+     * destroyed before it.
+     */
     static void callAtExit()
     {
         QThreadPool::globalInstance();
@@ -76,7 +79,7 @@ private:
         StopRegistry &list = instance();
         {
             const std::lock_guard<std::mutex> lock(list.m_mutex);
-            list.m_isPostRoutine = false; // Qt forgets its routines with each application
+            list.m_isPostRoutine = false; // Qt drops its post routines with each application object
         }
         list.stopAll();
     }
@@ -86,7 +89,7 @@ private:
     bool m_isPostRoutine = false;
 };
 
-/** One more thread for the global pool, for as long as this lives. */
+/** Adds a thread to the global pool for the lifetime of this object. */
 class ExtraThread
 {
 public:
@@ -101,12 +104,12 @@ public:
 
 } // namespace
 
-void stopBeforeLeaving(const void *owner, const std::function<void()> &stop)
+void stopBeforeExit(const void *owner, const std::function<void()> &stop)
 {
     StopRegistry::instance().add(owner, stop);
 }
 
-void forgetBeforeLeaving(const void *owner)
+void forgetStopBeforeExit(const void *owner)
 {
     StopRegistry::instance().remove(owner);
 }
@@ -118,7 +121,8 @@ void stopBackgroundWork()
 
 bool canBeginThread()
 {
-    constexpr std::size_t enough = 16; // for others that begin just now, and for a command in each
+    // Enough also for threads that are starting at this moment, and for a command in each.
+    constexpr std::size_t enough = 16;
     std::array<Descriptor, enough> spare;
     return std::all_of(spare.begin(), spare.end(), [](Descriptor &one) {
         one.reset(::eventfd(0, EFD_CLOEXEC));
@@ -134,7 +138,7 @@ EndlessWork::EndlessWork(QFuture<void> &handle, std::function<void()> beforeStop
 EndlessWork::~EndlessWork()
 {
     stop();
-    forgetBeforeLeaving(this);
+    forgetStopBeforeExit(this);
 }
 
 void EndlessWork::start(const std::function<void()> &work)
@@ -143,10 +147,10 @@ void EndlessWork::start(const std::function<void()> &work)
         log() << "EndlessWork::start: too few file descriptors are left";
         return;
     }
-    stopBeforeLeaving(this, [this] { stop(); });
+    stopBeforeExit(this, [this] { stop(); });
     const auto thread = std::make_shared<ExtraThread>();
-    // Held until the future is stored: a run that asks for it waits so long, for it would take
-    // the empty one that may still be in its place for a cancelled one.
+    // Locked until the future is stored: a run that calls handle() waits so long. Otherwise it
+    // could get an empty future, which counts as cancelled.
     const std::lock_guard<std::mutex> gate(m_handOver);
     dropFinished(m_runs);
     m_handle = QtConcurrent::run([thread, work] { work(); });

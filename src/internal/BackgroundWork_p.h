@@ -12,24 +12,25 @@
 namespace Internal {
 
 /**
- * Has @p stop called before the process ends: when the application object is destroyed or, without
- * one, when main() has returned or exit() is called. Both come before the global thread pool
- * waits for its threads. Each @p owner has one function; it may be called more than once.
+ * Registers @p stop to be called before the process ends: when the application object is destroyed
+ * or, without one, when main() has returned or exit() is called. In either case that is before the
+ * global thread pool waits for its threads. Each @p owner has one such function, which may be
+ * called more than once.
  */
-void stopBeforeLeaving(const void *owner, const std::function<void()> &stop);
-/** For an owner that is destroyed before the process ends. */
-void forgetBeforeLeaving(const void *owner);
+void stopBeforeExit(const void *owner, const std::function<void()> &stop);
+/** Removes the function of @p owner, which is about to be destroyed. */
+void forgetStopBeforeExit(const void *owner);
 
-/** Calls every registered stop at once, in the calling thread. */
+/** Calls every registered function now, in the calling thread. */
 void stopBackgroundWork();
 
 /**
- * Whether the global pool may begin another thread. Each thread of Qt's makes an event dispatcher
- * of its own first, and where no descriptor is left for that, Qt ends the whole process.
+ * Whether the global pool may start another thread. Each thread of Qt first creates its own event
+ * dispatcher; when no file descriptor is left for that, Qt ends the whole process.
  */
 bool canBeginThread();
 
-/** Drops the futures of what has ended from a container. */
+/** Removes finished futures from a container. */
 template <typename Futures> void dropFinished(Futures &futures)
 {
     futures.erase(std::remove_if(futures.begin(), futures.end(),
@@ -40,9 +41,9 @@ template <typename Futures> void dropFinished(Futures &futures)
 /**
  * Work on the global thread pool that may go on without end: a bridge, a repeating tone.
  *
- * A run leaves the pool as many threads as it had, for on one core there is only one. It can ask
- * for its own future from the beginning. It has ended when stop() returns, which is also called
- * before the process ends.
+ * A run does not reduce the number of threads in the pool, because on one core there is only one. A
+ * run can get its own future with handle() from the beginning. stop() returns when every run has
+ * ended; it is also called before the process ends.
  */
 class EndlessWork
 {
@@ -56,26 +57,29 @@ public:
     ~EndlessWork();
     Q_DISABLE_COPY_MOVE(EndlessWork)
 
-    /** Starts a run, unless canBeginThread() says no, which is logged. One thread at a time. */
+    /** Starts a run, unless canBeginThread() is false, which is logged. One thread at a time. */
     void start(const std::function<void()> &work);
-    /** The future of the latest run; from any thread, never one that is just being stored. */
+    /**
+     * The future of the latest run. May be called on any thread; waits while start() stores a
+     * future.
+     */
     QFuture<void> handle() const;
 
-    /** True while stop() waits: a run has to end as soon as it can. */
+    /** True while stop() waits: a run must then end as soon as it can. */
     const std::atomic<bool> &isStopping() const { return m_isStopping; }
-    /** Ends every run and waits for it; a run that has not begun never begins. */
+    /** Ends every run and waits for it; a run that has not started yet never does. */
     void stop();
 
     /**
-     * For a run that has failed too soon to be repeated at once: sleeps until @p end, or until
-     * @p isOver or stop() has it end.
+     * Sleeps until @p end, but no longer than until @p isOver returns true or stop() is called. For
+     * a run whose work has failed and is not to be repeated at once.
      */
     void rest(const QDeadlineTimer &end, const std::function<bool()> &isOver) const;
 
 private:
     QFuture<void> &m_handle;
     const std::function<void()> m_beforeStop;
-    mutable std::mutex m_handOver; ///< of the futures, while they are stored and copied
+    mutable std::mutex m_handOver; ///< held while the futures are stored or copied
     std::vector<QFuture<void>> m_runs; ///< the latest one and those that may not have ended
     std::atomic<bool> m_isStopping {false};
 };

@@ -19,12 +19,12 @@
 #include <vector>
 
 #ifndef SYS_pidfd_open
-#define SYS_pidfd_open 434 // younger than the headers
+#define SYS_pidfd_open 434 // newer than the system headers
 #endif
 
 #if defined(__SANITIZE_THREAD__)
-// The sanitizer's own would note what the child does in the memory that it shares with us: that
-// this process is a copy, and that its signal handlers are gone.
+// The sanitizer intercepts these functions. Called in the child, which shares our memory, its
+// versions would record that this process is a copy and has lost its signal handlers.
 extern "C" int __clone(int (*function)(void *), void *stack, int flags, void *argument, ...);
 extern "C" int __sigaction(int signal, const struct sigaction *next, struct sigaction *before);
 #define CHILD_CALL(name) ::__##name
@@ -36,15 +36,15 @@ namespace Internal {
 
 namespace {
 
-constexpr int longestCheckInterval = 20; // ms, where the kernel does not tell of a child's end
+constexpr int longestCheckInterval = 20; // ms, if the kernel has no pidfd to report a child's end
 constexpr int failedStart = 127; // exit code
-constexpr int killTime = 500; // ms that a killed child has to end
+constexpr int killTime = 500; // ms within which a killed child has to end
 
-/** The words of a command line, as exec takes them. */
-class Words
+/** The words of a command line in the form that exec needs. */
+class CommandWords
 {
 public:
-    Words(const QString &program, const QStringList &arguments)
+    CommandWords(const QString &program, const QStringList &arguments)
     {
         const QString file = QStandardPaths::findExecutable(program);
         m_texts.reserve(std::size_t(arguments.size()) + 1);
@@ -63,7 +63,7 @@ private:
     std::vector<char *> m_pointers;
 };
 
-/** Keeps every signal from this thread, and so from the child while it shares our memory. */
+/** Blocks every signal in this thread, and so in the child while it shares our memory. */
 class NoSignals
 {
 public:
@@ -82,26 +82,28 @@ private:
     sigset_t m_before {};
 };
 
-/** What a child is to do before its program is loaded. */
-struct Orders
+/** What a child has to do before its program is loaded. */
+struct ChildSetup
 {
     char *const *words;
     const sigset_t *signalMask;
-    int output = -1; ///< becomes standard output; -1: all streams stay this process's
+    int output = -1; ///< becomes standard output; -1: the child keeps all streams of this process
     bool isBound = false;
     pid_t parent = ::getpid();
-    int error = 0; ///< the child's answer, in the shared memory
+    int error = 0; ///< errno, set by the child in the shared memory
 };
 
-// The child shares this process's memory and has a stack of its own, on which this thread's
-// sanitizers have no say; this thread stands still until the program is loaded. So: plain system
-// calls only, and nothing of this process's memory is changed but the orders' answer.
+// The child shares this process's memory but has its own stack, which sanitizers do not know; the
+// calling thread is suspended until the program is loaded. Therefore these functions make plain
+// system calls only, are not instrumented, and change nothing in memory except ChildSetup::error.
 #define IN_CHILD __attribute__((no_sanitize("address", "thread", "undefined")))
 
 using ChildFunction = int (*)(void *);
 
-/** _exit() without what a sanitizer does at the end of a process: this process goes on. */
-[[noreturn]] IN_CHILD void leave(int code)
+/**
+ * _exit(), but without a sanitizer's work at the end of a process, because this process goes on.
+ */
+[[noreturn]] IN_CHILD void exitChild(int code)
 {
     for (;;)
         ::syscall(SYS_exit_group, code);
@@ -110,12 +112,12 @@ using ChildFunction = int (*)(void *);
 constexpr std::size_t stackSize = 32768;
 
 /** Runs @p function in a child. @return its id once its program is loaded or it has ended */
-IN_CHILD pid_t runInChild(ChildFunction function, Orders &orders, char *stackEnd)
+IN_CHILD pid_t runInChild(ChildFunction function, ChildSetup &setup, char *stackEnd)
 {
-    return CHILD_CALL(clone)(function, stackEnd, CLONE_VM | CLONE_VFORK | SIGCHLD, &orders);
+    return CHILD_CALL(clone)(function, stackEnd, CLONE_VM | CLONE_VFORK | SIGCHLD, &setup);
 }
 
-/** This process's handlers are none of the child's, which sees SIGPIPE as a shell has it. */
+/** Removes this process's signal handlers in the child, and sets SIGPIPE to its default. */
 IN_CHILD void restoreSignals(const sigset_t &mask)
 {
     for (int signal = 1; signal < NSIG; ++signal) {
@@ -130,87 +132,91 @@ IN_CHILD void restoreSignals(const sigset_t &mask)
     ::sigprocmask(SIG_SETMASK, &mask, nullptr);
 }
 
-/** The same file under a number that is no standard stream's. */
-IN_CHILD int besideStreams(int descriptor)
+/** Returns the descriptor, or a duplicate if its number is that of a standard stream. */
+IN_CHILD int aboveStandardStreams(int descriptor)
 {
     return descriptor < 0 || descriptor > STDERR_FILENO
         ? descriptor
         : ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
 }
 
-/** Nothing to read, output to the pipe, complaints to nobody. */
+/** Standard input is empty, output goes to the pipe, errors are discarded. */
 IN_CHILD bool connectStreams(int output)
 {
-    output = besideStreams(output);
+    output = aboveStandardStreams(output);
     if (output < 0)
         return false;
-    const int nothing = besideStreams(::open("/dev/null", O_RDWR | O_CLOEXEC));
+    const int nothing = aboveStandardStreams(::open("/dev/null", O_RDWR | O_CLOEXEC));
     return nothing >= 0 && ::dup2(nothing, STDIN_FILENO) >= 0 && ::dup2(output, STDOUT_FILENO) >= 0
         && ::dup2(nothing, STDERR_FILENO) >= 0;
 }
 
 IN_CHILD int load(void *data)
 {
-    auto &orders = *static_cast<Orders *>(data);
-    restoreSignals(*orders.signalMask);
-    ::execvp(orders.words[0], orders.words);
-    orders.error = errno;
-    leave(failedStart);
+    auto &setup = *static_cast<ChildSetup *>(data);
+    restoreSignals(*setup.signalMask);
+    ::execvp(setup.words[0], setup.words);
+    setup.error = errno;
+    exitChild(failedStart);
 }
 
 IN_CHILD int runGroup(void *data)
 {
-    auto &orders = *static_cast<Orders *>(data);
+    auto &setup = *static_cast<ChildSetup *>(data);
     ::setpgid(0, 0);
-    if (orders.isBound) {
+    if (setup.isBound) {
         ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-        if (::getppid() != orders.parent) // died before the signal was asked for
-            leave(0);
+        if (::getppid() != setup.parent) // the parent died before prctl()
+            exitChild(0);
     }
-    if (connectStreams(orders.output))
+    if (connectStreams(setup.output))
         load(data);
-    orders.error = errno;
-    leave(failedStart);
+    setup.error = errno;
+    exitChild(failedStart);
 }
 
-/** The child's child is nobody's when the child ends. */
+/**
+ * Starts the program as a child of this child, so that it has no parent here when this child ends.
+ */
 IN_CHILD int runDetached(void *data)
 {
-    auto &orders = *static_cast<Orders *>(data);
+    auto &setup = *static_cast<ChildSetup *>(data);
     ::setsid();
     alignas(16) std::array<char, stackSize> stack;
-    if (runInChild(load, orders, stack.data() + stack.size()) < 0)
-        orders.error = errno;
-    leave(0);
+    if (runInChild(load, setup, stack.data() + stack.size()) < 0)
+        setup.error = errno;
+    exitChild(0);
 }
 
-/** @return id of the child; -1, errno and nothing left of it when its program is not loaded */
-pid_t start(ChildFunction function, Orders &orders)
+/**
+ * @return id of the child; -1 and errno if its program was not loaded, and then no child is left
+ */
+pid_t start(ChildFunction function, ChildSetup &setup)
 {
-    constexpr std::size_t size = 2 * stackSize; // a detached one has one more on it
+    constexpr std::size_t size = 2 * stackSize; // runDetached() has a second stack on this one
     const auto stack = std::make_unique<char[]>(size); // NOLINT(modernize-avoid-c-arrays)
     pid_t id = 0;
     {
         const NoSignals noSignals;
-        orders.signalMask = &noSignals.before();
-        id = runInChild(function, orders, stack.get() + size);
+        setup.signalMask = &noSignals.before();
+        id = runInChild(function, setup, stack.get() + size);
     }
-    if (id > 0 && orders.error != 0) {
+    if (id > 0 && setup.error != 0) {
         while (::waitpid(id, nullptr, 0) < 0 && errno == EINTR) { }
-        errno = orders.error;
+        errno = setup.error;
         return -1;
     }
     return id;
 }
 
-/** Children that could not be killed, until they have ended after all. */
-class LeftChildren
+/** Children that could not be killed and may still run. */
+class AbandonedChildren
 {
 public:
     /** Never deleted: a client's static objects may still use the library after main(). */
-    static LeftChildren &instance()
+    static AbandonedChildren &instance()
     {
-        static auto *const children = new LeftChildren;
+        static auto *const children = new AbandonedChildren;
         return *children;
     }
 
@@ -220,7 +226,7 @@ public:
         m_ids.push_back(id);
     }
 
-    /** Collects those that have ended. @return whether there are too many others */
+    /** Reaps those that have ended. @return whether too many are left */
     bool areTooMany()
     {
         constexpr std::size_t most = 4;
@@ -240,7 +246,7 @@ private:
 
 ChildProcess::ChildProcess(const QString &program, const QStringList &arguments, Lifetime lifetime)
 {
-    if (LeftChildren::instance().areTooMany()) {
+    if (AbandonedChildren::instance().areTooMany()) {
         m_startError = EAGAIN;
         return;
     }
@@ -251,16 +257,16 @@ ChildProcess::ChildProcess(const QString &program, const QStringList &arguments,
     }
     m_pipe.reset(ends[0]);
     Descriptor childsEnd(ends[1]);
-    const Words words(program, arguments);
-    Orders orders;
-    orders.words = words.pointers();
-    orders.output = childsEnd.number();
-    orders.isBound = lifetime == BoundToThread;
-    m_id = start(runGroup, orders);
+    const CommandWords words(program, arguments);
+    ChildSetup setup;
+    setup.words = words.pointers();
+    setup.output = childsEnd.number();
+    setup.isBound = lifetime == BoundToThread;
+    m_id = start(runGroup, setup);
     m_startError = isStarted() ? 0 : errno;
     childsEnd.close();
     if (isStarted())
-        m_end.reset(int(::syscall(SYS_pidfd_open, m_id, 0)));
+        m_pidfd.reset(int(::syscall(SYS_pidfd_open, m_id, 0)));
 }
 
 ChildProcess::~ChildProcess()
@@ -270,7 +276,7 @@ ChildProcess::~ChildProcess()
     if (!m_isFinished)
         signalGroup(SIGKILL);
     if (!reap(QDeadlineTimer(killTime)))
-        LeftChildren::instance().add(m_id);
+        AbandonedChildren::instance().add(m_id);
 }
 
 bool ChildProcess::lacksResources() const
@@ -285,7 +291,10 @@ void ChildProcess::signalGroup(int signal) const
         ::kill(-m_id, signal);
 }
 
-/** It is not reaped yet: until then its id, which is its group's, is nobody else's. */
+/**
+ * Does not reap the child: as long as it is not reaped, no other process can get its id, which is
+ * also the id of its group.
+ */
 bool ChildProcess::hasEnded() const
 {
     siginfo_t state {};
@@ -293,7 +302,7 @@ bool ChildProcess::hasEnded() const
     return result == 0 ? state.si_pid == m_id : errno == ECHILD;
 }
 
-/** Lets the kernel forget the child when it has ended. @return whether it has, in time */
+/** Waits for the child's end and reaps it. @return whether it has ended in time */
 bool ChildProcess::reap(const QDeadlineTimer &deadline) const
 {
     int checkInterval = 1; // ms
@@ -306,10 +315,12 @@ bool ChildProcess::reap(const QDeadlineTimer &deadline) const
     return true;
 }
 
-/** Waits for output or the child's end and takes what has come. @return whether output has */
-bool ChildProcess::waitForNews(int milliseconds)
+/**
+ * Waits for output or for the child's end, and collects output. @return whether there was output
+ */
+bool ChildProcess::waitForOutput(int milliseconds)
 {
-    std::array<pollfd, 2> sources {{{m_pipe.number(), POLLIN, 0}, {m_end.number(), POLLIN, 0}}};
+    std::array<pollfd, 2> sources {{{m_pipe.number(), POLLIN, 0}, {m_pidfd.number(), POLLIN, 0}}};
     if (::poll(sources.data(), sources.size(), milliseconds) <= 0 || sources[0].revents == 0)
         return false;
     std::array<char, 4096> part; // NOLINT(cppcoreguidelines-pro-type-member-init)
@@ -325,29 +336,29 @@ bool ChildProcess::waitForFinished(const QDeadlineTimer &deadline)
 {
     if (!isStarted())
         return false;
-    int checkInterval = 1; // ms; a tool mostly ends together with its output
+    int checkInterval = 1; // ms; short at first, because most tools end together with their output
     while (!hasEnded()) {
         if (hasPrintedTooMuch() || deadline.hasExpired())
             return false;
         const qint64 left = deadline.isForever() ? -1 : deadline.remainingTime();
-        if (m_end.isOpen()) {
-            waitForNews(int(left));
+        if (m_pidfd.isOpen()) {
+            waitForOutput(int(left));
         } else {
-            waitForNews(left < 0 ? checkInterval : int(std::min<qint64>(left, checkInterval)));
+            waitForOutput(left < 0 ? checkInterval : int(std::min<qint64>(left, checkInterval)));
             checkInterval = std::min(2 * checkInterval, longestCheckInterval);
         }
     }
-    while (!hasPrintedTooMuch() && waitForNews(0)) { }
+    while (!hasPrintedTooMuch() && waitForOutput(0)) { }
     m_isFinished = !hasPrintedTooMuch();
     return m_isFinished;
 }
 
 bool startDetachedProcess(const QString &program, const QStringList &arguments)
 {
-    const Words words(program, arguments);
-    Orders orders;
-    orders.words = words.pointers();
-    const pid_t id = start(runDetached, orders);
+    const CommandWords words(program, arguments);
+    ChildSetup setup;
+    setup.words = words.pointers();
+    const pid_t id = start(runDetached, setup);
     if (id > 0)
         while (::waitpid(id, nullptr, 0) < 0 && errno == EINTR) { }
     return id > 0;

@@ -13,8 +13,8 @@ namespace Internal {
 namespace {
 
 constexpr qint64 stopCheckInterval = 20; // ms
-constexpr qint64 idleStopCheckInterval = 100; // ms; what has no end shall not keep the CPU awake
-constexpr int tidyUpTime = 300; // ms from the polite signal to the other one
+constexpr qint64 idleStopCheckInterval = 100; // ms; longer, for commands without a time limit
+constexpr int tidyUpTime = 300; // ms from SIGTERM to SIGKILL
 
 bool waitForFinished(ChildProcess &process, const Waits &waits)
 {
@@ -29,7 +29,7 @@ bool waitForFinished(ChildProcess &process, const Waits &waits)
         if (process.hasPrintedTooMuch() || deadline.hasExpired())
             return false;
     }
-    process.signalGroup(SIGTERM); // it gets the chance to silence the speaker or close its line
+    process.signalGroup(SIGTERM); // lets it silence the speaker or close its serial line
     process.waitForFinished(QDeadlineTimer(tidyUpTime));
     return false;
 }

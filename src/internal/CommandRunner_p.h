@@ -8,10 +8,10 @@
 /**
  * The one place that starts a command and waits for it.
  *
- * The result tells how far the command came; the caller chooses the text to log and the
- * consequence. A command that does not end in time, or prints more than 1 MiB, is killed with
- * everything it started; one that the kernel does not let go is left after 500 ms. Its standard
- * input is empty; its standard error is discarded.
+ * The result says how far the command came; the caller decides what to log and what to do. A
+ * command that does not end in time, or prints more than 1 MiB, is killed with everything it
+ * started; one that does not end even then is abandoned after 500 ms. Its standard input is empty;
+ * its standard error is discarded.
  */
 namespace Internal {
 
@@ -25,7 +25,7 @@ struct CommandResult
     };
     Outcome outcome = NotStarted;
     QString output; ///< standard output that arrived, even if NotFinished
-    bool lacksResources = false; ///< Not started for want of descriptors, processes or memory.
+    bool lacksResources = false; ///< not started because descriptors, processes or memory ran out
 
     bool finished() const { return outcome == Finished; }
 };
@@ -34,16 +34,16 @@ struct CommandResult
 struct Waits
 {
     /**
-     * Whether a failed start is told apart: any other value than NoStartWait. No time is waited
-     * for it: when a start returns, the program is loaded, or is not to be had. A file system that
-     * does not answer holds the caller until it does.
+     * With NoStartWait a failed start is reported as NotFinished, with any other value as
+     * NotStarted. The value is not a waiting time: starting always blocks until the program is
+     * loaded or has failed to load, even if the file system does not answer.
      */
     int start = NoStartWait;
-    int finish = Forever; ///< counted from the loaded program
+    int finish = Forever; ///< from the moment when the program is loaded
     /**
-     * When another thread sets it, the command gets SIGTERM, 300 ms later SIGKILL, and counts as
-     * not finished; when it is set already, nothing is started. May be null. A command with such
-     * a flag also ends when this process dies.
+     * When another thread sets this flag, the command gets SIGTERM and 300 ms later SIGKILL, and
+     * counts as not finished; if it is set already, nothing is started. May be null. A command with
+     * such a flag also gets SIGTERM when this process dies.
      */
     const std::atomic<bool> *stop = nullptr;
 
@@ -51,17 +51,17 @@ struct Waits
     static constexpr int Forever = -1;
 };
 
-/** Runs @p program with @p arguments as they stand; no shell sees them. */
+/** Runs @p program with exactly these @p arguments, without a shell. */
 CommandResult runProgram(const QString &program, const QStringList &arguments, Waits waits);
 
-/** Runs a command line split at its blanks, as QProcess splits it; no shell sees it. */
+/** Runs a command line without a shell; it is split at spaces as QProcess does it. */
 CommandResult runDirect(const QString &line, Waits waits);
 
-/** Runs a command line with `sh -c`. User text never belongs in it. */
+/** Runs a command line with `sh -c`. It must never contain text from a user. */
 CommandResult runShell(const QString &line, Waits waits);
 
 /**
- * Starts a command line split at its blanks and leaves it to itself: it may outlive this process.
+ * Starts a command line, split at spaces, and does not wait for it: it may outlive this process.
  * @return whether it could be started
  */
 bool startDetached(const QString &line);

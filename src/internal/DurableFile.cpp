@@ -17,19 +17,22 @@ namespace Internal {
 
 namespace {
 
-const QString addition = QStringLiteral(".new-"); // to the name of a file that is to be replaced
+const QString newFileSuffix = QStringLiteral(".new-");
 
 QString targetOf(const QString &path)
 {
     const QFileInfo old(path);
-    return old.isFile() ? old.canonicalFilePath() : path; // never a device
+    return old.isFile() ? old.canonicalFilePath() : path; // a device is never followed
 }
 
-/** Removes what a pulled battery has left; a new file that is still being made is locked. */
+/**
+ * Removes new files that a pulled battery has left, but not those still being written, which are
+ * locked.
+ */
 void removeLeftovers(const QString &target)
 {
     const QFileInfo file(target);
-    const auto leftovers = file.dir().entryInfoList({file.fileName() + addition + "??????"},
+    const auto leftovers = file.dir().entryInfoList({file.fileName() + newFileSuffix + "??????"},
                                                     QDir::Files | QDir::Hidden | QDir::NoSymLinks);
     for (const QFileInfo &leftover : leftovers) {
         RegularFile open(leftover.filePath());
@@ -42,7 +45,7 @@ void removeLeftovers(const QString &target)
 
 int openDirectoryOf(const QString &path)
 {
-    // Of a link's target: SQLite keeps the journal beside that.
+    // For a link, the directory of its target: SQLite puts the journal there.
     const QFileInfo file(path);
     const QByteArray name =
         QFile::encodeName(file.isSymLink() ? file.canonicalPath() : file.path());
@@ -61,7 +64,8 @@ bool flushFile(int descriptor)
     do
         result = ::fsync(descriptor);
     while (result != 0 && errno == EINTR);
-    // Some file systems cannot flush, directories above all: then there is nothing to wait for.
+    // EINVAL: the file system cannot flush this, mostly a directory, so there is nothing to wait
+    // for.
     return result == 0 || errno == EINVAL;
 }
 
@@ -72,13 +76,14 @@ bool makeDirectory(const QString &path)
         return true;
     if (!QDir().mkdir(path))
         return false;
-    flushDirectoryOf(directory.absolutePath()); // what fails here fails again with its content
+    // A failure will be noticed when a file in the new directory is flushed.
+    flushDirectoryOf(directory.absolutePath());
     return true;
 }
 
 FileReplacement::FileReplacement(const QString &path)
     : m_target(targetOf(path))
-    , m_file(m_target + addition + QStringLiteral("XXXXXX")) // beside it: the same file system
+    , m_file(m_target + newFileSuffix + QStringLiteral("XXXXXX")) // on the same file system
 { }
 
 bool FileReplacement::open(QString *reason)
@@ -92,7 +97,8 @@ bool FileReplacement::open(QString *reason)
         *reason = m_file.errorString();
         return false;
     }
-    ::flock(m_file.handle(), LOCK_EX | LOCK_NB); // another process would take it for a leftover
+    // Otherwise another process could remove the new file as a leftover.
+    ::flock(m_file.handle(), LOCK_EX | LOCK_NB);
     return true;
 }
 
@@ -108,8 +114,8 @@ bool FileReplacement::commit(const QByteArray &content, QString *reason)
         *reason = qt_error_string(errno);
         return false;
     }
-    m_file.setAutoRemove(false); // the name is gone, and may soon be another's
-    // The file once more: on FAT a name's entry holds the file's size and place, too.
+    m_file.setAutoRemove(false); // the name no longer exists, and another process may use it
+    // The file is flushed again, because on FAT its directory entry also has its size and location.
     if (flushFile(m_file.handle()) && flushDirectoryOf(m_target))
         return true;
     *reason = qt_error_string(errno);

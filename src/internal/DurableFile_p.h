@@ -4,7 +4,7 @@
 #include <QString>
 #include <QTemporaryFile>
 
-/** Changes of files that survive a pulled battery. */
+/** Changes of files that are still there after the battery is pulled. */
 namespace Internal {
 
 /**
@@ -14,8 +14,8 @@ namespace Internal {
 int openDirectoryOf(const QString &path);
 
 /**
- * Flushes the directory of @p path (fsync), and with it what was created, renamed or deleted
- * there. Flushing a file does not flush its name, which is stored in the directory.
+ * Flushes the directory of @p path (fsync), so that files created, renamed or deleted in it are so
+ * on the card. Flushing a file does not flush its name, which is stored in the directory.
  * @return success; otherwise errno has the reason
  */
 bool flushDirectoryOf(const QString &path);
@@ -30,14 +30,14 @@ bool flushFile(int descriptor);
 bool makeDirectory(const QString &path);
 
 /**
- * The replacement of a file, in one step and flushed to the card: a full card or a pulled battery
- * leaves the old file or the new one, never a part. Only on FAT, which renames in several steps, a
- * battery pulled between them may leave none. A symbolic link to a file stays, and that file is
- * replaced; one to anything else is replaced itself.
+ * Replaces a file in one step, flushed to the card: a full card or a pulled battery leaves the old
+ * file or the new one, never a part of it. The exception is FAT, which renames in several steps: a
+ * battery pulled between them may leave neither. If the path is a symbolic link to a file, that
+ * file is replaced; a link to anything else is replaced itself.
  *
- * The new file is readable and writable by its owner only, from its first moment. It is made beside
- * the old one, as its name and ".new-XXXXXX". One that is not committed is removed; one that a
- * pulled battery has left is removed by the next replacement.
+ * The new file is readable and writable by its owner only, from the moment it is created. It is
+ * created in the same directory, under the old name with ".new-XXXXXX" added. If it is not
+ * committed it is removed; one that a pulled battery has left is removed by the next replacement.
  */
 class FileReplacement
 {
@@ -45,7 +45,7 @@ public:
     explicit FileReplacement(const QString &path);
 
     /**
-     * Creates the new file, empty: what is in the way of it shows before its content is made.
+     * Creates the new file, empty, so that a failure is noticed before its content is computed.
      * @param reason why it failed, for a log line; untouched on success
      */
     bool open(QString *reason);

@@ -8,7 +8,8 @@
 
 namespace Internal {
 
-/** Result of an operation. What it throws is logged after @p text; the result is @p failure then.
+/** Result of an operation. If it throws, @p text and the exception are logged, and the result is @p
+ * failure.
  */
 template <typename Text, typename Result, typename Operation>
 Result guarded(const Text &text, const Result &failure, Operation operation)
@@ -21,7 +22,7 @@ Result guarded(const Text &text, const Result &failure, Operation operation)
     }
 }
 
-/** The same with an empty result for a failure, or none. */
+/** The same for operations without a result, or with a default-constructed one on failure. */
 template <typename Text, typename Operation>
 auto guarded(const Text &text, Operation operation) -> decltype(operation())
 {
@@ -33,7 +34,7 @@ auto guarded(const Text &text, Operation operation) -> decltype(operation())
     }
 }
 
-/** The same without a text before what was thrown. */
+/** The same, with nothing logged before the exception. */
 template <typename Operation> auto guarded(Operation operation) -> decltype(operation())
 {
     return guarded("", operation);

@@ -20,19 +20,19 @@ namespace {
 
 QString connectOptions()
 {
-    // Handed to the driver as they stand.
+    // kept: Qt's driver ignores the PRAGMA words
     return QStringLiteral("Version=3;Legacy Format=True; PRAGMA temp_store=memory;"
                           "PRAGMA synchronous = FULL;PRAGMA journal_mode = DELETE;"
                           "PRAGMA locking_mode=EXCLUSIVE;");
 }
 
-/** Whether a statement failed for what it says, not for want of card or memory. */
+/** Whether a statement itself is wrong, as opposed to a failure of the card or of memory. */
 bool isStatementsFault(const QSqlError &error)
 {
     return error.nativeErrorCode() == QLatin1String("1"); // SQLITE_ERROR
 }
 
-/** Runs a statement. @return why it failed, or no error */
+/** Runs a statement. @return its error; invalid on success */
 QSqlError failureOf(NamedDatabase &database, const QString &text)
 {
     const Statement statement(database, text);
@@ -44,7 +44,7 @@ QString journalOf(const QString &path)
     return path + QStringLiteral("-journal");
 }
 
-/** Whether the journal beside a database says that the database was empty before. */
+/** Whether the journal of a database shows that the database was empty before the transaction. */
 bool journalEmptiesDatabase(const QString &path)
 {
     static constexpr char magic[] = "\xd9\xd5\x05\xf9\x20\xa1\x63\xd7";
@@ -60,20 +60,20 @@ bool journalEmptiesDatabase(const QString &path)
 }
 
 /** The registered connections, to be closed before Qt's registry of them is destroyed. */
-class Registered
+class OpenDatabases
 {
 public:
-    /** Never deleted: a client's static objects may still use the library after main(). */
-    static Registered &instance()
+    /** Never deleted, because a client's static objects may still use the library after main(). */
+    static OpenDatabases &instance()
     {
-        static auto *const registered = new Registered;
-        return *registered;
+        static auto *const databases = new OpenDatabases;
+        return *databases;
     }
 
     void add(NamedDatabase *database)
     {
-        // Static objects are destroyed in reverse order: this before Qt's registry, and before what
-        // Qt needs to free a query, both of which are older.
+        // Static objects are destroyed in reverse order. First Qt's registry, and the objects that
+        // Qt needs to free a query, are created; so they are destroyed after atExit.
         QSqlDatabase::connectionNames();
         const QSqlQuery query {QSqlDatabase()};
         static const AtExit atExit;
@@ -87,19 +87,19 @@ public:
         m_databases.erase(database);
     }
 
-    bool areGivenUp() const { return m_areGivenUp; }
+    bool areClosed() const { return m_areClosed; }
 
 private:
     struct AtExit
     {
         AtExit() = default;
-        ~AtExit() { Registered::instance().giveUp(); }
+        ~AtExit() { OpenDatabases::instance().closeAll(); }
         Q_DISABLE_COPY_MOVE(AtExit)
     };
 
-    void giveUp()
+    void closeAll()
     {
-        m_areGivenUp = true;
+        m_areClosed = true;
         std::set<NamedDatabase *> databases;
         {
             const std::lock_guard<std::mutex> lock(m_mutex);
@@ -111,14 +111,14 @@ private:
 
     std::mutex m_mutex;
     std::set<NamedDatabase *> m_databases;
-    std::atomic<bool> m_areGivenUp {false};
+    std::atomic<bool> m_areClosed {false};
 };
 
 } // namespace
 
-bool hasGivenUpDatabases()
+bool areDatabasesClosed()
 {
-    return Registered::instance().areGivenUp();
+    return OpenDatabases::instance().areClosed();
 }
 
 NamedDatabase::NamedDatabase(QString connectionName) : m_connectionName(std::move(connectionName))
@@ -132,14 +132,14 @@ NamedDatabase::~NamedDatabase()
 bool NamedDatabase::open(const QString &path)
 {
     release();
-    if (hasGivenUpDatabases())
+    if (areDatabasesClosed())
         return false;
-    Registered::instance().add(this);
+    OpenDatabases::instance().add(this);
     m_isRegistered = true;
     m_db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
-    // SQLite would take a device for an empty database: what lies beneath it does not open.
+    // SQLite would open a device as an empty database; a path below the device cannot be opened.
     m_db.setDatabaseName(isSpecialFile(path) ? path + QStringLiteral("/none") : path);
-    // It would wait for the other end of a pipe, which has never been a journal.
+    // SQLite would wait for the other end of a named pipe; such a file is no journal.
     if (isSpecialFile(journalOf(path)))
         QFile::remove(journalOf(path));
     m_db.setConnectOptions(connectOptions());
@@ -154,7 +154,7 @@ bool NamedDatabase::open(const QString &path)
 void NamedDatabase::close()
 {
     m_inTransaction = false;
-    m_kept.clear(); // they would hold the file
+    m_kept.clear(); // they would keep the file open
     if (isOpen())
         m_db.close();
     m_directory.close();
@@ -165,10 +165,10 @@ void NamedDatabase::release()
     close();
     if (!m_isRegistered)
         return;
-    Registered::instance().remove(this);
+    OpenDatabases::instance().remove(this);
     m_isRegistered = false;
-    const bool isOurs = m_db.isValid(); // no longer, when another store has taken the name
-    m_db = QSqlDatabase(); // the last handle goes first, or Qt complains
+    const bool isOurs = m_db.isValid(); // false if another store has registered the same name since
+    m_db = QSqlDatabase(); // Qt warns if a connection is removed while a handle exists
     if (isOurs)
         QSqlDatabase::removeDatabase(m_connectionName);
 }
@@ -188,7 +188,7 @@ bool NamedDatabase::commit()
     if (!m_inTransaction)
         return true;
     if (!m_db.commit()) {
-        m_lastError = m_db.lastError(); // before that of a rollback with nothing left to undo
+        m_lastError = m_db.lastError(); // saved, because rollback() may set another error
         rollback();
         return false;
     }
@@ -214,7 +214,7 @@ QSqlError NamedDatabase::noteChange()
 
 QSqlError NamedDatabase::flush()
 {
-    if (!m_directory.isOpen()) // there was no descriptor left
+    if (!m_directory.isOpen()) // no descriptor was left when the file was opened
         m_directory.reset(openDirectoryOf(m_db.databaseName()));
     if (m_directory.isOpen() && flushFile(m_directory.number()))
         return {};
@@ -234,7 +234,7 @@ QSqlQuery NamedDatabase::statement(const QString &text) const
 
 void NamedDatabase::keep(const QString &text, const QSqlQuery &query)
 {
-    constexpr int most = 64; // more than a store needs, unless languages come and go
+    constexpr int most = 64; // more than a store needs, unless the language is changed often
     if (m_kept.size() >= most)
         m_kept.clear();
     m_kept.insert(text, query);
@@ -245,8 +245,8 @@ Statement::Statement(NamedDatabase &database, const QString &text, const QVarian
     : m_run(database.statement(text))
     , m_isDone(run(database, text, values, use))
 {
-    // After a failure statements are prepared anew: one that was prepared before another program
-    // changed the tables would report the next failure in other words.
+    // After a failure all statements are prepared again: one that was prepared before another
+    // program changed the tables would report the next failure with another text.
     if (!m_isDone)
         database.m_kept.clear();
     database.m_hasRun = true;
@@ -258,7 +258,7 @@ bool Statement::run(NamedDatabase &database, const QString &text, const QVariant
     QSqlQuery &query = m_run.query;
     const bool isKept = !query.lastQuery().isEmpty();
     if (!isKept) {
-        // Running a statement whose preparation failed would replace the reason.
+        // Not run after a failed preparation, because that would replace the error.
         if (!query.prepare(text))
             return false;
         if (use == Often)
@@ -307,7 +307,8 @@ void createSchema(NamedDatabase &database, const QStringList &statements)
         log() << error.text();
         if (isStatementsFault(error))
             continue;
-        // A full card may have ended the transaction: outside one, the rest would be kept alone.
+        // A full card may have ended the transaction; the following statements must not be
+        // committed without the earlier ones.
         canBeKept = false;
         database.rollback();
         database.begin();

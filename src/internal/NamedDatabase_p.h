@@ -12,21 +12,22 @@
 namespace Internal {
 
 /**
- * Whether it is too late in the process's life to open a database: main() has returned or exit()
- * was called, and every connection has been closed.
+ * Whether the process is exiting, so that no database can be opened any more: main() has returned
+ * or exit() was called, and every connection has been closed.
  */
-bool hasGivenUpDatabases();
+bool areDatabasesClosed();
 
 /**
- * One named QSQLITE connection of a store and the order in which it is given back.
+ * The named QSQLITE connection of a store, which it removes in the order that Qt requires.
  *
- * Policy stays with the stores: what is logged, what a failed open leads to, which tables
- * a new file gets. Statements on the connection must not outlive release().
+ * The stores decide what is logged, what follows a failed open, and which tables a new file gets.
+ * Statements on the connection must be destroyed before release().
  *
- * A change that has succeeded is on the card. SQLite alone does not see to that: a transaction
- * ends with the deletion of its journal, and a battery pulled before the directory is flushed
- * brings the journal back, which then undoes the change. "PRAGMA synchronous = EXTRA" would flush
- * it, but reads the file first: to open one that is locked would wait for the lock.
+ * A change that has succeeded has been flushed to the card. SQLite alone does not ensure that: a
+ * transaction ends with the deletion of its journal, and if the battery is pulled before the
+ * directory is flushed, the journal is there again and undoes the change. "PRAGMA synchronous =
+ * EXTRA" would flush it, but it reads the file first, so opening a locked file would wait for the
+ * lock.
  */
 class NamedDatabase
 {
@@ -36,26 +37,26 @@ public:
     Q_DISABLE_COPY_MOVE(NamedDatabase)
 
     /**
-     * Registers the connection anew for the file and opens it. It is released at the latest as
-     * the process leaves, for a client's static store may outlive Qt's registry of connections.
+     * Registers the connection for this file and opens it. It is released at the latest when the
+     * process exits, because a client's static store may outlive Qt's registry of connections.
      * @return success
      */
     bool open(const QString &path);
     bool isOpen() const { return m_isRegistered && m_db.isOpen(); }
-    /** Closes the file; the registration stays. */
+    /** Closes the file; the connection stays registered. */
     void close();
     /** Closes the file and removes the connection from the driver's registry. */
     void release();
 
     QSqlDatabase handle() const { return m_db; }
-    /** Why the last open() or commit() that failed did so. */
+    /** Why the latest failed open() or commit() has failed. */
     QSqlError lastError() const { return m_lastError; }
 
     /** Begins a transaction unless this object has one open already. @return whether it did */
     bool begin();
     /**
-     * Ends the open transaction, if any; one that cannot be written is rolled back.
-     * @return whether the card has it
+     * Ends the open transaction, if any; one that cannot be written is rolled back. @return whether
+     * it has been flushed to the card
      */
     bool commit();
     void rollback();
@@ -63,21 +64,24 @@ public:
 private:
     friend class Statement;
 
-    /** A statement of that text, not yet prepared, unless it has been kept. */
+    /** The kept statement of that text, or else a new one that is not prepared yet. */
     QSqlQuery statement(const QString &text) const;
     void keep(const QString &text, const QSqlQuery &query);
 
-    /** A statement has changed something: outside of a transaction it is flushed at once. */
+    /**
+     * To be called after a statement has changed something: outside a transaction it flushes the
+     * change.
+     */
     QSqlError noteChange();
     /** Flushes the end of a transaction to the card. */
     QSqlError flush();
 
     const QString m_connectionName;
     QSqlDatabase m_db;
-    /** Open with the file: what SQLite has committed is flushed when no descriptor is left, too. */
+    /** Opened with the file, so that commits can be flushed even when no descriptor is left. */
     Descriptor m_directory;
     QSqlError m_lastError;
-    QHash<QString, QSqlQuery> m_kept; ///< prepared statements by their text; none is running
+    QHash<QString, QSqlQuery> m_kept; ///< prepared statements that are not running, by their text
     bool m_isRegistered = false;
     bool m_inTransaction = false;
     bool m_hasRun = false; ///< a statement, since the transaction began
@@ -85,10 +89,10 @@ private:
 };
 
 /**
- * Rolls back unless committed.
+ * A transaction, which is rolled back unless it is committed.
  *
- * One that starts while another is open becomes part of it: neither its commit nor its end
- * touches the file, and the owner of the outer one decides what a failure inside means.
+ * One that starts while another is open becomes part of it: its commit and its destructor do
+ * nothing, and the owner of the outer one decides what a failure inside means.
  */
 class Transaction
 {
@@ -104,7 +108,9 @@ public:
     }
     Q_DISABLE_COPY_MOVE(Transaction)
 
-    /** @return whether the file has it all; part of another transaction: true */
+    /**
+     * @return whether everything has been written; always true for a part of another transaction
+     */
     bool commit() { return !m_isOutermost || m_database.commit(); }
 
 private:
@@ -113,34 +119,35 @@ private:
 };
 
 /**
- * A statement. The constructor prepares it, binds the values to its placeholders in their order
- * and runs it; the destructor ends it. Outside of a transaction a change is a transaction by
- * itself: it has been flushed to the card when the constructor returns.
+ * An SQL statement. The constructor prepares it, binds the values to its placeholders in order and
+ * runs it; the destructor ends it. Outside a transaction each change is a transaction by itself,
+ * and has been flushed to the card when the constructor returns.
  */
 class Statement
 {
 public:
-    /** What becomes of the prepared statement. */
+    /** Whether the prepared statement is kept. */
     enum Use
     {
-        Once, ///< its text may never come again
-        Often ///< it is kept, and prepared only once: for texts of which a store has few
+        Once, ///< not kept: the text may never be used again
+        Often ///< kept, so that it is prepared only once: for the few texts that a store uses again
+              ///< and again
     };
 
     Statement(NamedDatabase &database, const QString &text, const QVariantList &values = {},
               Use use = Once);
 
     bool isDone() const { return m_isDone; }
-    /** Why it was not done, or why next() found no more row: invalid at the end of the rows. */
+    /** Why it failed, or why next() found no further row; invalid at the end of the rows. */
     QSqlError lastError() const { return m_error.isValid() ? m_error : m_run.query.lastError(); }
 
-    /** Goes on to the next row, the first one at first. @return whether there is one */
+    /** Moves to the next row; the first call to the first row. @return whether there is one */
     bool next() { return m_run.query.next(); }
     QVariant value(int column) const { return m_run.query.value(column); }
     QVariant value(const QString &column) const { return m_run.query.value(column); }
 
 private:
-    /** A kept statement that goes on running would hold its lock on the file. */
+    /** Ends the statement: a kept one that still runs would hold its lock on the file. */
     struct Run
     {
         QSqlQuery query;
@@ -158,19 +165,19 @@ private:
     bool m_isDone = false;
 };
 
-/** The statements that every store's schema begins with: a table that holds its version. */
+/** The first statements of every store's schema: a table with its version. */
 QStringList versionTable(int version);
 
 /**
  * Runs the statements of a new file in one transaction, so that a battery pulled meanwhile, or a
- * card that fills up, leaves a file that still counts as missing. A failing statement is logged
- * with the driver's text, and the next one still runs.
+ * full card, leaves a file that still counts as missing. A failing statement is logged with the
+ * driver's text, and the next one is run all the same.
  */
 void createSchema(NamedDatabase &database, const QStringList &statements);
 
 /**
- * Whether a store's file must be created: it is missing, holds nothing, or its creation was
- * cut short (its journal would empty it again).
+ * Whether a store's file must be created: it is missing or empty, or its creation was interrupted,
+ * so that its journal would empty it again.
  */
 bool isMissing(const QString &path);
 

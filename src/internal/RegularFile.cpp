@@ -11,14 +11,14 @@ namespace Internal {
 
 namespace {
 
-/** Empty for an ordinary file. */
+/** Why a file must not be opened; empty for a regular file. */
 QString objectionTo(int file)
 {
     struct stat status = {};
     if (::fstat(file, &status) != 0)
         return qt_error_string(errno);
     if (S_ISDIR(status.st_mode))
-        return QStringLiteral("file to open is a directory"); // as QFile says it
+        return QStringLiteral("file to open is a directory"); // the text of QFile
     return S_ISREG(status.st_mode) ? QString() : QStringLiteral("not a regular file");
 }
 

@@ -5,8 +5,8 @@
 namespace Internal {
 
 /**
- * A file that opens only where an ordinary file is, also at the end of a link. What else may stand
- * in its place, such as a pipe that waits for its other end or a device that never ends, fails to
+ * A file that can be opened only if it is a regular file, or a link to one. Anything else, such as
+ * a named pipe that would wait for its other end or a device that can be read without end, fails to
  * open at once.
  */
 class RegularFile : public QFile
@@ -15,13 +15,13 @@ public:
     using QFile::QFile;
 
     /**
-     * For reading; an open file has no fileName().
+     * Opens the file, for reading only. An open file has no fileName().
      * @return success; otherwise errorString() has the reason
      */
     bool open(OpenMode mode) override;
 };
 
-/** Whether a pipe, a socket or a device is there, also at the end of a link. */
+/** Whether the path is a named pipe, a socket or a device, or a link to one. */
 bool isSpecialFile(const QString &path);
 
 } // namespace Internal

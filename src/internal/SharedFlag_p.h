@@ -2,7 +2,7 @@
 
 namespace Internal {
 
-// Flags that clients know as plain values, but that workers read and write as well.
+// Atomic access to flags that are plain variables in public headers, but are shared with workers.
 
 template <typename Value> Value loadShared(const Value &flag)
 {

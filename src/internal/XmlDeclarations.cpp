@@ -10,42 +10,44 @@ namespace Internal {
 
 namespace {
 
-// The parser descends at each bracket of a declaration and compares each entity with all others.
-// No real file comes near.
+// The parser recurses at each parenthesis of a declaration and compares each entity with all
+// others. Real files have far fewer.
 constexpr qsizetype mostDeclared = 1000;
-// The parser itself refuses an entity that stands for more characters.
+// The parser itself refuses an entity that expands to more characters.
 constexpr qsizetype longestEntity = 4096;
 constexpr qsizetype mostExpanded = mostDeclared * longestEntity;
 
-/** Behind the next @p end at or after @p from; the end of the text if there is none. */
-qsizetype behind(QStringView text, qsizetype from, QStringView end)
+/** Position after the next @p end at or after @p from; the end of the text if there is none. */
+qsizetype positionAfter(QStringView text, qsizetype from, QStringView end)
 {
     const qsizetype found = text.indexOf(end, from);
     return found < 0 ? text.size() : found + end.size();
 }
 
-/** Behind the comment or processing instruction that begins at @p at; @p at if none does. */
-qsizetype behindRemark(QStringView text, qsizetype at)
+/**
+ * Position after the comment or processing instruction that begins at @p at; @p at if none does.
+ */
+qsizetype positionAfterComment(QStringView text, qsizetype at)
 {
     const QStringView rest = text.mid(at);
     if (rest.startsWith(u"<!--"))
-        return behind(text, at + 4, u"-->");
-    return rest.startsWith(u"<?") ? behind(text, at + 2, u"?>") : at;
+        return positionAfter(text, at + 4, u"-->");
+    return rest.startsWith(u"<?") ? positionAfter(text, at + 2, u"?>") : at;
 }
 
-/** Where the document type ends that begins at @p at. */
+/** Position after the document type declaration that begins at @p at. */
 qsizetype endOfDocumentType(QStringView text, qsizetype at)
 {
     int subsets = 0;
     while (at < text.size()) {
         const QChar character = text.at(at);
-        if (const qsizetype next = behindRemark(text, at); next != at) {
+        if (const qsizetype next = positionAfterComment(text, at); next != at) {
             at = next;
             continue;
         }
         ++at;
         if (character == u'"' || character == u'\'')
-            at = behind(text, at, QStringView(&character, 1));
+            at = positionAfter(text, at, QStringView(&character, 1));
         else if (character == u'[')
             ++subsets;
         else if (character == u']')
@@ -59,14 +61,14 @@ qsizetype endOfDocumentType(QStringView text, qsizetype at)
 struct DocumentType
 {
     QStringView declarations;
-    QStringView content; ///< what follows it
+    QStringView content; ///< the text after the declaration
 };
 
 DocumentType documentTypeOf(QStringView text)
 {
     qsizetype begin = text.indexOf(u'<');
     while (begin >= 0) {
-        const qsizetype next = behindRemark(text, begin);
+        const qsizetype next = positionAfterComment(text, begin);
         if (next == begin)
             break;
         begin = text.indexOf(u'<', next);
@@ -85,7 +87,7 @@ qsizetype countOf(QStringView text, QStringView word)
     return count;
 }
 
-/** References that stand for something declared: not &lt; and its like, nor characters. */
+/** Number of references to declared entities: not predefined ones such as &lt;, nor characters. */
 qsizetype referencesIn(QStringView text)
 {
     qsizetype count = countOf(text, u"&");
@@ -95,8 +97,8 @@ qsizetype referencesIn(QStringView text)
 }
 
 /**
- * Whether something declared may be longer than its declaration: it refers to something else, or
- * has a character that will do so when it is read again, & or %.
+ * Whether an entity may expand to more than its declaration: it has a reference, or a character
+ * reference to & or %, which begins a reference when the expanded text is parsed again.
  */
 bool mayGrow(QStringView declarations)
 {

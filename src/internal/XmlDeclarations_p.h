@@ -5,8 +5,8 @@ class QString;
 namespace Internal {
 
 /**
- * Whether the declarations of a document type, or the entities that it declares, would cost the
- * parser more stack, time or memory than a device has. Looks at the characters alone.
+ * Whether parsing the declarations of a document type, or the entities that it declares, would take
+ * more stack, time or memory than a device has. Examines the text without parsing it.
  */
 bool declaresTooMuch(const QString &text);
 

@@ -13,13 +13,13 @@ namespace Internal {
 
 namespace {
 
-// The files of a device hold some 10 to 100 kB, with some thousand texts.
+// The files of a device have 10 to 100 kB, with some thousand texts.
 constexpr qint64 largestFile = Q_INT64_C(4) * 1024 * 1024;
-// A document takes up to 500 bytes a node, attributes included.
+// A QDomDocument takes up to 500 bytes per node; attributes count as nodes.
 constexpr int mostNodes = 120000;
-// A document of some tens of thousands of levels overflows the stack when it is destroyed.
+// A QDomDocument with some tens of thousands of levels overflows the stack when it is destroyed.
 constexpr int deepestNesting = 10000;
-// A document climbs from each new node to its root.
+// For each new node, QDomDocument walks up to the root.
 constexpr qint64 mostSteps = Q_INT64_C(200) * 1000 * 1000;
 
 QT_WARNING_PUSH
@@ -30,7 +30,10 @@ XmlError refusal(const char *reason)
     return {QString::fromLatin1(reason), 0, 0};
 }
 
-/** All that the device holds, or more than largestFile of it: memory grows with what has come. */
+/**
+ * The whole content, or a little more than largestFile if there is more; memory is allocated only
+ * for bytes that have been read.
+ */
 QByteArray readBounded(QIODevice &device)
 {
     constexpr qint64 piece = Q_INT64_C(64) * 1024;
@@ -44,16 +47,16 @@ QByteArray readBounded(QIODevice &device)
     return bytes;
 }
 
-/** What the file holds, or why it is refused before it is parsed. */
+/** Reads the text of the file. @return why it is refused before it is parsed; nothing on success */
 std::optional<XmlError> read(QIODevice &device, QString &text)
 {
     if (!device.isOpen())
         return std::nullopt;
-    device.setTextModeEnabled(false); // a byte of an encoded character is no line end
+    device.setTextModeEnabled(false); // part of a UTF-16 character may look like a line end
     QByteArray bytes = readBounded(device);
     if (bytes.size() > largestFile)
         return refusal("file too large");
-    // Piece by piece, as a document reads a device: an encoding holds from the piece that names it.
+    // Fetched in pieces, as QDomDocument does: an encoding declaration takes effect with its piece.
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
     QXmlInputSource source(&buffer);
@@ -65,7 +68,7 @@ std::optional<XmlError> read(QIODevice &device, QString &text)
     return std::nullopt;
 }
 
-/** Stops the reader where a document would become too much for a device. */
+/** Stops the parser when a document would become too large for a device. */
 class Limiter : public QXmlDefaultHandler
 {
 public:
@@ -119,7 +122,7 @@ private:
     XmlError m_error;
 };
 
-/** Hands on the nodes that a document would have; to be kept in step with that. */
+/** Passes on the nodes that a QDomDocument would have; must match parseXml(). */
 class SectionReader : public Limiter
 {
 public:
@@ -162,7 +165,7 @@ public:
         addOther(target);
         return Limiter::processingInstruction(target, data);
     }
-    /** Does not tell an entity of the content, a node, from one of an attribute. */
+    /** Cannot know whether the entity is in the content, where it is a node, or in an attribute. */
     bool skippedEntity(const QString &) override
     {
         m_needsDocument = true;
@@ -174,7 +177,8 @@ public:
 private:
     QString textOf(const QXmlAttributes &attributes) const
     {
-        for (int i = attributes.count() - 1; i >= 0; --i) { // the last of a name counts
+        // From the end: of attributes with the same name the last one is used.
+        for (int i = attributes.count() - 1; i >= 0; --i) {
             if (attributes.qName(i) == m_attribute)
                 return attributes.value(i).isNull() ? QLatin1String("") : attributes.value(i);
         }
@@ -192,7 +196,7 @@ private:
     bool m_needsDocument = false;
 };
 
-/** Parses as a document does. */
+/** Parses with the settings that QDomDocument uses. */
 bool parse(const QString &text, Limiter &handler)
 {
     QXmlInputSource source;

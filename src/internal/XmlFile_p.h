@@ -15,33 +15,32 @@ struct XmlError
 };
 
 /**
- * Parses what @p device holds, as QDomDocument parses the same device. Refused as a parse error is
- * what would cost a device too much: a file too large, too many or too deep elements, too many
- * declarations.
+ * Parses the content of @p device as QDomDocument does. What would take too much memory or time is
+ * refused as a parse error: a file too large, too many or too deep elements, too many declarations.
  * @return success; on failure @p document is untouched.
  */
 bool parseXml(QIODevice &device, QDomDocument &document, XmlError &error);
 
-/** Takes the two levels below the root of a document, node by node. */
+/** Receives the two levels below the root of a document, node by node. */
 class XmlSections
 {
 public:
     virtual ~XmlSections() = default;
 
-    /** What came so far does not count. */
+    /** Drops everything received so far. */
     virtual void clear() = 0;
-    /** An element right below the root; what follows lies in it. */
+    /** An element directly below the root; the following calls belong to it. */
     virtual void addSection(const QString &name) = 0;
-    /** An element of the section; a null @p text: it has none. */
+    /** An element of the section; @p text is null if it has none. */
     virtual void addEntry(const QString &name, const QString &text) = 0;
     /** Another node of the section, such as a comment. */
     virtual void addOther(const QString &name) = 0;
 };
 
 /**
- * Reads what parseXml() would accept, with the same failures, but without a document.
+ * Reads a file without building a document; accepts and refuses the same files as parseXml().
  * @param attribute holds the text of an entry
- * @return success; on failure @p sections holds what came before it.
+ * @return success; on failure @p sections has received the nodes before it.
  */
 bool readSections(QIODevice &device, const QString &attribute, XmlSections &sections,
                   XmlError &error);

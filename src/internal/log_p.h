@@ -4,7 +4,7 @@
 
 namespace Internal {
 
-/** One line of the debug log: every text and what follows it stand exactly as streamed. */
+/** One line of the debug log, without the quotes and spaces that qDebug() adds by default. */
 inline QDebug log()
 {
     return qDebug().noquote().nospace();

@@ -29,30 +29,30 @@ public:
     ~LangSerwis() override;
 
     /**
-     * Loads the language @p code, or "EN" when its file cannot be opened. A file that opens but
-     * does not parse, or is larger than 4 MiB, leaves the language in effect as it was. Blocks
-     * while the file is read.
-     * @return whether a language was loaded, be it the fallback
+     * Loads the language @p code, or "EN" when its file cannot be opened. If a file can be opened
+     * but not parsed, or is larger than 4 MiB, the current language stays. Blocks while the file is
+     * read.
+     * @return whether a language was loaded, even if only the fallback
      */
     bool setLang(const QString &code);
-    /** Code of the language in effect, after any fallback; "EN" before the first setLang(). */
+    /** Code of the current language, which may be the fallback; "EN" before the first setLang(). */
     QString getCurrentLang() const;
 
     /** Text of an entry, or @p defaultValue when there is no such section, entry or text. */
     QString getText(const QString &section, const QString &key, const QString &defaultValue) const;
     /**
-     * All entries of a section; one without a text stands for its own name.
+     * All entries of a section, by name; the text of an entry without one is its name.
      * @return new table; the caller deletes it. Empty when there is no such section; never null.
      */
     QHash<QString, QString> *getSection(const QString &section) const;
     /**
-     * Codes a user may choose: a fixed three on KTV-4200 and KTV-4400, else the folders of the
-     * languages directory by name, with or without a language file.
+     * Codes that a user may choose: three fixed ones on KTV-4200 and KTV-4400, otherwise the names
+     * of the folders in the languages directory, whether or not they have a language file.
      * @return new list; the caller deletes it; never null
      */
     QStringList *getLangList() const;
 
-    /** Layout of the small keyboard, as the language file has it. */
+    /** Layout of the small keyboard, unchanged from the language file. */
     QString getSmallKeyboard() const;
     /** Layout of the big keyboard. */
     QString getBigKeyboard() const;
@@ -65,7 +65,7 @@ public:
     /** Date format in the style of "yyyy.MM.dd". */
     QString getDataFormat() const;
 
-    /** Takes the model once the serial number is known; changes what getLangList() returns. */
+    /** Sets the model, once the serial number is known; getLangList() depends on it. */
     void updateMeterModel(KTV_Configuration::MeterModels model);
 
 private:

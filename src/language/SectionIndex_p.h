@@ -6,7 +6,7 @@
 
 namespace Internal {
 
-/** The texts of a language file, ready to be looked up. */
+/** The texts of a language file, indexed by section and name. */
 class SectionIndex : public XmlSections
 {
 public:
@@ -17,22 +17,27 @@ public:
     void addEntry(const QString &name, const QString &text) override;
     void addOther(const QString &name) override;
 
-    /** Of a name, the first section counts, and in it the first entry. */
+    /**
+     * Among sections of the same name the first one is used, and in it the first entry of a name.
+     */
     QString text(const QString &section, const QString &key, const QString &defaultValue) const;
-    /** Of a name, the last node counts; one without a text stands for its own name. */
+    /**
+     * Among nodes of the same name the last one is used; the text of a node without one is its
+     * name.
+     */
     Texts section(const QString &name) const;
 
 private:
     struct Section
     {
-        Texts texts; ///< null: an entry without one
-        Texts nodes; ///< empty while the same as the texts
+        Texts texts; ///< a null text: an entry without one
+        Texts nodes; ///< empty as long as it would equal texts
     };
 
     void addNode(const QString &name, const QString &text);
 
     QHash<QString, Section> m_sections;
-    Section *m_open = nullptr; ///< null within a section that does not count
+    Section *m_open = nullptr; ///< null while the nodes of an ignored section are read
 };
 
 } // namespace Internal

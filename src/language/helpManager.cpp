@@ -16,7 +16,7 @@ namespace QERNTools {
 
 namespace {
 
-/** Creates the last level of a path that does not exist yet. @return whether it exists */
+/** Creates the directory, one level, unless it exists. @return whether it exists afterwards */
 bool ensureDirectory(const QString &path)
 {
     return QDir(path).exists() || QDir().mkdir(path);
@@ -37,7 +37,7 @@ public:
         const QDir folder(path);
         QStringList pages = folder.entryList(
             {QStringLiteral("*_") + code + QStringLiteral(".html")}, QDir::Files, QDir::Name);
-        // A link counts as a file there, whatever it leads to.
+        // A link counts as a file, even if it leads to a directory.
         pages.erase(std::remove_if(pages.begin(), pages.end(),
                                    [&folder](const QString &page) {
                                        return Internal::isSpecialFile(folder.filePath(page));
@@ -57,7 +57,7 @@ helpManager::helpManager(const QString &directory, KTV_Configuration::MeterModel
 {
     d->directory = withSeparator(directory);
     ensureDirectory(d->directory);
-    // Without a model folder the path ends in two separators; the file system does not mind.
+    // Without a model folder the path has two separators in a row, which is harmless.
     d->directory += Internal::meterModel(model).helpFolder + QDir::separator();
     ensureDirectory(d->directory);
     SetLang(code);

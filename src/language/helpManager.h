@@ -15,9 +15,9 @@ namespace QERNTools {
 /**
  * Finds the HTML help pages of a screen, by meter model, topic and language.
  *
- * Pages lie in help directory + model folder + topic and end in "_" + language code + ".html",
- * in any letter case. Folders that are asked for and do not exist are created, empty.
- * Used from the interface's thread only.
+ * Pages are files in help directory + model folder + topic whose names end in "_" + language code +
+ * ".html", in any letter case. A requested folder that does not exist is created, empty. Used from
+ * the interface's thread only.
  */
 class KTV_DATASOURCE_EXPORT helpManager : public QObject
 {
@@ -32,7 +32,7 @@ public:
                 QObject *parent = nullptr);
     ~helpManager() override;
 
-    /** Takes the language code whose pages are looked for from now on. */
+    /** Sets the language code of the pages to look for. */
     void SetLang(const QString &code);
     /** Whether the topic has a page in the current language; false for an empty topic. */
     bool HasHelp(const QString &topic) const;

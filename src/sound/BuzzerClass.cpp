@@ -38,12 +38,15 @@ namespace {
 
 Internal::EndlessWork worker(BuzzerClass::future);
 
-constexpr qint64 shortestRepeat = 500; // ms, of a tone that cannot sound
+constexpr qint64 shortestRepeat = 500; // ms, for a tone that cannot be played
 constexpr Waits killallWaits {Waits::NoStartWait, 30000};
 
 const QString killBeep = QStringLiteral("killall beep");
 
-/** Holds the mutex of the requests; the thread sanitizer does not see through QMutex by itself. */
+/**
+ * Locks the mutex of the requests, and reports that to the thread sanitizer, which does not know
+ * QMutex.
+ */
 class RequestLock
 {
 public:
@@ -88,7 +91,7 @@ void play(const QList<BeepParameter> &steps, const QFuture<void> &self)
     }
 }
 
-/** How long a tone sounds, in ms and without its pauses: no real one is over any sooner. */
+/** How long a tone sounds, in ms, without its pauses. If it ends sooner, it has not been played. */
 qint64 soundingTime(const QList<BeepParameter> &steps)
 {
     qint64 time = 0;
@@ -97,7 +100,7 @@ qint64 soundingTime(const QList<BeepParameter> &steps)
     return time;
 }
 
-/** Ends what is beeping: the worker first, then what a step may have left. */
+/** Ends the tone that is beeping: first the worker, then any beep process that is left. */
 void silence()
 {
     while (!BuzzerClass::future.isFinished()) {
@@ -110,7 +113,7 @@ void silence()
 void playOnce(BuzzerClass::Tone tone)
 {
     if (!BuzzerClass::future.isFinished())
-        return; // a tone is never cut short by a single one
+        return; // a single tone never interrupts another tone
     worker.start([tone] { BuzzerClass::_beep(tone); });
     while (!BuzzerClass::future.isRunning() && !BuzzerClass::future.isFinished()) {
         log() << "czekam...";
@@ -136,7 +139,7 @@ void BuzzerClass::BuzzerClass_Initialiser(KTV_Configuration::MeterModels model, 
 
 void BuzzerClass::BuzzerClass_Free()
 {
-    worker.stop(); // it reads the tables
+    worker.stop(); // the worker reads the tables
     const RequestLock lock;
     Sound::KillProcess();
     toneDefinition.clear();
@@ -184,7 +187,7 @@ void BuzzerClass::_loopBeep(Tone tone)
         const QDeadlineTimer whole(sounding);
         const QDeadlineTimer nextRound(std::max(sounding, shortestRepeat));
         play(steps, self);
-        if (sounding == 0 || !whole.hasExpired()) // it cannot have sounded
+        if (sounding == 0 || !whole.hasExpired()) // it cannot have been played
             worker.rest(nextRound, [&self] { return isOver(self); });
     }
 }

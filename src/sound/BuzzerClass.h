@@ -13,22 +13,22 @@
 
 namespace Buzzer {
 
-/** One step of a tone, as the beep program takes it. */
+/** One step of a tone: the arguments for the beep program. */
 struct BeepParameter
 {
     int frequency; ///< hertz
     int length; ///< milliseconds
     int delay; ///< milliseconds of silence after it
-    int repeats; ///< how often it sounds
+    int repeats; ///< how often it is played
 };
 
 /**
- * Plays the interface's signal tones: as samples on the models with an audio codec for signals
- * (KTV_4200 and KTV_4400), with the beep program on all others.
+ * Plays the interface's signal tones: as samples on the models with an audio codec (KTV_4200 and
+ * KTV_4400), with the beep program on all others.
  *
- * All members are static. Tones may be asked for from any thread; they take turns. Initialising
- * and freeing belong to one thread, while no tone is asked for. A tone still sounding when the
- * facade, the application or the process ends is stopped, which takes half a second at most.
+ * All members are static. Beep() may be called on any thread; calls wait for each other. No other
+ * call may run during initialising and freeing. A tone still sounding when the facade, the
+ * application object or the process ends is stopped, which takes half a second at most.
  */
 class KTV_DATASOURCE_EXPORT BuzzerClass
 {
@@ -36,7 +36,7 @@ public:
     /** The interface's signals. */
     enum Tone : qint32
     {
-        Tone_Empty = 0, ///< silence: ends what is sounding
+        Tone_Empty = 0, ///< silence: ends the tone that is sounding
         Tone_Decline = 1, ///< an entry is not taken
         Tone_Question = 2, ///< the user has to decide
         Tone_Decline_Short = 3, ///< the same as 1, with a pause for repeating it
@@ -54,46 +54,46 @@ public:
     };
 
     /**
-     * Sets the class up for a model; again whenever the model changes. Does not block.
+     * Sets the class up for a model; to be called again whenever the model changes. Does not block.
      * @param path prefix of the sample files; ends in "/"
-     * @param soundOff the device has its sound switched off: nothing ever sounds
+     * @param soundOff the sound of the device is switched off: nothing is ever played
      */
     static void BuzzerClass_Initialiser(KTV_Configuration::MeterModels model, const QString &path,
                                         bool soundOff);
     /**
-     * Ends what sounds and empties both tables. Blocks for up to half a second, with a sample
-     * as Sound::KillProcess() does.
+     * Ends the tone that is sounding and empties both tables. Blocks for up to half a second, for a
+     * sample as long as Sound::KillProcess().
      */
     static void BuzzerClass_Free();
 
     /**
-     * Plays a tone once or, with @p loop, over and over until the next request. Tone_Empty ends
-     * what is sounding.
+     * Plays a tone once or, with @p loop, over and over until the next request. Tone_Empty ends the
+     * tone that is sounding.
      *
-     * With samples it blocks as Sound::Play() does, up to 5 s. With beeps a tone asked for once
-     * does not block, and is dropped while another one sounds; a repeated one and Tone_Empty wait
-     * for the end of the step that is just sounding, which takes up to 2 s and longer when beep
+     * With samples it blocks as Sound::Play() does, up to 5 s. With the beep program a single tone
+     * does not block, and is dropped while another one sounds. A repeated tone and Tone_Empty first
+     * wait for the end of the step that is sounding, which takes up to 2 s, or longer when beep
      * hangs, and for a killall of up to 30 s.
      */
     static void Beep(Tone tone, bool loop);
-    /** Silences the buzzer's hardware. Blocks for one beep command without a limit. */
+    /** Silences the buzzer's hardware. Blocks for one beep command, without a time limit. */
     static void ClearBeepInterface();
 
-    /** What the worker of a single tone runs: every step in its order. Blocks that long. */
+    /** Work of the worker thread for a single tone: plays every step in order. Blocks that long. */
     static void _beep(Tone tone);
     /**
-     * What the worker of a repeated tone runs, until future is cancelled. A tone that cannot
-     * sound, because beep is missing or fails at once, is repeated twice a second at most.
+     * Work of the worker thread for a repeated tone, until "future" is cancelled. A tone that
+     * cannot be played, because beep is missing or fails, is repeated twice a second at most.
      */
     static void _loopBeep(Tone tone);
 
     static QMap<Tone, QList<BeepParameter>> toneDefinition; ///< Steps of each tone.
     static QMap<Tone, SoundNamespace::Sound::Sample> toneTranscode; ///< Sample of each tone.
-    static bool playWave; ///< Samples instead of beeps.
+    static bool playWave; ///< Whether samples are played instead of beeps.
     static QString _pathtoWave; ///< Prefix of the sample files.
-    static bool pernamentOff; ///< Every request is ignored.
-    static QMutex mutex; ///< Held by each request; not recursive.
-    static QFuture<void> future; ///< The worker that beeps, or has beeped last.
+    static bool pernamentOff; ///< Whether every request is ignored.
+    static QMutex mutex; ///< Locked during each request; not recursive.
+    static QFuture<void> future; ///< The latest worker that has played beeps.
 };
 
 } // namespace Buzzer

@@ -19,10 +19,10 @@ namespace {
 
 constexpr int startWait = 3000; // ms
 constexpr int emptyTime = 300; // ms that an empty file is played over and over
-constexpr int mostComplaints = 20;
-constexpr qint64 mostUnread = 65536; // bytes; a player that prints without end fills no memory
+constexpr int mostErrors = 20;
+constexpr qint64 mostUnread = 65536; // bytes of output that are kept
 
-/** A player that another thread has ended, until its own thread gets to deleting it. */
+/** A player that another thread has ended and that its own thread still has to delete. */
 struct Ended
 {
     const QThread *thread = nullptr;
@@ -31,7 +31,7 @@ struct Ended
 
 std::vector<Ended> ended;
 
-/** Deletes those of this thread, which has not got to its event loop since. */
+/** Deletes the ended players of this thread, which has not reached its event loop since. */
 void deleteEnded()
 {
     const QThread *const current = QThread::currentThread();
@@ -44,14 +44,20 @@ void deleteEnded()
                 ended.end());
 }
 
-/** As far as is known before; of an empty file nothing complains. */
-bool canSound(const QFileInfo &file)
+/**
+ * Whether the file can be played, as far as that can be known beforehand; nothing prints an error
+ * about an empty file.
+ */
+bool canPlay(const QFileInfo &file)
 {
     return file.exists() && (!file.isFile() || file.size() > 0)
         && !QStandardPaths::findExecutable(QStringLiteral("aplay")).isEmpty();
 }
 
-/** The application's thread gets to its event loop, if it is not in it already. */
+/**
+ * Whether this thread has an event loop; the application's thread counts even before it runs its
+ * own.
+ */
 bool hasEventLoop()
 {
     const QThread *const current = QThread::currentThread();
@@ -75,8 +81,8 @@ Player::~Player()
     if (state() == NotRunning)
         return;
     signalGroup(SIGKILL);
-    kill(); // covers a child that leaves for its own group between the two
-    waitForFinished(-1); // while its own slot can still be called
+    kill(); // in case the child has changed to its own group after signalGroup()
+    waitForFinished(-1); // here, while slots of this class can still be called
 }
 
 bool Player::launch(const QString &program, const QStringList &arguments)
@@ -84,9 +90,9 @@ bool Player::launch(const QString &program, const QStringList &arguments)
     deleteEnded();
     start(program, arguments, ReadWrite);
     const bool isStarted = waitForStarted(startWait);
-    m_id = static_cast<pid_t>(processId());
+    m_id = pid_t(processId());
     if (!hasEventLoop()) {
-        if (!m_canSound) // nobody will count the complaints
+        if (!m_canPlay) // nothing will count its error messages
             halt();
         moveToThread(nullptr);
     }
@@ -95,7 +101,7 @@ bool Player::launch(const QString &program, const QStringList &arguments)
 
 bool Player::isOwnThread() const
 {
-    // Nobody else can touch a player whose thread has ended.
+    // If its thread has ended, no other thread uses the player.
     const QThread *const owner = thread();
     return !owner || owner == QThread::currentThread() || owner->isFinished();
 }
@@ -103,11 +109,11 @@ bool Player::isOwnThread() const
 pid_t Player::id() const
 {
     if (isOwnThread())
-        return static_cast<pid_t>(processId());
-    // Its own thread may have taken note of its end: then the id is somebody else's by now.
+        return pid_t(processId());
+    // If its own thread has noticed its end, another process may have this id now.
     siginfo_t state;
-    const bool isOurs = m_id > 0
-        && ::waitid(P_PID, static_cast<id_t>(m_id), &state, WEXITED | WNOHANG | WNOWAIT) == 0;
+    const bool isOurs =
+        m_id > 0 && ::waitid(P_PID, id_t(m_id), &state, WEXITED | WNOHANG | WNOWAIT) == 0;
     return isOurs ? m_id : 0;
 }
 
@@ -127,20 +133,20 @@ void Player::expectRepeats(const QString &file)
 {
     m_repeats = true;
     const QFileInfo sample(file);
-    m_canSound = canSound(sample);
+    m_canPlay = canPlay(sample);
     if (!hasEventLoop())
         return;
-    connect(this, &QProcess::readyReadStandardError, this, &Player::countComplaints);
+    connect(this, &QProcess::readyReadStandardError, this, &Player::countErrors);
     if (sample.isFile() && sample.size() == 0)
         QTimer::singleShot(emptyTime, this, &Player::halt);
 }
 
 void Player::signalGroup(int signal)
 {
-    const auto leader = static_cast<pid_t>(processId());
+    const auto leader = pid_t(processId());
     if (leader <= 0)
         return;
-    // The child has not reached its own group yet when it was started just now.
+    // A child that was started just now may not have its own group yet.
     if (::kill(-leader, signal) != 0)
         ::kill(leader, signal);
 }
@@ -159,11 +165,11 @@ void Player::dropSurplus()
     }
 }
 
-void Player::countComplaints()
+void Player::countErrors()
 {
-    // The player may remark on what it plays; cat speaks only when it fails.
-    m_complaints += int(readAllStandardError().count("cat: "));
-    if (m_complaints > mostComplaints)
+    // The player also prints notes about the file; cat prints only errors.
+    m_errors += int(readAllStandardError().count("cat: "));
+    if (m_errors > mostErrors)
         halt();
 }
 
@@ -171,7 +177,7 @@ void Player::prepareChild() const
 {
     ::setpgid(0, 0);
     if (m_repeats)
-        ::signal(SIGPIPE, SIG_IGN); // so that a missing player, too, is something to complain about
+        ::signal(SIGPIPE, SIG_IGN); // so that cat prints an error if there is no player
 }
 
 } // namespace Internal

@@ -5,11 +5,11 @@
 namespace Internal {
 
 /**
- * The child process that plays a sound, with everything that it has started.
+ * The child process that plays a sound, together with everything that it has started.
  *
- * It belongs to the thread that has started it, whose event loop notices its end; where there is
- * no event loop it belongs to no thread. In either case any thread can end it. Of what it prints
- * and nobody reads, 64 KiB are kept of each stream.
+ * It belongs to the thread that has started it, whose event loop notices its end; if that thread
+ * has no event loop it belongs to no thread. In either case any thread can end it. Of output that
+ * nothing reads, 64 KiB are kept of each stream.
  */
 class Player : public QProcess
 {
@@ -18,21 +18,22 @@ public:
     /** Ends the player. */
     ~Player() override;
 
-    /** Starts a program and waits for that, 3 s at most. */
+    /** Starts a program and waits until it has started, 3 s at most. */
     bool launch(const QString &program, const QStringList &arguments);
     /** Process id; 0 when the player has ended. From any thread. */
     pid_t id() const;
     /**
-     * Ends the player and deletes it. From any thread; one that another thread's event loop looks
-     * after is deleted by that thread.
+     * Ends the player and deletes it. From any thread. If it belongs to another thread, that
+     * thread's event loop deletes it.
      */
     void discard();
 
     /**
-     * For a shell that feeds @p file to a player over and over. Where that cannot sound, it would
-     * start one process after the other: it is halted after some of them, until it is ended.
-     * Without an event loop, what is known not to sound is halted at once, and anything else
-     * when a pipe is full of complaints. Before launch().
+     * To be called before launch() of a shell that writes @p file to a player over and over. If the
+     * file cannot be played, the shell would start one process after the other without end; so it
+     * is halted after some of them, until it is ended. Without an event loop it is halted at once
+     * if it is known beforehand that the file cannot be played; otherwise it blocks when the pipe
+     * for its error messages is full.
      */
     void expectRepeats(const QString &file);
 
@@ -49,12 +50,12 @@ private:
     void signalGroup(int signal);
     void halt();
     void dropSurplus();
-    void countComplaints();
+    void countErrors();
 
     pid_t m_id = 0;
     bool m_repeats = false;
-    bool m_canSound = true;
-    int m_complaints = 0;
+    bool m_canPlay = true;
+    int m_errors = 0;
 };
 
 } // namespace Internal

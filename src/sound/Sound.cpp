@@ -45,7 +45,7 @@ void closePlayer()
 
 Player *newPlayer()
 {
-    Internal::stopBeforeLeaving(&Sound::process, closePlayer);
+    Internal::stopBeforeExit(&Sound::process, closePlayer);
     auto *const player = new Player;
     Sound::process = player;
     return player;
@@ -82,7 +82,7 @@ void Sound::Play(Sound::Sample sample, bool loop, bool force, const QString &dir
 void Sound::_beep(const QString &file)
 {
     KillProcess();
-    // The path is an argument of its own, so that a quotation mark in it stays a part of it.
+    // The path is a separate argument, so that quotation marks in it have no effect.
     if (!newPlayer()->launch(QStringLiteral("aplay"), playerArguments + QStringList(file)))
         KillProcess();
 }
@@ -121,7 +121,7 @@ void Sound::KillProcess2()
     const QString list =
         runShell(QStringLiteral("ps | grep \"[s]h -c while true; do cat /etc/wav/\""), {1000, 1000})
             .output;
-    // The id stands first on its line; where it is indented, nothing is found to be killed.
+    // The id is taken from the start of the line; if it is indented, nothing is killed.
     for (const QString &line : list.split(QLatin1Char('\n'))) {
         const QString id = line.split(QLatin1Char(' ')).first();
         log() << "KILL2: PID:" << id;

@@ -10,18 +10,18 @@ class QProcess;
 namespace SoundNamespace {
 
 /**
- * Plays recorded samples through the audio output. There is one player for the whole process,
- * so every new sound ends the one before.
+ * Plays recorded samples through the audio output. There is one player for the whole process, so
+ * every new sound ends the previous one.
  *
- * All operations are static and none reports a failure to its caller; the debug log has it. They
- * share their state without a lock: one thread at a time, which the buzzer sees to for its own
- * calls. A player still sounding when the facade, the application or the process ends is stopped.
+ * All operations are static and only log failures. They share state without a lock, so only one
+ * thread at a time may call them; BuzzerClass ensures that for its own calls. A player still
+ * sounding when the facade, the application object or the process ends is stopped.
  */
 class KTV_DATASOURCE_EXPORT Sound : public QObject
 {
     Q_OBJECT
 public:
-    /** Each sample is the file of its own name and ".raw": signed 16 bit, 44100 Hz, mono. */
+    /** Each sample is a file with its name and ".raw": signed 16 bit, 44100 Hz, mono. */
     enum Sample : qint32
     {
         SOUND_Empty = 0, ///< silence
@@ -42,18 +42,18 @@ public:
     };
     Q_ENUM(Sample)
 
-    explicit Sound(QObject *parent = nullptr); ///< Needed by nobody: all operations are static.
+    explicit Sound(QObject *parent = nullptr); ///< Not needed: all operations are static.
 
-    /** Name of a sample, as its file has it; empty for an unknown one. */
+    /** Name of a sample, which is its file's name without ".raw"; empty for an unknown one. */
     static QString SampleToString(Sound::Sample sample);
 
     /**
-     * Plays a sample once, or over and over until something else is to be played. SOUND_Empty
-     * ends a single sample, and with @p loop a repeated one, too.
+     * Plays a sample once, or over and over until the next request. SOUND_Empty ends a single
+     * sample, and with @p loop a repeated one, too.
      *
-     * Blocks until the player has started, at most 3 s, and before that up to 2 s to end the
-     * former one; it does not wait for the sound's end.
-     * @param force plays although SoundEnable is off
+     * Blocks for up to 2 s to end the previous player, and then until the new one has started, at
+     * most 3 s; does not wait for the end of the sound.
+     * @param force plays even while SoundEnable is off
      * @param directory prefix of the sample's file; ends in "/"
      */
     static void Play(Sound::Sample sample, bool loop, bool force, const QString &directory);
@@ -61,8 +61,8 @@ public:
     static void _beep(const QString &file);
     /**
      * Plays a file over and over. Blocks as Play() does. The path becomes part of a shell line,
-     * so it must hold nothing that a shell reads in its own way, and no blanks. Where it cannot
-     * sound, for want of the file or of a player, the shell is halted after some tries.
+     * so it must not contain spaces or any character with a meaning for the shell. If it cannot be
+     * played, because the file or the player is missing, the shell is halted after some tries.
      */
     static void _loopBeep(const QString &file);
 
@@ -70,17 +70,17 @@ public:
     static void KillProcess();
     /**
      * Ends every repeated factory sample (/etc/wav/) and every player of the system, also those
-     * that this process has lost track of. Blocks for up to 6 s, usually a few ms.
+     * that an earlier process has left. Blocks for up to 6 s, usually a few ms.
      */
     static void KillProcess2();
 
     /** Sets the output volume, 0 to 100 percent. Blocks for the mixer, at most 30 s. */
     static void SetVolumme(int percent);
 
-    static bool SoundEnable; ///< Off: only what is forced sounds. The interface may switch it.
-    static bool pernamentOFF; ///< The device has its sound switched off: nothing sounds.
-    static bool _isLoop; ///< The player repeats its sample.
-    /** The player; null when there is none. Owned here; it stays after a sample's end. */
+    static bool SoundEnable; ///< If false, only forced samples play. The interface may change it.
+    static bool pernamentOFF; ///< Whether the device's sound is switched off: nothing is played.
+    static bool _isLoop; ///< Whether the player repeats its sample.
+    /** The player, owned by this class; null when there is none. Kept after its sample's end. */
     static QProcess *process;
 };
 

@@ -16,8 +16,8 @@ struct Step
     BeepParameter beep;
 };
 
-// Hertz, milliseconds, milliseconds of silence, repeats. The steps of one tone stand in the order
-// in which they sound; several tones sound alike.
+// Hertz, milliseconds, milliseconds of silence, repeats. The steps of a tone are in the order in
+// which they are played; some tones are the same.
 constexpr Step steps[] = {
     {BuzzerClass::Tone_Empty, {0, 0, 0, 0}},
     {BuzzerClass::Tone_Decline, {1400, 100, 0, 1}},

@@ -1,4 +1,4 @@
-// The bridge between the serial line and the measuring hardware, and what keeps it up.
+// The bridge between the serial line and the measuring hardware, and the worker that restarts it.
 
 #include "internal/BackgroundWork_p.h"
 #include "internal/SharedFlag_p.h"
@@ -58,7 +58,7 @@ bool Tools::StartHardwareCalibrationMode()
 
 bool Tools::StopHardwareCalibrationMode()
 {
-    storeShared(isCalibrationModeActive, false); // first, or the bridge would be started again
+    storeShared(isCalibrationModeActive, false); // first, or the bridge would be restarted
     if (!isFinished(runDirect(QStringLiteral("killall socat"), finishOnly),
                     QStringLiteral("Tools::StopHardwareCalibrationMode(): killall socat")))
         return false;
@@ -67,7 +67,7 @@ bool Tools::StopHardwareCalibrationMode()
     constexpr int lastPoll = 6;
     for (int poll = 0;; ++poll) {
         const CommandResult listed = runShell(listBridge, finishOnly);
-        // A process list that does not come is asked for again, without end.
+        // If the process list cannot be read, it is tried again without limit.
         if (isFinished(listed, QStringLiteral("Tools::StopHardwareCalibrationMode(): ps socat"))) {
             if (!listed.output.contains(bridgeCommand))
                 return true;
@@ -82,12 +82,12 @@ void Tools::socatProces_Avait()
 {
     if (!loadShared(isCalibrationModeActive))
         return;
-    // The latest run's future counts, whichever run this is.
+    // The future of the latest run decides, even if this is an earlier run.
     const auto isCancelled = [] { return bridge.handle().isCanceled(); };
     do {
         if (isCancelled() || bridge.isStopping() || !ConfigurePort())
             return;
-        const QDeadlineTimer nextStart(shortestRun); // not at once after a breakdown
+        const QDeadlineTimer nextStart(shortestRun); // no sooner, if the bridge fails at once
         runDirect(bridgeCommand, {Waits::NoStartWait, Waits::Forever, &bridge.isStopping()});
         bridge.rest(nextStart, [&isCancelled] {
             return isCancelled() || !loadShared(isCalibrationModeActive);

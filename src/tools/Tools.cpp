@@ -31,7 +31,7 @@ const SizeStep sizeSteps[] = {
     {gigaByte, megaByte, QLatin1String(" MB")},
 };
 
-/** Current figures of a volume. */
+/** Current state of a volume. */
 struct Volume
 {
     explicit Volume(const QString &path)

@@ -8,29 +8,29 @@
 
 namespace QERNTools {
 
-/** Figures of the volume that holds a path, with texts ready for the screen. */
+/** Size and free space of the volume that a path is on, as texts for the screen. */
 struct DiskInfo
 {
-    QString freeText; ///< bytes available to the user, as humanFileSize() writes them
-    QString usedText; ///< total less available bytes
+    QString freeText; ///< bytes available to the user, formatted by humanFileSize()
+    QString usedText; ///< total minus available bytes
     QString totalText; ///< size of the volume
     float usedPercent = 0; ///< used part in percent, not rounded; 0 for a volume without size
 };
 
 /**
- * System tools: file names, disk figures, the memory card's state, and the USB device port.
+ * System tools: file names, size and free space of disks, the memory card's state, and the USB
+ * device port.
  *
  * All operations are static; an instance is never needed.
  *
- * The port shows itself to a connected computer either as a serial line or as a network
- * interface. The serial line has at most one owner: the bridge to the measuring hardware, the
- * system calibration tool, or a login console. Every operation finds the present state anew, so
- * it copes with what has been changed behind its back; a failure is returned as false and
- * logged.
+ * A connected computer sees the port either as a serial line or as a network interface. The serial
+ * line has at most one owner: the bridge to the measuring hardware, the system calibration tool, or
+ * a login console. Every operation looks up the present state first, so changes made by other
+ * programs do no harm; a failure is logged, and false is returned.
  *
- * What concerns the port belongs to one thread at a time and blocks it: each command started
- * may take 5 s to finish before it counts as failed and is killed. The times
- * given below are those of a sound device.
+ * Only one thread at a time may call the operations on the port. They block it: each command that
+ * they run may take 5 s before it counts as failed and is killed. The times given below are for a
+ * device whose commands do not hang.
  */
 class KTV_DATASOURCE_EXPORT Tools : public QObject
 {
@@ -39,7 +39,7 @@ public:
     /** Figures of a volume. */
     using DiskInfo = QERNTools::DiskInfo;
 
-    /** What the USB device port shows itself as. */
+    /** As what a connected computer sees the USB device port. */
     enum USB_Mode : qint32
     {
         USB_None = 0, ///< nothing
@@ -58,87 +58,87 @@ public:
     };
     Q_ENUM(RS232_Function)
 
-    /** Nothing needs an instance. */
+    /** Not needed: all operations are static. */
     explicit Tools(QObject *parent = nullptr);
 
     /** Size in bytes as "1023 B", "1.50 kB", "1.00 MB" or "2.00 GB"; steps of 1024. */
     static QString humanFileSize(double size);
 
-    /** @p name with each of \ / : * ? " < > | replaced by "_"; nothing else is changed. */
+    /** @p name with each of \ / : * ? " < > | replaced by "_"; other characters stay. */
     static QString validFileName(const QString &name);
 
     /**
      * First of "base.extension", "base_1.extension", "base_2.extension", ... that does not exist.
      * @param directory prefix of the path; ends in "/"
-     * @param extension with or without its dot; an empty one leaves a final dot
+     * @param extension with or without its dot; if empty, the name ends in a dot
      * @return file name without the directory
      */
     static QString findFreeFileName(const QString &directory, const QString &base,
                                     const QString &extension);
     /**
-     * The same for a whole file name: the base ends at the first dot, the extension begins
-     * after the last one, and what lies between is dropped.
+     * The same for a complete file name: the base is the text before the first dot, the extension
+     * the text after the last one, and anything between them is dropped.
      */
     static QString findFreeFileName(const QString &directory, const QString &fileName);
 
     /**
-     * @return new figures of the volume that holds @p path; the caller deletes them. Where there
-     *         is none, free and total read "-1 B".
+     * @return size and free space of the volume that @p path is on, as a new object that the caller
+     *         deletes. If there is no such volume, the texts of free and total are "-1 B".
      */
     static QERNTools::DiskInfo *getDiskInfo(const QString &path);
-    /** Bytes available on the volume that holds @p path; -1 when there is none. */
+    /** Bytes available on the volume that @p path is on; -1 when there is none. */
     static qint64 getFreeSpace(const QString &path);
-    /** Used part of the volume in whole percent, cut off; 0 for a volume without size or none. */
+    /** Used part of the volume in percent, rounded down; 0 without a volume or a size. */
     static qint64 getUsedSpacePercent(const QString &path);
 
-    /** Whether the system image has marked no fault of the memory card. */
+    /** Whether the memory card is good: false when the system has reported a fault of it. */
     static bool SD_Card_is_OK();
 
     /**
-     * Brings the port into @p mode and, as a serial line, gives it to @p function, which the
-     * network mode ignores. Whatever fails ends with an attempt at the network mode.
+     * Switches the port to @p mode and, as a serial line, gives it to the owner @p function;
+     * network mode ignores that. After any failure the network mode is tried.
      *
-     * Blocks for up to 10 s: stopping an owner takes up to 6 s, starting one up to 5 s. Far
+     * Blocks for up to 10 s: stopping an owner takes up to 6 s, starting one up to 5 s. Takes far
      * longer when commands hang.
      * @return always true, also after a failure, which is only logged
      */
     static bool SetUSBMode(USB_Mode mode, RS232_Function function);
     /** The same as detectCurrentMode(). */
     static USB_Mode getCurrentMode();
-    /** What the port shows itself as now; looks at two files, the network comes first. */
+    /** Present mode of the port; examines two files, that of the network first. */
     static USB_Mode detectCurrentMode();
     /**
-     * Who owns the serial line now: bridge before calibration tool before console. Blocks for
-     * the three commands it runs, 24 s if each of them hangs; runs none without a serial line.
+     * Present owner of the serial line. Looks for bridge, calibration tool and console in this
+     * order, each with a command (24 s if all hang); runs none if there is no serial line.
      */
     static RS232_Function getRS232_Function();
     /**
-     * Gives the serial line to @p function and takes it from its owner before. Blocks as
-     * SetUSBMode() does.
-     * @return false also for RS232_None where the line had an owner, though it is free then
+     * Takes the serial line from its owner and gives it to @p function. Blocks as SetUSBMode().
+     * @return success; false also for RS232_None if the line had an owner, though it is then
+     *         free
      */
     static bool setRS232Mode(RS232_Function function);
-    /** Takes the serial line from whoever owns it. Blocks for up to 6 s. */
+    /** Takes the serial line from its owner, if any. Blocks for up to 6 s. */
     static bool StopAllRS232Function();
 
-    /** Shows the port as a serial line, set up by ConfigurePort(). Blocks for one command. */
+    /** Makes the port a serial line, configured by ConfigurePort(). Blocks for one command. */
     static bool StartRS232();
-    /** Shows the port as a network interface and brings it up. Blocks for two commands. */
+    /** Makes the port a network interface and brings it up. Blocks for two commands. */
     static bool StartRNDIS();
 
     /**
-     * Starts the bridge on a pool thread of its own and looks for it 5 s later; blocks that long.
-     * From then on it comes back whenever it ends, at most once a second, until
-     * StopHardwareCalibrationMode() or the end of the facade, the application or the process.
-     * These leave no bridge behind and take no longer than half a second for it.
+     * Starts the bridge on a pool thread of its own, and checks 5 s later whether it runs; blocks
+     * that long. From then on it is restarted whenever it ends, at most once a second, until
+     * StopHardwareCalibrationMode() is called, the facade or the application object is destroyed,
+     * or the process ends. The latter three end the bridge within half a second.
      */
     static bool StartHardwareCalibrationMode();
     /**
-     * Ends every bridge of the system and waits for that: blocks for 2 to 5.5 s, and for as long
-     * as the process list does not come.
+     * Ends every bridge of the system and waits for that: blocks for 2 to 5.5 s, and for as long as
+     * the process list cannot be read.
      */
     static bool StopHardwareCalibrationMode();
-    /** Starts the calibration tool detached, and looks whether it runs: blocks for 3 s. */
+    /** Starts the calibration tool detached, and checks whether it runs: blocks for 3 s. */
     static bool StartSystemCalibrationMode();
     /** Ends every calibration tool of the system; blocks for 2 to 5 s, 17 s at worst. */
     static bool StopSystemsCalibrationMode();
@@ -148,22 +148,22 @@ public:
     static bool StopRS232Console();
 
     /**
-     * Sets the serial line to 19200 baud, 8 data bits, even parity, raw, and drops pending
+     * Sets the serial line to 19200 baud, 8 data bits, even parity, raw, and discards pending
      * input. Does not block.
-     * @return whether the line could be opened; the rest is not examined
+     * @return whether the line could be opened; errors of the settings are ignored
      */
     static bool ConfigurePort();
     /**
-     * What the bridge's thread runs: sets up the line and connects it, again and again, while
-     * isCalibrationModeActive holds and asyncSocatRuner is not cancelled. Blocks that long.
+     * Work of the bridge's thread: configures the line and runs the bridge, again and again, while
+     * isCalibrationModeActive is true and asyncSocatRuner is not cancelled. Blocks that long.
      */
     static void socatProces_Avait();
 
-    /** Whether the bridge is wanted. Clients only read it. */
+    /** Whether the bridge shall run. Clients must not change it. */
     static bool isCalibrationModeActive;
     /**
-     * The latest run of the bridge. Cancelling it does not interrupt a bridge, but none comes back
-     * any more: not before the next start, which speaks for a bridge that still runs, too.
+     * The latest run of the bridge. Cancelling it keeps the running bridge from being restarted,
+     * until the next start, after which bridges that still run are restarted again, too.
      */
     static QFuture<void> asyncSocatRuner;
 };

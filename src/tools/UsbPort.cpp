@@ -1,4 +1,4 @@
-// The USB device port: which gadget it shows, and who owns its serial line.
+// The USB device port: which gadget is loaded, and which program owns its serial line.
 
 #include "internal/log_p.h"
 #include "tools/SerialLine_p.h"
@@ -48,12 +48,12 @@ namespace QERNTools {
 
 namespace {
 
-/** How the owner of the serial line is found; the first one that shows wins. */
+/** How an owner of the serial line is detected; the first one found is the result. */
 struct Detection
 {
-    QString command; ///< shell
+    QString command; ///< for the shell
     QString name; ///< in the log
-    QString sign; ///< in the command's output
+    QString sign; ///< text in the output that shows the owner
     Tools::RS232_Function owner;
 };
 
@@ -93,7 +93,7 @@ const Owner *findOwner(Tools::RS232_Function function)
     return nullptr;
 }
 
-/** Switches as asked; the fallback is the caller's. @return whether the port is as wanted */
+/** Switches mode and owner, without the fallback to the network. @return success */
 bool switchPort(Tools::USB_Mode mode, Tools::RS232_Function function)
 {
     const Tools::USB_Mode current = Tools::getCurrentMode();
@@ -129,7 +129,7 @@ bool switchPort(Tools::USB_Mode mode, Tools::RS232_Function function)
     return false;
 }
 
-/** Starts or stops the login console of the serial line; the service manager is silent then. */
+/** Starts or stops the login console of the serial line; any output of systemctl is a failure. */
 bool controlConsole(const QString &caller, const QString &verb)
 {
     const QString name = caller + QStringLiteral(": systemctl ") + verb;
@@ -151,7 +151,7 @@ bool Tools::SetUSBMode(USB_Mode mode, RS232_Function function)
         return true;
     const bool isNetwork = StartRNDIS();
     log() << "Tools::SetUSBMode:end: StartRNDIS = " << (isNetwork ? "true" : "false");
-    return true; // also for the network alone: the interface counts on an answer of "done"
+    return true; // kept: the interface relies on true even after the fallback
 }
 
 Tools::USB_Mode Tools::getCurrentMode()
@@ -172,7 +172,7 @@ Tools::RS232_Function Tools::getRS232_Function()
         return RS232_None;
     for (const Detection &detection : detections) {
         const CommandResult result = runShell(detection.command, startAndFinish);
-        // The log has always named the other operation here.
+        // kept: the log line names another operation than this one
         if (isFinished(result, QStringLiteral("Tools::detectCurrentMode(): ") + detection.name)
             && result.output.contains(detection.sign))
             return detection.owner;
@@ -241,7 +241,7 @@ bool Tools::ConfigurePort()
         ::open(QFile::encodeName(serialLine).constData(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (line < 0)
         return false;
-    termios settings {}; // written from zero: raw, and nothing left from an earlier user
+    termios settings {}; // all zero: raw mode, and no setting of an earlier user remains
     settings.c_cflag = B19200 | CS8 | PARENB | CREAD | CLOCAL;
     static_assert((B19200 | CS8 | PARENB | CREAD | CLOCAL) == 0x9BE,
                   "the calibration software expects exactly these flags");
@@ -272,7 +272,7 @@ bool Tools::StopSystemsCalibrationMode()
     QThread::sleep(2);
     constexpr int polls = 7;
     for (int left = polls;;) {
-        // What has arrived after a second decides, be it all or not.
+        // The output of the first second decides, even if it is incomplete.
         const CommandResult listed = runShell(listCalibrationTool, {Waits::NoStartWait, 1000});
         if (!listed.output.contains(calibrationTool))
             return true;

@@ -6,22 +6,22 @@
 
 #include <QList>
 
-/** Rows that say how a value of some magnitude is shown. */
+/** Rounding rows: with which prefix and decimals a value of some magnitude is shown. */
 namespace ValueBox::DynamicRounding {
 
 /** One row of a rounding table. */
 struct RoundItem
 {
-    /** A row for nothing above zero: no decimals, no prefix. */
+    /** A row with maximum 0, no decimals and no prefix. */
     constexpr RoundItem() = default;
-    /** A row of these three fields. */
+    /** A row with these values. */
     constexpr RoundItem(float maximumValue, qint32 decimals, qint32 powerOfTen)
         : maximum(maximumValue)
         , digits(decimals)
         , prefix(powerOfTen)
     { }
 
-    /** Highest value of the row, in ohms or henries; the bound itself belongs to the row. */
+    /** Highest value that the row applies to, in ohms or henries; this value itself is included. */
     float maximum = 0;
     /** Decimals shown after scaling. */
     qint32 digits = 0;
@@ -35,13 +35,13 @@ class KTV_DATASOURCE_EXPORT Round_Current_I
 public:
     /** Copies the current and every row of @p other; null counts as no current and no rows. */
     explicit Round_Current_I(Round_Current_I *other);
-    /** Takes the current and copies every row of @p base; null counts as no rows. */
+    /** Sets the current and copies every row of @p base; null counts as no rows. */
     Round_Current_I(ValueBox::testI testCurrent, Round_Current_I *base);
     /** Deletes the rows. */
     ~Round_Current_I();
     Q_DISABLE_COPY_MOVE(Round_Current_I)
 
-    /** Test current of the set; testI_None when it is bound to none. */
+    /** Test current of the set; testI_None when it is for no particular current. */
     testI current;
     /** Rows by ascending maximum, owned by the set. */
     QList<RoundItem *> items;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QChar>
 #include <QtAlgorithms>
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 
 namespace Internal {
 
-/** 10^exponent; exact to the last bit for the exponents that prefixes have. */
+/** 10^exponent; the nearest double for the exponents of prefixes. */
 inline double powerOfTen(int exponent)
 {
     constexpr int largest = 9;
@@ -32,9 +32,9 @@ constexpr std::array<double, 10> exactPowersOfTen {1e0, 1e1, 1e2, 1e3, 1e4,
 /** Value divided by 10^prefix in double precision, as single precision. */
 inline float scaled(float value, int prefix)
 {
-    // A division takes several times as long as a product. Quotient and product differ in the
-    // last bits of a double: both come to the same float unless the product, which is exact,
-    // lies halfway between two.
+    // A division takes several times as long as a multiplication. Quotient and product differ only
+    // in the last bits of a double. Both round to the same float unless the product, which is
+    // exact, lies halfway between two floats.
     constexpr quint32 bitsBelowFloat = (1U << 29U) - 1;
     constexpr quint32 halfway = 1U << 28U;
     const quint32 zeros = 0U - quint32(prefix);
@@ -49,32 +49,32 @@ inline float scaled(float value, int prefix)
 }
 
 /**
- * A single-precision number in fixed-point notation: the exact binary value rounded to so many
+ * A single-precision number in fixed-point notation: the exact binary value rounded to a number of
  * decimals, ties away from zero, as QString::number(value, 'f', decimals) does it.
  *
- * Such a number has 24 significant bits and 10^8 has 19 beside its factors of two, so that their
- * product is exact in double precision. So is the sum with a half where it is an integer, and
- * elsewhere it is rounded by far less than it lacks of the next integer.
+ * A float has 24 significant bits, and 10^8 has 19 apart from its factors of two, so their product
+ * is exact in double precision. Adding a half is exact if the sum is an integer; otherwise its
+ * rounding error is far smaller than the distance to the next integer.
  */
 class FixedPoint
 {
 public:
     static constexpr int mostDecimals = 8;
 
-    /** Whether a number fits: finite, few decimals, 32 bits. */
+    /** Whether a number fits: finite, at most mostDecimals, and at most 32 bits. */
     static bool fits(float value, int decimals)
     {
         constexpr double limit = 4294967296.; // 2^32
         return decimals >= 0 && decimals <= mostDecimals
             && roundedUnits(value, decimals) < limit; // NaN is not
     }
-    /** Nothing for numbers that do not fit. */
+    /** The number, or nothing if it does not fit. */
     static std::optional<FixedPoint> of(float value, int decimals)
     {
         return fits(value, decimals) ? std::optional(FixedPoint(value, decimals)) : std::nullopt;
     }
 
-    /** A number that fits. */
+    /** @pre fits(value, decimals) */
     FixedPoint(float value, int decimals)
         : FixedPoint(quint32(roundedUnits(value, decimals)), decimals, value < 0)
     { }
@@ -86,10 +86,10 @@ public:
 
     /** Magnitude in units of the last decimal. */
     quint32 digits() const { return m_digits; }
-    /** Whether the number is below zero, also when its digits are not. */
+    /** Whether the number is below zero, even if all of its digits are zero. */
     bool isNegative() const { return m_isNegative; }
 
-    /** Drops the zeros that end the decimals, and with all of them the point. */
+    /** Removes trailing zeros of the decimals, and the decimal point if no decimal is left. */
     void trimZeros();
 
     /** Characters of the magnitude's text. */
@@ -97,13 +97,16 @@ public:
     {
         return qMax(countDigits(m_digits), m_decimals + 1) + (m_decimals > 0 ? 1 : 0);
     }
-    /** Writes the magnitude's text so that it ends at a place. @return its start */
+    /** Writes the magnitude's text before @p end. @return its start */
     QChar *writeBefore(QChar *end) const;
 
 private:
     static constexpr quint32 base = 10;
 
-    /** Magnitude in units of the last decimal, and a half: its integer part is the rounded one. */
+    /**
+     * Magnitude in units of the last decimal, plus a half: its integer part is the rounded
+     * magnitude.
+     */
     static double roundedUnits(float value, int decimals)
     {
         static_assert(std::numeric_limits<float>::is_iec559
@@ -127,9 +130,10 @@ inline void FixedPoint::trimZeros()
 
 inline int FixedPoint::countDigits(quint32 number)
 {
-    // By the highest bit: the most digits of such numbers in the upper half, less the number from
-    // which on they have so many. Adding a number below that borrows from the upper half: one
-    // digit less. There is no branch that a processor could mispredict.
+    // The table has one entry for each position of the number's highest bit. Its upper half holds
+    // the most digits that such a number can have; from that the smallest number with so many
+    // digits is subtracted. Adding the number itself leaves one digit less in the upper half if the
+    // number is smaller than that. This needs no branch that a processor could mispredict.
     static constexpr auto digitsOfBits = [] {
         std::array<quint64, 32> all {};
         quint64 power = base;
@@ -148,7 +152,7 @@ inline int FixedPoint::countDigits(quint32 number)
 
 inline QChar *FixedPoint::writeBefore(QChar *end) const
 {
-    // Two digits a step: half the divisions, each by a constant.
+    // Two digits per step: half as many divisions, each by a constant.
     using Pair = std::array<QChar, 2>;
     static constexpr quint32 pairCount = base * base;
     static constexpr auto pairs = [] {
@@ -177,8 +181,8 @@ inline QChar *FixedPoint::writeBefore(QChar *end) const
     }
     while (rest >= pairCount)
         writePair();
-    // One digit or two, without a branch that no processor could foresee: the first of a pair is
-    // written where the second overwrites it, when there is only one.
+    // One digit or two are left, written without a branch that a processor could mispredict: if
+    // there is only one, the second digit of the pair overwrites the first.
     QChar *const start = out - (rest >= base ? 2 : 1);
     *start = pairs[rest][0];
     *--out = pairs[rest][1];

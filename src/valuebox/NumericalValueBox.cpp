@@ -34,7 +34,7 @@ const Table *tableOf(RoundMetods method)
     return index < tables.size() ? tables[index] : nullptr;
 }
 
-// Rare, and so kept out of the code that every value runs through.
+// Rare; not inlined, to keep the code short that runs for every value.
 Q_NEVER_INLINE void logValue(float value, const char *label, int current)
 {
     log() << "NumericalValueBox::setRealValue:" << double(value) << label << current;

@@ -21,17 +21,17 @@ namespace ValueBox {
  * One measured value, and the text that shows it.
  *
  * The value is kept in its base unit (ohms, henries, volts, amperes, degrees Celsius) as a 32-bit
- * float; a quiet NaN stands for a missing value. A rounding method and a test current choose a
- * row set; the row that fits the value's magnitude gives prefix and decimals.
+ * float; a quiet NaN stands for a missing value. A rounding method and a test current select a set
+ * of rows; the row for the value's magnitude gives prefix and decimals.
  *
  * No unit of inductance exists. An inductance, in henries, has Unit_None and Round_L: its text ends
  * in the prefix ("12.500 m"), or in the number where there is none ("1.2345"), and the interface
  * adds its own "H". getRealFormatedValue() gives henries.
  *
- * Texts and tables are the process's own. Before anything is shown, fill the texts with
+ * Texts and tables are shared by the whole process. Before anything is shown, set the texts with
  * prepareStaticDefaultValue() or prepareStaticCustomtValue(), and the tables with
- * SetCurrentMeter(). Everything here belongs to the interface's thread. Nothing blocks and
- * nothing fails: what cannot be shown is "---", what cannot be computed is NaN.
+ * SetCurrentMeter(). Everything here belongs to the interface's thread. Nothing blocks and nothing
+ * fails: a value that cannot be shown is "---", one that cannot be computed is NaN.
  */
 class KTV_DATASOURCE_EXPORT NumericalValueBox : public QObject
 {
@@ -39,7 +39,7 @@ class KTV_DATASOURCE_EXPORT NumericalValueBox : public QObject
 public:
     /** No value, no unit, two decimals and no prefix. */
     explicit NumericalValueBox(QObject *parent = nullptr);
-    /** No value yet, of the given unit and rounding method. */
+    /** No value yet, with the given unit and rounding method. */
     NumericalValueBox(Units unit, RoundMetods method, QObject *parent = nullptr);
     /**
      * A value that is always shown with the same prefix and decimals.
@@ -48,38 +48,38 @@ public:
     NumericalValueBox(float value, Units unit, UnitPrefixs prefix, int digits,
                       QObject *parent = nullptr);
     /**
-     * The same with a rounding method: prefix and decimals stay until a value with a test
-     * current, or setRoundMetod(), replaces them.
+     * The same with a rounding method: this prefix and these decimals are used until
+     * setRoundMetod() or a value with a test current replaces them.
      */
     NumericalValueBox(float value, Units unit, UnitPrefixs prefix, RoundMetods method, int digits,
                       QObject *parent = nullptr);
     /**
-     * Value and unit of a text, as parse() reads them; NaN without a unit when it cannot. Shown
+     * Value and unit of a text, as parse() reads them; NaN without a unit if parse() fails. Shown
      * with two decimals and no prefix, whatever the text had.
      */
     explicit NumericalValueBox(const QString &text, QObject *parent = nullptr);
     ~NumericalValueBox() override;
 
-    /** Whether negative values are shown with a minus sign; as "< 0" otherwise, as at first. */
+    /** Whether negative values are shown with a minus sign; by default they are "< 0". */
     void setNegativeAllowed(bool allowed);
     bool isNegativeAllowed() const; ///< Whether negative values show a minus sign.
-    /** Whether this object writes lines to the debug log; off at first. */
+    /** Whether this object writes lines to the debug log; off by default. */
     void setDebug(bool enabled);
     bool isDebug() const; ///< Whether this object writes lines to the debug log.
 
-    /** Changes the rounding method; no rows apply until the next value is set. */
+    /** Changes the rounding method; no rows are in use until the next value is set. */
     void setRoundMetod(RoundMetods method);
-    /** Sets the value, in the base unit; the rows in use stay. NaN for no value. */
+    /** Sets the value, in the base unit, and keeps the rows in use. NaN for no value. */
     void setRealValue(float value);
     /**
-     * Sets the value, in the base unit, measured with a test current, and chooses the rows of
-     * that current from the method's table. A current without rows leaves none: the value
-     * shows "---". With testI_None the rows in use stay.
+     * Sets the value, in the base unit, measured with a test current, and selects the rows of that
+     * current from the method's table. If there are none, the value is shown as "---". With
+     * testI_None the rows in use are kept.
      */
     void setRealValue(float value, testI current);
     /** The same with the current's code as a number. */
     void setRealValue(float value, int index);
-    /** Makes the object's own single row anew: two decimals, no prefix, any magnitude. */
+    /** Resets the object's own single row: two decimals, no prefix, any magnitude. */
     void prepareRound_Static();
 
     float realValue() const; ///< The stored value, in the base unit; NaN for none.
@@ -89,19 +89,19 @@ public:
      */
     int findBestRange(float value) const;
     /**
-     * Scale of the row that fits a value: 0.001 for milli. @return 0 without rows in use, NaN
-     * for NaN and for a row set without rows
+     * Factor of the prefix of the row for a value: 0.001 for milli. @return 0 without rows in use,
+     * NaN for NaN and for a row set without rows
      */
     float _calculatePrefixValue(float value) const;
-    float getPrefixValue() const; ///< Scale of the row that fits the stored value.
+    float getPrefixValue() const; ///< Factor of the prefix of the row for the stored value.
     /**
-     * A value scaled and rounded by one row, as text without unit. @param rangeIndex as
-     * findBestRange() gives it. @return "---" without a stored value or without rows
+     * A value scaled and rounded by one row, as text without unit. @param rangeIndex result of
+     * findBestRange(). @return "---" without a stored value or without rows
      */
     QString _valueFormat(float value, int rangeIndex) const;
-    /** The number as it is shown, in the shown prefix: 0 below zero, the top above the range. */
+    /** The number shown, for the shown prefix: 0 below zero, the largest above the range. */
     float getFormatedValue() const;
-    /** The shown text read back, in the base unit; NaN when it shows no number. */
+    /** The shown text read back, in the base unit; NaN when no number is shown. */
     float getRealFormatedValue() const;
     /**
      * The text on the screen: "1.2345 mΩ", "> 199.99 mΩ", "< 0 μΩ", "--- V" for a missing value
@@ -121,38 +121,38 @@ public:
     static QString getAlphaUnit();
 
     /**
-     * A number as fixed-point text. A tenth decimal of 5 is nudged upwards before the rounding
-     * to @p digits decimals, through single precision.
+     * A number as fixed-point text. First a 5 in the tenth decimal is rounded up, then the result
+     * is converted to single precision and rounded to @p digits decimals.
      */
     static QString round(double value, unsigned int digits);
     /**
      * A value with a fixed prefix and number of decimals: "1.500 V". @param value in the base
-     * unit. @param trimZeros cuts trailing zeros of the decimals: "1.5 V"
+     * unit. @param trimZeros removes trailing zeros of the decimals: "1.5 V"
      */
     static QString autoFormat(float value, Units unit, UnitPrefixs prefix, int digits,
                               bool trimZeros);
     /** Test current of an inductive measurement, in amperes up to 200: "10.0 mA"; else "---". */
     static QString formatIinduction(float amperes);
     /**
-     * Voltage drop across the object, with ranges fixed by the test current. @param u in volts.
-     * @param limited whether the current's own upper limit holds, else 10 V
+     * Voltage drop across the object, in ranges that depend on the test current. @param u in volts.
+     * @param limited whether the upper limit of that current applies, otherwise 10 V
      * @return "< 0 V" below zero; "> 10.000 V" from the limit on and for NaN
      */
     static QString formatDeltaU(float u, testI current, bool limited);
     /**
      * A temperature in the unit in use, rounded to one decimal and then down to half a degree,
-     * below zero to a whole one: "20.5 °C", "-4.0 °C". Puts the texts of units and prefixes back
-     * to their defaults. @param celsius NaN or infinite: "--- °C", and the texts stay
+     * below zero to a whole one: "20.5 °C", "-4.0 °C". Resets the texts of units and prefixes to
+     * their defaults. @param celsius for NaN or infinity: "--- °C", and the texts are not reset
      */
     static QString formatTemperature(float celsius);
 
     /**
-     * Reads a text as toString() writes it; of three parts the first is a marker. Where several
-     * texts end the unit, the longest counts; of equal texts the one with the smallest code.
+     * Reads a text as toString() writes it; the first of three parts is a marker such as ">". If
+     * the texts of several units fit, the longest is taken, of equal ones the smallest code.
      * @param value in the base unit; NaN when there is no number
      * @param precision characters after the number's decimal point
-     * @param unit,prefix set when the text has a unit part; untouched otherwise, as is the unit
-     *        when the part ends in none
+     * @param unit,prefix set if the text has a unit part, otherwise unchanged; the unit is also
+     *        unchanged if that part ends in no known unit
      * @return whether there is a number
      */
     static bool parse(const QString &text, float &value, int &precision, Units &unit,
@@ -171,16 +171,16 @@ public:
      */
     static testI roundTestIValue(float amperes);
 
-    /** Takes the default texts of units and prefixes, and the temperature unit with its text. */
+    /** Sets the default texts of units and prefixes, and the temperature unit with its text. */
     static void prepareStaticDefaultValue(TemperatureUnit unit);
     /**
-     * Takes texts of the caller's: units A, V, temperature, ohm (four) and prefixes G, M, k, m,
-     * μ, n (six). A list of another length leaves its texts as they were.
+     * Sets custom texts: of the units A, V, temperature, ohm (four) and of the prefixes G, M, k, m,
+     * μ, n (six). A list of another length is ignored.
      */
     static void prepareStaticCustomtValue(const QStringList &units, const QStringList &prefixes,
                                           TemperatureUnit unit);
 
-    /** Takes the meter's model and fills the rounding tables; an unknown one leaves them. */
+    /** Sets the meter's model and fills the rounding tables; unchanged for an unknown model. */
     static void SetCurrentMeter(KTV_Configuration::MeterModels model);
     static void prepareRound_R_KTV420(); ///< Fills the resistance tables of the 420 family.
     static void prepareRound_L_KTV420(); ///< Fills the inductance tables of the 420 family.
@@ -189,12 +189,12 @@ public:
 
     static QHash<Units, QString> unitString; ///< Texts of the units; empty at first.
     static QHash<UnitPrefixs, QString> prefixString; ///< Texts of the prefixes; empty at first.
-    static TemperatureUnit _tUnit; ///< Last given with the texts; Celsius at first.
-    static KTV_Configuration::MeterModels currentMeter; ///< Last given; MeterModels_NaN at first.
+    static TemperatureUnit _tUnit; ///< As last set with the texts; Celsius at first.
+    static KTV_Configuration::MeterModels currentMeter; ///< As last set; MeterModels_NaN at first.
 
     /**
-     * Rounding table of resistances, a row set for each test current; empty at first. Row sets
-     * are never freed, so that a value keeps the rows it was given when a table is filled anew.
+     * Rounding table of resistances, a row set for each test current; empty at first. Row sets are
+     * never freed, so that existing values can still use theirs when a table is filled again.
      */
     static QList<DynamicRounding::Round_Current_I *> tableRound_R;
     /** Rounding table of inductances. */
@@ -213,7 +213,7 @@ private:
     void setValue(float value, testI current);
     void chooseRows(testI current);
 
-    // Plain members: boxes are made by the thousand, and a private part would be an allocation.
+    // No private class: it would take an allocation, and these objects are created by thousands.
     bool m_negativeAllowed = false;
     bool m_debug = false;
     float m_value = std::numeric_limits<float>::quiet_NaN();

@@ -11,7 +11,10 @@ namespace Internal {
 constexpr int noRows = -2; ///< index of a row while no row set is in use
 constexpr int belowZero = -1; ///< index of a row for negative values
 
-/** Index of the first row that reaches a value; the number of rows when none does, and for NaN. */
+/**
+ * Index of the first row whose maximum is not below a value; the number of rows if there is none,
+ * and for NaN.
+ */
 inline int firstRowFor(float value, const QList<ValueBox::DynamicRounding::RoundItem *> &rows)
 {
     const int count = int(rows.size());
@@ -21,7 +24,7 @@ inline int firstRowFor(float value, const QList<ValueBox::DynamicRounding::Round
     return index;
 }
 
-/** Index of the row that fits a value, as findBestRange() hands it out; the set may be null. */
+/** Result of findBestRange() for a value and a row set, which may be null. */
 inline int rangeOf(float value, const ValueBox::DynamicRounding::Round_Current_I *set)
 {
     if (!set)
@@ -29,7 +32,7 @@ inline int rangeOf(float value, const ValueBox::DynamicRounding::Round_Current_I
     return value < 0 ? belowZero : firstRowFor(value, set->items);
 }
 
-/** The row of such an index; null without rows. */
+/** The row for such an index, or else the nearest one; null without rows. */
 inline const ValueBox::DynamicRounding::RoundItem *
 rowAt(int rangeIndex, const ValueBox::DynamicRounding::Round_Current_I *set)
 {
@@ -43,7 +46,7 @@ using PrefixIndex = TextIndex<ValueBox::UnitPrefixs, ValueBox::Prefix_n, ValueBo
 extern UnitIndex unitTexts; ///< of NumericalValueBox::unitString
 extern PrefixIndex prefixTexts; ///< of NumericalValueBox::prefixString
 
-/** What a text says, as NumericalValueBox::parse() hands it out. */
+/** Result of parsing a text, for NumericalValueBox::parse(). */
 struct ParsedText
 {
     bool isNumber = false;
@@ -57,16 +60,17 @@ struct ParsedText
 
 ParsedText parsed(QStringView text);
 
-/** A value in a row's prefix, rounded to its decimals; nothing when that takes round(). */
+/** A value scaled and rounded by a row; nothing if only NumericalValueBox::round() can do it. */
 inline std::optional<FixedPoint> roundedNumber(float value,
                                                const ValueBox::DynamicRounding::RoundItem &row)
 {
-    // The nudge of a tenth decimal can reach the ninth of a float, never the eighth.
+    // That round() first rounds a 5 in the tenth decimal up can change the ninth decimal of a
+    // float, never the eighth.
     static_assert(FixedPoint::mostDecimals <= 8);
     return FixedPoint::of(scaled(value, row.prefix), row.digits);
 }
 
-/** The same as text, for every value. */
+/** The same as text, for any value. */
 QString roundedText(float value, const ValueBox::DynamicRounding::RoundItem &row);
 
 } // namespace Internal

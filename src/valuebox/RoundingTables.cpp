@@ -18,18 +18,18 @@ KTV_Configuration::MeterModels NumericalValueBox::currentMeter = KTV_Configurati
 
 namespace {
 
-/** The rows that a set for temperature-compensated values has after those of the plain set. */
+/** The set for temperature-compensated values that belongs to a set for measured values. */
 enum CompensatedSet
 {
-    NoSet, ///< such values show "---"
-    Copy, ///< nothing: such values end where the plain ones do
-    Wider ///< the line's further rows, then the common tail
+    NoSet, ///< there is none: compensated values are shown as "---"
+    Copy, ///< the same rows
+    Wider ///< the same rows, then those of "further", then the common tail
 };
 
 using Items = std::initializer_list<RoundItem>;
 
-/** The row sets of one or more currents. */
-struct Line
+/** The row sets of one or more currents, which all have the same rows. */
+struct SetDefinition
 {
     std::initializer_list<testI> currents;
     Items rows;
@@ -39,12 +39,12 @@ struct Line
 
 // clang-format off
 
-/** The last rows of a wider set; they start above the rows that the set has already. */
+/** The last rows of a wider set; those that are not above the rows before them are left out. */
 constexpr RoundItem commonTail[] = {
     {1999.9F, 1, 0}, {9990.F, 2, 3}, {99900.F, 1, 3}, {999000.F, 0, 3}, {10000000.F, 2, 6}};
 
-// Plain resistance sets end half a digit above their range; further rows end at the range itself.
-constexpr Line resistance420[] = {
+// The plain sets of resistance end half a digit above their range, further rows exactly at it.
+constexpr SetDefinition resistance420[] = {
     {{testI_10A},
      {{0.0009999F, 1, -6}, {0.0019999F, 4, -3}, {0.019999F, 3, -3}, {0.199995F, 2, -3}},
      Wider, {{0.9999F, 1, -3}, {1.9999F, 4, 0}, {19.999F, 3, 0}, {199.99F, 2, 0}}},
@@ -58,9 +58,10 @@ constexpr Line resistance420[] = {
     {{testI_1mA}, {{1999.95F, 1, 0}}, Wider, {}},
 };
 
-// No compensated values from 190 A to 110 A, none beyond the plain range from 200 A to 20 A, and
-// a gap from 0.2 to 1999.9 ohms without rows of its own at 10 A: the meter has it so.
-constexpr Line resistance4200[] = {
+// Kept, because the meters work like this: there are no compensated values from 190 A to 110 A;
+// from 200 A to 20 A they end at the plain range; and at 10 A there are no rows of their own
+// between 0.2 and 1999.9 ohms.
+constexpr SetDefinition resistance4200[] = {
     {{testI_200A}, {{0.0009999F, 1, -6}}, Copy, {}},
     {{testI_190A, testI_180A, testI_170A, testI_160A, testI_150A, testI_140A, testI_130A,
       testI_120A, testI_110A}, {{0.0009999F, 1, -6}}, NoSet, {}},
@@ -83,7 +84,7 @@ constexpr Line resistance4200[] = {
     {{testI_1mA}, {{1999.95F, 1, 0}}, Wider, {}},
 };
 
-constexpr Line inductance[] = {
+constexpr SetDefinition inductance[] = {
     {{testI_10A},
      {{0.0009999F, 1, -6}, {0.0019999F, 4, -3}, {0.019999F, 3, -3}, {0.19999F, 2, -3},
       {0.9999F, 1, -3}, {1.9999F, 4, 0}, {19.999F, 3, 0}},
@@ -110,7 +111,7 @@ constexpr Line inductance[] = {
 
 using Table = QList<Round_Current_I *>;
 
-/** A new set, kept for as long as the process lives: values hold on to sets of earlier fills. */
+/** A new set. It is never deleted, because values may still use sets of earlier fills. */
 template <typename... Arguments> Round_Current_I *newSet(Arguments... arguments)
 {
     static auto &all = *new std::vector<std::unique_ptr<Round_Current_I>>;
@@ -127,20 +128,20 @@ template <typename Range> void append(Round_Current_I *set, const Range &rows)
 }
 
 template <std::size_t Size>
-void fill(const Line (&lines)[Size], Table &plain, Table &compensatedSets)
+void fill(const SetDefinition (&definitions)[Size], Table &plain, Table &compensatedSets)
 {
     plain.clear();
     compensatedSets.clear();
-    for (const Line &line : lines) {
-        for (const testI current : line.currents) {
+    for (const SetDefinition &definition : definitions) {
+        for (const testI current : definition.currents) {
             Round_Current_I *set = newSet(current, static_cast<Round_Current_I *>(nullptr));
-            append(set, line.rows);
+            append(set, definition.rows);
             plain.append(set);
-            if (line.compensated == NoSet)
+            if (definition.compensated == NoSet)
                 continue;
             Round_Current_I *compensated = newSet(set);
-            append(compensated, line.further);
-            if (line.compensated == Wider)
+            append(compensated, definition.further);
+            if (definition.compensated == Wider)
                 append(compensated, commonTail);
             compensatedSets.append(compensated);
         }

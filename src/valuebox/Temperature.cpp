@@ -14,7 +14,7 @@ using Internal::TextParts;
 
 namespace {
 
-/** A temperature in the unit that shows it. */
+/** A temperature converted from degrees Celsius to a unit. */
 float converted(float celsius, TemperatureUnit unit)
 {
     const auto *scale = Internal::temperatureScale(unit);
@@ -38,7 +38,7 @@ std::optional<FixedPoint> halfDegrees(float temperature)
     return FixedPoint((tenths->digits() + up) / step * step, 1, isNegative);
 }
 
-/** The same, step by step, for what FixedPoint cannot hold. */
+/** The same, step by step, for numbers that do not fit into FixedPoint. */
 QString longHalfDegrees(float temperature)
 {
     const float rounded = QString::number(double(temperature), 'f', 1).toFloat();

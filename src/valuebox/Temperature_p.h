@@ -4,14 +4,14 @@
 
 namespace Internal {
 
-/** Between degrees Celsius, in which temperatures are kept, and the unit that shows them. */
+/** Converts between degrees Celsius, in which temperatures are stored, and another unit. */
 struct TemperatureScale
 {
     double (*fromCelsius)(double);
     double (*toCelsius)(double);
 };
 
-/** Scale of a temperature unit; null while temperatures are shown as they are kept. */
+/** Scale of a temperature unit; null for Celsius. */
 const TemperatureScale *temperatureScale(ValueBox::TemperatureUnit unit);
 
 } // namespace Internal

@@ -16,9 +16,9 @@ struct TestCurrent
     float below; ///< measured currents below this, in amperes, belong to the code
 };
 
-// A code takes what lies below 1.1 times its current, and so from 120 A on the nominal current
-// itself belongs to the code below. The labels of 20 A to 90 A say "mA". Both are kept: stored
-// texts and the interface's pickers depend on them.
+// A measured current belongs to the first code whose current times 1.1 is above it. So from 120 A
+// on, a code's own current belongs to the code below. The labels of 20 A to 90 A say "mA". Both are
+// kept: stored texts and the interface depend on them.
 // clang-format off
 constexpr TestCurrent testCurrents[] = {
     {testI_1mA, "1 mA", 0.001F, 0.0011F},
@@ -48,7 +48,7 @@ constexpr TestCurrent testCurrents[] = {
 };
 // clang-format on
 
-/** First current that meets a condition; null for none. */
+/** First current for which the condition is true; null for none. */
 template <typename Condition> const TestCurrent *firstWhere(Condition condition)
 {
     const auto *found = std::find_if(std::begin(testCurrents), std::end(testCurrents), condition);

@@ -9,7 +9,7 @@
 
 namespace Internal {
 
-/** QChar::isSpace(), without a call for the characters that texts of values are made of. */
+/** QChar::isSpace(), but without a function call for the usual characters of values' texts. */
 inline bool isSpace(QChar character)
 {
     const ushort code = character.unicode();
@@ -20,24 +20,24 @@ inline bool isSpace(QChar character)
     return !isGreek && !isLetterlikeSymbol && character.isSpace();
 }
 
-/** Whether both texts are one in memory. */
+/** Whether both texts share the same data in memory. */
 inline bool areShared(const QString &text, const QString &other)
 {
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
     return text.isSharedWith(other);
 #else
-    // There isSharedWith() says no of empty texts and of literals.
+    // In Qt 6 isSharedWith() is false for empty texts and for literals.
     return text.constData() == other.constData() && text.size() == other.size();
 #endif
 }
 
-/** A text of a unit or prefix, and what is to be known of it each time that it is shown. */
+/** The text of a unit or prefix, and the properties of it that are needed each time it is shown. */
 class IndexedText
 {
 public:
     /** The empty text. */
     IndexedText() : IndexedText(noText()) { }
-    /** A text that lives at least as long as this object. */
+    /** Refers to a text that must exist at least as long as this object. */
     explicit IndexedText(const QString &text)
         : m_source(&text)
         , m_content(text)
@@ -47,13 +47,18 @@ public:
         }))
     { }
 
-    /** Whether nobody has edited the text since: an edit detaches it from the copy here. */
+    /**
+     * Whether the text has not been edited since: editing it would detach it from the copy here.
+     */
     bool isCurrent() const { return areShared(*m_source, m_content); }
-    /** The text as it is now. */
+    /** The text, including later edits. */
     const QString &source() const { return *m_source; }
-    /** The text, while it is current. */
+    /** The text; valid while isCurrent(). */
     QStringView view() const { return m_view; }
-    /** Whether it can stand in a value's text without being simplified or taken for a sign. */
+    /**
+     * Whether it has no white space and no minus sign, so that a value's text with it needs no
+     * further processing.
+     */
     bool isPlain() const { return m_isPlain; }
 
 private:
@@ -70,12 +75,13 @@ private:
 };
 
 /**
- * The entries of a hash of texts, side by side.
+ * A copy of the entries of a hash of texts, in contiguous memory.
  *
- * Anybody may edit the hash at any time, and a text in it through a reference taken before. The
- * index shares their content, so that every edit detaches one from the other: while they are the
- * same, nothing has to be looked up anew.
- * @tparam lowest,highest range of the keys that are found without a search
+ * Clients may edit the hash at any time, or a text in it through a reference that they took before.
+ * The index shares the content with the hash and its texts (implicit sharing), and each edit
+ * detaches them. As long as the content is still shared, nothing has been edited and the index is
+ * valid.
+ * @tparam lowest,highest range of the keys that are looked up without a search
  */
 template <typename Key, int lowest, int highest> class TextIndex
 {
@@ -119,7 +125,7 @@ private:
             renew();
     }
 
-    // Rare, and so kept out of the code that every text runs through.
+    // Rare; not inlined, to keep the code short that runs for every text.
     Q_NEVER_INLINE void renew()
     {
         m_content = m_texts;

@@ -4,7 +4,10 @@
 
 namespace Internal {
 
-/** "> -199.99 mΩ", part by part: its length is known first, and making it takes one allocation. */
+/**
+ * The parts of a text such as "> -199.99 mΩ". Its length is computed first, so that making the text
+ * takes one allocation.
+ */
 struct TextParts
 {
     QLatin1String marker;
@@ -19,7 +22,7 @@ struct TextParts
         QString text(marker.size() + int(hasMinus) + number.size() + int(hasBlank)
                          + int(prefix.size() + unit.size()),
                      Qt::Uninitialized);
-        QChar *out = const_cast<QChar *>(text.constData()) + text.size(); // nobody shares it yet
+        QChar *out = const_cast<QChar *>(text.constData()) + text.size(); // not shared yet
         out = writeBefore(out, unit);
         out = writeBefore(out, prefix);
         if (hasBlank)
@@ -35,7 +38,7 @@ private:
     template <typename Text> static QChar *writeBefore(QChar *end, const Text &text)
     {
         for (auto character = text.end(); character != text.begin();)
-            *--end = QChar(*--character); // one or two: not worth a call
+            *--end = QChar(*--character); // mostly one or two characters: not worth a function call
         return end;
     }
 };

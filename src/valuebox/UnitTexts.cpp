@@ -14,12 +14,12 @@ namespace {
 using UnitTexts = QHash<Units, QString>;
 using PrefixTexts = QHash<UnitPrefixs, QString>;
 
-/** Units and prefixes in the order in which a caller lists texts for them. */
+/** Units and prefixes in the order of the texts that a client passes for them. */
 constexpr std::array<Units, 4> listedUnits {Unit_A, Unit_V, Unit_Temperature, Unit_Ohm};
 constexpr std::array<UnitPrefixs, 6> listedPrefixes {Prefix_G, Prefix_M, Prefix_k,
                                                      Prefix_m, Prefix_u, Prefix_n};
 
-/** Texts for the listed keys, and an empty one for the key without any. */
+/** Texts for these keys, and an empty text for the key @p without. */
 template <typename Keys, typename Key>
 QHash<Key, QString> listedTexts(const Keys &keys, const QStringList &texts, Key without)
 {
@@ -39,8 +39,8 @@ UnitTexts defaultUnitsWith(const QString &temperature)
 }
 
 /**
- * Default texts for a temperature unit. Made once and shared: to take them again costs no more
- * than a comparison while nobody has edited them.
+ * Default texts for a temperature unit. They are created once and shared, so setting them again
+ * costs only a comparison as long as the texts have not been edited.
  */
 const UnitTexts &defaultUnits(TemperatureUnit unit)
 {

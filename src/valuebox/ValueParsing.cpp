@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
 namespace ValueBox {
 
@@ -40,14 +39,17 @@ bool endsWith(QStringView part, QStringView ending)
         && std::equal(ending.begin(), ending.end(), part.end() - ending.size());
 }
 
-/** The entry whose text ends a unit part; none if there is none. */
+/** A unit or prefix whose text is at the end of a unit part; an empty text if there is none. */
 template <typename Key> struct Ending
 {
     Key key {};
     QStringView text;
 };
 
-/** The longest text counts, of equal ones the smallest key: the order of a hash must not. */
+/**
+ * Takes the longest text, and of equal texts the smallest key, so that the result does not depend
+ * on the order of the hash.
+ */
 template <typename Key, typename Entries>
 Ending<Key> longestEnding(QStringView part, const Entries &entries)
 {
@@ -67,9 +69,9 @@ Ending<Key> longestEnding(QStringView part, const Entries &entries)
 }
 
 /**
- * Reads a plain decimal number, as toString() writes it, up to a blank. Up to 15 digits are exact
- * in double precision, and so one division gives the number nearest to the text.
- * @return the number's end; null, and nothing read, when the text starts with anything else
+ * Reads a plain decimal number, as toString() writes it, up to a space. Numbers of up to 15 digits
+ * are exact in double precision, so a single division gives the double nearest to the text.
+ * @return the number's end; null, with nothing read, if the text does not start with such a number
  */
 const QChar *readPlainNumber(QStringView text, ParsedText &content)
 {
@@ -106,7 +108,7 @@ const QChar *readPlainNumber(QStringView text, ParsedText &content)
     return character;
 }
 
-/** Reads a number of any form that QString reads. */
+/** Reads a number in any form that QString accepts. */
 void readAnyNumber(QStringView part, ParsedText &content)
 {
     const auto point = part.indexOf(QLatin1Char('.'));
@@ -115,7 +117,7 @@ void readAnyNumber(QStringView part, ParsedText &content)
     content.value = content.isNumber ? number : std::numeric_limits<float>::quiet_NaN();
 }
 
-/** Whether a text occurs in a part and starts before a position. */
+/** Whether @p text occurs in @p part at a place that starts before @p position. */
 bool startsBefore(const QChar *position, QStringView text, QStringView part)
 {
     for (const QChar *start = part.begin(); start != position; ++start) {
@@ -125,7 +127,7 @@ bool startsBefore(const QChar *position, QStringView text, QStringView part)
     return false;
 }
 
-/** What is left of a unit part without its unit's text, wherever that stands. */
+/** Removes the unit's text from a unit part, wherever it occurs. */
 QString without(QStringView unitText, QStringView part)
 {
     return part.toString().remove(unitText.toString());
@@ -154,18 +156,21 @@ void readUnit(QStringView part, ParsedText &content)
     }
 }
 
-/** A text without white space around it; most have none. */
+/** QStringView::trimmed(), but fast for texts without white space around them, as most are. */
 QStringView trimmed(QStringView text)
 {
     const bool isTrimmed = !text.isEmpty() && !isSpace(text.front()) && !isSpace(text.back());
     return isTrimmed ? text : text.trimmed();
 }
 
-/** A text of any form: parts between single blanks, of which three lose the first. */
+/**
+ * Reads a text of any form: its parts are separated by single spaces, and the first of three is
+ * skipped.
+ */
 void readParts(QStringView text, ParsedText &content)
 {
     const QLatin1Char blank(' ');
-    constexpr int blanksWithMarker = 2; // "> 199.99 mΩ": the marker is not the number
+    constexpr int blanksWithMarker = 2; // "> 199.99 mΩ": the marker is skipped
     if (std::count(text.begin(), text.end(), blank) == blanksWithMarker)
         text = text.mid(text.indexOf(blank) + 1);
     const auto end = text.indexOf(blank);
@@ -188,7 +193,7 @@ ParsedText parsed(QStringView text)
     const QChar *const end = readPlainNumber(text, content);
     if (!end || std::count(end, text.end(), QLatin1Char(' ')) > 1)
         readParts(text, content);
-    else if (end != text.end()) // "1.2345 mΩ", as most texts are
+    else if (end != text.end()) // such as "1.2345 mΩ", the usual case
         readUnit(QStringView(end + 1, text.end()), content);
     return content;
 }

@@ -7,7 +7,6 @@
 #include <QStringBuilder>
 
 #include <cmath>
-#include <utility>
 
 namespace ValueBox {
 
@@ -18,8 +17,8 @@ using Internal::TextParts;
 
 namespace {
 
-/** The text of no displayable value; costs no allocation. */
-QString nothing()
+/** The text for a value that cannot be shown; takes no allocation. */
+QString noValueText()
 {
     return QStringLiteral("---");
 }
@@ -69,15 +68,15 @@ QString NumericalValueBox::round(double value, unsigned int digits)
 
 namespace {
 
-/** "< 0 mΩ" in the prefix of the lowest row. */
+/** Text such as "< 0 mΩ", with the prefix of the lowest row. */
 QString belowZeroText(const RoundItem &row, Units unit)
 {
     const QString text = underRange % NumericalValueBox::getUnitPrefix(UnitPrefixs(row.prefix))
         % NumericalValueBox::getUnit(unit);
-    return text.contains(nothing()) ? nothing() : text.simplified();
+    return text.contains(noValueText()) ? noValueText() : text.simplified();
 }
 
-/** What rowText() gives, with unit and prefix of any content, and with any number. */
+/** The same as rowText(), but for any number and any text of unit and prefix. */
 QString anyRowText(QLatin1String marker, bool isNegative, float number, const RoundItem &row,
                    Units unit)
 {
@@ -86,13 +85,13 @@ QString anyRowText(QLatin1String marker, bool isNegative, float number, const Ro
         + NumericalValueBox::getUnit(unit);
     if (isNegative)
         text.prepend(QLatin1Char('-'));
-    if (text.contains(nothing()))
-        return nothing();
+    if (text.contains(noValueText()))
+        return noValueText();
     removeMinusOfZero(text);
     return text.simplified();
 }
 
-/** Text of a number shown with a row, after a marker. */
+/** Text of a number, scaled and rounded by a row, after a marker such as "> ". */
 inline QString rowText(QLatin1String marker, bool isNegative, float number, const RoundItem &row,
                        Units unit)
 {
@@ -108,7 +107,7 @@ inline QString rowText(QLatin1String marker, bool isNegative, float number, cons
     return TextParts {marker, hasMinus, fixed, hasBlank, prefix.view(), unitText.view()}.toString();
 }
 
-// Rare, and so kept out of the code that every value runs through.
+// Rare; not inlined, to keep the code short that runs for every value.
 Q_NEVER_INLINE QString overRangeText(const RoundItem &row, Units unit)
 {
     return rowText(overRange, false, row.maximum, row, unit);
@@ -146,7 +145,7 @@ inline QString NumericalValueBox::shownText() const
     if (Q_UNLIKELY(std::isnan(m_value)))
         return QLatin1String("--- ") % getUnit(m_unit);
     if (Q_UNLIKELY(!m_active || m_active->items.isEmpty()))
-        return nothing();
+        return noValueText();
     const auto &rows = m_active->items;
     const bool isNegative = m_value < 0;
     if (Q_UNLIKELY(isNegative && !m_negativeAllowed))
@@ -183,7 +182,7 @@ namespace {
 
 struct CurrentRange
 {
-    double upTo; ///< amperes; the bound itself belongs to the range
+    double upTo; ///< amperes, included
     float factor;
     int decimals;
     const char *unit;
@@ -198,21 +197,21 @@ constexpr CurrentRange inductionRanges[] = {
 
 QString NumericalValueBox::formatIinduction(float amperes)
 {
-    // A float against double bounds: 0.001F and 0.1F lie above them and fall into the next range.
+    // A float is compared with double bounds: 0.001F and 0.1F are above them, so in the next range.
     for (const CurrentRange &range : inductionRanges) {
         if (double(amperes) <= range.upTo) {
             const float shown = amperes * range.factor;
             return Internal::fixedText(shown, range.decimals) + QLatin1String(range.unit);
         }
     }
-    return nothing();
+    return noValueText();
 }
 
 namespace {
 
 struct VoltageRange
 {
-    double below; ///< volts; the bound itself lies outside
+    double below; ///< volts, not included
     UnitPrefixs prefix;
     int decimals;
 };
@@ -224,7 +223,7 @@ struct VoltageRanges
     UnitPrefixs overRangePrefix;
 };
 
-// The upper limits differ on purpose.
+// kept: the upper limits differ on purpose
 constexpr VoltageRanges unlimited = {
     {{0.019, Prefix_m, 3}, {0.19999, Prefix_m, 2}, {1.9999, Prefix_None, 4}, {10., Prefix_None, 3}},
     "> 10.000 ",

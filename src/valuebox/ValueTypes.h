@@ -27,7 +27,7 @@ enum UnitPrefixs : qint32
     Prefix_n = -9
 };
 
-/** Unit in which temperatures are shown; they are kept in degrees Celsius. */
+/** Unit in which temperatures are shown; they are stored in degrees Celsius. */
 enum TemperatureUnit : qint32
 {
     Temp_Celsius = 0,
@@ -35,7 +35,7 @@ enum TemperatureUnit : qint32
     Temp_Kelvin = 2
 };
 
-/** Where a value finds its decimals and its prefix. */
+/** How prefix and decimals of a value are chosen: by the object's own row or by a table. */
 enum RoundMetods : qint32
 {
     Round_Static = 0, ///< the object's own single row

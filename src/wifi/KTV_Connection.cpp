@@ -39,7 +39,7 @@ constexpr int readingLimit = 1000; // ms, each tool
 constexpr int scanLimit = 5000; // ms
 constexpr int powerLimit = 3000; // ms
 
-/** What of the last detailed record the next one is compared with. */
+/** Fields of the last record with details, which the next one is compared with. */
 struct Detail
 {
     int state = Network::wifi_States_OFF;
@@ -55,8 +55,8 @@ struct Detail
 } // namespace
 
 /**
- * Timers, database and futures are touched on the manager's thread only. What workers share
- * with it is atomic: a number, or a pointer to a value that never changes.
+ * Timers, database and futures are used on the manager's thread only. Data shared with workers is
+ * atomic: a number, or a pointer to a constant value.
  */
 class KTV_Connection::Private
 {
@@ -83,14 +83,15 @@ public:
     QTimer *detailTimer = nullptr;
     QTimer *scanTimer = nullptr;
     std::atomic<bool> isDetailed {false}; ///< whether the detail timer exists
-    std::atomic<bool> isScanning {false}; ///< off before the timer when a worker ends scanning
+    /** When a worker ends scanning, this is set to false before the timer is stopped. */
+    std::atomic<bool> isScanning {false};
     PowerRequests powerRequests;
 
     Workers workers;
     const StopFlag stopping = workers.stopping();
 };
 
-/** What a shell command prints; nothing unless it ends in time. */
+/** Output of a shell command; empty unless it ends in time. */
 QString KTV_Connection::Private::answer(const QString &command) const
 {
     const auto result =
@@ -108,7 +109,7 @@ void KTV_Connection::Private::read(Network &network) const
     if (!answer(QStringLiteral("ifconfig | grep -e \"") + name + QLatin1Char('"')).startsWith(name))
         return;
     network.state = Network::wifi_States_ON;
-    // Without an association the tool prints a line feed and ends as ever.
+    // Without an association the tool prints a line feed and succeeds.
     network.ESSID = answer(QStringLiteral("iwgetid ") + name + QStringLiteral(" -r")).trimmed();
     if (network.ESSID.isEmpty())
         return;
@@ -240,7 +241,7 @@ void KTV_Connection::_buildConfFile(const QString &preferred, QList<Network *> *
         }
         const auto text = SupplicantConfiguration::text(preferred, *networks);
         if (!text) {
-            // The file that is there has more than one without the protected networks.
+            // The old file is better than a new one without the protected networks.
             log() << "KTV_Connection::_buildConfFile: no process for wpa_passphrase";
             return;
         }
@@ -297,11 +298,12 @@ void KTV_Connection::_set_wifi_Enable_Avait(KTV_Connection *connection, bool on)
     const QString name = connection->getInterfaceName();
     if (name.isEmpty())
         return;
-    // Not ended early when the manager ends: what the user has switched stays switched.
+    // Without the stop flag: the user's choice is carried out even if the manager is being
+    // destroyed.
     const auto result = Internal::runDirect(
         QStringLiteral("ifconfig ") + name + (on ? QStringLiteral(" up") : QStringLiteral(" down")),
         {Waits::NoStartWait, powerLimit});
-    // Kept crosswise: service staff know the lines like this.
+    // kept: the two texts are swapped, but service engineers know them like this
     if (!result.finished())
         log() << (on ? "ifconfig down - not respond!" : "ifconfig up - not respond!");
     if (!result.output.isEmpty())
@@ -364,8 +366,9 @@ void KTV_Connection::check_wifiState_Avait(KTV_Connection *connection)
     }
     const auto details = data.myNetwork.get();
     const std::unique_ptr<const Network> fresh(connection->getWiFi_Info());
-    // Details that were emitted meanwhile may be newer. The old state must not come after them: it
-    // would stay, because details are emitted only when they differ from the last ones.
+    // Details that were emitted meanwhile may be newer than this state. If it were emitted after
+    // them, nothing would correct it soon, because details are emitted only when they differ from
+    // the last ones.
     if (*data.stopping || data.myNetwork.get() != details)
         return;
     if (data.state.exchange(fresh->state) != fresh->state)
@@ -385,12 +388,11 @@ void KTV_Connection::check_wifiDetailState_Avait(KTV_Connection *connection)
     do {
         if (*last == *detail)
             return;
-    } while (!data.myNetwork.replace(last, detail)); // another worker was first: compare again
+    } while (!data.myNetwork.replace(last, detail)); // replaced by another worker: compare again
     data.state = fresh->state;
     emit connection->WiFi_State_Change(fresh->state);
-    static const auto announcement =
-        QMetaMethod::fromSignal(&KTV_Connection::WiFi_DetailState_Change);
-    if (*stopping || !connection->isSignalConnected(announcement))
+    static const auto signal = QMetaMethod::fromSignal(&KTV_Connection::WiFi_DetailState_Change);
+    if (*stopping || !connection->isSignalConnected(signal))
         return;
     fresh->moveToThread(connection->thread());
     emit connection->WiFi_DetailState_Change(fresh.release());
@@ -451,12 +453,14 @@ void KTV_Connection::check_wifiScan_Avait(KTV_Connection *connection)
         return;
     if (!result.finished()) {
         log() << "iwlist - not respond!";
-        // Off before the signal: its receiver may switch scanning on again, and it must stay on.
+        // Set before the signal is emitted: if its receiver switches scanning on again, it must
+        // stay on.
         data.isScanning = false;
         emit connection->WiFi_Scan(nullptr);
         if (*stopping)
             return;
-        // A timer is stopped on its own thread only: queued unless this is it.
+        // A timer can be stopped only on its own thread: called there through the event loop, or
+        // directly if this is that thread.
         QMetaObject::invokeMethod(connection,
                                   [connection] { connection->d->dropEndedScanTimer(); });
         return;
@@ -465,8 +469,8 @@ void KTV_Connection::check_wifiScan_Avait(KTV_Connection *connection)
     if (!data.isScanning)
         return;
     log() << "LIST.COUNT = " << networks->size();
-    static const auto announcement = QMetaMethod::fromSignal(&KTV_Connection::WiFi_Scan);
-    if (!connection->isSignalConnected(announcement))
+    static const auto signal = QMetaMethod::fromSignal(&KTV_Connection::WiFi_Scan);
+    if (!connection->isSignalConnected(signal))
         return;
     for (Network *network : std::as_const(*networks))
         network->moveToThread(connection->thread());

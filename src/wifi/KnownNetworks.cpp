@@ -35,10 +35,10 @@ QStringList schema()
         };
 }
 
-/** What a row holds, in the order of the placeholders: name, whether protected, key. */
+/** Values of a row, in the order of the placeholders: name, whether protected, key. */
 QVariantList columns(const QString &essid, const QString &key)
 {
-    // A null text would be NULL.
+    // A null text would be stored as NULL.
     return {essid, !key.isEmpty(), key.isEmpty() ? QStringLiteral("") : key};
 }
 
@@ -76,8 +76,8 @@ bool KnownNetworks::open()
 
 bool KnownNetworks::createNew()
 {
-    if (hasGivenUpDatabases())
-        return false; // what would be deleted could not be made anew
+    if (areDatabasesClosed())
+        return false; // a deleted file could not be created again
     m_database.close();
     if (QFile::exists(m_path) && !QFile::remove(m_path))
         return false;
@@ -96,8 +96,8 @@ bool KnownNetworks::createNew()
 void KnownNetworks::release()
 {
     m_database.release();
-    if (!hasGivenUpDatabases())
-        QSqlDatabase::removeDatabase(connectionName()); // again, as ever: harmless when it is gone
+    if (!areDatabasesClosed())
+        QSqlDatabase::removeDatabase(connectionName()); // a second time, which is harmless
 }
 
 bool KnownNetworks::add(const QString &essid, const QString &key)
@@ -117,7 +117,7 @@ bool KnownNetworks::remove(const QString &essid)
 {
     if (!isOpenOrLog(QLatin1String("DB is CLOSE!")))
         return false;
-    const QLatin1String failure("_AddWifiToDataBase: "); // kept: the text of the other operation
+    const QLatin1String failure("_AddWifiToDataBase: "); // kept: the text names another operation
     Transaction transaction(m_database);
     if (!removeName(essid, failure))
         return false;
@@ -166,7 +166,7 @@ NetworkList KnownNetworks::all()
             network->encryption = query.value(QStringLiteral("NET_Encrypton")).toBool();
             network->key = query.value(QStringLiteral("NET_Key")).toString();
             networks->append(network.get());
-            static_cast<void>(network.release()); // the list's from here on
+            static_cast<void>(network.release()); // owned by the list from here on
         }
     });
     return networks;

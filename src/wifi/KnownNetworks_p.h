@@ -7,7 +7,7 @@
 
 namespace Internal {
 
-/** Whether a text has the length that WPA demands of a pass phrase, 8 to 63 characters. */
+/** Whether a text has a valid length for a WPA pass phrase, 8 to 63 characters. */
 bool isPassphrase(const QString &text);
 
 /**
@@ -26,11 +26,11 @@ public:
     bool createNew();
     void release();
 
-    /** Stores a network in place of the rows of that name. @return success */
+    /** Stores a network, replacing rows with the same name. @return success */
     bool add(const QString &essid, const QString &key);
     /** Removes the rows of that name, if any. @return success */
     bool remove(const QString &essid);
-    /** The same two by row id. */
+    /** The same two, but for the row with this id. */
     bool updateRow(int id, const QString &essid, const QString &key);
     bool removeRow(int id);
 

@@ -12,8 +12,8 @@ namespace WiFi {
 /**
  * One wireless network: a known one, one in reach, or the one that the meter is in.
  *
- * A plain record without a parent; whoever receives one owns it. It belongs to the thread that
- * it is handed to.
+ * A plain record without a parent. Whoever receives it owns it; it belongs to the thread of its
+ * receiver.
  */
 class KTV_DATASOURCE_EXPORT Network : public QObject
 {

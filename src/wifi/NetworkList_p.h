@@ -17,7 +17,7 @@ struct DeleteNetworks
     }
 };
 
-/** A list that owns its records, until it is released to a client. */
+/** A list that owns its records. */
 using NetworkList = std::unique_ptr<QList<WiFi::Network *>, DeleteNetworks>;
 
 inline NetworkList makeNetworkList()

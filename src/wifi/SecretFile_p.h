@@ -5,8 +5,8 @@
 namespace Internal {
 
 /**
- * Lets only its owner read and write the file, where the file system knows owners. A missing
- * file is created empty, so that there is no moment at which others could open it.
+ * Makes the file readable and writable by its owner only, if the file system supports that. A
+ * missing file is created, empty, so that others can never open it.
  */
 void keepSecret(const QString &path);
 

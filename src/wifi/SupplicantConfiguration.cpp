@@ -9,7 +9,7 @@ namespace Internal::SupplicantConfiguration {
 
 namespace {
 
-/** What the file begins with, an empty line at its end included. */
+/** The start of the file, including an empty line at its end. */
 QString header()
 {
     return QStringLiteral("ctrl_interface=/var/run/wpa_supplicant\n"
@@ -20,14 +20,14 @@ QString header()
                           "\n");
 }
 
-/** The entry of an open network, without a line end. The name stands there as it is. */
+/** The entry of an open network, without a line feed at its end. The name is written unchanged. */
 QString openNetwork(const QString &essid)
 {
     return QStringLiteral("network={\n\tssid=\"") + essid
         + QStringLiteral("\"\n\tkey_mgmt=NONE\n}");
 }
 
-/** An entry with the line in it that puts it before all others. */
+/** Adds the line that gives an entry priority over all others. */
 QString preferredEntry(const QString &entry)
 {
     QString result = entry;
@@ -46,7 +46,7 @@ QString protectedNetwork(const QString &essid, const QString &passphrase, bool *
                                    {Waits::NoStartWait, limit});
     if (lacksResources)
         *lacksResources = result.lacksResources;
-    // Half an entry would make the supplicant refuse the whole file.
+    // An incomplete entry would make the supplicant refuse the whole file.
     const bool isEntry = result.finished() && result.output.startsWith(QLatin1String("network"));
     return isEntry ? result.output : QString();
 }

@@ -14,22 +14,22 @@ namespace {
 const QLatin1Char blank(' ');
 const QLatin1Char lineEnd('\n');
 
-/** A field of "ifconfig" that begins with a marker; so many characters are cut from its front. */
+/** A field in the output of "ifconfig", found by its marker. */
 struct AddressField
 {
     QLatin1String marker;
-    int cut;
+    int cut; ///< characters removed from its front
     QString Network::*field;
 };
 
 const AddressField addressFields[] = {
-    // Four of the five: the address keeps the colon, and clients rely on it.
+    // Four of five characters, so the address keeps the colon: clients rely on it.
     {QLatin1String("addr:"), 4, &Network::address},
     {QLatin1String("Mask:"), 5, &Network::mask},
     {QLatin1String("Bcast:"), 6, &Network::broadcast},
 };
 
-/** A level above the bound, in dBm, and what it is shown as. */
+/** The state for levels above a bound in dBm. */
 struct SignalStep
 {
     int above;
@@ -114,7 +114,7 @@ bool isWeaker(const Network *a, const Network *b)
 QString interfaceName(const QString &listing)
 {
     const QStringList names = listing.trimmed().split(lineEnd);
-    // Beside "wlan0" there may be "wlan0mon", or one that comes before it: "p2p-wlan0-0".
+    // There may also be "wlan0mon" or "p2p-wlan0-0", which is listed before "wlan0".
     const QString usual = QStringLiteral("wlan0");
     return names.contains(usual) ? usual : names.first().trimmed();
 }
@@ -141,7 +141,7 @@ void readSignal(const QString &line, Network &network)
         return;
     const QStringList pieces = text.split(blank);
     for (QString piece : pieces) {
-        // A level that is no number counts as 0: connected it is all the same.
+        // A level that is not a number counts as 0, because the network is connected all the same.
         if (piece.startsWith(marker))
             network.state =
                 signalState(piece.remove(0, marker.size()).remove(QLatin1String(" dBm")).toInt());

@@ -23,13 +23,13 @@ Workers::Workers(KTV_Connection *connection)
     : m_connection(connection)
     , m_stopping(std::make_shared<std::atomic<bool>>(false))
 {
-    // A tool that hangs neither holds up a process that leaves nor stays behind.
-    stopBeforeLeaving(this, [this] { stop(); });
+    // A hanging tool must neither delay the end of the process nor outlive it.
+    stopBeforeExit(this, [this] { stop(); });
 }
 
 Workers::~Workers()
 {
-    forgetBeforeLeaving(this);
+    forgetStopBeforeExit(this);
     stop();
 }
 
@@ -58,7 +58,7 @@ void Workers::startWaiting()
 void Workers::run(Kind kind, Work work)
 {
     dropFinished(m_futures);
-    *m_stopping = false; // the process has not left after all
+    *m_stopping = false; // stop() may have been called before, without the process ending
     ++m_outstanding.at(kind);
     m_futures.append(QtConcurrent::run(perform, this, kind, work));
 }

@@ -22,11 +22,10 @@ using StopFlag = std::shared_ptr<std::atomic<bool>>;
 /**
  * The workers of a manager on the global thread pool. Belongs to the manager's thread.
  *
- * A timer goes on while a tool hangs, and on a device with one core the pool has one thread, so
- * unfinished workers would queue up for as long as the interface is left on. Therefore no more
- * than two polls of a kind, running or waiting, are ever outstanding: a tick that finds two is
- * skipped, and the next one that finds room starts a worker again. Pool and memory thus hold at
- * most two of each kind; of tools that cannot be killed, ChildProcess leaves four at most.
+ * The timers go on while a tool hangs, and on a device with one core the pool has one thread, so
+ * unfinished workers would queue up for as long as the interface is on. Therefore at most two polls
+ * of a kind, running or waiting, are outstanding at any time; while there are two, ticks of the
+ * timer are skipped. Of tools that cannot be killed, ChildProcess leaves four at most.
  */
 class Workers
 {
@@ -44,14 +43,14 @@ public:
     ~Workers();
     Q_DISABLE_COPY_MOVE(Workers)
 
-    /** Starts a worker unless two of its kind are outstanding, or no thread can begin. */
+    /** Starts a worker, unless two of its kind are outstanding or no thread can be started. */
     void poll(Kind kind, Work work);
-    /** Starts a worker in any case, as soon as a thread can begin. */
+    /** Starts a worker in any case, as soon as a thread can be started. */
     void start(Kind kind, Work work);
     /**
-     * Sets the flag, carries out what still waits for a thread, and waits for every worker. One
-     * that the pool has not begun is run here, finds that it is to end, and ends; so a busy pool
-     * does not hold up this thread.
+     * Sets the flag stopping(), runs the workers that still wait for a thread, and waits for all
+     * others. Those that the pool has not started yet are run here, too; they see the flag and end.
+     * So a busy pool does not delay this thread.
      */
     void stop();
 
@@ -67,21 +66,21 @@ private:
     const StopFlag m_stopping;
     std::array<std::atomic<int>, Power + 1> m_outstanding {}; ///< by kind
     QList<QFuture<void>> m_futures;
-    std::vector<std::pair<Kind, Work>> m_waiting; ///< for a thread that can begin
+    std::vector<std::pair<Kind, Work>> m_waiting; ///< until a thread can be started
 };
 
 /**
- * The requests for the interface's power in their order, handed to one worker at a time without a
- * lock. Of more than 30 that wait the oldest are dropped.
+ * The requests to switch the interface on or off, in order, passed to one worker at a time without
+ * a lock. When more than 30 wait, the oldest are dropped.
  */
 class PowerRequests
 {
 public:
-    /** Notes a request. @return whether a worker must be started for it */
+    /** Adds a request. @return whether a worker must be started for it */
     bool add(bool on);
-    /** The oldest request that waits; there is one. */
+    /** Removes and returns the oldest waiting request. At least one must be waiting. */
     bool takeOldest();
-    /** The latest request that waits; the others are dropped. */
+    /** Removes all waiting requests and returns the latest. */
     bool takeLatest() { return (m_state.exchange(Busy) & 1U) != 0; }
     /** @return false when more requests wait */
     bool finish()
@@ -91,7 +90,9 @@ public:
     }
 
 private:
-    /** A bit for each request that waits, the latest one lowest, below a bit that marks the end. */
+    /**
+     * One bit for each waiting request, the latest one lowest; the bit above them is always set.
+     */
     enum : std::uint32_t
     {
         Idle = 0, ///< no worker
@@ -101,7 +102,7 @@ private:
     std::atomic<std::uint32_t> m_state {Idle};
 };
 
-/** A value that any thread may read and replace; a reader keeps the one that it took. */
+/** A value that any thread may read and replace; a reader can go on using the value that it got. */
 template <typename Value> class Shared
 {
 public:
@@ -112,7 +113,10 @@ public:
     {
         std::atomic_store(&m_value, Pointer(std::make_shared<Value>(std::move(value))));
     }
-    /** Replaces @p expected; if another thread was first, @p expected is what it has put. */
+    /**
+     * Replaces @p expected. If another thread has replaced it before, fails and sets @p expected to
+     * that value.
+     */
     bool replace(Pointer &expected, const Pointer &value)
     {
         return std::atomic_compare_exchange_strong(&m_value, &expected, value);

@@ -11,7 +11,10 @@
 
 using Internal::EndlessWork;
 
-/** Work without end: it begins knowing its future, starves nobody, and can be stopped. */
+/**
+ * EndlessWork: a run knows its future from the start, does not take a thread from others, and can
+ * be stopped.
+ */
 class TstBackgroundWork : public QObject
 {
     Q_OBJECT
@@ -42,7 +45,7 @@ private:
 
 void TstBackgroundWork::cleanup()
 {
-    // The pool is as it was: no thread is lent, and none is reserved for good.
+    // The pool has as many threads as before.
     QThreadPool::globalInstance()->waitForDone();
     QTRY_COMPARE(QThreadPool::globalInstance()->activeThreadCount(), 0);
 }
@@ -78,7 +81,7 @@ void TstBackgroundWork::startsThoughThePoolIsBusy()
     QSemaphore begun;
     work.start([&begun] { begun.release(); });
     const bool hasBegun = begun.tryAcquire(1, Meter::patience);
-    release.release(); // also where it failed, or nothing would ever end
+    release.release(); // also after a failure, or the work would never end
     other.waitForFinished();
     QVERIFY(hasBegun);
 }
@@ -97,7 +100,7 @@ void TstBackgroundWork::stopEndsEveryRun()
     QTRY_COMPARE(running.load(), 3);
     work.stop();
     QCOMPARE(running.load(), 0);
-    QVERIFY(!work.isStopping()); // ready for the next one
+    QVERIFY(!work.isStopping()); // ready for the next run
 }
 
 void TstBackgroundWork::stopKeepsWaitingRunsFromBeginning()
@@ -106,7 +109,7 @@ void TstBackgroundWork::stopKeepsWaitingRunsFromBeginning()
     QFuture<void> busy[2];
     for (QFuture<void> &one : busy)
         one = QtConcurrent::run([&release] { release.acquire(); });
-    // The second one takes the thread that the work brings along.
+    // The second task gets the thread that EndlessWork adds to the pool.
     EndlessWork work(handle);
     std::atomic<int> begun {0};
     work.start([&begun] { ++begun; });
@@ -174,22 +177,22 @@ void TstBackgroundWork::restEndsEarly()
             return isOver.load();
         });
     });
-    QTRY_VERIFY(askings >= 2); // not before it is told to
+    QTRY_VERIFY(askings >= 2); // not before the condition is true
     QVERIFY(handle.isRunning());
     if (isStopped)
         work.stop();
     else
         isOver = true;
     QTRY_VERIFY(handle.isFinished());
-    isOver = true; // where it failed, the work ends all the same
+    isOver = true; // ends the work even after a failure
 }
 
 void TstBackgroundWork::stopsAllAtOnce()
 {
     static int calls = 0;
     static const int owner = 0;
-    Internal::stopBeforeLeaving(&owner, [] { ++calls; });
-    Internal::stopBeforeLeaving(&owner, [] { ++calls; });
+    Internal::stopBeforeExit(&owner, [] { ++calls; });
+    Internal::stopBeforeExit(&owner, [] { ++calls; });
     Internal::stopBackgroundWork();
     QCOMPARE(calls, 1);
 }

@@ -1,5 +1,5 @@
-// Workstation stand-ins for the maker's closed platform services: small, and each doing
-// something that one can see. What they keep lies below "/run/platform".
+// Workstation stand-ins for the maker's closed-source platform services. Each has a small visible
+// effect. Their files are below "/run/platform".
 
 #include "platform/Pendrive.h"
 #include "platform/PowerManager.h"

@@ -4,7 +4,7 @@
 
 #include <QObject>
 
-/** Display brightness of the device. The workstation stand-in keeps the number in a file. */
+/** Display brightness of the device. The workstation stand-in stores the number in a file. */
 class KTV_PLATFORM_EXPORT PowerManager : public QObject
 {
     Q_OBJECT

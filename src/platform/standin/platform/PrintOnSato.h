@@ -7,7 +7,7 @@
 
 namespace Printing {
 
-/** The label printer. The workstation stand-in prints into text files, one a label. */
+/** The label printer. The workstation stand-in writes each label into a text file. */
 class KTV_PLATFORM_EXPORT PrintOnSato : public QObject
 {
     Q_OBJECT

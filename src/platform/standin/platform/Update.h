@@ -14,7 +14,7 @@ class Pendrive;
 
 namespace Updater {
 
-/** The firmware updater. The workstation stand-in knows update files and installs nothing. */
+/** The firmware updater. The workstation stand-in lists update files and installs nothing. */
 class KTV_PLATFORM_EXPORT Update : public QObject
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ public:
     /**
      * @param updateDirectory searched for update files; no final "/"
      * @param model the meter that is to be updated
-     * @param pendrive a stick that may bring updates; outlives this object
+     * @param pendrive a stick that may have updates; must outlive this object
      */
     Update(QString updateDirectory, KTV_Configuration::MeterModels model,
            Tools_Pendrive::Pendrive *pendrive, QObject *parent = nullptr);

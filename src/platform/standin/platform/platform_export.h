@@ -2,5 +2,5 @@
 
 #include <QtGlobal>
 
-/** Marks what the platform library offers to the rest of the device. */
+/** Marks what the platform library exports. */
 #define KTV_PLATFORM_EXPORT Q_DECL_EXPORT

@@ -15,7 +15,7 @@ public:
     /** Finds the reader. */
     explicit skanerQR(QObject *parent = nullptr);
 
-    /** Stand-in: the code held before the reader; empty when there is none. */
+    /** Stand-in: the code in front of the reader; empty when there is none. */
     QString readCode() const;
 };
 
