@@ -2,13 +2,14 @@
 
 #include <cstddef>
 
-// glibc's own names for its functions: the program's stand in front of them, and count.
+// glibc's other names for its functions: those of this program replace malloc() and so on, count,
+// and call these.
 extern "C" {
 void *__libc_malloc(std::size_t size);
 void *__libc_realloc(void *block, std::size_t size);
 void *__libc_calloc(std::size_t count, std::size_t size);
 
-// Of a thread, so that counting takes no lock.
+// For each thread, so that counting takes no lock.
 static thread_local long allocations = 0;
 
 void *malloc(std::size_t size)

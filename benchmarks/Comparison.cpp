@@ -27,7 +27,7 @@
 namespace {
 
 constexpr double tolerance = 1.1;
-constexpr double shortestTurn = 2e-3; // seconds; a turn is made of so many calls
+constexpr double shortestTurn = 2e-3; // seconds; a turn has enough calls to last this long
 constexpr double timeOfRow = 3; // seconds, about
 constexpr int fewestTurns = 7;
 constexpr int mostTurns = 101;
@@ -71,9 +71,9 @@ double median(std::vector<double> values)
     return *middle;
 }
 
-using Work = std::function<void(long)>; ///< calls a job so many times
+using Work = std::function<void(long)>; ///< calls a job this many times
 
-/** What one call took, on the average of a turn. */
+/** What one call took, averaged over a turn. */
 struct Turn
 {
     double time; ///< seconds
@@ -91,7 +91,7 @@ Turn takeTurn(const Comparison::Row &row, const Work &work, long calls)
     return {time / double(calls), double(allocationCount() - allocations) / double(calls)};
 }
 
-/** How many calls a turn is made of, and how many turns are taken. */
+/** Number of calls in a turn, and number of turns. */
 struct Plan
 {
     long calls;
@@ -112,7 +112,7 @@ Plan planFor(const Comparison::Row &row, const Work &job, const Work &floor)
     }
 }
 
-/** Instructions of one call, on the average of many; the program runs under callgrind. */
+/** Instructions of one call, averaged over many; the program runs under callgrind. */
 double instructions(const Comparison::Row &row, const Work &work)
 {
     constexpr double timeOfCalls = 1; // seconds, about

@@ -7,11 +7,11 @@
 #include <vector>
 
 /**
- * Rows of jobs beside their floors, in one table with the goals: what `./meter bench` shows.
+ * The table that `./meter bench` shows: jobs of the library compared with their floors and goals.
  *
- * A row is a job of the library, the least that any program must do for the same result (its
- * floor), and the goal: how many times the floor's time the job may take. Both are run in turns,
- * so that whatever else the machine does falls upon both; the median of the turns counts.
+ * A row has a job of the library, the least that any program must do for the same result (its
+ * floor), and the goal: how many times the floor's time the job may take. Both are run in turns, so
+ * that other load on the machine affects both equally; the median of the turns is the result.
  *
  * To add a row, write a function that prepares what both need and calls compare(), and call that
  * function from the rows function of the program:
@@ -32,9 +32,9 @@
  *         return benchmarkMain(argc, argv, settingsRead); // or a lambda that calls several
  *     }
  *
- * The time is the processor time of this process, unless the row says otherwise: wall time for
- * what waits for a disk, and the time of ended children for what starts processes. What has to be
- * done again before each turn, untimed, goes into `before`: each turn is then one call.
+ * The time is the processor time of this process, unless the row says otherwise: wall time for jobs
+ * that wait for a disk, and the time of children that have ended for jobs that start processes.
+ * `before` is called before each turn and not timed; each turn is then a single call.
  *
  * BENCHMARK()s of Google Benchmark in the same program run with `--details`.
  */
@@ -44,17 +44,17 @@ public:
     enum Time
     {
         ProcessorTime, ///< of all threads of this process
-        ProcessorTimeWithChildren, ///< and of the children that it has waited for
+        ProcessorTimeWithChildren, ///< also of children that it has waited for
         WallTime
     };
 
     struct Row
     {
         const char *name;
-        double goal = 0; ///< at most so many times the floor; 0 for a row without a goal
+        double goal = 0; ///< largest ratio to the floor; 0 for a row without a goal
         Time time = ProcessorTime;
-        long allocations = -1; ///< at most so many for each call of the job; -1 for no goal
-        std::function<void()> before = nullptr; ///< untimed, before each single call of both
+        long allocations = -1; ///< most allocations for each call of the job; -1 for no goal
+        std::function<void()> before = nullptr; ///< called before each call of both, not timed
     };
 
     struct Figure
@@ -71,14 +71,14 @@ public:
         measure(row, repeated(std::move(job)), repeated(std::move(floor)));
     }
 
-    /** Prints a line of the table for what is no time: memory, processes, descriptors. */
+    /** Prints a line of the table for something other than time: memory, processes, descriptors. */
     void figure(const Figure &figure, double value);
 
-    /** Whether each row so far is at most a tenth above its goals. */
+    /** Whether no row so far is more than a tenth above its goals. */
     bool isWithinGoals() const { return m_isWithinGoals; }
 
 private:
-    using Repeated = std::function<void(long)>; ///< calls so many times in a row
+    using Repeated = std::function<void(long)>; ///< makes this number of calls
 
     template <typename Work> static Repeated repeated(Work work)
     {
@@ -95,12 +95,12 @@ private:
     bool m_isWithinGoals = true;
 };
 
-/** Memory that the heap has given out and not got back, in KiB. */
+/** Memory that is allocated on the heap, in KiB. */
 double heldKiB();
 
 /**
- * main() of a benchmark program: makes the application object, silences the log, and shows the
- * rows. With --check the result is 1 when a row is more than a tenth above a goal; with --details
+ * main() of a benchmark program: creates the application object, silences the log, and prints the
+ * rows. With --check the result is 1 if a row is more than a tenth above a goal; with --details
  * Google Benchmark runs instead, with its own options.
  */
 int benchmarkMain(int argc, char *argv[], const std::function<void(Comparison &)> &rows);

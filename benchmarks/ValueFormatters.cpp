@@ -28,7 +28,7 @@ QString withToChars(const ValueSample &sample)
     return QString::fromLatin1(buffer, int(end - buffer));
 }
 
-/** The value box's rules, one after another, with the functions of QString. */
+/** The rules of NumericalValueBox, one after another, with the functions of QString. */
 QString stepByStep(const ValueSample &sample)
 {
     QString text = NumericalValueBox::round(double(sample.scaled), uint(sample.digits))

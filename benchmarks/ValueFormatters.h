@@ -6,12 +6,15 @@
 
 #include <vector>
 
-/** Another way to the same text. It is told prefix and decimals; only the value box finds them. */
+/**
+ * Another way to make the same text. It gets prefix and decimals as arguments; only
+ * NumericalValueBox looks them up.
+ */
 struct ValueFormatter
 {
     const char *name;
     QString (*format)(const ValueSample &sample);
 };
 
-/** Those that were at hand when this was built. */
+/** The formatters that were installed when this was built. */
 const std::vector<ValueFormatter> &valueFormatters();

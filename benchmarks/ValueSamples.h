@@ -5,27 +5,27 @@
 #include <memory>
 #include <vector>
 
-/** One measurement, and what a formatter without tables has to be told about it. */
+/** One measurement, and the data that a formatter without tables needs. */
 struct ValueSample
 {
     ValueBox::NumericalValueBox *box;
     float value;
     ValueBox::testI current;
 
-    float scaled; ///< in the prefix that is shown
+    float scaled; ///< divided by the shown prefix
     int digits;
     QString unit; ///< with its prefix
     QString text;
 };
 
-/** Measurements of any magnitude that their current measures, and some above it, over and over. */
+/** Measurements of any magnitude in the range of their current, and some above it. */
 class ValueSamples
 {
 public:
-    /** One box, resistances of a KTV-420 measured with one of these currents at a time. */
+    /** Resistances of a KTV-420, measured with one of these currents at a time. */
     static ValueSamples resistances(std::initializer_list<ValueBox::testI> currents);
     /**
-     * What a recorder formats: runs of measurements with one current, of resistance and
+     * The values of a recorder: series of measurements with one current, of resistance and
      * inductance, plain and compensated, of a KTV-4200.
      */
     static ValueSamples recording();

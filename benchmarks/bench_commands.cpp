@@ -1,4 +1,5 @@
-// What a command costs beside the least that runs one, in a small process and in a large one.
+// Cost of running a command compared with the least that any program needs, in a small process and
+// in a large one.
 #include "Comparison.h"
 #include "internal/CommandRunner_p.h"
 
@@ -13,7 +14,7 @@
 
 namespace {
 
-/** The least that runs a program and reads what it prints. */
+/** The least that is needed to run a program and to read its output. */
 QByteArray spawnAndRead(const char *program, const char *argument)
 {
     std::array<int, 2> ends {};
@@ -42,8 +43,7 @@ void commands(Comparison &comparison)
 {
     const auto job = [] { benchmark::DoNotOptimize(Internal::runDirect("echo a", {3000, 5000})); };
     const auto floor = [] { benchmark::DoNotOptimize(spawnAndRead("echo", "a")); };
-    // The processor time of this process and of what it starts: other work on the machine hardly
-    // counts.
+    // The processor time of this process and of its children, which depends little on other load.
     const auto time = Comparison::ProcessorTimeWithChildren;
     comparison.compare({"a command and its output", 1.1, time}, job, floor);
     const std::vector<char> pictures(std::size_t {200} << 20U, 'p');

@@ -63,7 +63,7 @@ void writeLanguage(const QString &directory)
     file.write("</" + open.toUtf8() + "></language>");
 }
 
-/** The languages directory of a device that has this one language. */
+/** The languages directory of a device that has only this language. */
 class Languages
 {
 public:
@@ -85,8 +85,8 @@ void lookup(Comparison &comparison)
 {
     Languages languages;
     QHash<QString, QHash<QString, QString>> texts;
-    // With strings of its own, as if it had read them from a file, too: a name that shares its
-    // characters with the one that is looked for is compared by their address alone.
+    // With its own copies of the strings, as if they had been read from a file, too: Qt compares
+    // strings that share their data by address only.
     const auto own = [](const QString &name) { return QString::fromUtf8(name.toUtf8()); };
     for (const Name &name : names())
         texts[own(name.section)].insert(own(name.key), textOf(name));

@@ -15,9 +15,9 @@
 #include <vector>
 
 /**
- * The pick lists beside the bare SQLite library: the same statements on the same file, taken in
- * turns, so that "ratio" is what the lists cost on top. The rows are the same 100-character
- * texts for both, and both end up with the same values in memory.
+ * The pick lists compared with the SQLite library alone: the same statements on the same file, in
+ * turns; "ratio" is the time of the lists relative to SQLite. Both use the same rows of 100
+ * characters, and both end with the same values in memory.
  */
 namespace {
 
@@ -32,7 +32,7 @@ struct RawRow
     std::u16string value;
 };
 
-/** The statements of the object types, as the lists run them. */
+/** The statements that the lists run for the object types. */
 class RawTypes
 {
 public:
@@ -133,7 +133,7 @@ private:
     sqlite3 *m_database = nullptr;
 };
 
-/** A store of so many rows, once through the lists and once beside them. */
+/** A store with that number of rows, opened by the lists and by SQLite alone. */
 struct Bench
 {
     explicit Bench(int rowCount)
@@ -156,7 +156,7 @@ struct Bench
     std::unique_ptr<RawTypes> raw;
 };
 
-/** Runs both in turns; the time that counts is that of the lists. */
+/** Runs both in turns; the result is the time of the lists. */
 template <typename Lists, typename Raw>
 void compare(benchmark::State &state, Lists withLists, Raw withRaw)
 {
@@ -192,13 +192,13 @@ void query(benchmark::State &state, const QString &filter, int limit)
         [&] { benchmark::DoNotOptimize(bench.raw->find(filter, limit)); });
 }
 
-/** One row in a hundred fits: a picker that is being typed into. */
+/** One row in a hundred matches, as while a user types into a search field. */
 void filteredQuery(benchmark::State &state)
 {
     query(state, QStringLiteral("77 OF"), 50);
 }
 
-/** The first rows fit: nothing is searched, so this is the cost of a call and of 50 rows. */
+/** The first rows match, so no search is needed: this is the cost of a call and of 50 rows. */
 void firstRows(benchmark::State &state)
 {
     query(state, QStringLiteral("winding"), 50);
@@ -210,7 +210,7 @@ void wholeList(benchmark::State &state)
     query(state, QString(), 0);
 }
 
-/** A text that is there already: the whole table is compared, nothing is written. */
+/** A text that exists already: the whole table is compared, nothing is written. */
 void duplicateTest(benchmark::State &state)
 {
     const Bench bench(int(state.range(0)));
@@ -238,7 +238,7 @@ void insert(benchmark::State &state)
         [&] { bench.raw->add(QStringLiteral("b%1").arg(next)); });
 }
 
-/** The first start of a device: tables and three lists of so many entries. */
+/** The first start of a device: tables, and three lists with that number of entries. */
 void firstStart(benchmark::State &state)
 {
     const QTemporaryDir directory;

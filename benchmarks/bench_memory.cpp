@@ -1,5 +1,5 @@
-// What the services of an interface hold, beside the same program before it makes them: a bare Qt
-// program with the same libraries. Runs in the simulated meter only.
+// Memory of an interface's services, compared with the same program before it creates them. Runs in
+// the simulated meter only.
 #include "AllocationCount.h"
 #include "Comparison.h"
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-/** Memory that belongs to this process alone. */
+/** Memory that this process does not share with others. */
 double privateDirtyKiB()
 {
     QFile file(QStringLiteral("/proc/self/smaps_rollup"));

@@ -1,6 +1,6 @@
-// Settings and lists beside the bare SQLite library: the same statements, prepared once, on a file
-// of the same content, with every answered change on the card. On a disk as well where
-// KTV_BENCH_DISK names a directory of one.
+// Settings and lists compared with the SQLite library alone: the same statements, prepared once, on
+// a file with the same content, where every change is flushed before it returns. Also on a disk, if
+// KTV_BENCH_DISK names a directory on one.
 #include "Comparison.h"
 
 #include <configuration/KTV_InterfaceConfig.h>
@@ -13,14 +13,12 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
-#include <QVariant>
 
 #include <ctime>
 #include <map>
 #include <memory>
 #include <optional>
 #include <sqlite3.h>
-#include <string>
 #include <vector>
 
 namespace {
@@ -84,7 +82,7 @@ private:
     }
 
     sqlite3 *m_database = nullptr;
-    std::map<const char *, sqlite3_stmt *> m_statements; // by the constants themselves
+    std::map<const char *, sqlite3_stmt *> m_statements; // by address of the literal
 };
 
 struct RawRow
@@ -94,10 +92,11 @@ struct RawRow
     QString value;
 };
 
-/** A directory of the library and one of the bare library, with the same files in it. */
-struct Twins
+/** A directory for the library and one for SQLite alone, with the same files. */
+struct ComparedStores
 {
-    explicit Twins(const QString &where) : directory(where + QStringLiteral("/bench-XXXXXX"))
+    explicit ComparedStores(const QString &where)
+        : directory(where + QStringLiteral("/bench-XXXXXX"))
     {
         for (const QString &name : {ours(), theirs(), ours() + QStringLiteral("EN")})
             QDir().mkpath(name);
@@ -136,12 +135,12 @@ constexpr auto twentyRows = "SELECT `OBTk_1_ID`,`OBT_ReadOnly`,`OBT_Value` FROM 
 void settings(Comparison &comparison, const QString &where, Comparison::Row write,
               std::optional<Comparison::Row> read)
 {
-    const Twins twins(where);
-    KTV_InterfaceConfig config(twins.ours());
+    const ComparedStores stores(where);
+    KTV_InterfaceConfig config(stores.ours());
     const auto key = KTV_InterfaceConfig::MAIN_Lang;
     const QString name = QStringLiteral("MAIN_Lang");
     config.setValue(key, QStringLiteral("PL"));
-    const auto raw = twins.copy(QStringLiteral("interfaceConfig.db"));
+    const auto raw = stores.copy(QStringLiteral("interfaceConfig.db"));
     if (read) {
         comparison.compare(
             *read, [&] { benchmark::DoNotOptimize(config.getValue(key, QString())); },
@@ -169,10 +168,10 @@ void addType(RawStore &raw, const QString &readOnly, const QString &value)
 
 void adding(Comparison &comparison, const QString &where, Comparison::Row row)
 {
-    const Twins twins(where);
-    KTV_DataList lists(twins.ours(), twins.ours(), QStringLiteral("EN"));
-    const auto raw = twins.copy(QStringLiteral("dataList.db"));
-    constexpr int id = Twins::entries + 1; // the next one, each time
+    const ComparedStores stores(where);
+    KTV_DataList lists(stores.ours(), stores.ours(), QStringLiteral("EN"));
+    const auto raw = stores.copy(QStringLiteral("dataList.db"));
+    constexpr int id = ComparedStores::entries + 1; // the next one, each time
     row.before = [&] {
         lists.DeleteObiectTyp(id);
         raw->run("DELETE FROM OBIECT_TYP WHERE `OBTk_1_ID`=101");
@@ -188,9 +187,9 @@ void adding(Comparison &comparison, const QString &where, Comparison::Row row)
 
 void firstRows(Comparison &comparison)
 {
-    const Twins twins(QDir::tempPath());
-    KTV_DataList lists(twins.ours(), twins.ours(), QStringLiteral("EN"));
-    const auto raw = twins.copy(QStringLiteral("dataList.db"));
+    const ComparedStores stores(QDir::tempPath());
+    KTV_DataList lists(stores.ours(), stores.ours(), QStringLiteral("EN"));
+    const auto raw = stores.copy(QStringLiteral("dataList.db"));
     comparison.compare(
         {"first 20 rows of a list", 1.3},
         [&] {
@@ -208,11 +207,11 @@ void firstRows(Comparison &comparison)
         });
 }
 
-/** What Qt's driver and the objects themselves take of the row above. */
+/** The part of Qt's driver and of the objects in the row above. */
 void firstRowsByQt(Comparison &comparison)
 {
-    const Twins twins(QDir::tempPath());
-    KTV_DataList lists(twins.ours(), twins.ours(), QStringLiteral("EN"));
+    const ComparedStores stores(QDir::tempPath());
+    KTV_DataList lists(stores.ours(), stores.ours(), QStringLiteral("EN"));
     QSqlQuery query(QSqlDatabase::database(QStringLiteral("dataList")));
     query.setForwardOnly(true);
     check(query.prepare(QLatin1String(twentyRows)));
@@ -237,13 +236,13 @@ void firstRowsByQt(Comparison &comparison)
         });
 }
 
-/** A list of a language that is seen for the first time, within one transaction. */
+/** A list of a language that is selected for the first time, in one transaction. */
 void seeding(Comparison &comparison)
 {
-    const Twins twins(QDir::tempPath());
-    KTV_DataList lists(twins.ours(), twins.ours(), QStringLiteral("XX"));
-    const auto raw = twins.copy(QStringLiteral("dataList.db"));
-    RawStore ours(twins.ours() + QStringLiteral("dataList.db"));
+    const ComparedStores stores(QDir::tempPath());
+    KTV_DataList lists(stores.ours(), stores.ours(), QStringLiteral("XX"));
+    const auto raw = stores.copy(QStringLiteral("dataList.db"));
+    RawStore ours(stores.ours() + QStringLiteral("dataList.db"));
     lists.SetLang(QStringLiteral("EN"));
     Comparison::Row row {"seeding a list of 100 entries"};
     row.before = [&] {
@@ -253,7 +252,7 @@ void seeding(Comparison &comparison)
     comparison.compare(
         row, [&] { lists.FillDefaultObiectTyp(); },
         [&] {
-            QFile file(twins.ours() + QStringLiteral("EN/default_obiectTyp.txt"));
+            QFile file(stores.ours() + QStringLiteral("EN/default_obiectTyp.txt"));
             check(file.open(QIODevice::ReadOnly | QIODevice::Text));
             raw->run("BEGIN");
             while (!file.atEnd())
@@ -262,15 +261,15 @@ void seeding(Comparison &comparison)
         });
 }
 
-/** Tables and three lists, as the first start of a device makes them. */
+/** Tables and three lists, as created by the first start of a device. */
 void firstStart(Comparison &comparison)
 {
     constexpr int starts = 20;
-    const Twins twins(QDir::tempPath());
+    const ComparedStores stores(QDir::tempPath());
     const std::clock_t begin = std::clock();
     for (int i = 0; i < starts; ++i) {
-        KTV_DataList(twins.ours(), twins.ours(), QStringLiteral("EN"));
-        QFile::remove(twins.ours() + QStringLiteral("dataList.db"));
+        KTV_DataList(stores.ours(), stores.ours(), QStringLiteral("EN"));
+        QFile::remove(stores.ours() + QStringLiteral("dataList.db"));
     }
     const double time = double(std::clock() - begin) / CLOCKS_PER_SEC / starts;
     comparison.figure({"first start, three lists of 100 entries: processor", "ms", 3}, time * 1000);

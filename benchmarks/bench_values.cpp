@@ -15,8 +15,8 @@ using namespace ValueBox;
 namespace {
 
 /**
- * The floor: a number's exact digits, worked out with integers by somebody who knows prefix and
- * decimals, and one QString. No tables, no rules, no unit.
+ * The floor: a number's exact digits, computed with integers for known prefix and decimals, and one
+ * QString. No tables, no rules, no unit.
  */
 QString digitsAndOneString(const ValueSample &sample)
 {
@@ -102,7 +102,7 @@ float parsedNumber(const ValueSample &sample)
     return value;
 }
 
-/** The number that starts a text; nobody asks for its unit. */
+/** The number at the start of a text; the unit is ignored. */
 float leadingNumber(const ValueSample &sample)
 {
     std::array<char, 32> buffer {};

@@ -1,4 +1,4 @@
-// What polling costs: processes, memory and descriptors. Runs in the simulated meter only.
+// Cost of polling: processes, memory and descriptors. Runs in the simulated meter only.
 #include "Comparison.h"
 
 #include <wifi/KTV_Connection.h>
@@ -30,7 +30,7 @@ QByteArray read(const char *file)
     return source.open(QIODevice::ReadOnly) ? source.readAll() : QByteArray();
 }
 
-/** Number of the process or thread that the meter has started last. */
+/** Id of the latest process or thread in the meter. */
 qint64 lastProcess()
 {
     return read("/proc/loadavg").simplified().split(' ').last().toLongLong();
@@ -48,10 +48,10 @@ int openDescriptors()
     return QDir(QStringLiteral("/proc/self/fd"))
                .entryList(QDir::NoDotAndDotDot | QDir::AllEntries)
                .size()
-        - 1; // the one that lists
+        - 1; // without the process that prints the list
 }
 
-/** Where the interface is while it is polled. */
+/** State of the interface while it is polled. */
 enum World
 {
     Off,
@@ -71,7 +71,7 @@ void enter(World world)
                           {QStringLiteral("wlan0"), QStringLiteral("10.0.0.7")});
 }
 
-/** One turn of a mode, as its timer starts it, to its end. */
+/** One poll of a mode, started as its timer does it, until it has ended. */
 struct Mode
 {
     void (KTV_Connection::*tick)();
@@ -97,7 +97,7 @@ void poll(benchmark::State &state, const Mode &mode, World world)
         write("/run/meter/journal", QByteArray());
     };
     for (int i = 0; i < 20; ++i)
-        turn(); // until every buffer has its size
+        turn(); // until every buffer has its final size
     const qint64 processes = lastProcess();
     const qint64 memory = residentKiB();
     const int descriptors = openDescriptors();
@@ -105,7 +105,7 @@ void poll(benchmark::State &state, const Mode &mode, World world)
         turn();
     const auto turns = double(state.iterations());
     constexpr double minute = 60000; // ms
-    // Waiting for the pool ends its thread: each turn starts one, and it counts like a process.
+    // Waiting for the pool ends its thread, so each poll starts one, which counts like a process.
     const double started = double(lastProcess() - processes) / turns - 1;
     state.counters["processes"] = started;
     state.counters["processes/min"] = started * minute / mode.interval;
@@ -121,7 +121,7 @@ BENCHMARK_CAPTURE(poll, status_not_associated, status, NotAssociated)
 BENCHMARK_CAPTURE(poll, status_connected, status, Connected)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(poll, detail_connected, detail, Connected)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(poll, scan, scan, NotAssociated)->Unit(benchmark::kMillisecond);
-// Nearly three hours of detail polling: memory and descriptors must be where they were.
+// As many polls of the details as in nearly three hours: memory and descriptors must not grow.
 BENCHMARK_CAPTURE(poll, soak_detail, detail, Connected)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(10000);

@@ -1,5 +1,5 @@
-// A warning of a memory card that fills up. The library looks once a minute by itself; here a
-// change is looked for at once, and whenever the user presses Enter.
+// A warning when the memory card is nearly full. The library checks once a minute by itself; this
+// program also checks at the start, and whenever the user presses Enter.
 
 #include <datasource/KTV_DataSource.h>
 
@@ -14,7 +14,7 @@ namespace {
 void show(const KTV_DataSource &meter)
 {
     const char *const warnings[] = {"fine", "the card is filling up", "the card is almost full"};
-    // The figures are ours to delete.
+    // The caller deletes the figures.
     const std::unique_ptr<QERNTools::DiskInfo> disk(meter.getDiskInfo());
     QTextStream(stdout) << warnings[meter.getFreeSpaceAlert()] << ": " << disk->usedText << " of "
                         << disk->totalText << Qt::endl;

@@ -1,5 +1,5 @@
-// A language switch: every text that an interface shows is asked for anew, the pick lists follow,
-// and the choice is kept for the next start.
+// A language switch: an interface gets all of its texts again, the pick lists follow, and the
+// choice is stored for the next start.
 
 #include <configuration/KTV_InterfaceConfig.h>
 #include <datasource/KTV_DataSource.h>
@@ -22,7 +22,7 @@ int main(int argc, char *argv[])
     const std::unique_ptr<QStringList> codes(lang->getLangList());
     for (const QString &code : std::as_const(*codes)) {
         meter.SetLang(code);
-        // The text that the program itself knows shows where the language has none.
+        // The last argument is shown if the language has no such text.
         out << lang->getCurrentLang() << ": "
             << lang->getText(QStringLiteral("Main"), QStringLiteral("title"),
                              QStringLiteral("Microohmmeter"))

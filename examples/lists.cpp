@@ -1,5 +1,5 @@
-// A pick list with search: the materials whose name holds what the user has typed so far, the
-// user's own and those that came with the device.
+// A pick list with search: the materials whose names contain what the user has typed so far, both
+// the user's own and those that came with the device.
 
 #include <datalist/KTV_DataList.h>
 #include <datalist/MaterialList_Element.h>
@@ -12,12 +12,12 @@
 
 namespace {
 
-/** The first @p limit rows that hold @p typed. */
+/** The first @p limit rows that contain @p typed. */
 void show(KTV_DataList &lists, const QString &typed, int limit)
 {
     QTextStream out(stdout);
     out << "\"" << typed << "\":\n";
-    // The list and its rows are ours to delete.
+    // The caller deletes the list and its rows.
     const std::unique_ptr<QList<MaterialList_Element *>> rows(
         lists.GetMaterials(true, true, typed, limit));
     for (const MaterialList_Element *row : std::as_const(*rows))
@@ -35,7 +35,7 @@ int main(int argc, char *argv[])
     meter.setMeterSerialName(QStringLiteral("CH20417"));
     KTV_DataList &lists = *meter.get_DataList();
 
-    // False for a name that is there already, and when the card cannot be written.
+    // False if the card cannot be written.
     if (!lists.AddMaterial(QStringLiteral("Copper, tinned"), 0.00389))
         QTextStream(stderr) << "not stored\n";
     constexpr int all = 100;

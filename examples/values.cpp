@@ -1,5 +1,5 @@
-// Values as the device's screen shows them: ohms come in from the measuring hardware (here:
-// standard input, one number a line, then the test current in amperes), texts go out.
+// Values as the device's screen shows them. Input are ohms from the measuring hardware (here:
+// standard input; each line has a number and the test current in amperes), output are texts.
 
 #include <datasource/KTV_DataSource.h>
 #include <valuebox/NumericalValueBox.h>
@@ -13,9 +13,9 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     KTV_DataSource meter;
-    // The tables of the model round the values.
+    // The rounding tables of the model.
     meter.setMeterSerialName(QStringLiteral("CH20417"));
-    // Units have texts only once somebody has given them: these are the usual ones.
+    // Units have no texts until they are set: these are the usual ones.
     NumericalValueBox::prepareStaticDefaultValue(ValueBox::Temp_Celsius);
 
     QTextStream in(stdin);
@@ -25,10 +25,10 @@ int main(int argc, char *argv[])
     float amperes = 0;
     while (!(in >> ohms >> amperes).atEnd()) {
         box.setRealValue(ohms, NumericalValueBox::roundTestIValue(amperes));
-        // "---" for what the current cannot measure, "> ..." for what is beyond the range.
+        // "---" for a current that the model does not have, "> ..." for a value above the range.
         out << box.toString() << Qt::endl;
     }
 
-    // And back: what a user has typed becomes a number in the base unit.
+    // And back: a text that a user has typed becomes a number in the base unit.
     out << NumericalValueBox::getValue(QStringLiteral("1.5 m")) << Qt::endl;
 }

@@ -1,5 +1,5 @@
-// The WiFi symbol of an interface: known networks are stored, and the state is told whenever it
-// changes. Ends once the network is joined.
+// The WiFi symbol of an interface: stores a network, and prints the state whenever it changes. Ends
+// when the network is joined.
 
 #include <datasource/KTV_DataSource.h>
 #include <wifi/KTV_Connection.h>
@@ -22,7 +22,7 @@ int main(int argc, char *argv[])
     KTV_DataSource meter;
     KTV_Connection *connection = meter.getConnection();
 
-    // The state comes from a worker: the receiver's thread takes it in its event loop.
+    // A worker emits the signal; the receiver gets it through the event loop of its own thread.
     QObject::connect(
         connection, &KTV_Connection::WiFi_State_Change, &application,
         [](int state) {
@@ -33,7 +33,7 @@ int main(int argc, char *argv[])
         },
         Qt::QueuedConnection);
 
-    // Blocks for a second and more: an interface shows that it is busy.
+    // Blocks for a second and more: an interface should show that it is busy.
     connection->AddNetwork(QString::fromLocal8Bit(argv[1]),
                            argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString());
     return QCoreApplication::exec();

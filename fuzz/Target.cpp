@@ -6,7 +6,7 @@ namespace {
 
 void dropLine(QtMsgType, const QMessageLogContext &, const QString &)
 {
-    // The lines are made as always; printed, they would drown what libFuzzer says.
+    // Log lines are made as usual but not printed: they would hide the output of libFuzzer.
 }
 
 } // namespace

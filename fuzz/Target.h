@@ -12,11 +12,11 @@
 #include <cstdlib>
 
 /**
- * What every fuzz target starts with. A target is a program of one function that takes any bytes:
- * it may not crash, hang, or break what its FUZZ_EXPECT lines say. It runs in the simulated meter.
+ * Included by every fuzz target. A target is a program with one function that takes any bytes: it
+ * must not crash, hang, or violate its FUZZ_EXPECT rules. It runs in the simulated meter.
  */
 
-/** Prints the broken rule and ends the program, as libFuzzer wants it. */
+/** Prints the violated rule and aborts the program, which libFuzzer reports. */
 #define FUZZ_EXPECT(rule)                                                                          \
     do {                                                                                           \
         if (!(rule)) {                                                                             \

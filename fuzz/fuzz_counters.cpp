@@ -1,4 +1,4 @@
-// liczniki.bin: any file is read, and what is counted on top of it is saved.
+// liczniki.bin: any file can be read, and counts that are added are saved.
 
 #include "Target.h"
 

@@ -1,5 +1,5 @@
-// The three default lists: whatever they hold, a list has no empty text, and but for materials, of
-// which several may have one name, none twice.
+// The three default lists: whatever they contain, no list gets an empty text, and only materials
+// get the same text twice.
 
 #include "Target.h"
 
@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     static constexpr const char *names[] = {"default_obiectTyp.txt", "default_obiectName.txt",
                                             "default_materials.txt"};
-    const QList<QByteArray> parts = bytesOf(data, size).split('\f'); // one file each
+    const QList<QByteArray> parts = bytesOf(data, size).split('\f'); // one for each file
     for (int i = 0; i < 3; ++i)
         Meter::writeFile(languages + QStringLiteral("ZZ/") + QLatin1String(names[i]),
                          parts.value(i));

@@ -1,4 +1,4 @@
-// A language file, and what it leaves when it does not parse.
+// A language file; one that does not parse must change nothing.
 
 #include "Target.h"
 
@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     FUZZ_EXPECT(isLoaded || texts.getTimeFormat() == QLatin1String("H"));
     const std::unique_ptr<QHash<QString, QString>> section(
         texts.getSection(QStringLiteral("Main")));
-    // Where the first text of a key is there, the section has the key, too.
+    // If getText() finds the first text of a key, getSection() has that key, too.
     FUZZ_EXPECT(title.isNull() || section->contains(QStringLiteral("title")));
     return 0;
 }

@@ -9,8 +9,6 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
-#include <memory>
-
 namespace {
 
 const QString userData = QStringLiteral("/media/sdcard/UserData/");
@@ -137,7 +135,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (!file.isEmpty())
         flip();
     Meter::writeFile(pathOf(store), file);
-    if (input.ConsumeBool()) // a journal that a battery has left, or that is anything
+    if (input.ConsumeBool()) // a journal that a pulled battery has left, or arbitrary bytes
         Meter::writeFile(pathOf(store) + QStringLiteral("-journal"),
                          QByteArray::fromStdString(input.ConsumeRemainingBytesAsString()));
     store.use();

@@ -1,4 +1,4 @@
-// Names and pass phrases in the supplicant's file, which the supplicant itself then reads.
+// Names and pass phrases in the supplicant's file, which the real supplicant then reads.
 
 #include "Target.h"
 
@@ -14,7 +14,7 @@ const QString file = QStringLiteral("/etc/wpa_supplicant/wpa_supplicant-wlan0.co
 
 WiFi::KTV_Connection *wifi = nullptr;
 
-/** What the real supplicant says while it reads the file; its driver there is none. */
+/** Output of the real supplicant while it reads the file; it runs without a driver. */
 QString supplicantsReading()
 {
     QProcess supplicant;
@@ -27,7 +27,7 @@ QString supplicantsReading()
     return QString::fromLocal8Bit(supplicant.readAllStandardOutput());
 }
 
-/** The bytes of the names that it has read. */
+/** The names that it has read, as bytes. */
 QList<QByteArray> namesRead(const QString &log)
 {
     static const QRegularExpression name(
@@ -56,9 +56,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     wifi->RestoreFabricalSetting();
     QList<QByteArray> expected;
     for (int left = input.ConsumeIntegralInRange(1, 3); left > 0; --left) {
-        // What a network can be called: 1 to 32 bytes of text. The page on WiFi tells of two names
-        // that the supplicant's file cannot hold: with a line feed, which ends the line, and with
-        // a '#' behind a quotation mark, which begins a comment.
+        // Valid names of networks: 1 to 32 bytes of text. Two kinds of names do not work in the
+        // supplicant's file (docs/wifi.md): with a line feed, which ends the line, and with a '#'
+        // after a quotation mark, which begins a comment.
         QString name = consumeText(input, 32).remove(QLatin1Char('\n')).remove(QChar());
         const int quote = name.indexOf(QLatin1Char('"'));
         if (quote >= 0 && name.lastIndexOf(QLatin1Char('#')) > quote)
@@ -72,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         }
         if (name.isEmpty() || !wifi->AddNetwork(name, key))
             continue;
-        expected.removeAll(name.toUtf8()); // known already: moves to the end
+        expected.removeAll(name.toUtf8()); // a known network moves to the end
         expected += name.toUtf8();
     }
     if (expected.isEmpty())

@@ -1,4 +1,4 @@
-// What wireless tools print, read into records.
+// Any output of the wireless tools, read into records.
 
 #include "Target.h"
 

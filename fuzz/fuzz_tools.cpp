@@ -1,4 +1,4 @@
-// Programs that print anything, under the operations that run them.
+// Programs that print anything, run by the operations of the library.
 
 #include "Target.h"
 
@@ -31,7 +31,7 @@ void prepareTarget()
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    const QList<QByteArray> parts = bytesOf(data, size).split('\f'); // an output each
+    const QList<QByteArray> parts = bytesOf(data, size).split('\f'); // one output for each program
     for (int i = 0; i < 5; ++i)
         Meter::writeFile(outputs + QLatin1String(programs[i]), parts.value(i));
     const std::unique_ptr<WiFi::Network> network(wifi->getWiFi_Info());

@@ -23,7 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const auto temperature = TemperatureUnit(input.ConsumeIntegralInRange<int>(-1, 3));
     NumericalValueBox::prepareStaticDefaultValue(Temp_Celsius);
     NumericalValueBox::prepareStaticCustomtValue(units, prefixes, temperature);
-    if (input.ConsumeBool()) // the tables are the clients', too
+    if (input.ConsumeBool()) // clients may also edit the tables
         NumericalValueBox::unitString.insert(Units(input.ConsumeIntegralInRange<int>(-1, 6)),
                                              consumeText(input, 300));
     if (input.ConsumeBool())

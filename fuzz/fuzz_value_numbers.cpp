@@ -26,7 +26,7 @@ template <typename Number, typename Bits> Number consumeNumber(FuzzInput &input)
 
 template <typename Code> Code consumeCode(FuzzInput &input)
 {
-    // Mostly one that there is.
+    // Mostly a code that exists.
     return input.ConsumeBool() ? Code(input.ConsumeIntegralInRange<int>(-12, 210))
                                : Code(input.ConsumeIntegral<int32_t>());
 }
@@ -35,7 +35,7 @@ template <typename Code> Code consumeCode(FuzzInput &input)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    constexpr int mostDigits = 400; // as many zeros as the caller asks for
+    constexpr int mostDigits = 400; // more would only add zeros
     FuzzInput input(data, size);
     NumericalValueBox::SetCurrentMeter(consumeCode<KTV_Configuration::MeterModels>(input));
     while (input.remaining_bytes() > 0) {

@@ -2,11 +2,12 @@
  * @file
  * Tells the thread sanitizer how Qt's thread pool and futures order what threads do.
  *
- * Qt comes without the sanitizer's instrumentation and waits on bare futexes, so the sanitizer
- * sees no order between starting a task and its run, or between its end and waiting for it, and
- * takes correct programs for racy ones. Linked into a test program, these functions stand before
- * Qt's own of the same name: each says what it orders, then calls Qt's. They order no more than
- * Qt does, so that a race in our own code is still found.
+ * Qt is not built with the sanitizer's instrumentation and waits with futexes directly. So the
+ * sanitizer does not see that a task runs after it was started, or that waiting for it ends after
+ * the task, and reports races in correct programs. Linked into a test program, these functions
+ * replace those of Qt with the same name: each reports the order to the sanitizer and then calls
+ * Qt's function. They report only the order that Qt guarantees, so races in our own code are still
+ * found.
  */
 
 #include <dlfcn.h>
@@ -16,13 +17,15 @@ extern "C" void __tsan_release(void *address);
 
 namespace {
 
-/** The state that all copies of a future share: the member behind the virtual table. */
+/**
+ * The state that all copies of a future share: the member after the pointer to the virtual table.
+ */
 void *sharedState(const void *future)
 {
     return static_cast<void *const *>(future)[1];
 }
 
-/** Stands for the pools: the end of a task comes before the end of waiting for all tasks. */
+/** Its address stands for all pools: a task ends before waiting for all tasks ends. */
 int endedTasks;
 
 template <typename Function> Function *qtFunction(const char *name)
@@ -32,7 +35,7 @@ template <typename Function> Function *qtFunction(const char *name)
 
 } // namespace
 
-// Qt's own, called under its own name: RESULT NAME(ARGUMENTS).
+// Declares a pointer to Qt's own function: RESULT NAME(ARGUMENTS).
 #define QT_FUNCTION(name, result, ...)                                                             \
     static auto *const qt = qtFunction<result(__VA_ARGS__)>(#name)
 
@@ -56,7 +59,7 @@ bool _ZN11QThreadPool11waitForDoneEi(void *pool, int milliseconds)
     return isDone;
 }
 
-// QRunnable::~QRunnable(): the last of a task, on the thread that ran it
+// QRunnable::~QRunnable(): the last call of a task, on the thread that ran it
 void _ZN9QRunnableD2Ev(void *task)
 {
     QT_FUNCTION(_ZN9QRunnableD2Ev, void, void *);
@@ -64,7 +67,7 @@ void _ZN9QRunnableD2Ev(void *task)
     qt(task);
 }
 
-// QFutureInterfaceBase::reportStarted(): a task is handed to the pool
+// QFutureInterfaceBase::reportStarted(): a task is given to the pool
 void _ZN20QFutureInterfaceBase13reportStartedEv(void *future)
 {
     QT_FUNCTION(_ZN20QFutureInterfaceBase13reportStartedEv, void, void *);
@@ -72,7 +75,7 @@ void _ZN20QFutureInterfaceBase13reportStartedEv(void *future)
     qt(future);
 }
 
-// QFutureInterfaceBase::isCanceled(): the first thing that a task asks
+// QFutureInterfaceBase::isCanceled(): the first call of a task
 bool _ZNK20QFutureInterfaceBase10isCanceledEv(const void *future)
 {
     QT_FUNCTION(_ZNK20QFutureInterfaceBase10isCanceledEv, bool, const void *);

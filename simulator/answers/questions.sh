@@ -1,12 +1,11 @@
-# Questions to the tools that the library runs, put to the stand-ins in the simulated meter and to the
-# real tools in the virtual machine. Who sources this has defined scene, which sets the stage:
-#   scene apart          the interface is up, networks are in reach, none is joined
-#   scene joined         "Substation North" is joined, with an address
-#   scene down           the interface is down
-#   scene serial         the serial gadget is loaded
-#   scene mixer          the codec's control is there
+# Commands ("questions") of the tools that the library uses. They are run with the stand-ins in the
+# simulated meter and with the real tools in the virtual machine. A script that sources this file
+# must define a function scene, which prepares a situation: scene apart          the interface is
+# up, networks are in reach, none is joined scene joined         "Substation North" is joined, with
+# an address scene down           the interface is down scene serial         the serial gadget is
+# loaded scene mixer          the codec's control is there
 
-# What differs from one moment to the next is made equal.
+# Replaces what differs from run to run.
 masked() {
     sed -E -e 's/([0-9A-Fa-f]{2}:){5}[0-9A-Fa-f]{2}/MM:MM:MM:MM:MM:MM/' \
         -e 's/(tsf=|Last beacon: ?)[0-9a-f]+/\1N/' -e '/IE: Unknown/d' \
@@ -15,7 +14,7 @@ masked() {
         -e 's/ since .*/ since T/' -e 's/192\.168\.44\.[0-9]+/192.168.44.N/' -e 's/  *$//'
 }
 
-# ask COMMAND: one question; answer, complaint and exit code
+# ask COMMAND: runs one command and prints its output, its errors and its exit code
 ask() {
     printf '\n$ %s\n' "$1"
     sh -c "$1" >/tmp/answer 2>/tmp/complaint </dev/null

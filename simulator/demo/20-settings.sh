@@ -13,13 +13,13 @@ ktvctl settings list | sed 's/^/    /'
 ktvctl settings delete MAIN_Pin
 echo "Without the PIN: $(ktvctl settings get MAIN_Pin none)"
 
-# The whole facade starts and ends, as the interface does: the settings stay.
+# Creates and destroys the whole facade, as the interface does: the settings stay.
 ktvctl watch --seconds 1 --serial CH1180042 >/dev/null
 echo "After a restart of all services:"
 ktvctl settings list | sed 's/^/    /'
 [ "$(ktvctl settings get PRINT_Customer_Label)" = "$label" ]
 
-# In a meter of its own a reset would be final: here it is tried on a copy.
+# A reset cannot be undone, so it is tried on a copy.
 copy=$(mktemp)
 cp /media/sdcard/UserData/interfaceConfig.db "$copy"
 ktvctl settings reset

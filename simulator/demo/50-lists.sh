@@ -14,7 +14,7 @@ number_of() {
     ktvctl lists types list --user --filter "$1" | awk '{ print $1; exit }'
 }
 set -e
-# What an earlier tour left behind goes first.
+# First removes what an earlier tour has left.
 id=$(number_of "Tract")
 [ -z "$id" ] || ktvctl lists types delete "$id"
 

@@ -35,7 +35,8 @@ exec 5<>"$computer"
 printf 'hostname\r' >&5
 name=$(hostname)
 said=
-# Up to the prompt behind the answer: the shell ends each by asking where the cursor is.
+# Reads up to the prompt after the answer: the shell ends each prompt by asking for the cursor
+# position.
 until [[ $said == *$'\n'"$name"$'\n'*$'\e[6n' ]]; do
     IFS= read -r -t 5 -dn part <&5 || {
         echo "nothing"

@@ -6,7 +6,7 @@ events=$(mktemp)
 before=$(mktemp)
 cp $radio "$before"
 
-# until_seen TEXT: waits until the watch has printed it, after what was seen before
+# until_seen TEXT: waits until the watch prints it, after the texts seen before
 seen=0
 until_seen() {
     local line

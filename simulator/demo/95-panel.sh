@@ -4,7 +4,7 @@ export XDG_RUNTIME_DIR=/run/user
 mkdir -p "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
 export QT_LOGGING_RULES='*.debug=false' # the library's own lines are for developers
 
-# Something for the accessories: a stick with an update, a code before the reader.
+# For the accessories: a stick with an update, a code in front of the reader.
 mkdir -p /media/usb /run/platform
 : >/media/usb/KTV-3.9.0.update
 echo "Transformer T1" >/run/platform/qr-code

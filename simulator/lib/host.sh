@@ -1,8 +1,8 @@
-# Shared by the programs that run on the workstation: messages, and the test
-# whether this machine can run the meter at all. Sourced by bash.
+# Shared by the programs that run on the workstation: messages, and the check whether this machine
+# can run the meter. Sourced by bash.
 
-# The meter's user is root with the rights to set up its own network and mounts,
-# and no others: file permissions count, also for root.
+# The meter's user is root, but only with the capabilities to set up its network and mounts, so file
+# permissions apply to it, too.
 # shellcheck disable=SC2034 # used by those who source this file
 namespace_options=(--unshare-all --unshare-user --uid 0 --gid 0
     --cap-drop ALL --cap-add CAP_NET_ADMIN --cap-add CAP_SYS_ADMIN --hostname meter)
@@ -19,7 +19,7 @@ sandbox_program() {
     command -v bwrap || fail "bubblewrap (bwrap) is missing: apt-get install bubblewrap"
 }
 
-# One clear sentence where the kernel or a container forbids what the meter needs.
+# Prints a clear message if the kernel or a container forbids what the meter needs.
 require_sandbox() {
     local bwrap answer
     bwrap=$(sandbox_program)

@@ -2,8 +2,8 @@
 
 # line_open NAME METER_SIDE OTHER_SIDE
 line_open() {
-    # Started from a subshell that ends at once: the line becomes a child of the
-    # meter's first process, not of the command that happens to run.
+    # Started from a subshell that ends at once, so that the line becomes a child of the meter's
+    # first process, not of the command that is running.
     (
         setsid /opt/meter/lib/serial-line "$2" "$3" <>/dev/null >&0 2>&0 &
         echo $! >"/run/meter/private/line-$1.pid"

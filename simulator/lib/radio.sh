@@ -16,7 +16,7 @@ for_each_access_point() {
         ap_number=$((ap_number + 1))
         case $ap_name in
         *\\*)
-            ap_name=$(printf '%b.' "$ap_name") # the dot saves a line feed at the end
+            ap_name=$(printf '%b.' "$ap_name") # the dot keeps a final line feed
             ap_name=${ap_name%.}
             ;;
         esac
@@ -35,7 +35,7 @@ ap_option() {
     done
 }
 
-# Sets what the tools print of the current access point besides its fields.
+# Sets further values that the tools print for the current access point.
 ap_describe() {
     ap_option channel $(((ap_number * 5 - 5) % 13 + 1))
     ap_channel=$option
@@ -48,8 +48,8 @@ ap_describe() {
     [ $ap_quality -le 70 ] || ap_quality=70
 }
 
-# Sets $printed to NAME as the wireless tools print it: what is not plain ASCII,
-# and a backslash that would be mistaken for such an escape, becomes \xNN.
+# Sets $printed to NAME as the wireless tools print it: bytes beyond printable ASCII, and a
+# backslash that would look like such an escape, become \xNN.
 print_name() {
     printed=$1
     case $1 in
@@ -78,7 +78,7 @@ read_link() {
     [ -e "$link_file" ] || return 1
     {
         IFS= read -r link_key
-        IFS= read -r -d '' link_name # up to the end: a name may hold a line feed
+        IFS= read -r -d '' link_name # to the end of the file, because a name may have line feeds
     } <"$link_file" 2>/dev/null
     [ -n "$link_name" ] && interface_up "$1"
 }

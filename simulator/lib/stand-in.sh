@@ -1,7 +1,6 @@
-# What every stand-in program does first: write its call to the journal, then
-# behave as a test has asked. Sourced, never run; `program` is its own name.
-#
-# Pure shell on purpose: a call costs one process, and `killall PROGRAM` ends it.
+# The first steps of every stand-in program: it writes its call to the journal, then behaves as a
+# test has requested. Sourced, never run; `program` is the stand-in's name.
+# Written in shell alone, so that a call is a single process and `killall PROGRAM` ends it.
 
 program=${0##*/}
 meter=/run/meter
@@ -50,8 +49,8 @@ behaviour_exit=
 behaviour_silent=
 behaviour_stdout=
 
-# Reads the behaviour file; delays, hangs and noise happen here. What concerns the
-# program's own output and exit code is left in behaviour_* for say and leave.
+# Reads the behaviour file; delays, hangs and noise happen here. Requests for the program's output
+# and exit code are kept in behaviour_* for say and leave.
 behave() {
     [ -e "$meter/behaviour/$program" ] || return 0
     behaviour_noise=
@@ -69,14 +68,14 @@ behave() {
     done <"$meter/behaviour/$program"
     [ -z "$behaviour_noise" ] || printf '%b\n' "$behaviour_noise"
     [ -z "$behaviour_hang" ] || wait_for_ever
-    # Output that a test has set replaces the program's work, too.
+    # If a test has set the output, the program does nothing else.
     if [ -n "$behaviour_stdout" ]; then
         printf '%b\n' "${behaviour_stdout#set:}"
         leave 0
     fi
 }
 
-# The program's own standard output goes through here.
+# Prints the program's own standard output.
 say() {
     [ -n "$behaviour_silent" ] || printf '%s\n' "$@"
 }

@@ -1,5 +1,5 @@
 #!/bin/bash
-# The stand-ins answer what the real tools have answered in the virtual machine.
+# Checks that the stand-ins print what the real tools have printed in the virtual machine.
 set -euo pipefail
 repository=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
 diff "$repository/simulator/answers/real.txt" \

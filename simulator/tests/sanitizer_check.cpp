@@ -1,7 +1,7 @@
 /**
  * @file
- * Checks what QtForThreadSanitizer.cpp tells: with "ordered" the thread sanitizer must find
- * nothing, with "racing" it must find the race.
+ * Checks QtForThreadSanitizer.cpp: with the argument "ordered" the thread sanitizer must report
+ * nothing, with "racing" it must report the race.
  */
 
 #include <QtConcurrentRun>

@@ -59,7 +59,7 @@ QByteArray element(const QByteArray &key, const QByteArray &value)
     return '<' + key + " Value=\"" + value + "\"/>";
 }
 
-/** Lines of a load whose switches hold these texts. */
+/** Log lines of a load in which the switches have these texts. */
 QStringList loadLines(const QString &soundOff = QString(), const QString &rebootOff = QString())
 {
     return {QStringLiteral("\n\nKTV_Configuration::LoadDataFromXML():"),
@@ -217,7 +217,7 @@ void TstKtvConfiguration::textOfKey()
     const KTV_Configuration configuration;
     QCOMPARE((configuration.*getter)(), QStringLiteral("/elsewhere"));
     for (const TextKey &entry : textKeys) {
-        if (entry.key != key) // moving the interface's directory moves nothing beneath it
+        if (entry.key != key) // changing the interface's directory changes no directory below it
             QCOMPARE((configuration.*entry.getter)(), QString::fromLatin1(entry.withoutFile));
     }
 }
@@ -369,7 +369,7 @@ void TstKtvConfiguration::fileIsReadOnce()
 
 void TstKtvConfiguration::manyEntriesBesideEachOther()
 {
-    // Also what a stricter reader refuses: repeated attributes, undeclared prefixes.
+    // Also what a stricter parser refuses: repeated attributes, undeclared prefixes.
     Meter::writeFile(descriptionFile,
                      device(QByteArray("<a:b c='1' c='2'/>").repeated(12000)
                             + element("_logDirectory", "/last/")));
@@ -407,7 +407,7 @@ void TstKtvConfiguration::modelOfSerialNumber()
     QFETCH(KTV_Configuration::MeterModels, model);
     QFETCH(QString, name);
     KTV_Configuration configuration;
-    configuration.set_SerialNumber(QStringLiteral("JB1")); // the new one counts alone
+    configuration.set_SerialNumber(QStringLiteral("JB1")); // nothing of the earlier one remains
     const LogCapture log;
     configuration.set_SerialNumber(serial);
     QCOMPARE(configuration.get_MeterModel(), model);
@@ -482,7 +482,7 @@ void TstKtvConfiguration::versions()
     if (systemFile.isNull())
         QFile::remove(versionFile);
     else
-        Meter::writeFile(versionFile, systemFile); // read anew with each call
+        Meter::writeFile(versionFile, systemFile); // read again by each call
     QCOMPARE(configuration.get_InterfaceVersion(), interfaceVersion);
     QCOMPARE(configuration.get_SystemVersion(), systemVersion);
 }

@@ -71,7 +71,7 @@ const QStringList closedLine {QStringLiteral("KTV_InterfaceConfig: DB is CLOSE!"
 
 } // namespace
 
-/** The settings store: values as clients see them, and the file as another program does. */
+/** The settings: values as clients see them, and the file as another program sees it. */
 class TstKtvInterfaceConfig : public QObject
 {
     Q_OBJECT
@@ -168,7 +168,7 @@ void TstKtvInterfaceConfig::connection()
                             "PRAGMA locking_mode=EXCLUSIVE;"));
     QSqlQuery query(handle);
     QVERIFY(query.exec("PRAGMA synchronous") && query.next());
-    QCOMPARE(query.value(0).toInt(), 2); // SQLite's own: nothing is executed on the connection
+    QCOMPARE(query.value(0).toInt(), 2); // SQLite's default: the options have no effect
     QVERIFY(query.exec("PRAGMA locking_mode") && query.next());
     QCOMPARE(query.value(0).toString(), QStringLiteral("normal"));
 }
@@ -220,7 +220,7 @@ void TstKtvInterfaceConfig::directories_data()
 {
     QTest::addColumn<QString>("suffix");
     QTest::addColumn<QString>("file");
-    // One row a line, though texts stand beside each other.
+    // One row in each line.
     // clang-format off
     QTest::newRow("existing directory") << "" << "interfaceConfig.db";
     QTest::newRow("missing directory is created") << "new/" << "new/interfaceConfig.db";
@@ -438,7 +438,7 @@ void TstKtvInterfaceConfig::failedStatementStopsNoOther()
 
 void TstKtvInterfaceConfig::writesAreOneTransaction()
 {
-    // SQLite counts a file's transactions in the file's head.
+    // SQLite counts the transactions of a file in its header.
     const auto transactions = [this] {
         return qFromBigEndian<quint32>(Meter::readFile(path()).mid(24, 4).constData());
     };
@@ -446,7 +446,7 @@ void TstKtvInterfaceConfig::writesAreOneTransaction()
     QCOMPARE(transactions(), 1U); // both tables and the version
     config.setValue(Config::MAIN_Lang, QStringLiteral("DE"));
     QCOMPARE(transactions(), 2U);
-    config.setValue(Config::MAIN_Lang, QStringLiteral("PL")); // a row goes, another one comes
+    config.setValue(Config::MAIN_Lang, QStringLiteral("PL")); // one row is deleted, one inserted
     QCOMPARE(transactions(), 3U);
     config.setValue(Config::MAIN_Pin, 1);
     QCOMPARE(transactions(), 4U);
@@ -586,7 +586,7 @@ void TstKtvInterfaceConfig::directoryIsKept()
         "KTV_InterfaceConfig::CreateNew(): file delete error:Is a directory"};
     QCOMPARE(log.lines(), failed);
     QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("EN"));
-    QCOMPARE(log.lines(), failed); // a text is not worth another try
+    QCOMPARE(log.lines(), failed); // reading a text does not open the store again
     QCOMPARE(config.getValue(Config::Power_Time1, 5), 5);
     QCOMPARE(log.lines(), failed + failed + QStringList("DB is CLOSE!"));
     QVERIFY(QFile::exists(path() + "/within"));
@@ -614,7 +614,7 @@ void TstKtvInterfaceConfig::closedStoreOpensOnIntegerRead()
                  (QStringList {"No open :(unable to open database file Error opening database",
                                "KTV_InterfaceConfig::RestoreFabricalSetting(): false"}));
     }
-    QDir().mkpath(late); // the card has come back
+    QDir().mkpath(late); // the card is there again
     const LogCapture log;
     QCOMPARE(config.getValue(Config::Power_Time1, 5), 5);
     config.setValue(Config::MAIN_Lang, QStringLiteral("DE"));
@@ -684,9 +684,9 @@ void TstKtvInterfaceConfig::fullCardAtCreation()
     const LogCapture log;
     Config config(directory());
     const auto full = QStringLiteral("database or disk is full Unable to fetch row");
-    QCOMPARE(log.lines(), // each statement has its try
+    QCOMPARE(log.lines(), // each statement is tried
              (QStringList {full, "no such table: Setting Unable to execute statement", full}));
-    QVERIFY(config.CreateNew()); // what counts is that the file opens
+    QVERIFY(config.CreateNew()); // true, because the file opens
     QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("EN"));
     card.fill(0);
     QVERIFY(config.Open()); // the file without tables counts as missing
@@ -713,7 +713,7 @@ void TstKtvInterfaceConfig::lockedFile()
     {
         const Reader other(path());
         other.rows("BEGIN");
-        QCOMPARE(other.settings(), QStringList("MAIN_Lang|DE")); // reads on: nobody can commit
+        QCOMPARE(other.settings(), QStringList("MAIN_Lang|DE")); // its lock prevents commits
         const LogCapture log;
         config.setValue(Config::MAIN_Lang, QStringLiteral("PL"));
         QCOMPARE(log.lines(),
@@ -736,7 +736,7 @@ void TstKtvInterfaceConfig::tablesChangeUnderneath()
     change("ALTER TABLE CONFIG_STR RENAME TO Elsewhere");
     for (int i = 0; i < 2; ++i) {
         const LogCapture log;
-        // The first one meets tables that it does not expect, the others know of them.
+        // Only the first statement finds tables that it does not expect.
         const QString ends[] {" Unable to fetch row", " Unable to execute statement"};
         config.setValue(Config::MAIN_Lang, QStringLiteral("PL"));
         const QString reason = "no such table: CONFIG_STR";
@@ -751,13 +751,13 @@ void TstKtvInterfaceConfig::tablesChangeUnderneath()
     QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("PL"));
     change("ALTER TABLE CONFIG_STR RENAME COLUMN CON_Value TO Other");
     {
-        const LogCapture log; // the deletion meets no column that is gone, but it reads the tables
+        const LogCapture log; // the deletion does not use the missing column, but reads the tables
         config.setValue(Config::MAIN_Lang, QStringLiteral("DE"));
         QCOMPARE(log.lines(),
                  QStringList("setValue - INSERT: table CONFIG_STR has no column named CON_Value "
                              "Unable to execute statement"));
     }
-    change("BEGIN EXCLUSIVE"); // nothing that goes on holds the file
+    change("BEGIN EXCLUSIVE"); // no statement that is still running locks the file
 }
 
 void TstKtvInterfaceConfig::leavesNothingRegistered()

@@ -9,7 +9,7 @@
 using Internal::meterModel;
 using Internal::meterModels;
 
-/** The table of meter models: whole, and nothing twice. */
+/** The table of meter models: complete and without duplicates. */
 class TstMeterModel : public QObject
 {
     Q_OBJECT

@@ -30,7 +30,7 @@ QString readLanguage(Config &config)
 
 Q_DECLARE_METATYPE(Operation)
 
-/** What the settings ask of SQLite, to the last blank, and what they make of exceptions in it. */
+/** The exact SQL statements of the settings, and how they handle exceptions in SQLite. */
 class TstSettingsStatements : public QObject
 {
     Q_OBJECT
@@ -112,7 +112,7 @@ void TstSettingsStatements::statements()
     operation(*config);
     QTEST(SqliteWatch::statements(), "expected");
     SqliteWatch::clear();
-    operation(*config); // the same by statements that were kept
+    operation(*config); // the same with kept statements
     QTEST(SqliteWatch::statements(), "expected");
 }
 
@@ -175,7 +175,7 @@ void TstSettingsStatements::exceptionInTheRollback()
     const auto config = open();
     config->setValue(Config::MAIN_Lang, QStringLiteral("PL"));
     LogCapture log;
-    SqliteWatch::throwOn("O"); // COMMIT, and ROLLBACK after it
+    SqliteWatch::throwOn("O"); // in COMMIT, and in the ROLLBACK after it
     config->deleteValue({});
     SqliteWatch::throwOn(QString());
     QCOMPARE(

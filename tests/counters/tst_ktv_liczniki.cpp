@@ -309,7 +309,8 @@ void TstKtvLiczniki::directoryIsCreated_data()
     QTest::newRow("quotes and percent") << "a'b\"%1%s/"
                                         << "a'b\"%1%s/liczniki.bin";
     QTest::newRow("non-ASCII") << QStringLiteral("żółć/") << QStringLiteral("żółć/liczniki.bin");
-    // The prefix is taken for the directory: it is created, and the file lies beside it.
+    // The prefix is also used as the name of the directory: that is created, and the file is beside
+    // it.
     QTest::newRow("without a slash") << "Log"
                                      << "Logliczniki.bin";
 }
@@ -438,7 +439,7 @@ void TstKtvLiczniki::fullCardWithoutFile()
 
 void TstKtvLiczniki::mountPointIsOverwritten()
 {
-    // It can be neither removed nor replaced.
+    // The file can be neither removed nor replaced.
     const QString source = directory() + "source";
     Meter::writeFile(source, fileOf(some));
     Meter::writeFile(path(), QByteArray());
@@ -490,7 +491,7 @@ void TstKtvLiczniki::fileIsOverwrittenInPlace()
         KTV_Liczniki counters(directory());
         counters.Up_Licznik_Demagnetyzacja();
     }
-    QCOMPARE(old.readAll(), Meter::readFile(path())); // the same file, not another of that name
+    QCOMPARE(old.readAll(), Meter::readFile(path())); // the same file, not a new one with that name
     QVERIFY(Meter::readFile(path()) != fileOf(none));
     QCOMPARE(QDir(directory()).entryList(QDir::Files), QStringList("liczniki.bin"));
 }

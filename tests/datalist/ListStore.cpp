@@ -42,7 +42,7 @@ Row rowOf(const LimitList_Element &element)
     return {element.ID, false, {element.Name, element.HighLimit, element.LoLimit}};
 }
 
-template <typename Element> Rows taken(QList<Element *> *list)
+template <typename Element> FoundRows taken(QList<Element *> *list)
 {
     if (!list)
         return std::nullopt;
@@ -121,7 +121,7 @@ void change(const QString &statement, const QString &path)
 QStringList Family::names(KTV_DataList &store, const QString &filter, int limit) const
 {
     QStringList result;
-    const Rows rows = get(store, true, true, filter, limit);
+    const FoundRows rows = get(store, true, true, filter, limit);
     for (const Row &row : rows.value())
         result += row.columns.first();
     return result;
@@ -129,7 +129,7 @@ QStringList Family::names(KTV_DataList &store, const QString &filter, int limit)
 
 int Family::idOf(KTV_DataList &store, const QString &text) const
 {
-    const Rows rows = get(store, true, true, QString(), 0);
+    const FoundRows rows = get(store, true, true, QString(), 0);
     for (const Row &row : rows.value()) {
         if (row.columns.first() == text)
             return row.id;

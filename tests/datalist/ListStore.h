@@ -9,7 +9,9 @@
 #include <optional>
 #include <vector>
 
-/** The lists of a meter, as tests lay them out, change them and look at them from outside. */
+/**
+ * The lists of a meter: creates their files, changes them, and reads them over another connection.
+ */
 namespace ListStore {
 
 const QLatin1String userData("/media/sdcard/UserData/");
@@ -20,27 +22,27 @@ const QLatin1String file("/media/sdcard/UserData/dataList.db");
 void clear();
 /** Writes a default file of a language: "default_" + @p name + ".txt". */
 void writeDefaults(const QString &language, const QString &name, const QByteArray &content);
-/** As many lines as wanted, each with a text of its own, in each of the three files. */
+/** Writes a number of different lines into each of the three files. */
 void writeManyDefaults(const QString &language, int lines);
 
 std::unique_ptr<KTV_DataList> open(const QString &language = QStringLiteral("EN"),
                                    const QString &directory = userData);
 
-/** Rows of a statement over a connection of its own, columns joined with "|". */
+/** Rows of a statement, run over a separate connection; columns joined with "|". */
 QStringList rows(const QString &statement, const QString &path = file);
-/** Runs a statement over a connection of its own. */
+/** Runs a statement over a separate connection. */
 void change(const QString &statement, const QString &path = file);
 
-/** What a query returned, each row and the list itself given back. */
+/** Result of a query; its elements and the list have been deleted. */
 struct Row
 {
     int id = 0;
     bool readOnly = false;
     QStringList columns;
 };
-using Rows = std::optional<std::vector<Row>>; ///< nothing for a null list
+using FoundRows = std::optional<std::vector<Row>>; ///< no value for a null list
 
-/** One of the five lists, its differing signatures made alike. */
+/** One of the five lists, with the same signatures for all of them. */
 struct Family
 {
     const char *name;
@@ -53,9 +55,9 @@ struct Family
     std::function<bool(KTV_DataList &, const QString &)> addFactory;
     std::function<bool(KTV_DataList &, int, const QString &)> update;
     std::function<bool(KTV_DataList &, int)> remove;
-    std::function<Rows(KTV_DataList &, bool, bool, const QString &, int)> get;
+    std::function<FoundRows(KTV_DataList &, bool, bool, const QString &, int)> get;
 
-    /** Names of every row of the language in effect. */
+    /** Names of every row of the current language. */
     QStringList names(KTV_DataList &store, const QString &filter = {}, int limit = 0) const;
     /** Key of the row with that name. */
     int idOf(KTV_DataList &store, const QString &text) const;

@@ -7,14 +7,13 @@
 #include <valuebox/NumericalValueBox.h>
 
 #include <QDir>
-#include <QFileInfo>
 #include <QSqlDatabase>
 #include <QtTest>
 
 using ListStore::families;
 using ListStore::Family;
+using ListStore::FoundRows;
 using ListStore::rows;
-using ListStore::Rows;
 using ListStore::writeDefaults;
 
 namespace {
@@ -40,7 +39,7 @@ QString nulInside()
 
 } // namespace
 
-/** The pick lists: their file, their factory rows and what every operation does to the rows. */
+/** The pick lists: their file, their factory rows and the effect of every operation. */
 class TstKtvDataList : public QObject
 {
     Q_OBJECT
@@ -166,7 +165,7 @@ void TstKtvDataList::newFile()
 void TstKtvDataList::newFileOnceOnly()
 {
     ListStore::open()->AddObiectTyp("kept");
-    ListStore::change("UPDATE Setting SET SET_Value=7"); // a version that nobody asks for
+    ListStore::change("UPDATE Setting SET SET_Value=7"); // the version is never read
     const auto store = ListStore::open();
     QCOMPARE(families().front().names(*store), QStringList("kept"));
     QCOMPARE(rows("SELECT SET_Key,SET_Value FROM Setting"), QStringList("Version|7"));
@@ -206,8 +205,8 @@ void TstKtvDataList::emptyFileIsCreatedAnew()
 
 void TstKtvDataList::cutCreationIsRepeated()
 {
-    // What a battery pulled during the very first commit leaves: pages, and a journal that says
-    // that there were none before.
+    // As left by a battery pulled during the first commit: pages, and a journal that says that
+    // there were none before.
     ListStore::open();
     QByteArray journal = QByteArray::fromHex("d9d505f920a163d7") + QByteArray(4, '\0')
         + QByteArray(4, '\x55') + QByteArray(4, '\0');
@@ -398,7 +397,7 @@ void TstKtvDataList::factoryRowsOfManyLanguages()
     store->SetLang("PL");
     store->SetLang("EN");
     store->SetLang("PL");
-    // Types are one set over all languages, materials are not.
+    // Object types are unique over all languages, materials are not.
     QCOMPARE(rows("SELECT OBT_Lang,OBT_Value FROM OBIECT_TYP"),
              QStringList({"EN|Motor", "EN|EN type", "PL|PL type"}));
     QCOMPARE(rows("SELECT MAT_Lang,MAT_Name FROM MATERIALS"), QStringList({"EN|Gold", "PL|Gold"}));
@@ -425,7 +424,7 @@ void TstKtvDataList::missingDefaultsAreLogged()
 
 void TstKtvDataList::unreadableDefaults()
 {
-    // A directory exists but does not open; memory without an address opens but cannot be read.
+    // A directory exists but cannot be opened; /proc/self/mem can be opened but not read.
     QDir().mkpath(ListStore::languages + "EN/default_obiectTyp.txt");
     QFile::link("/proc/self/mem", ListStore::languages + "EN/default_obiectName.txt");
     writeDefaults("EN", "materials", "Copper?0.00393\n");
@@ -501,7 +500,7 @@ void TstKtvDataList::factoryResetWithoutDeletion()
     LogCapture log;
     const bool isReset = store->RestoreFabricalSetting();
     const bool isAdded = store->AddObiectTyp("refused");
-    const Rows found = families().front().get(*store, true, true, "", 0);
+    const FoundRows found = families().front().get(*store, true, true, "", 0);
     QFile::setPermissions(QString(ListStore::userData),
                           QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     QVERIFY(!isReset);
@@ -557,7 +556,7 @@ void TstKtvDataList::addAndQuery()
         const auto store = ListStore::open();
         QVERIFY(family().add(*store, "first"));
         QVERIFY(family().add(*store, "second"));
-        const Rows found = family().get(*store, true, true, QString(), 0);
+        const FoundRows found = family().get(*store, true, true, QString(), 0);
         QCOMPARE(int(found.value().size()), 2);
         QCOMPARE(found->front().id, 1);
         QCOMPARE(found->front().columns.first(), QString("first"));
@@ -591,7 +590,7 @@ void TstKtvDataList::duplicates()
 {
     const auto store = ListStore::open();
     QVERIFY(family().add(*store, "Motor"));
-    QVERIFY(family().add(*store, "motor")); // letter case tells texts apart
+    QVERIFY(family().add(*store, "motor")); // texts are different if only their letter case differs
     store->SetLang("PL");
     QCOMPARE(family().add(*store, "Motor"), !family().isUnique);
     QCOMPARE(family().addFactory(*store, "Motor"), !family().isUnique);
@@ -635,7 +634,7 @@ void TstKtvDataList::rowKinds()
     QVERIFY(family().add(*store, "user's"));
     const auto names = [&](bool readOnly, bool user, const QString &filter) {
         QStringList found;
-        const Rows rows = family().get(*store, readOnly, user, filter, 0);
+        const FoundRows rows = family().get(*store, readOnly, user, filter, 0);
         for (const auto &row : rows.value()) {
             if (family().hasFactoryRows && row.readOnly != (row.columns.first() == "factory"))
                 found += "wrong flag";
@@ -727,7 +726,8 @@ void TstKtvDataList::languagesAreApart()
     QCOMPARE(family().names(*store), QStringList("Polski"));
     store->SetLang("EN");
     QCOMPARE(family().names(*store), QStringList("English"));
-    QVERIFY(family().update(*store, 2, "across languages")); // the key alone decides
+    QVERIFY(family().update(*store, 2,
+                            "across languages")); // only the key matters
     QVERIFY(family().remove(*store, 2));
     store->SetLang("PL");
     QCOMPARE(family().names(*store), QStringList());
@@ -871,7 +871,7 @@ void TstKtvDataList::temperatures()
     QCOMPARE(
         rows(other + 'T'),
         QStringList({"212|" + stored + '|', "212||" + stored, "212|" + stored + '|' + stored}));
-    const Rows found = families().back().get(*store, true, true, "", 0);
+    const FoundRows found = families().back().get(*store, true, true, "", 0);
     QCOMPARE(found.value().at(0).columns, QStringList({"212", shown, ""}));
     QCOMPARE(found.value().at(1).columns, QStringList({"212", "", shown}));
     QCOMPARE(found.value().at(2).columns, QStringList({"212", shown, shown}));
@@ -889,7 +889,7 @@ void TstKtvDataList::temperaturesOfAnotherUnit()
     };
     NumericalValueBox::prepareStaticDefaultValue(ValueBox::Temp_Kelvin);
     QCOMPARE(shown(), QStringList({"373.15 K", "273.15 K"}));
-    // In Celsius the stored texts come as they stand, with the sign they were stored with.
+    // In Celsius the stored texts are returned unchanged, with the sign that they were stored with.
     NumericalValueBox::prepareStaticDefaultValue(ValueBox::Temp_Celsius);
     QCOMPARE(shown(), QStringList({QStringLiteral("100 \u00b0F"), QStringLiteral("0 \u00b0F")}));
 }
@@ -912,7 +912,7 @@ void TstKtvDataList::throughTheFacade()
         source.setMeterSerialName("DV1");
         source.SetLang("PL");
         QCOMPARE(names(source), QStringList("PL type"));
-        source.SetLang("XX"); // no such texts: the lists follow the language in effect
+        source.SetLang("XX"); // no such language: the lists use the one that the texts have
         QCOMPARE(names(source), QStringList("EN type"));
         source.SetLang("PL");
         QVERIFY(source.get_DataList()->AddObiectTyp("user's"));
@@ -939,7 +939,7 @@ void TstKtvDataList::brokenTable()
     QCOMPARE(log.lines().size(), 1);
     QVERIFY2(log.lines().first().contains(QString("no such table: ") + family().table),
              qPrintable(log.lines().first()));
-    // The connection is as good as before.
+    // The connection still works.
     for (const Family &other : families()) {
         if (other.table != family().table)
             QVERIFY(other.add(*store, "still works"));

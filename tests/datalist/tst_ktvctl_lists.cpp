@@ -11,7 +11,7 @@ class TstKtvctlLists : public QObject
 private slots:
     void initTestCase();
 
-    // One story: each row goes on where the one before ended.
+    // Each row continues with the state that the one before has left.
     void story_data();
     void story();
     void limitsThatCannotBeJudgedBy_data();

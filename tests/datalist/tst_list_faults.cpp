@@ -53,7 +53,10 @@ bool areWholeOrAbsent(const QList<int> &counts, int lines)
                        [lines](int count) { return count == 0 || count == lines; });
 }
 
-/** A number that a process keeps telling, also after it was killed. */
+/**
+ * A number that a process stores in shared memory, so that it can be read after the process was
+ * killed.
+ */
 class SharedCount
 {
 public:
@@ -82,7 +85,7 @@ template <typename Work> pid_t startChild(Work work)
     ::_exit(0);
 }
 
-/** @return whether the process was killed, rather than ending by itself */
+/** @return whether the process was killed; false if it has ended by itself */
 bool wasKilled(pid_t child)
 {
     int status = 0;
@@ -97,11 +100,11 @@ void removeFile()
     QFile::remove(ListStore::file + "-journal");
 }
 
-/** What a process takes to begin and to lay out the lists, in microseconds. */
+/** How long a process takes to start and to create the lists, in microseconds. */
 quint32 durationOfTheStart()
 {
     QElapsedTimer clock;
-    for (int i = 0; i < 2; ++i) { // the first one warms up
+    for (int i = 0; i < 2; ++i) { // the first run fills caches
         removeFile();
         clock.start();
         if (wasKilled(startChild([] { ListStore::open(); })))
@@ -112,7 +115,7 @@ quint32 durationOfTheStart()
 
 } // namespace
 
-/** The lists on a card that is full, read only or pulled, and after a battery was. */
+/** The lists on a card that is full, read-only or removed, and after a power cut. */
 class TstListFaults : public QObject
 {
     Q_OBJECT
@@ -135,7 +138,7 @@ private slots:
     void killedAtRandom();
 
 private:
-    static constexpr int lines = 200; // more than a block a list
+    static constexpr int lines = 200; // more than a block for each list
     static constexpr int someLines = 20;
     static constexpr int cardBlocks = 100;
 };
@@ -208,7 +211,7 @@ void TstListFaults::fullCardAtTheFirstStart()
         QCOMPARE(countOf("Setting"), 1);
         QVERIFY(isSound());
     }
-    // Every way in which the card can run out was met.
+    // Every way in which the card can be full has been tried.
     QVERIFY(outcomes.contains(QList<int>()));
     QVERIFY(outcomes.contains(QList<int>({0, 0, 0})));
     QVERIFY(outcomes.contains(QList<int>({lines, 0, 0})));
@@ -222,7 +225,7 @@ void TstListFaults::fullCardAtTheReset()
     const auto store = ListStore::open();
     QVERIFY(store->AddLimit_R("user's", "1", "2"));
     card.fillUp();
-    QVERIFY(store->RestoreFabricalSetting()); // the old file's room is enough, journal apart
+    QVERIFY(store->RestoreFabricalSetting()); // the space of the old file is enough
     QVERIFY(isSound());
     QVERIFY(areWholeOrAbsent(factoryCounts(), lines));
     QCOMPARE(countOf("LIMITS_R"), 0);
@@ -233,7 +236,7 @@ void TstListFaults::fullCardAtTheReset()
 
 void TstListFaults::reservedSpaceAtTheReset()
 {
-    // The factory files have grown beyond the card since the last reset.
+    // Since the last reset the factory files have become too large for the card.
     ListStore::writeManyDefaults("EN", 10);
     Volume card(ListStore::userData, cardBlocks);
     const auto store = ListStore::open();
@@ -310,12 +313,12 @@ void TstListFaults::lockedFile()
             SqliteWatch::clear();
             QVERIFY(!family.get(*store, true, true, "", 0));
             QVERIFY(!family.remove(*store, 1));
-            QCOMPARE(SqliteWatch::statements().size(), 2); // each waits once
+            QCOMPARE(SqliteWatch::statements().size(), 2); // each statement waits for the lock once
         }
         SqliteWatch::clear();
         QVERIFY(store->Open());
         store->SetLang("PL");
-        QCOMPARE(SqliteWatch::statements().size(), 6); // one for each list of each
+        QCOMPARE(SqliteWatch::statements().size(), 6); // one statement for each list and call
         QSqlQuery(other).exec("ROLLBACK");
     }
     QSqlDatabase::removeDatabase("other");
@@ -340,7 +343,7 @@ void TstListFaults::damagedFile()
     QVERIFY(store->AddObiectTyp("new"));
     QVERIFY(isSound());
 
-    // A page in the middle: a query that fails on the way has no rows to show.
+    // A page in the middle: a query that fails halfway returns no rows.
     for (int i = 0; i < lines; ++i)
         QVERIFY(store->AddObiectName(QString(1000, 'x') + QString::number(i)));
     store->freeDB();
@@ -438,7 +441,7 @@ void TstListFaults::killedAtRandom()
         });
         while (isAdding && committed == 0 && ::waitpid(child, nullptr, WNOHANG) == 0)
             ::usleep(10);
-        // Mostly early: a start on a machine that is less busy by now takes less than was measured.
+        // Mostly early: if the machine is less busy now, the start is faster than measured.
         ::usleep(random.bounded(random.bounded(longestLife) + 1));
         ::kill(child, SIGKILL);
         QVERIFY(wasKilled(child));

@@ -26,7 +26,7 @@ template <typename Element> void drop(QList<Element *> *list)
 
 Q_DECLARE_METATYPE(Operation)
 
-/** What the lists ask of SQLite, to the last blank, and how often they wait for the card. */
+/** The exact SQL statements of the lists, and how often they flush. */
 class TstListStatements : public QObject
 {
     Q_OBJECT
@@ -340,10 +340,10 @@ void TstListStatements::fewAreTheirPreparations()
         SqliteWatch::clear();
         family.names(*store);
         QVERIFY(family.add(*store, "second"));
-        // No more than the beginning and the end of a transaction.
+        // Only the start and the end of a transaction.
         QCOMPARE(SqliteWatch::preparations(), family.isUnique ? 2 : 0);
     }
-    // Keys stand in the text: such statements come only once, however many there are.
+    // The key is part of the text: such statements are not kept.
     SqliteWatch::clear();
     for (int i = 0; i < 200; ++i)
         QVERIFY(families().front().update(*store, -i, "text"));
@@ -370,8 +370,8 @@ void TstListStatements::preparedOnesHoldNoLock()
     for (const Family &family : families()) {
         family.names(*store, QString(), 1);
         QVERIFY(family.add(*store, "first"));
-        QCOMPARE(family.add(*store, "first"), !family.isUnique); // refused: half of the way
-        ListStore::change("BEGIN EXCLUSIVE"); // fails if anything goes on
+        QCOMPARE(family.add(*store, "first"), !family.isUnique); // refused halfway
+        ListStore::change("BEGIN EXCLUSIVE"); // fails if a statement is still running
     }
 }
 
@@ -394,7 +394,7 @@ void TstListStatements::preparedOnesMeetAnotherSchema()
         QCOMPARE(family.names(*store), before + QStringList({"first", "second"}));
         QVERIFY(family.add(*store, "third"));
     }
-    // The file goes with everything that was prepared for it.
+    // All statements that were prepared for the file are dropped with it.
     QVERIFY(store->RestoreFabricalSetting());
     for (const Family &family : families()) {
         QVERIFY(family.add(*store, "after"));
@@ -494,12 +494,13 @@ void TstListStatements::unknownCountSeedsNothing()
     store->FillDefaultMaterials();
     QCOMPARE(store->GetDefaultMaterialsCount(), 0);
     cleanup();
-    QCOMPARE(store->GetDefaultMaterialsCount(), 1); // not a second time
+    QCOMPARE(store->GetDefaultMaterialsCount(), 1); // not added a second time
 }
 
 void TstListStatements::fullCardWhileCreating()
 {
-    // The card has room again for the next tables: a file with only these would stay so.
+    // The card then has space for the other tables; but a file with only these would be incomplete
+    // for ever.
     SqliteWatch::fillCardOn("TABLE IF NOT EXISTS OBIECT_NAME");
     LogCapture log;
     SqliteWatch::clear();
@@ -535,7 +536,7 @@ void TstListStatements::fullCardAtTheCommit()
     SqliteWatch::fillCardOn("COMMIT");
     QVERIFY(!store->AddObiectTyp("new"));
     QVERIFY(!store->AddObiectName("new"));
-    QVERIFY(store->AddMaterial("new", 1)); // one statement, no transaction of its own
+    QVERIFY(store->AddMaterial("new", 1)); // a single statement without a transaction
     store->SetLang("PL");
     cleanup();
     QCOMPARE(store->GetDefaultObiectTypCount(), 0);
@@ -548,7 +549,7 @@ void TstListStatements::fullCardAtTheCommit()
 
 void TstListStatements::readErrorWhileSeeding()
 {
-    constexpr int lines = 2000; // more than is read at once
+    constexpr int lines = 2000; // more than are read at once
     ListStore::writeManyDefaults("XX", 0);
     ListStore::writeManyDefaults("PL", lines);
     const auto store = ListStore::open("XX");

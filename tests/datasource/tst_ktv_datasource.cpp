@@ -56,7 +56,7 @@ QStringList childrenOf(const QObject &object)
     return names;
 }
 
-/** Of the lines, those that begin with one of the texts, and of each only that text. */
+/** For each line that begins with one of the texts: that text. */
 QStringList ofInterest(const QStringList &lines, const QStringList &texts)
 {
     QStringList found;
@@ -84,7 +84,7 @@ bool isThere(const QObject *child, const QObject &facade)
 
 } // namespace
 
-/** The facade: orders, language, identity, disk alert, start-up questions. */
+/** The facade: order of its steps, language, identity, disk alert, first start. */
 class TstKtvDataSource : public QObject
 {
     Q_OBJECT
@@ -177,7 +177,7 @@ void TstKtvDataSource::orderOfDestruction()
     {
         KTV_DataSource facade;
         facade.setMeterSerialName("CH1");
-        facade.setMeterSerialName("CH2"); // the first help manager goes with the facade itself
+        facade.setMeterSerialName("CH2"); // the first help manager is destroyed with the facade
         for (const QObject *child : facade.children()) {
             const QString name = child->metaObject()->className();
             connect(child, &QObject::destroyed, [&order, name] { order += name; });
@@ -193,7 +193,7 @@ void TstKtvDataSource::orderOfDestruction()
 
 void TstKtvDataSource::everythingFailsInOrder()
 {
-    // Neither card nor flash is what it should be: every service says so, in its turn.
+    // Neither card nor flash can be used: every service logs that, in order.
     const Volume noCard("/media/sdcard", 10);
     const Volume noFlash("/home/root", 10);
     Meter::writeFile("/home/root/globalInfo.xml", "damaged");
@@ -289,7 +289,7 @@ void TstKtvDataSource::startLanguage()
         KTV_DataSource facade;
         QCOMPARE(facade.get_Lang()->getCurrentLang(), code);
         QCOMPARE(facade.get_Lang()->getText("Main", "title", {}), code);
-        // Lists and help follow the language in effect, not the stored one.
+        // Lists and help use the current language, not the stored one.
         QCOMPARE(facade.get_DataList()->GetDefaultObiectTypCount(), 2);
         facade.setMeterSerialName("CH1");
         QVERIFY(facade.getHelpManager()->HasHelp("Main"));
@@ -305,11 +305,11 @@ void TstKtvDataSource::switchingTheLanguage()
     {
         KTV_DataSource facade;
         facade.setMeterSerialName("CH1");
-        QVERIFY(facade.getHelpManager()->HasHelp("Other")); // in the language in effect
+        QVERIFY(facade.getHelpManager()->HasHelp("Other")); // in the current language
         facade.SetLang("PL");
         QCOMPARE(facade.get_Lang()->getCurrentLang(), QStringLiteral("PL"));
         QVERIFY(!facade.getHelpManager()->HasHelp("Other"));
-        facade.SetLang("DE"); // texts fall back, help pages take the code as it is
+        facade.SetLang("DE"); // the texts fall back, the help pages use this code
         QCOMPARE(facade.get_Lang()->getCurrentLang(), QStringLiteral("EN"));
         QVERIFY(facade.getHelpManager()->HasHelp("Main"));
         QVERIFY(!facade.getHelpManager()->HasHelp("Other"));
@@ -357,7 +357,7 @@ void TstKtvDataSource::serialNumberTwice()
     QVERIFY(firstHelp != facade->getHelpManager());
     QCOMPARE(firstHelp->parent(), facade.get());
     Meter::writeFile(helpPages + "KTV_420/Main/a_EN.html", "x");
-    QVERIFY(firstHelp->HasHelp("Main")); // an open page goes on
+    QVERIFY(firstHelp->HasHelp("Main")); // a page that is open can still use it
     QVERIFY(!facade->getHelpManager()->HasHelp("Main"));
 
     const QPointer<QERNTools::helpManager> secondHelp(facade->getHelpManager());
@@ -388,7 +388,7 @@ void TstKtvDataSource::serialNumberIsStored()
             facade.setMeterSerialName(serial);
         QCOMPARE(facade.get_InterfaceConfig()->getValue(KTV_InterfaceConfig::MAIN_MeterSN,
                                                         QStringLiteral("not set")),
-                 QStringLiteral("not set")); // at the end only
+                 QStringLiteral("not set")); // written only by the destructor
     }
     QCOMPARE(storedValue(KTV_InterfaceConfig::MAIN_MeterSN), stored);
 }
@@ -435,7 +435,7 @@ void TstKtvDataSource::alertLevel()
     facade.updateTimeDisk();
     QCOMPARE(facade.getFreeSpaceAlert(), level);
     QCOMPARE(changes.count(), before == level ? 0 : 1);
-    QCOMPARE(levelSeen, before == level ? -1 : level); // stored before it is told
+    QCOMPARE(levelSeen, before == level ? -1 : level); // stored before the signal is emitted
     facade.updateTimeDisk();
     QCOMPARE(changes.count(), before == level ? 0 : 1);
 }
@@ -446,7 +446,7 @@ void TstKtvDataSource::alertLevelIsOneForAll()
     card.fill(75);
     {
         KTV_DataSource facade;
-        QCOMPARE(facade.getFreeSpaceAlert(), 0); // no check at the start
+        QCOMPARE(facade.getFreeSpaceAlert(), 0); // not checked by the constructor
         facade.updateTimeDisk();
     }
     QCOMPARE(currentFreeSpaceAlletr, 1);
@@ -562,7 +562,7 @@ void TstKtvDataSource::firstStart()
     QCOMPARE(QFile::exists(bootMarker), !content.isNull() && !isFirst);
     if (!isFirst && !content.isNull())
         QCOMPARE(Meter::readFile(bootMarker), content);
-    QCOMPARE(KTV_DataSource::FirstStart(), false); // consumed, or never there
+    QCOMPARE(KTV_DataSource::FirstStart(), false); // removed by the first call, or never there
 }
 
 void TstKtvDataSource::firstStartFromOddPlaces()

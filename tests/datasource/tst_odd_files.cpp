@@ -30,7 +30,7 @@ namespace {
 
 const QString userData = QStringLiteral("/media/sdcard/UserData/");
 const QString languages = QStringLiteral("/home/root/Langs/");
-constexpr unsigned longest = 120; // s; a test that waits for a pipe would wait for ever
+constexpr unsigned longest = 120; // s; a test that opens a pipe would wait for ever
 
 void clear(const QString &path)
 {
@@ -38,7 +38,7 @@ void clear(const QString &path)
     QFile::remove(path);
 }
 
-/** What may stand in a file's place. */
+/** What may be in the place of a file. */
 struct Kind
 {
     const char *name;
@@ -71,7 +71,7 @@ bool hasLine(const LogCapture &log, const QString &begin)
                 .isEmpty();
 }
 
-// Each place: what is used there, and what it answers.
+// For each place: uses the file, and checks the result.
 
 void description(const QString &path)
 {
@@ -114,7 +114,7 @@ void helpPage(const QString &)
     QVERIFY(std::unique_ptr<QStringList>(help.GetHelpFileList("odd"))->isEmpty());
 }
 
-/** Counts are not read from there, and replace it, where it can be replaced. */
+/** No counts are read; saving replaces it if possible. */
 void counters(const QString &path)
 {
     const LogCapture log;
@@ -147,7 +147,7 @@ void lists(const QString &)
     QVERIFY(hasLine(log, "!no open database:unable to open database file"));
 }
 
-/** Settings that cannot be opened are replaced, where they can be. */
+/** Settings that cannot be opened are replaced if possible. */
 void settings(const QString &path)
 {
     const LogCapture log;
@@ -164,7 +164,7 @@ void knownNetworks(const QString &)
     QVERIFY(!connection.AddNetwork("name", "passphrase"));
 }
 
-/** It is replaced, where it can be. */
+/** It is replaced if possible. */
 void supplicantFile(const QString &path)
 {
     const LogCapture log;
@@ -179,7 +179,8 @@ void supplicantFile(const QString &path)
     QVERIFY(!QFileInfo("/dev/zero").isFile());
 }
 
-/** What is no journal hinders nobody; a directory has no database opened, and none lost. */
+/** A journal that is not a file is no problem; if it is a directory, no database is opened or lost.
+ */
 void journalOfSettings(const QString &path)
 {
     const QString database = path.chopped(int(qstrlen("-journal")));
@@ -249,7 +250,7 @@ const PlaceOf places[] = {
     {"/etc/korva/sdcard.error", cardMarker},
 };
 
-// Each adds to a store, and tells how much it has then.
+// Each adds to a store and returns how much is then in it.
 
 QString useCounters()
 {
@@ -301,7 +302,7 @@ const Written writtenFiles[] = {
 
 } // namespace
 
-/** What is no file, in the place of each file that the library reads or writes. */
+/** Something that is not a file, in the place of each file that the library reads or writes. */
 class TstOddFiles : public QObject
 {
     Q_OBJECT
@@ -345,7 +346,7 @@ void TstOddFiles::inTheFilesPlace()
         Meter::writeFile(path, before);
 }
 
-/** A link to an ordinary file elsewhere is as good as the file. */
+/** A link to a regular file elsewhere works like the file. */
 void TstOddFiles::linkToAFile()
 {
     Meter::writeFile("/tmp/version", "7.8.9\n");

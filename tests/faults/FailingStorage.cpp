@@ -7,7 +7,6 @@
 #include <climits>
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
 #include <iterator>
 #include <string_view>
 
@@ -16,7 +15,7 @@
 #include <sys/types.h>
 #include <unistd.h>
 
-// What is called here goes to the kernel directly: the functions below are those of the program.
+// Calls the kernel directly, because the functions below replace those of the C library.
 
 namespace FailingStorage {
 
@@ -39,13 +38,13 @@ std::atomic<bool> failed {false};
 bool isWatched(std::string_view path)
 {
     return std::any_of(std::begin(watched), std::end(watched), [path](std::string_view prefix) {
-        // The folder itself counts, too: it is opened to be flushed.
+        // The folder itself counts, too: it is opened to flush it.
         return path.substr(0, prefix.size()) == prefix
             || path == prefix.substr(0, prefix.size() - 1);
     });
 }
 
-/** Whether this call fails; errno is set then. */
+/** Whether this call must fail; sets errno then. */
 bool fails(Call call, const char *path)
 {
     if (!path || !isWatched(path))
@@ -108,7 +107,7 @@ int openAt(int folder, const char *path, int flags, mode_t mode)
     return fails(Open, path) ? -1 : int(::syscall(SYS_openat, folder, path, flags, mode));
 }
 
-/** The mode among a call's last arguments, where there is one. */
+/** The mode among the last arguments of a call, if there is one. */
 #define MODE_OF(flags)                                                                             \
     mode_t mode = 0;                                                                               \
     if (((flags) & (O_CREAT | O_TMPFILE)) != 0) {                                                  \

@@ -1,9 +1,9 @@
 #pragma once
 
 /**
- * Storage that fails when it is told to. The program that holds FailingStorage.cpp has these calls
- * of the C library go through it, those of Qt and SQLite included; what concerns the files of the
- * meter is counted, and one call, or all from that one on, can be made to fail.
+ * Storage that fails on request. In a program with FailingStorage.cpp these calls of the C library,
+ * including those by Qt and SQLite, go through it. Calls on files of the meter are counted, and one
+ * call, or all from that one on, can be made to fail.
  */
 namespace FailingStorage {
 
@@ -18,13 +18,14 @@ enum Call
 };
 constexpr int callCount = Truncate + 1;
 
-/** Counts from 0 again; nothing fails any more. */
+/** Resets the count to 0; no call fails any more. */
 void reset();
-/** How many calls there were since then. */
+/** Number of calls since then. */
 int count(Call call);
-/** Whether a call was made to fail since then. */
+/** Whether a call has been made to fail since then. */
 bool hasFailed();
-/** The @p number th call from now on, from 1, fails with @p error, and with @p lasting all after.
+/** Makes the call with this @p number from now on, counted from 1, fail with @p error; with @p
+ * lasting also all calls after it.
  */
 void failAt(Call call, int number, int error, bool lasting);
 

@@ -47,7 +47,7 @@ int clone(int (*function)(void *), void *stack, int flags, void *argument, ...) 
     return refuses() ? -1 : real(function, stack, flags, argument);
 }
 
-/** Qt's own way to a child. */
+/** Qt starts children with this. */
 long syscall(long number, ...) noexcept
 {
     using Call = long (*)(long, long, long, long, long, long, long);

@@ -1,12 +1,13 @@
 #pragma once
 
 /**
- * Lets no process begin, as when the system has no room for another: the program that holds
- * NoProcesses.cpp has the library's calls, and Qt's, go through it. Threads begin as always.
+ * Makes it impossible to start processes, as when the limit of the system is reached. In a program
+ * with NoProcesses.cpp the calls of the library and of Qt go through it. Threads can be started as
+ * usual.
  */
 namespace NoProcesses {
 
-/** From now on, processes fail to begin with EAGAIN, or begin again. */
+/** Whether processes fail to start with EAGAIN from now on. */
 void set(bool isOn);
 
 } // namespace NoProcesses

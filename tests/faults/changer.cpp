@@ -19,7 +19,7 @@ const QString languages = QStringLiteral("/home/root/Langs/");
 
 using Change = std::function<bool(int)>;
 
-/** What changes a store. */
+/** Changes a store. */
 template <typename Store> using ChangeOf = bool (*)(Store &, int);
 
 template <typename Store>
@@ -28,7 +28,7 @@ Change changeOf(const std::shared_ptr<Store> &store, ChangeOf<Store> change)
     return [store, change](int number) { return change(*store, number); };
 }
 
-/** Odd numbers set something, even ones take it back. */
+/** Odd numbers set something, even ones remove it. */
 template <typename Store>
 Change inTurns(const std::shared_ptr<Store> &store, ChangeOf<Store> set, ChangeOf<Store> takeBack)
 {
@@ -155,8 +155,8 @@ void say(const QByteArray &line)
 } // namespace
 
 /**
- * changer STORE DIRECTORY: changes a store until it is killed. Says "begin", and then the number of
- * each change, from 1, once it was answered.
+ * changer STORE DIRECTORY: changes a store until it is killed. Prints "begin", and then the number
+ * of each change, from 1, after its call has returned.
  */
 int main(int argc, char *argv[])
 {

@@ -24,23 +24,22 @@ const QString supplicantFile = QStringLiteral("/etc/wpa_supplicant/wpa_supplican
 const QString passPhrase = QStringLiteral("ohm-law-1827");
 
 /**
- * One change of what is stored. Its state is a text, whatever it is made of: what was there
- * before, or what the change makes of it.
+ * One change of a store. The state of the store before and after it is described as a text.
  */
 class Operation
 {
 public:
     virtual ~Operation() = default;
 
-    /** Lays out the state that the change begins with, and opens the service. */
+    /** Creates the state before the change, and opens the service. */
     virtual void prepare() = 0;
-    /** Makes the change. @return the answer; nothing for one that only the log can tell */
+    /** Makes the change. @return its result; no value if failures are only logged */
     virtual std::optional<bool> change() = 0;
-    /** What is stored, as the next start finds it. */
+    /** The stored state, as the next start reads it. */
     virtual QString state() = 0;
-    /** Whether the next start makes what has failed: a store that is missing then. */
+    /** Whether the next start creates what is missing after a failure. */
     virtual bool isMadeByNextStart() const { return false; }
-    /** Whether the log has to tell of it, after state(). */
+    /** Whether a failure must be logged; called after state(). */
     virtual bool isLogged(bool isDone) const { return !isDone; }
 };
 
@@ -91,7 +90,7 @@ class SettingDelete : public SettingChange
 public:
     std::optional<bool> change() override
     {
-        m_store->deleteValue({KTV_InterfaceConfig::MAIN_Pin}); // of several, some may go
+        m_store->deleteValue({KTV_InterfaceConfig::MAIN_Pin}); // some of several may be removed
         return std::nullopt;
     }
 };
@@ -129,7 +128,7 @@ public:
                    .arg(m_lists->GetDefaultMaterialsCount())
             + namesOf(m_lists->GetObiectTyp(false, true, QString(), 0)).join(' ');
     }
-    /** The answer is all that there is. */
+    /** Failures are returned, not logged. */
     bool isLogged(bool) const override { return false; }
 
 protected:
@@ -145,7 +144,7 @@ protected:
     std::unique_ptr<KTV_DataList> m_lists;
 };
 
-/** An entry that there is gets another text. */
+/** An existing entry gets another text. */
 class ListUpdate : public ListAdd
 {
 public:
@@ -178,7 +177,9 @@ public:
     bool isMadeByNextStart() const override { return true; }
 };
 
-/** The first start: there is no store yet. What is not there afterwards comes with the next one. */
+/**
+ * The first start: there is no store yet. What is missing afterwards is created by the next start.
+ */
 class FirstStart : public ListAdd
 {
 public:
@@ -211,7 +212,7 @@ public:
     }
     QString state() override
     {
-        m_wifi.reset(); // the next start writes the supplicant's file anew
+        m_wifi.reset(); // the next start writes the supplicant's file again
         const QString file = QString::fromUtf8(Meter::readFile(supplicantFile));
         m_wifi = std::make_unique<WiFi::KTV_Connection>(userData);
         QStringList names;
@@ -245,11 +246,11 @@ class NetworkReset : public NetworkAdd
 public:
     std::optional<bool> change() override { return m_wifi->RestoreFabricalSetting(); }
     bool isMadeByNextStart() const override { return true; }
-    /** The answer is all that there is, and the file for the supplicant stays. */
+    /** Failures are returned, not logged; the supplicant's file stays. */
     bool isLogged(bool) const override { return false; }
 };
 
-/** The file for the supplicant alone: a preference is nowhere else. */
+/** Changes only the supplicant's file, because a preference is not stored. */
 class Preference : public NetworkAdd
 {
 public:
@@ -274,7 +275,7 @@ public:
     {
         m_counters.reset();
         clearStores();
-        { // its end writes the file
+        { // the destructor writes the file
             KTV_Liczniki counters(logs);
             counters.up_dictionary(KTV_Liczniki::Licznik_Demagnetyzacja);
         }
@@ -338,7 +339,7 @@ const Fault faults[] = {
     {FailingStorage::Truncate, "truncate", {EIO, ENOSPC}},
 };
 
-/** Every reason in the long form, which takes minutes; otherwise the first. */
+/** Every error in the long form, which takes minutes; otherwise the first one. */
 QVector<int> reasons(const Fault &fault)
 {
     static const bool isLong = qEnvironmentVariableIsSet("KTV_LONG_FORM");
@@ -351,11 +352,10 @@ Q_DECLARE_METATYPE(const Named *)
 Q_DECLARE_METATYPE(const Fault *)
 
 /**
- * Every call that a change makes of the card fails, for itself and with all that come after it.
- * Nothing crashes or hangs; the answer is yes only when the change is there, and no only when it is
- * not, unless the card could not be flushed; what is stored is what was there before or what was
- * wanted; the log tells what went wrong; no pass phrase is in it; and when the fault is gone the
- * same change succeeds.
+ * Each system call of a change fails, alone and with all calls after it. Nothing crashes or hangs.
+ * The result is true only if the change has been made, and false only if it has not, unless only a
+ * flush has failed. The stored state is that before or after the change. The log has the failure,
+ * but no pass phrase. Without the fault the same change succeeds.
  */
 class TstFailingStorage : public QObject
 {
@@ -374,7 +374,7 @@ private:
 
 void TstFailingStorage::initTestCase()
 {
-    for (const char *program : {"ifconfig", "systemctl"}) // only cost time here
+    for (const char *program : {"ifconfig", "systemctl"}) // not needed here: they only take time
         Meter::hideProgram(program);
     QDir(languages).removeRecursively();
     for (const char *list : {"obiectTyp", "obiectName", "materials"})
@@ -445,7 +445,7 @@ void TstFailingStorage::check(const Named &named, const Fault &fault, int number
     QVERIFY(lines.filter(passPhrase).isEmpty());
     if (const auto *network = dynamic_cast<NetworkAdd *>(operation.get()))
         QVERIFY(network->isFileWhole() || dynamic_cast<const Preference *>(network));
-    // The fault is gone.
+    // Without the fault.
     operation->prepare();
     operation->change();
     QCOMPARE(operation->state(), m_after);

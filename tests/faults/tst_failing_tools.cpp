@@ -19,14 +19,14 @@ using WiFi::Network;
 
 namespace {
 
-/** What may be wrong with a tool, or with what every tool needs. */
+/** Faults of a tool, or of the resources that every tool needs. */
 enum Fault
 {
     Missing,
-    Slow, ///< its work begins after two seconds
-    Deaf, ///< does nothing, for ever, and ends for SIGKILL only
+    Slow, ///< starts its work after two seconds
+    Deaf, ///< does nothing without end, and ignores SIGTERM
     Endless, ///< prints without end
-    Forking, ///< does its work and leaves a child behind that holds its pipe
+    Forking, ///< does its work and leaves a child that keeps its pipe open
     NoDescriptors,
     NoMoreProcesses
 };
@@ -38,21 +38,21 @@ const char *const faultNames[] = {
 enum Pace
 {
     Prompt,
-    Patient, ///< waits for seconds: for what never ends, only in the long form
-    Sleepy ///< sleeps for seconds even when all is well: only in the long form
+    Patient, ///< waits for seconds: faults without end are tried only in the long form
+    Sleepy ///< sleeps for seconds even without a fault: tried only in the long form
 };
 
-/** Where the library calls a tool. */
+/** A call of the library that runs a tool. */
 struct Place
 {
     const char *name;
     const char *tool;
     void (*prepare)();
-    QString (*call)(); ///< @return what came of it
+    QString (*call)(); ///< @return its result
     /**
-     * What comes of it when nothing is wrong, and what else may. For each fault there is a digit,
-     * which of the answers is the right one then; x stands where the fault would need a limit, and
-     * the wait has none or the tool is left to itself.
+     * The result without a fault, and other possible results. For each fault a digit is the index
+     * of the expected result; x means that the fault cannot be tried, because the call waits
+     * without limit or does not wait for the tool.
      */
     QStringList answers;
     const char *expected;
@@ -169,10 +169,10 @@ QString owner()
 
 const QString networks = QStringLiteral("/tmp/networks/");
 const QString supplicantFile = QStringLiteral("/etc/wpa_supplicant/wpa_supplicant-wlan0.conf");
-QFile flags(QStringLiteral("/sys/class/net/wlan0/flags")); // open before descriptors are taken
+QFile flags(QStringLiteral("/sys/class/net/wlan0/flags")); // opened before descriptors run out
 std::unique_ptr<KTV_Connection> connection;
 
-/** In the network "Lab", and with nothing that would see to it by itself. */
+/** Connected to the network "Lab", without timers that would poll by themselves. */
 void connected()
 {
     if (!connection) {
@@ -182,7 +182,7 @@ void connected()
         Meter::writeFile("/run/meter/radio", "-60\tLab\t-\n");
         connection = std::make_unique<KTV_Connection>(networks);
         for (auto *timer : connection->findChildren<QTimer *>())
-            timer->stop(); // calls come from here only
+            timer->stop(); // polls are started by this test only
         QThreadPool::globalInstance()->waitForDone();
     }
     execute("systemctl", {"stop", "wpa_supplicant@wlan0"});
@@ -313,21 +313,21 @@ const Place places[] = {
     {"network interface", "ifconfig", nothingConnected, networkGadget, {"true", "false"}, "1011011", Patient},
     {"owner by processes", "ps", console, owner, {"console", "nobody"}, "0000011", Patient},
     {"owner by services", "systemctl", console, owner, {"console", "nobody"}, "1011011", Patient},
-    // A shell without the program prints nothing, as the service manager does when all is well.
+    // If the program is missing, the shell prints nothing, just as systemctl does on success.
     {"console starts", "systemctl", serialLine, startConsole, {"true", "false"}, "0011011", Patient},
     {"console ends", "systemctl", console, stopConsole, {"true", "false"}, "0011011", Patient},
     {"owner by processes", "grep", console, owner, {"console", "nobody"}, "0000011", Patient},
     {"bridge starts", "socat", nobody, startBridge, {"true", "false"}, "10x1011", Sleepy},
     {"bridge has started", "ps", nobody, startBridge, {"true", "false"}, "1011111", Sleepy},
     {"bridge ends", "killall", bridge, stopBridge, {"true", "false"}, "1011011", Sleepy},
-    // A list that does not come is asked for again, without end.
+    // If the list cannot be read, it is read again without limit.
     {"bridge has ended", "ps", bridge, stopBridge, {"true", "false"}, "00xxx11", Sleepy},
     {"calibration starts", "mactool", nobody, startCalibration, {"true", "false"}, "10xx011", Sleepy},
     {"calibration has started", "ps", nobody, startCalibration, {"true", "false"}, "1011111", Sleepy},
     {"calibration ends", "killall", calibrationTool, stopCalibration, {"true", "false"}, "1011011", Sleepy},
-    // A list that does not come shows nobody.
+    // If the list cannot be read, there is no owner.
     {"calibration has ended", "ps", calibrationTool, stopCalibration, {"true", "false"}, "0000011", Sleepy},
-    // In a pipeline the reader waits for whoever holds its other end.
+    // In a pipeline the reader waits until every process has closed the other end.
     {"interface's name", "ls", connected, interfaceName, {"wlan0", ""}, "10x1x11"},
     {"interface's name", "grep", connected, interfaceName, {"wlan0", ""}, "10x1011"},
     {"interface's state", "ifconfig", connected, state, {"6", "1"}, "1111111"},
@@ -339,7 +339,7 @@ const Place places[] = {
     {"networks in reach", "grep", connected, scan, {"networks", "none", "no answer", ""}, "1022032", Patient},
     {"radio off", "ifconfig", connected, switchOff, {"off", "on"}, "1011011", Patient},
     {"supplicant restarts", "systemctl", noNetworks, addOpenNetwork, {"entry", "refused"}, "00x0010"},
-    // Without a process for the tool the file stays as it was, with the entry that it had.
+    // If no process can be started for the tool, the file and its entry stay.
     {"key of a network", "wpa_passphrase", noNetworks, addNetwork, {"entry", "no entry", "refused"}, "1111020"},
     {"sample", "aplay", silent, sample, {"sounds", "silent"}, "1000011"},
     {"sample in a loop", "aplay", silent, loop, {"silent"}, "0000000"},
@@ -412,7 +412,7 @@ QString answer(const Place &place, const Call &call, const QString &expected)
 
 int openDescriptors()
 {
-    QThreadPool::globalInstance()->waitForDone(); // its threads have some of their own
+    QThreadPool::globalInstance()->waitForDone(); // its threads have descriptors of their own
     return int(QDir("/proc/self/fd")
                    .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
                    .size());
@@ -421,8 +421,8 @@ int openDescriptors()
 } // namespace
 
 /**
- * Each tool with each fault, wherever it is called: the call comes back with the right answer,
- * nothing is left of the tool, no descriptor is lost, and the next call succeeds.
+ * Each tool with each fault, for each call that runs it: the call returns the right result, no
+ * process of the tool is left, no descriptor leaks, and the next call succeeds.
  */
 class TstFailingTools : public QObject
 {
@@ -466,12 +466,12 @@ void TstFailingTools::everyFault()
     const QString expected = tried.answers.at(tried.expected[fault] - '0');
     const auto callFaulty = [&tried, fault] { return callWith(Fault(fault), tried); };
     QCOMPARE(answer(tried, callFaulty, expected), expected);
-    if (fault == Forking) // who has ended by himself may leave somebody behind
+    if (fault == Forking) // a tool that has ended by itself may leave a child
         execute("/usr/bin/pkill", {"-KILL", "-x", "sleep"});
     for (const char *program : {"sleep", "yes", "aplay", "beep", "cat"})
         QTRY_COMPARE(Meter::processes(program), QStringList());
     if (fault == NoDescriptors)
-        connection.reset(); // what it has put off is not for the next row
+        connection.reset(); // its delayed calls must not run in the next row
     QCOMPARE(answer(tried, tried.call, tried.answers.first()), tried.answers.first());
     QTRY_VERIFY2(openDescriptors() <= descriptors, qPrintable(QString::number(openDescriptors())));
 }

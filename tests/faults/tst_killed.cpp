@@ -11,8 +11,6 @@
 #include <QSqlQuery>
 #include <QtTest>
 
-#include <memory>
-
 namespace {
 
 const QString directory = QStringLiteral("/media/sdcard/UserData/");
@@ -26,7 +24,7 @@ int lastSetting()
     return store.getValue(KTV_InterfaceConfig::MAIN_Pin, QString::number(0)).toInt();
 }
 
-/** The texts of a list, which is deleted. */
+/** The texts of a list; deletes the list. */
 template <typename Element> QStringList texts(QList<Element *> *list, QString Element::*text)
 {
     if (!list)
@@ -39,7 +37,7 @@ template <typename Element> QStringList texts(QList<Element *> *list, QString El
     return found;
 }
 
-/** @return how many there are; unreadable unless they are 1, 2, 3 and so on */
+/** @return their number; unreadable unless they are 1, 2, 3 and so on */
 int countWhole(const QStringList &found)
 {
     for (int i = 0; i < found.size(); ++i) {
@@ -49,7 +47,7 @@ int countWhole(const QStringList &found)
     return found.size();
 }
 
-/** @return the only one, 0 for none; unreadable for several */
+/** @return the only one; 0 if there is none; unreadable if there are several */
 int theOnly(const QStringList &found)
 {
     return found.isEmpty() ? 0 : found.size() == 1 ? found.first().toInt() : unreadable;
@@ -63,7 +61,7 @@ template <int (*number)(const QStringList &)> int entries()
     return number(texts(store.GetObiectTyp(false, true, QString(), 0), &DataList_Element::Value));
 }
 
-/** Whether the supplicant finds nothing cut off in its file; there may be none yet. */
+/** Whether the supplicant's file is complete, or does not exist yet. */
 bool isSupplicantFileWhole(const QString &file)
 {
     const int networks = file.count(QStringLiteral("network={"));
@@ -74,12 +72,12 @@ bool isSupplicantFileWhole(const QString &file)
 template <int (*number)(const QStringList &)> int networks()
 {
     const QString file = QString::fromUtf8(Meter::readFile(supplicantFile));
-    WiFi::KTV_Connection store(directory); // writes it anew
+    WiFi::KTV_Connection store(directory); // writes the file again
     const QStringList known = texts(store.GetMyNetwork(), &WiFi::Network::ESSID);
     return isSupplicantFileWhole(file) ? number(known) : unreadable;
 }
 
-/** Each network that was answered is in the supplicant's file, too. */
+/** Each network whose call has returned is in the supplicant's file, too. */
 int networksOfBoth()
 {
     const int written = QString::fromUtf8(Meter::readFile(supplicantFile)).count("network={");
@@ -97,9 +95,9 @@ struct Store
 {
     const char *name;
     const char *file; ///< SQLite; null for none
-    int (*last)(); ///< number of the last change that is there
-    int longest; ///< microseconds until the kill, at most: the first start is tried as well
-    bool inTurns = false; ///< each second change takes back what the one before has set
+    int (*last)(); ///< number of the last stored change
+    int longest; ///< most microseconds until the kill; includes the first start
+    bool inTurns = false; ///< each second change removes what the one before has set
 
     int after(int change) const { return inTurns && change % 2 == 0 ? 0 : change; }
 };
@@ -111,7 +109,7 @@ const Store stores[] = {
     {"lists", "dataList.db", entries<countWhole>, 60000},
     {"deleted entries", "dataList.db", entries<theOnly>, 60000, true},
     {"reset lists", "dataList.db", entries<theOnly>, 60000, true},
-    {"networks", "wifi.db", networksOfBoth, 300000}, // its tools take their time
+    {"networks", "wifi.db", networksOfBoth, 300000}, // because its tools are slow
     {"deleted networks", "wifi.db", networks<theOnly>, 300000, true},
     {"reset networks", "wifi.db", networks<theOnly>, 300000, true},
     {"counters", nullptr, lastCount, 60000},
@@ -135,8 +133,8 @@ QString integrity(const QString &file)
 } // namespace
 
 /**
- * A program is killed at a random moment, again and again, while it changes a store: what it was
- * told to be done is there afterwards, at most one change more, and nothing is half done.
+ * A program is killed again and again, at random moments, while it changes a store. Afterwards
+ * every change whose call had returned is there, at most one more, and no change is incomplete.
  */
 class TstKilled : public QObject
 {
@@ -147,13 +145,13 @@ private slots:
     void killed();
 
 private:
-    /** @return the last change that was answered */
+    /** @return number of the last change whose call had returned */
     static int changeAndKill(const char *store, qint64 microseconds);
 };
 
 void TstKilled::initTestCase()
 {
-    QLoggingCategory::setFilterRules("default.debug=false"); // the changes are many
+    QLoggingCategory::setFilterRules("default.debug=false"); // there are too many lines
     for (const char *program : {"ifconfig", "systemctl"}) // only cost time here
         Meter::hideProgram(program);
     QDir(languages).removeRecursively();
@@ -184,7 +182,7 @@ int TstKilled::changeAndKill(const char *store, qint64 microseconds)
     changer.kill();
     changer.waitForFinished(-1);
     if (changer.exitStatus() != QProcess::CrashExit)
-        return std::numeric_limits<int>::max(); // a change was refused
+        return std::numeric_limits<int>::max(); // a change has failed
     said += changer.readAll();
     return said.trimmed().split('\n').last().toInt(); // 0 for "begin"
 }
@@ -194,7 +192,7 @@ void TstKilled::killed()
     QFETCH(int, index);
     const Store &store = stores[index];
     const int rounds = qEnvironmentVariableIsSet("KTV_LONG_FORM") ? 1000 : 12;
-    QRandomGenerator random(quint32(index + 1)); // the same moments every time
+    QRandomGenerator random(quint32(index + 1)); // the same moments in each run
     int answered = 0;
     for (int round = 0; round < rounds; ++round) {
         QDir(directory).removeRecursively();

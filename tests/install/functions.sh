@@ -1,4 +1,4 @@
-# What the checks of this folder share: they set $source and $work first.
+# Functions for the checks in this folder, which set $source and $work first.
 cmake=${CMAKE:-cmake}
 cxx=${CXX:-c++}
 failures=0
@@ -8,7 +8,7 @@ fail() {
     failures=$((failures + 1))
 }
 
-# quietly COMMAND...: its output is shown only if it fails
+# quietly COMMAND...: shows the output only if the command fails
 quietly() {
     "$@" >"$work/log" 2>&1 || {
         cat "$work/log"
@@ -22,7 +22,7 @@ configured() {
     quietly "$cmake" -G Ninja -S "$1" -B "$2" -DCMAKE_CXX_COMPILER="$cxx" "${@:3}"
 }
 
-# answers TEXT PROGRAM [LIBRARIES]: what the program, run in a meter, must print
+# answers TEXT PROGRAM [LIBRARIES]: checks that the program, run in a meter, prints the text
 answers() {
     local answer
     answer=$("$source/simulator/meter-run" --bind "$work" --setenv LD_LIBRARY_PATH "${3-}" -- \

@@ -22,7 +22,7 @@ using Internal::Waits;
 
 Q_DECLARE_METATYPE(Internal::CommandResult::Outcome)
 
-/** How far a command comes, what is kept of it, and what is left of it. */
+/** How far a command comes, which output is kept, and that no process is left. */
 class TstCommandRunner : public QObject
 {
     Q_OBJECT
@@ -53,11 +53,14 @@ private slots:
     void toolsThatCannotBeKilled();
 
 private:
-    /** Runs what never ends by itself, and sets the flag once it has said that it runs. */
+    /**
+     * Runs a command that never ends by itself, and sets the stop flag after the command has
+     * printed that it runs.
+     */
     CommandResult runAndStop(const QString &script);
 
     static QString notePath() { return QStringLiteral("/tmp/note"); }
-    /** Runs a script whose end is not limited. */
+    /** Runs a script without a time limit. */
     static QString output(const QString &script)
     {
         return Internal::runShell(script, {3000, Waits::Forever}).output;
@@ -175,7 +178,8 @@ void TstCommandRunner::stopFlagSetBefore()
 
 void TstCommandRunner::stopReachesNoHandlerOfThisProcess()
 {
-    // A handler as of an interface that quits on SIGTERM: a forked child shares its pipe.
+    // A handler such as that of an interface that quits on SIGTERM: it writes into a pipe that a
+    // forked child shares.
     static int ends[2];
     QVERIFY(::pipe2(ends, O_NONBLOCK) == 0);
     const auto previous = std::signal(
@@ -218,11 +222,11 @@ void TstCommandRunner::detached()
 void TstCommandRunner::toolReadsNothingAndComplainsToNobody()
 {
     QCOMPARE(Internal::runDirect("cat", {3000, 5000}).outcome, CommandResult::Finished);
-    // More complaints than any pipe holds.
+    // More errors than fit into a pipe.
     QCOMPARE(output("head -c 3000000 /dev/zero >&2; echo done"), "done\n");
 }
 
-/** How many descriptors a program finds that this process starts, and one that it opens. */
+/** How many descriptors a program has when this process starts it, and then opens one. */
 static int inheritedDescriptors()
 {
     int count = 1;
@@ -260,7 +264,7 @@ void TstCommandRunner::toolHasItsSignalsAsAShellGivesThem()
 void TstCommandRunner::withoutStandardStreams()
 {
     int kept[3];
-    for (const int stream : {0, 1, 2}) { // what is opened now has their numbers
+    for (const int stream : {0, 1, 2}) { // files that are opened now get these numbers
         kept[stream] = ::fcntl(stream, F_DUPFD_CLOEXEC, 10);
         ::close(stream);
     }
@@ -274,7 +278,7 @@ void TstCommandRunner::withoutStandardStreams()
     QVERIFY2(listed.count('\n') == inheritedDescriptors(), qPrintable(listed));
 }
 
-/** An older kernel: the calling thread is told that it does not know the call. */
+/** Imitates an older kernel: in this thread the system call fails as unknown. */
 static bool hideCall(unsigned number)
 {
     sock_filter filter[] = {
@@ -335,7 +339,7 @@ void TstCommandRunner::withThreeDescriptorsLeft()
 
 void TstCommandRunner::whereChildrenAreNotWaitedFor()
 {
-    const auto before = std::signal(SIGCHLD, SIG_IGN); // the kernel takes care of them
+    const auto before = std::signal(SIGCHLD, SIG_IGN); // the kernel reaps children by itself
     const CommandResult ends = Internal::runDirect("echo a", {3000, 5000});
     const CommandResult isLate = Internal::runDirect("sleep 1000", {3000, 100});
     std::signal(SIGCHLD, before);
@@ -379,7 +383,7 @@ void TstCommandRunner::killedWhileItStartsCommands()
         ::kill(victim, SIGKILL);
         ::waitpid(victim, nullptr, 0);
     }
-    QTRY_COMPARE(Meter::processes("victim"), QStringList()); // no copy of it that hangs
+    QTRY_COMPARE(Meter::processes("victim"), QStringList()); // no hanging copy is left
 }
 
 void TstCommandRunner::toolsThatCannotBeKilled()
@@ -391,11 +395,12 @@ void TstCommandRunner::toolsThatCannotBeKilled()
         result = runAndStop(UNKILLABLE " /tmp/note");
         QCOMPARE(result.outcome, CommandResult::NotFinished);
         ids += QString::fromLatin1(note()).trimmed();
-        QVERIFY(QFile::exists("/proc/" + ids.last())); // and yet the call has come back
+        // The program still runs although the call has returned.
+        QVERIFY(QFile::exists("/proc/" + ids.last()));
     }
     result = Internal::runDirect("true", Waits());
     QCOMPARE(result.outcome, CommandResult::NotFinished);
-    QVERIFY(result.lacksResources); // no more than these
+    QVERIFY(result.lacksResources); // no further one is started
     QProcess::execute("/usr/bin/pkill", {"-KILL", "-x", "unkillable"});
     QTRY_VERIFY(Internal::runDirect("true", Waits()).finished());
     for (const QString &id : qAsConst(ids))

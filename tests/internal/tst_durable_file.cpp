@@ -12,7 +12,7 @@
 #include <sys/file.h>
 #include <sys/resource.h>
 
-/** Files that are replaced whole or not at all. */
+/** Files are replaced completely or not at all. */
 class TstDurableFile : public QObject
 {
     Q_OBJECT
@@ -95,7 +95,7 @@ void TstDurableFile::leftoversAreRemoved()
                               "b.conf.new-aBcDeF"};
     for (const QString &name : others + QStringList("a.conf.new-aBcDeF"))
         Meter::writeFile(directory() + name, "x");
-    QFile beingMade(directory() + "a.conf.new-uVwXyZ"); // by another process
+    QFile beingMade(directory() + "a.conf.new-uVwXyZ"); // being written by another process
     QVERIFY(beingMade.open(QIODevice::ReadOnly));
     QCOMPARE(::flock(beingMade.handle(), LOCK_EX), 0);
     QString reason;
@@ -107,7 +107,7 @@ void TstDurableFile::leftoversAreRemoved()
         QVERIFY(givenUp.open(&reason));
     }
     QCOMPARE(Meter::readFile(path()), QByteArray("new"));
-    QCOMPARE(files().size(), others.size()); // the other process has died meanwhile
+    QCOMPARE(files().size(), others.size()); // the other process has ended
 }
 
 void TstDurableFile::obstacle_data()
@@ -174,7 +174,7 @@ void TstDurableFile::directoryIsMadeOnce()
 
 void TstDurableFile::directoryOfNothing()
 {
-    QVERIFY(Internal::flushDirectoryOf(path())); // the file itself need not be there
+    QVERIFY(Internal::flushDirectoryOf(path())); // the file itself need not exist
     QVERIFY(!Internal::flushDirectoryOf(directory() + "a/b"));
 }
 

@@ -7,7 +7,7 @@
 
 using Internal::guarded;
 
-/** What an operation throws goes into the log and no further. */
+/** Exceptions of an operation are logged and go no further. */
 class TstGuarded : public QObject
 {
     Q_OBJECT

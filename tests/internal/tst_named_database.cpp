@@ -15,7 +15,9 @@ using Internal::NamedDatabase;
 using Internal::Statement;
 using Internal::Transaction;
 
-/** What the stores share of a database: its connection, transactions, and its creation. */
+/**
+ * The database helper that the stores share: connection, transactions, and creation of the file.
+ */
 class TstNamedDatabase : public QObject
 {
     Q_OBJECT
@@ -108,7 +110,7 @@ void TstNamedDatabase::transactionRollsBackUnlessCommitted()
         QVERIFY(transaction.commit());
     }
     QCOMPARE(rows(database), 1);
-    QVERIFY(database.commit()); // nothing is open: nothing to do
+    QVERIFY(database.commit()); // no transaction is open
     database.rollback();
     QCOMPARE(rows(database), 1);
 }
@@ -125,7 +127,7 @@ void TstNamedDatabase::innerTransactionIsPartOfTheOuter()
             QVERIFY(inner.commit());
         }
         {
-            const Transaction givenUp(database); // its end touches nothing, either
+            const Transaction givenUp(database); // its destructor has no effect, either
             QVERIFY(run(database, "INSERT INTO t VALUES (2)"));
         }
         QCOMPARE(rows(database), 2);
@@ -198,7 +200,7 @@ void TstNamedDatabase::schemaIsOneTransaction()
         database, {"CREATE TABLE t (x)", "INSERT INTO t VALUES ('" + QString(100000, 'x') + "')"});
     QVERIFY(!log.lines().isEmpty());
     database.release();
-    QVERIFY(Internal::isMissing(path("card/a.db"))); // half a schema is none
+    QVERIFY(Internal::isMissing(path("card/a.db"))); // an incomplete schema counts as none
 }
 
 void TstNamedDatabase::missing_data()
@@ -239,7 +241,8 @@ void TstNamedDatabase::missing()
         Meter::writeFile(path("a.db-journal"), journal);
     QCOMPARE(Internal::isMissing(path()), isMissing);
     QDir().mkdir(path("directory"));
-    QCOMPARE(Internal::isMissing(path("directory")), false); // in the way, and not missing
+    // Not missing, although it cannot be opened.
+    QCOMPARE(Internal::isMissing(path("directory")), false);
     const SocketFile socket(path("socket"));
     QCOMPARE(Internal::isMissing(path("socket")), false); // although its size is 0
 }

@@ -17,7 +17,7 @@
 #include <functional>
 #include <memory>
 
-/** The battery is pulled: what a call had answered for is on the card, whatever else is not. */
+/** After the battery is pulled, the changes of every call that had returned are on the card. */
 class TstPowerCut : public QObject
 {
     Q_OBJECT
@@ -39,8 +39,8 @@ private:
     using Config = KTV_InterfaceConfig;
 
     /**
-     * Records calls and pulls the battery at every moment. What @p look then finds must be what
-     * it found after the last call that had answered, or after the next one.
+     * Records calls and then tries a power cut at every moment. The state that @p look then finds
+     * must be that after the last call that had returned, or after the next one.
      */
     void cut(const std::vector<Call> &calls, const std::function<QString()> &look);
     QString find(const QString &directory, const std::function<QString()> &look);
@@ -51,7 +51,7 @@ private:
     std::unique_ptr<KTV_DataList> lists(const QString &language) const;
     QString storedLists(const QString &language) const;
 
-    QString m_prefix; ///< where calls and looks find the files at present
+    QString m_prefix; ///< path of the files for calls and looks
     std::unique_ptr<QTemporaryDir> m_directory;
 };
 
@@ -82,7 +82,7 @@ void TstPowerCut::cut(const std::vector<Call> &calls, const std::function<QStrin
         return find(copy, look);
     };
     const LogCapture log;
-    // Once without a record, for what each call leaves; then once more, from the same beginning.
+    // First without a record, to get the state after each call; then again from the same start.
     const QString first = m_directory->path() + "/first/";
     QDir().mkpath(first);
     for (const QString &name : QDir(m_prefix).entryList(QDir::Files))
@@ -212,7 +212,7 @@ void TstPowerCut::listsOfTheFirstStart()
     const QString whole = "one,two,|" + QString(5000, 'x') + ",three,|Copper,|";
     cut({[this] { lists(QStringLiteral("EN")); }}, [&] {
         const QString found = storedLists(QStringLiteral("EN"));
-        return found == whole ? QString() : found; // made up for by the next start
+        return found == whole ? QString() : found; // completed by the next start
     });
 }
 

@@ -16,7 +16,7 @@ using Internal::XmlError;
 
 namespace {
 
-/** Writes down what it is told. */
+/** Records the calls that it gets. */
 class Nodes : public Internal::XmlSections
 {
 public:
@@ -34,7 +34,7 @@ private:
     QStringList m_lines;
 };
 
-/** The same of a document. */
+/** The same calls, made from a document. */
 QStringList linesOf(const QDomDocument &document)
 {
     Nodes nodes;
@@ -62,7 +62,7 @@ QByteArray inUtf16(const QString &text, const char *codec = "UTF-16")
     return QTextCodec::codecForName(codec)->fromUnicode(text);
 }
 
-/** A file of that many blanks, which notes how many bytes it is asked for at once, and in all. */
+/** A file of spaces, which records how many bytes are read at once, and in all. */
 class Blanks : public QIODevice
 {
 public:
@@ -87,7 +87,7 @@ private:
     qint64 m_left;
 };
 
-/** The error of parsing the text; an empty message: none. */
+/** The error of parsing the text; its message is empty if there is none. */
 XmlError errorOf(QByteArray text)
 {
     QBuffer buffer(&text);
@@ -101,7 +101,7 @@ XmlError errorOf(QByteArray text)
 
 } // namespace
 
-/** Parsing of files that may be anything. */
+/** Parsing of files with any content. */
 class TstXmlFile : public QObject
 {
     Q_OBJECT
@@ -124,7 +124,7 @@ private slots:
 void TstXmlFile::sameAsTheDocument_data()
 {
     QTest::addColumn<QByteArray>("text");
-    const QByteArray many = QByteArray("<b/>").repeated(10001); // enough to be looked at closely
+    const QByteArray many = QByteArray("<b/>").repeated(10001); // enough references to be counted
     const char *const texts[] = {"<a/>",
                                  "",
                                  "<a>",
@@ -185,7 +185,7 @@ void TstXmlFile::sameAsTheDocument_data()
         << section("<k value='1'/>", "<!DOCTYPE a [<!ENTITY % p SYSTEM 'p'> %p;]>");
 }
 
-/** What QDomDocument makes of the same file, opened as text. */
+/** The result of QDomDocument for the same file, opened as text. */
 void TstXmlFile::sameAsTheDocument()
 {
     QFETCH(QByteArray, text);
@@ -223,7 +223,7 @@ void TstXmlFile::sameAsTheDocument()
         QCOMPARE(nodes.lines(), linesOf(expected));
 }
 
-/** The comparison itself sees something. */
+/** Checks that the comparison finds differences. */
 void TstXmlFile::sectionsOfATextWithoutThem()
 {
     Nodes nodes;

@@ -1,4 +1,3 @@
-#include <csignal>
 #include <cstdio>
 #include <fcntl.h>
 #include <string>
@@ -7,15 +6,15 @@
 #include <unistd.h>
 
 /**
- * unkillable FILE: once its id is in the file, nobody gets rid of this program: SIGKILL ends it,
- * but its parent does not hear of that before its tracer does, and that one never asks.
+ * unkillable FILE: writes its id into the file and then cannot be killed, as far as its parent can
+ * see: after SIGKILL the kernel reports its end first to its tracer, which never waits for it.
  */
 int main(int, char *argv[])
 {
     const pid_t id = ::getpid();
     ::prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY);
     if (::fork() == 0) {
-        ::setsid(); // no member of the group that is killed
+        ::setsid(); // not in the process group that is killed
         const std::string text = std::to_string(id) + '\n';
         const bool isTraced = ::ptrace(PTRACE_SEIZE, id, nullptr, nullptr) == 0;
         const int file = ::open(argv[1], O_WRONLY | O_CREAT, 0600);

@@ -28,7 +28,7 @@ int traced(const QStringList &options, const QStringList &words)
 {
     QProcess strace;
     auto environment = QProcessEnvironment::systemEnvironment();
-    // What looks for leaks cannot look into a traced program, and fails it.
+    // The leak sanitizer does not work in a traced program, and would fail it.
     environment.insert("ASAN_OPTIONS", environment.value("ASAN_OPTIONS") + ":detect_leaks=0");
     strace.setProcessEnvironment(environment);
     strace.start("strace", QStringList {"-f", "-qq"} + options + QStringList(program) + words);
@@ -37,7 +37,7 @@ int traced(const QStringList &options, const QStringList &words)
     return strace.exitStatus() == QProcess::NormalExit ? strace.exitCode() : wasKilled;
 }
 
-/** Which of its system calls of that name, counted from 1, ktvctl makes on the card. */
+/** Numbers, from 1, of those system calls of that name that ktvctl makes on the card. */
 QVector<int> callsOnTheCard(const QString &call, const QStringList &words)
 {
     const QTemporaryDir directory;
@@ -56,7 +56,7 @@ QVector<int> callsOnTheCard(const QString &call, const QStringList &words)
     return numbers;
 }
 
-/** The lines of a running watch, as they come. */
+/** A running watch and the lines that it has printed so far. */
 class Watch
 {
 public:
@@ -97,7 +97,7 @@ QByteArray language(const QByteArray &title)
 
 } // namespace
 
-/** ktvctl as a service engineer types it. */
+/** Commands of ktvctl as a service engineer types them. */
 class TstKtvctl : public QObject
 {
     Q_OBJECT
@@ -295,7 +295,7 @@ void TstKtvctl::helpOfEveryCommand()
                 break;
             words += word;
         }
-        // What follows a command without arguments is its summary.
+        // After a command without arguments comes its summary.
         const Answer one = ktvctl(words.mid(0, 2) + QStringList("--help"));
         if (!families.contains(words.first()))
             families.insert(words.first(), ktvctl({words.first(), "--help"}));
@@ -401,7 +401,7 @@ void TstKtvctl::settingsWithoutACard()
 
 void TstKtvctl::settingsThatAreNoFile()
 {
-    // The library would put an empty file in its place.
+    // The library would replace it by an empty file.
     QProcess::execute("mkfifo", {settingsFile});
     const Answer answer = typed("settings get MAIN_Pin");
     QCOMPARE(answer.code, 1);
@@ -470,7 +470,7 @@ void TstKtvctl::readersLeaveOtherServicesAlone()
     QCOMPARE(typed(words).code, 0);
     QCOMPARE(QDir(userData).entryList(QDir::Files), QStringList());
     QCOMPARE(QDir(logFiles).entryList(QDir::Files), QStringList());
-    QCOMPARE(Meter::journal(), QStringList()); // no command of the system was run
+    QCOMPARE(Meter::journal(), QStringList()); // no system tool was run
 }
 
 void TstKtvctl::pulledBattery_data()
@@ -596,7 +596,7 @@ void TstKtvctl::watchEndsCleanly()
         watch.signal(number);
     QCOMPARE(watch.nextLine(), QStringLiteral("stopped"));
     QCOMPARE(watch.end(), 0);
-    QVERIFY(QFile::exists(logFiles + "liczniki.bin")); // the services have ended in their order
+    QVERIFY(QFile::exists(logFiles + "liczniki.bin")); // the services were destroyed in order
     QCOMPARE(ktvctl({"settings", "get", "MAIN_MeterSN"}).out, QStringLiteral("AA0000\n"));
 }
 

@@ -82,10 +82,10 @@ void TstKtvctlCheckImage::imageIsClean()
     QCOMPARE(answer.out, QString());
     QCOMPARE(answer.error, QString());
     QCOMPARE(answer.code, 0);
-    // A link cannot lead out of it.
+    // A link cannot lead out of the image.
     run("ln -sf ../../../../../../../bin/sh usr/bin/ps", image);
     QCOMPARE(ktvctl({"check-image", image}).out, QString());
-    // Its description counts, not the device's.
+    // The description in the image is used, not that of the device.
     run("mkdir srv; mv home/root/Langs srv/Texts; "
         "sed -i s,/home/root/Langs/,/srv/Texts/, home/root/globalInfo.xml",
         image);

@@ -5,7 +5,7 @@
 
 #include <csignal>
 
-/** ktvctl usb, sound and beep, as typed. */
+/** The commands ktvctl usb, sound and beep. */
 class TstKtvctlUsbSound : public QObject
 {
     Q_OBJECT
@@ -77,7 +77,8 @@ void TstKtvctlUsbSound::commands_data()
         "ktvctl: a serial line is owned by 'nobody', 'bridge', 'calibration' or 'console'\n";
     row("usb set serial somebody", 2, "", owner);
     row("usb set network console", 2, "", owner);
-    row("usb set serial mactool", 2, "", owner); // is taken for the program of that name
+    // The command line itself is taken for that program.
+    row("usb set serial mactool", 2, "", owner);
     const char *time = "ktvctl: a time is a number of seconds, 1 to 86400\n";
     row("usb set serial bridge --seconds 0", 2, "", time);
     row("sound play error_short", 0, "");
@@ -103,7 +104,7 @@ void TstKtvctlUsbSound::commands()
 {
     const Answer answer = typed(QTest::currentDataTag());
     QTEST(answer.out, "out");
-    // The programs themselves complain, too.
+    // The programs print errors, too.
     QFETCH(QString, error);
     QVERIFY2(answer.error.contains(error), qPrintable(answer.error));
     QFETCH(int, code);
@@ -131,7 +132,7 @@ void TstKtvctlUsbSound::lineHeldByAStranger()
     QProcess stranger;
     stranger.start("sh", {"-c", "exec 3<>/dev/ttyGS0 && echo held && read word"});
     QVERIFY(stranger.waitForReadyRead(Meter::patience));
-    // The kernel keeps a gadget that is in use, and the program says so.
+    // The kernel does not unload a gadget that is in use, and ktvctl prints why.
     Meter::setBehaviour("modprobe-usb-gadget", "stdout=in use");
     const Answer answer = typed("usb set network");
     Meter::setBehaviour("modprobe-usb-gadget", {});
@@ -180,7 +181,7 @@ void TstKtvctlUsbSound::loopEndsByAStop()
     QTRY_VERIFY(QFile::exists(recording));
     QCOMPARE(typed("sound stop").code, 0);
     QTRY_COMPARE(Meter::processes("aplay"), QStringList());
-    ::kill(pid_t(loop.processId()), SIGINT); // its shell may be out of reach: see "sound stop"
+    ::kill(pid_t(loop.processId()), SIGINT); // its shell may not be found: see "sound stop"
     QVERIFY(loop.waitForFinished());
     QTRY_COMPARE(Meter::processes("cat"), QStringList());
 }

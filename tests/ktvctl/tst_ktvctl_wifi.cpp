@@ -5,7 +5,7 @@
 
 #include <csignal>
 
-/** ktvctl wifi among access points, as typed. */
+/** The commands ktvctl wifi, with access points in reach. */
 class TstKtvctlWifi : public QObject
 {
     Q_OBJECT
@@ -38,7 +38,7 @@ private:
     {
         return ktvctl(QStringList("wifi") + words, input);
     }
-    /** The same for words without blanks. @return standard output; empty unless all went well */
+    /** The same for arguments without spaces. @return standard output; empty after a failure */
     static QString output(const QString &words);
     static QByteArray preferred();
 };
@@ -49,7 +49,7 @@ QString TstKtvctlWifi::output(const QString &words)
     return answer.code == 0 && answer.error.isEmpty() ? answer.out : QString();
 }
 
-/** The line before the preference in what the supplicant was given, if there is one. */
+/** The line before the preference in the supplicant's file, if there is one. */
 QByteArray TstKtvctlWifi::preferred()
 {
     const QList<QByteArray> lines =
@@ -198,7 +198,7 @@ void TstKtvctlWifi::networksAreKept()
     QCOMPARE(output("list"), "open       Guest\nprotected  Lab\n");
     QCOMPARE(output("list --json"),
              "[{\"name\":\"Guest\",\"protected\":false},{\"name\":\"Lab\",\"protected\":true}]\n");
-    QCOMPARE(preferred(), QByteArray()); // until the next command
+    QCOMPARE(preferred(), QByteArray()); // a preference lasts only until the next command
     QCOMPARE(wifi({"prefer", "Guest"}).code, 0);
     QCOMPARE(preferred(), QByteArray("\tkey_mgmt=NONE"));
     QCOMPARE(wifi({"delete", "Guest"}).code, 0);
@@ -209,7 +209,7 @@ void TstKtvctlWifi::passPhraseFromInput()
 {
     for (const char *line : {"1234567\n", "\n", ""}) {
         QCOMPARE(wifi({"add", "Lab", "-"}, line).code, 2);
-        QCOMPARE(output("list"), QString()); // not taken for an open one
+        QCOMPARE(output("list"), QString()); // not stored as an open network
     }
     QCOMPARE(wifi({"add", "Lab", "-"}, "ohm-law-1827\nmore\n").code, 0);
     QVERIFY(output("status --wait 20").contains("Network:   Lab\n"));

@@ -1,10 +1,9 @@
-// Mutates language files and compares what the library makes of each with what QDomDocument says of
-// it: texts, sections, and the message and place of an error. Run by hand in the simulated meter:
+// Mutates language files and compares the library's result for each with that of QDomDocument:
+// texts, sections, and the message and place of an error. Run by hand in the simulated meter:
 //
 //     compare_with_document COUNT [SEED] [FILE...]
-//
-// Without files, those of the meter's own languages and description are mutated; files that are
-// hard to read come with the program. A file that differs is printed.
+// Without FILE, the meter's own languages and description are mutated. The program also has some
+// difficult files of its own. A file with different results is printed.
 
 #include "support/LogCapture.h"
 #include "support/Meter.h"
@@ -153,7 +152,7 @@ QByteArray mutated(QByteArray text, const QList<QByteArray> &seeds, std::mt19937
     return text;
 }
 
-/** What the language service answers, looked up in a document. */
+/** The results of LangSerwis, looked up in a document. */
 class Document
 {
 public:
@@ -225,7 +224,7 @@ Verdict compare(const QString &directory, const QString &path)
     const bool ok = document.read(path, error);
     LangSerwis texts(directory, KTV_Configuration::KTV_420);
     const bool isLoaded = texts.setLang("XX");
-    // Qt itself complains of an unknown encoding.
+    // Qt itself logs a warning about an unknown encoding.
     const QStringList lines = log.lines().filter(QRegularExpression("^(?!codecForName)"));
     if (!isLoaded && isRefusal(lines.value(0)))
         return Refused;

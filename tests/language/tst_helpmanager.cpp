@@ -1,6 +1,5 @@
 #include "support/LogCapture.h"
 #include "support/Meter.h"
-#include "support/Volume.h"
 
 #include <language/helpManager.h>
 
@@ -78,7 +77,7 @@ void TstHelpManager::folderOfModel()
              folder.isEmpty() ? QStringList() : QStringList(folder));
     QCOMPARE(log.lines(), QStringList());
     page("Help/" + folder + "/Main/a_EN.html");
-    // Without a model folder the path keeps both separators.
+    // Without a model folder the path has two separators in a row.
     QCOMPARE(pagesOf(help, "Main"),
              QStringList(directory() + "Help/" + folder + "/Main/a_EN.html"));
     QVERIFY(help.HasHelp("Main"));
@@ -188,7 +187,7 @@ void TstHelpManager::missingTopic()
     const helpManager help(directory(), KTV_Configuration::KTV_420, "EN");
     QVERIFY(!help.HasHelp(topic));
     QVERIFY(QFileInfo(directory() + "KTV_420/" + topic).isDir());
-    QCOMPARE(log.lines(), QStringList()); // only an existing topic is counted
+    QCOMPARE(log.lines(), QStringList()); // logged only for an existing topic
     QVERIFY(QDir(directory() + "KTV_420/" + topic).removeRecursively());
     QCOMPARE(pagesOf(help, topic), QStringList());
     QVERIFY(QFileInfo(directory() + "KTV_420/" + topic).isDir());

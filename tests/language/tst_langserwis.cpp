@@ -1,7 +1,6 @@
 #include "support/Hostile.h"
 #include "support/LogCapture.h"
 #include "support/Meter.h"
-#include "support/Volume.h"
 
 #include <language/LangSerwis.h>
 
@@ -29,7 +28,7 @@ const QByteArray german = "<texts><Main><title value='Überschrift'/></Main></te
 
 const QString unset = QStringLiteral("default");
 
-/** What a service shows of its language. */
+/** The texts and formats that a service returns. */
 struct View
 {
     explicit View(const LangSerwis &texts)
@@ -122,11 +121,11 @@ void TstLangSerwis::switching()
     LangSerwis texts(directory(), KTV_Configuration::MeterModels_NaN);
     QVERIFY(texts.setLang("EN"));
     QCOMPARE(View(texts).values, inEnglish);
-    QVERIFY(texts.setLang("DE")); // without presentation data: back to the defaults
+    QVERIFY(texts.setLang("DE")); // no section "Lang": back to the defaults
     QCOMPARE(View(texts).values, inGerman);
     QVERIFY(texts.setLang("EN"));
     QCOMPARE(View(texts).values, inEnglish);
-    QVERIFY(QFile::remove(fileOf("EN"))); // what is loaded stays
+    QVERIFY(QFile::remove(fileOf("EN"))); // the loaded texts stay
     QCOMPARE(View(texts).values, inEnglish);
     QCOMPARE(log.lines(), QStringList());
 }
@@ -161,7 +160,7 @@ void TstLangSerwis::directoryInTheFilesPlace()
     QDir().mkpath(fileOf("FR"));
     LangSerwis texts(directory(), KTV_Configuration::MeterModels_NaN);
     const LogCapture log;
-    QVERIFY(texts.setLang("FR")); // there, and not to be opened
+    QVERIFY(texts.setLang("FR")); // exists, but cannot be opened
     QCOMPARE(View(texts).values, inEnglish);
     QCOMPARE(log.lines(),
              QStringList("LangSerwis::setLang(FR): file to open is a directory: " + fileOf("FR")));
@@ -225,7 +224,7 @@ void TstLangSerwis::unusableFile()
     QVERIFY(texts.setLang("EN"));
     prepare(fileOf("DE"));
     const LogCapture log;
-    QVERIFY(!texts.setLang("DE")); // a file that is there has no fallback
+    QVERIFY(!texts.setLang("DE")); // no fallback if the file exists
     QCOMPARE(View(texts).values, inEnglish);
     const auto line = QStringLiteral("LangSerwis::setLang(DE) Fail to load file:   ");
     QCOMPARE(log.lines().size(), 1);
@@ -241,7 +240,7 @@ void TstLangSerwis::text_data()
     QTest::addColumn<QString>("section");
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("text");
-    // One row a line, though texts stand beside each other.
+    // One row in each line.
     // clang-format off
     QTest::newRow("text") << english << "Main" << "title" << "Title";
     QTest::newRow("no such section") << english << "Other" << "title" << unset;
@@ -439,7 +438,7 @@ void TstLangSerwis::offeredLanguages()
     QFETCH(QStringList, codes);
     QDir(directory()).mkdir("ES"); // without a language file
     QDir(directory()).mkdir(QStringLiteral("ŻÓ"));
-    Meter::writeFile(directory() + "FR.xml", english); // a file is no language
+    Meter::writeFile(directory() + "FR.xml", english); // a file does not count as a language
     const std::unique_ptr<QStringList> atOnce(LangSerwis(directory(), model).getLangList());
     QCOMPARE(*atOnce, codes);
     LangSerwis texts(directory(), KTV_Configuration::KTV_4400);

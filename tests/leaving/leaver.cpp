@@ -9,7 +9,6 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QProcess>
 #include <QThread>
 #include <QThreadPool>
 
@@ -32,7 +31,7 @@ bool startTone(KTV_Configuration::MeterModels model, BuzzerClass::Tone tone, boo
     return Sound::process || BuzzerClass::future.isRunning();
 }
 
-/** Polls the state with a tool that never ends, and that nothing but leaving limits. */
+/** Polls the state with a tool that never ends, and that has no time limit. */
 bool startWifiPoll()
 {
     auto *const connection = new WiFi::KTV_Connection(QStringLiteral("/tmp/"));
@@ -44,12 +43,15 @@ bool startWifiPoll()
     return true;
 }
 
-/** Services that a client has in static variables: they go after main(), and after Qt's own. */
+/**
+ * Services in a client's static variables: destroyed after main(), and after Qt's own static
+ * objects.
+ */
 std::unique_ptr<WiFi::KTV_Connection> s_connection;
 std::unique_ptr<KTV_InterfaceConfig> s_config;
 std::unique_ptr<KTV_DataList> s_lists;
 
-/** The last one to go: reads and writes what has been given up. */
+/** Destroyed last: reads and writes stores that are closed already. */
 struct LateUser
 {
     ~LateUser()
@@ -97,7 +99,7 @@ constexpr int notStarted = 3;
 
 } // namespace
 
-/** leaver WHAT HOW: starts something, then leaves while it goes on. */
+/** leaver WHAT HOW: starts something, then ends the process while it is still running. */
 int main(int argc, char *argv[])
 {
     const Start start = starts.at(argv[1]);

@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-/** A client that leaves in the midst of it: it ends, and nothing of it stays behind. */
+/** A client that exits while the library is working: it ends, and no process of it is left. */
 class TstLeaving : public QObject
 {
     Q_OBJECT
@@ -30,7 +30,7 @@ private:
 void TstLeaving::initTestCase()
 {
     QProcess::execute("modprobe-usb-gadget", {"g_serial"});
-    Meter::setBehaviour("beep", "hang=1"); // a tone without an end, not even of its first step
+    Meter::setBehaviour("beep", "hang=1"); // a tone whose first step never ends
 }
 
 std::unique_ptr<QProcess> TstLeaving::start(const QString &what, const QString &how)
@@ -64,7 +64,8 @@ void TstLeaving::leaves()
     for (const char *what : {"bridge", "tone", "melody", "sample", "loop"}) {
         leavers.push_back(start(what, how));
         if (how.startsWith("facade"))
-            leavers.back()->waitForFinished(Meter::patience); // one at a time has the databases
+            // Only one process at a time can use the databases.
+            leavers.back()->waitForFinished(Meter::patience);
     }
     for (const auto &leaver : leavers) {
         const bool isOver =
@@ -73,7 +74,7 @@ void TstLeaving::leaves()
         QCOMPARE(leaver->exitStatus(), QProcess::NormalExit);
         QVERIFY2(leaver->exitCode() == 0, qPrintable(leaver->arguments().first()));
     }
-    // The loudspeaker's program notices the end of its player on its own.
+    // The loudspeaker program notices the end of its player by itself.
     QTRY_COMPARE(leftBehind(), QStringList());
 }
 
@@ -115,7 +116,7 @@ void TstLeaving::leavesStores()
     QVERIFY(leaver->waitForFinished(30000));
     QCOMPARE(leaver->exitStatus(), QProcess::NormalExit);
     QCOMPARE(leaver->exitCode(), 0);
-    // Nobody has deleted the files because they did not open any more.
+    // The files have not been deleted because they could not be opened any more.
     KTV_InterfaceConfig config(QStringLiteral("/media/sdcard/UserData/"));
     QCOMPARE(config.getValue(KTV_InterfaceConfig::MAIN_Pin, 0), 4711);
 }

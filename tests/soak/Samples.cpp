@@ -40,7 +40,7 @@ qint64 threads()
     return entries("/proc/self/task");
 }
 
-/** Of the whole meter: what has lost its parent counts, too. */
+/** Of the whole meter, so that orphaned processes are counted, too. */
 qint64 processes()
 {
     const QStringList names = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
@@ -52,11 +52,12 @@ struct Quantity
 {
     const char *name;
     qint64 (*value)();
-    qint64 allowance; ///< of growth
+    qint64 allowance; ///< growth that is allowed
 };
 
 #if defined(__SANITIZE_ADDRESS__)
-constexpr qint64 ofFragments = std::numeric_limits<qint64>::max() / 2; // it keeps what is freed
+// The sanitizer's allocator keeps freed memory.
+constexpr qint64 ofFragments = std::numeric_limits<qint64>::max() / 2;
 #else
 constexpr qint64 ofFragments = 1024;
 #endif
@@ -71,7 +72,7 @@ const Quantity quantities[] = {
 
 void Samples::take(double seconds)
 {
-    constexpr std::size_t most = 2000; // room from the beginning: it is no growth
+    constexpr std::size_t most = 2000; // reserved at the start, so that it does not count as growth
     m_samples.reserve(most);
     if (m_samples.size() == most) {
         for (std::size_t i = 0; i < most / 2; ++i)

@@ -5,21 +5,20 @@
 #include <array>
 #include <vector>
 
-/** What a program that runs for long holds, over the time, and whether that grows. */
+/** Samples of what a long-running program uses, over time, and whether that grows. */
 class Samples
 {
 public:
-    /** Notes what is held now; of very many notes every other one is dropped. */
+    /** Takes a sample; when there are too many, every other one is dropped. */
     void take(double seconds);
 
     /**
-     * The least of the last quarter is not above the least of the second: what is held for a
-     * moment does not count, nor what the first quarter is still to set up. @return what grows, a
-     * line each; empty when all is flat
+     * Compares the minimum of the last quarter with that of the second: short peaks do not count,
+     * nor growth during the first quarter. @return a line for each quantity that has grown
      */
     QString growth() const;
     QString summary() const;
-    /** A plot of each quantity over the time, below one another. */
+    /** A plot of each quantity over time, one below the other. */
     QByteArray svg(const QString &title) const;
 
 private:

@@ -3,8 +3,8 @@
 #include <ctime>
 
 /**
- * The clock of the day, set forth or back: the program that holds ShiftedClock.cpp has the
- * library's and Qt's questions for the time go through it. Time that only passes is not changed.
+ * A wall clock that can be set forward or back: in a program with ShiftedClock.cpp the library and
+ * Qt get the time from it. The monotonic clock is not changed.
  */
 namespace ShiftedClock {
 

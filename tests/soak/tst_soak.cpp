@@ -16,7 +16,6 @@
 #include <QThreadPool>
 #include <QtTest>
 
-#include <cstdio>
 #include <memory>
 #include <unistd.h>
 
@@ -33,7 +32,7 @@ std::unique_ptr<KTV_DataSource> source;
 
 void begin(const QString &serialNumber)
 {
-    source.reset(); // one at a time has the stores
+    source.reset(); // only one instance at a time can use the stores
     source = std::make_unique<KTV_DataSource>();
     NumericalValueBox::prepareStaticDefaultValue(ValueBox::Temp_Celsius);
     source->setMeterSerialName(serialNumber);
@@ -41,8 +40,8 @@ void begin(const QString &serialNumber)
 
 bool facades(int)
 {
-    // A known model would have the rounding tables filled anew, and earlier ones stay for good:
-    // values hold on to them.
+    // With a known model the rounding tables would be filled again, and earlier ones are never
+    // freed, because values may still use them.
     begin(QString());
     return source->get_Lang() && source->getHelpManager();
 }
@@ -87,7 +86,7 @@ bool lists(int turn)
     return isDone;
 }
 
-/** The same texts in every language of the system. */
+/** The same texts in every system locale. */
 bool values(int)
 {
     return NumericalValueBox::round(1234.5678, 2) == "1234.57"
@@ -148,7 +147,7 @@ struct Work
 {
     const char *name;
     bool (*doIt)(int turn);
-    int repeats; ///< in a turn
+    int repeats; ///< in each turn
 };
 
 const Work works[] = {
@@ -162,10 +161,10 @@ const Work works[] = {
 } // namespace
 
 /**
- * Everything that an interface does, in turns, at many times its pace: every answer is right, and
- * nothing that the process holds grows. For KTV_SOAK_MINUTES, or for as many turns as CI has time
- * for; with KTV_SOAK_CLOCK the clock is set forth and back by years meanwhile,
- * with KTV_SOAK_ONLY only the works named there are done: to find what grows.
+ * Everything that an interface does, in turns, much faster than an interface: every result is
+ * right, and nothing that the process uses grows. Runs for KTV_SOAK_MINUTES, or for as many turns
+ * as CI has time for. With KTV_SOAK_CLOCK the clock is set forward and back by years meanwhile;
+ * with KTV_SOAK_ONLY only the named kinds of work are done, to find out which one grows.
  */
 class TstSoak : public QObject
 {
@@ -176,11 +175,11 @@ private slots:
 
 void TstSoak::soak()
 {
-    QLoggingCategory::setFilterRules("default.debug=false"); // the lines are too many
+    QLoggingCategory::setFilterRules("default.debug=false"); // there are too many lines
     const bool setsClock = qEnvironmentVariableIsSet("KTV_SOAK_CLOCK");
     const double seconds = qEnvironmentVariable("KTV_SOAK_MINUTES").toDouble() * 60;
     constexpr int fewest = 24;
-    const std::time_t years[] = {0, -20, 5, -50, 30, 70}; // before 1980 and beyond 2038, too
+    const std::time_t years[] = {0, -20, 5, -50, 30, 70}; // also before 1980 and after 2038
     const QStringList only = qEnvironmentVariable("KTV_SOAK_ONLY").split(',', Qt::SkipEmptyParts);
     QElapsedTimer time;
     time.start();
@@ -218,7 +217,7 @@ int main(int argc, char *argv[])
 {
     if (!Meter::isInside())
         return 1;
-    // What the allocator keeps for later use of each size would count as in use.
+    // Otherwise memory that the allocator keeps for later use would count as used.
     if (!qEnvironmentVariableIsSet("GLIBC_TUNABLES")) {
         qputenv("GLIBC_TUNABLES", "glibc.malloc.tcache_count=0");
         ::execv("/proc/self/exe", argv);

@@ -42,7 +42,7 @@ BuzzerClass::Tone tone(int code)
 const QString longBeep = QStringLiteral("beep -f 2470 -l 600 -d 200 -r 2");
 const QString shortBeep = QStringLiteral("beep -f 1400 -l 100 -d 0 -r 1");
 
-// Of the right number and range, a tune with one wrong step would still be another one.
+// The whole melody, because checks of its length and range would not notice a wrong step.
 const QString melodySteps = QStringLiteral(
     "330/100/100/1, 330/100/300/2, 262/100/100/1, 330/100/300/1, 392/100/700/1, 196/100/700/1, "
     "262/200/100/1, 330/100/100/1, 392/100/100/1, 523/300/150/1, 494/100/100/1, 440/100/100/1, "
@@ -69,7 +69,7 @@ const QString melodySteps = QStringLiteral(
 
 } // namespace
 
-/** Signal tones: their tables, and how requests get along with each other. */
+/** Signal tones: their tables, and the order of requests. */
 class TstBuzzer : public QObject
 {
     Q_OBJECT
@@ -233,7 +233,7 @@ void TstBuzzer::soundOff()
         BuzzerClass::BuzzerClass_Initialiser(model, samples, true);
         QVERIFY(BuzzerClass::pernamentOff);
         QVERIFY(Sound::pernamentOFF);
-        const QMutexLocker turn(&BuzzerClass::mutex); // a request that is ignored needs none
+        const QMutexLocker turn(&BuzzerClass::mutex); // a request that is ignored does not lock it
         for (int code = 0; code < 15; ++code) {
             BuzzerClass::Beep(tone(code), false);
             BuzzerClass::Beep(tone(code), true);
@@ -285,12 +285,12 @@ void TstBuzzer::repeatedToneReplacesWhatPlays()
     BuzzerClass::Beep(tone(1), true);
     QTRY_VERIFY(beeps().size() >= 4); // over and over
     QCOMPARE(beeps().mid(0, 4), QStringList({longBeep, shortBeep, shortBeep, shortBeep}));
-    // The step that sounded came to its end; the worker's killall and that of the request follow.
+    // The current step has ended by itself; then come the worker's killall and that of the request.
     QCOMPARE(Meter::journal().mid(0, 4),
              QStringList({longBeep, "killall beep", "killall beep", shortBeep}));
     BuzzerClass::Beep(tone(4), true);
     QTRY_COMPARE(beeps().last(), longBeep);
-    BuzzerClass::Beep(tone(1), false); // dropped: the other one goes on
+    BuzzerClass::Beep(tone(1), false); // dropped: the other tone goes on
     QTRY_VERIFY(beeps().count(longBeep) >= 3);
     QCOMPARE(beeps().last(), longBeep);
     QCOMPARE(log.lines().filter("czekam").size() + 4, log.lines().size());
@@ -374,7 +374,7 @@ void TstBuzzer::failingBeep()
     Meter::replaceProgram("beep", "exit 1");
     QElapsedTimer repeating;
     repeating.start();
-    BuzzerClass::Beep(tone(4), true); // 1200 ms, were it to sound
+    BuzzerClass::Beep(tone(4), true); // a tone of 1200 ms
     QTRY_VERIFY(beeps().size() >= 3);
     QVERIFY2(beeps().size() <= repeating.elapsed() / 1200 + 1, QByteArray::number(beeps().size()));
 }
@@ -405,8 +405,8 @@ void TstBuzzer::manyThreadsAsk()
         std::vector<std::thread> callers;
         callers.reserve(count);
         std::atomic<int> done {0};
-        // The thread sanitizer keeps signals from a thread that waits for a mutex, as these do, and
-        // Qt hears of a child's end by a signal: it is left to this thread.
+        // The thread sanitizer blocks signals in threads that wait for a mutex, as these do. Qt
+        // learns of a child's end by a signal, so this thread has to receive it.
         sigset_t childEnds;
         sigset_t before;
         ::sigemptyset(&childEnds);
@@ -440,7 +440,7 @@ void TstBuzzer::fewDescriptorsLeft_data()
 void TstBuzzer::fewDescriptorsLeft()
 {
     QFETCH(int, left);
-    QThreadPool::globalInstance()->waitForDone(); // the next thread needs some
+    QThreadPool::globalInstance()->waitForDone(); // the next thread needs descriptors
     {
         const Meter::FewDescriptors few(left);
         for (const auto model : {KTV_Configuration::KTV_420, KTV_Configuration::KTV_4200}) {
@@ -467,14 +467,14 @@ void TstBuzzer::samplesOnSamplingModels()
 {
     QFETCH(KTV_Configuration::MeterModels, model);
     BuzzerClass::BuzzerClass_Initialiser(model, samples, false);
-    Sound::SoundEnable = false; // signals are forced
+    Sound::SoundEnable = false; // signal tones are played all the same
     const LogCapture log;
     QStringList expected;
     for (int code = 1; code < 15; ++code) {
         BuzzerClass::Beep(tone(code), false);
         expected += "aplay -t raw -f S16_LE -r 44100 /etc/wav/"
             + Sound::SampleToString(BuzzerClass::toneTranscode.value(tone(code))) + ".raw";
-        // The next one ends the player, which may not have got so far as the journal.
+        // The next request ends the player, which may not have reached the journal yet.
         QTRY_COMPARE(Meter::journal().filter("aplay"), expected);
     }
     Sound::SoundEnable = true;

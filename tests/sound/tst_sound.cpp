@@ -15,7 +15,7 @@
 
 using SoundNamespace::Sound;
 
-/** The player of recorded samples, with the real aplay and a loudspeaker that remembers. */
+/** The player of samples, with the real aplay and a loudspeaker that records. */
 class TstSound : public QObject
 {
     Q_OBJECT
@@ -57,10 +57,10 @@ private slots:
 
 private:
     static QStringList calls(const QString &program);
-    /** What the loudspeaker has recorded, one file for each player. */
+    /** Recordings of the loudspeaker, one file for each player. */
     static QFileInfoList recordings();
     static int openDescriptors();
-    /** The latest one of them. */
+    /** The latest recording. */
     static QByteArray heard();
 
     const QByteArray searchPath = qgetenv("PATH");
@@ -171,7 +171,7 @@ void TstSound::playsOnce()
     QVERIFY(sample.size() > 1000);
     QCOMPARE(heard().left(sample.size()), sample);
 
-    Sound::KillProcess(); // nobody is left for pkill
+    Sound::KillProcess(); // pkill finds no process
     QVERIFY(!Sound::process);
     QCOMPARE(calls("pkill"), QStringList());
     QCOMPARE(log.lines(), QStringList());
@@ -248,7 +248,7 @@ void TstSound::silenceSparesALoop()
 {
     Sound::Play(Sound::SOUND_ERROR, true, false, samples);
     Sound::Play(Sound::SOUND_Empty, false, false, samples);
-    // Nor does a sound that must not be played end it.
+    // A request that is ignored does not end it, either.
     Sound::pernamentOFF = true;
     Sound::Play(Sound::intro, false, true, samples);
     Sound::pernamentOFF = false;
@@ -257,7 +257,7 @@ void TstSound::silenceSparesALoop()
     QVERIFY(Sound::process);
     QVERIFY(Sound::_isLoop);
     QVERIFY(Sound::process->state() == QProcess::Running);
-    // Being disabled does not keep a loop from being ended.
+    // A repeated sample can be ended even while sound is disabled.
     Sound::Play(Sound::SOUND_Empty, true, false, samples);
     QVERIFY(!Sound::process);
     QVERIFY(!Sound::_isLoop);
@@ -288,7 +288,8 @@ void TstSound::newSoundEndsTheFormer()
     QFETCH(bool, loops);
     Sound::Play(Sound::intro, formerLoops, false, samples);
     const QString id = QString::number(Sound::process->processId());
-    QTRY_COMPARE(recordings().size(), 1); // until it is heard, aplay starts helpers of its name
+    // Until the sound starts, aplay has child processes of the same name.
+    QTRY_COMPARE(recordings().size(), 1);
     const QStringList former = Meter::processes("aplay");
     QCOMPARE(former.size(), 1);
     Sound::Play(Sound::sheep, loops, false, samples);
@@ -358,7 +359,7 @@ void TstSound::missingShell()
     qputenv("PATH", "/nowhere");
     const LogCapture log;
     Sound::_loopBeep("/etc/wav/intro.raw");
-    QVERIFY(Sound::process); // until the next sound
+    QVERIFY(Sound::process); // kept until the next sound
     QVERIFY(!Sound::_isLoop);
     QCOMPARE(log.lines(), QStringList("Sound::_loopBeep: waitForStarted error:"));
 }
@@ -373,7 +374,7 @@ void TstSound::missingPkill()
     QCOMPARE(log.lines(),
              QStringList({"Sound::KillProcess(): start pkill no run at 1s",
                           "Sound::KillProcess(): stop pkill no at 1s"}));
-    QTRY_COMPARE(Meter::processes("aplay"), QStringList()); // gone all the same
+    QTRY_COMPARE(Meter::processes("aplay"), QStringList()); // ended all the same
 }
 
 void TstSound::hangingPkill()
@@ -419,7 +420,7 @@ void TstSound::loopThatCannotSoundStandsStill()
     else
         std::thread([&file] { Sound::_loopBeep(file); }).join();
     QVERIFY(Sound::_isLoop);
-    const int fewest = hasEventLoop ? 2 : 0; // there it is tried until complaints have come
+    const int fewest = hasEventLoop ? 2 : 0; // there it is tried until errors are printed
     int before = 0;
     int unchanged = 0;
     const auto standsStill = [&] {
@@ -448,7 +449,8 @@ void TstSound::killsLoopsOfOthers()
                                      "while true; do cat /etc/wav/intro.raw; done | "
                                      "/usr/bin/aplay -t raw -f S16_LE -r 44100 -q"}));
     QTRY_VERIFY(!heard().isEmpty());
-    // Unlike busybox's, this list has its ids at the left: the shell and the loop's own.
+    // Unlike that of busybox, this list has the ids at the start of the line: the shell's and the
+    // loop's.
     Meter::replaceProgram("ps", "exec /usr/bin/pgrep -a -f '/etc/wav/[i]ntro'");
     Sound::Play(Sound::sheep, true, false, samples);
     QTRY_COMPARE(calls("aplay").size(), 1);
@@ -462,7 +464,7 @@ void TstSound::killsLoopsOfOthers()
     QVERIFY(!Sound::_isLoop);
 
     QCOMPARE(log.lines().size(), 3);
-    QCOMPARE(log.lines().last(), "KILL2: PID:"); // after the last line end
+    QCOMPARE(log.lines().last(), "KILL2: PID:"); // from the empty text after the last line feed
     QTRY_COMPARE(calls("kill").size(), 3);
     for (const QString &line : log.lines().mid(0, 2)) {
         const QString id = line.mid(QStringLiteral("KILL2: PID:").size());
@@ -477,7 +479,8 @@ void TstSound::indentedIdsAreNotFound()
 {
     Sound::Play(Sound::sheep, true, false, samples);
     const LogCapture log;
-    Sound::KillProcess2(); // ids of less than five digits, here as on a device just started
+    Sound::KillProcess2(); // the ids have less than five digits, as on a device just after its
+                           // start
     for (const QString &line : log.lines())
         QCOMPARE(line, "KILL2: PID:");
     QVERIFY(log.lines().size() >= 2);
@@ -546,11 +549,11 @@ void TstSound::playersOfThreadsWithoutEventLoop()
     std::atomic<int> done {0};
     const auto play = [&turn, &begun, &done] {
         ++begun;
-        while (begun % threads != 0) // so that no thread takes the part of another one
+        while (begun % threads != 0) // so that each thread runs one task
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         for (int tone = 0; tone < 5; ++tone) {
-            // The thread sanitizer keeps signals from a thread that waits for a mutex, and Qt
-            // hears of a child's end by a signal.
+            // The thread sanitizer blocks signals in threads that wait for a mutex, and Qt learns
+            // of a child's end by a signal.
             while (!turn.try_lock())
                 std::this_thread::sleep_for(std::chrono::milliseconds(1));
             const std::lock_guard<std::mutex> lock(turn, std::adopt_lock);
@@ -564,17 +567,17 @@ void TstSound::playersOfThreadsWithoutEventLoop()
             QtConcurrent::run(&pool, play);
         QTRY_COMPARE(done.load(), round * threads); // waiting for the pool would end its threads
         Sound::KillProcess();
-        if (round == 1) // each thread has what it needs for itself
+        if (round == 1) // each thread has its own descriptors by now
             before = openDescriptors();
     }
-    // Not those of one player in twenty; Qt opens and closes one of its own now and then.
+    // Fewer than one for every twentieth player; Qt itself opens and closes one now and then.
     QVERIFY2(openDescriptors() < before + 3, QByteArray::number(openDescriptors() - before));
 }
 
 void TstSound::playersThatAnotherThreadEnds()
 {
     const int before = openDescriptors();
-    for (int i = 0; i < 10; ++i) { // this thread does not get to its event loop meanwhile
+    for (int i = 0; i < 10; ++i) { // this thread does not reach its event loop meanwhile
         Sound::Play(Sound::SOUND_ERROR, false, false, samples);
         std::thread([] { Sound::KillProcess(); }).join();
     }

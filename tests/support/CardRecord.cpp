@@ -30,7 +30,7 @@ bool isOfDirectory(const Step &step)
     return step.kind == Step::Create || step.kind == Step::Remove || step.kind == Step::Rename;
 }
 
-/** What is open and named at present, while a record goes on. */
+/** Files that are open, and their names, while a record is made. */
 class Recorder
 {
 public:
@@ -121,7 +121,7 @@ private:
 
     bool isFile(int descriptor) const { return m_open.value(descriptor, directoryItself) >= 0; }
 
-    /** Empty for the directory itself, null for what lies elsewhere. */
+    /** Empty for the directory itself, null for a path outside of it. */
     QString nameOf(const char *path) const
     {
         const QString clean = QDir::cleanPath(QFile::decodeName(path));
@@ -177,7 +177,7 @@ void CardRecord::stop()
 
 namespace {
 
-/** What a card holds: names, and the bytes of files. */
+/** Content of a card: names, and the bytes of files. */
 struct Card
 {
     QMap<QString, int> names;
@@ -222,7 +222,10 @@ struct Card
     }
 };
 
-/** Which of so many steps have reached the card: every combination of a few, samples of many. */
+/**
+ * Which of a number of steps have reached the card: every combination of a few steps, random ones
+ * of many.
+ */
 std::vector<std::vector<bool>> combinations(size_t count)
 {
     constexpr size_t few = 6;

@@ -8,39 +8,39 @@
 #include <vector>
 
 /**
- * Records what this process does to the files of one directory, and lays out what a card may hold
- * after the battery was pulled in the midst of it.
+ * Records how this process changes the files of one directory, and then creates each content that a
+ * card may have if the battery is pulled during these changes.
  *
- * What has been flushed is there. Of the rest, each sector of a write, each change of a size and
- * each creation, renaming or deletion of a name may be there or not, in any combination: no file
- * system keeps less, and some keep hardly more. A flush of a file says nothing of its name; that
- * takes a flush of the directory.
+ * Everything that has been flushed is on the card. Of the rest, each sector of a write, each change
+ * of a size and each creation, renaming or deletion of a name may be on it or not, in any
+ * combination: no file system keeps less, and some keep hardly more. Flushing a file does not flush
+ * its name; that takes a flush of the directory.
  *
- * The program's own functions of the C library's names come first; for that it must export its
- * symbols.
+ * The program's own functions replace those of the C library with the same name; for that it must
+ * export its symbols.
  */
 class CardRecord
 {
 public:
     using Files = QMap<QString, QByteArray>;
 
-    /** Records from now on; the files that are there are on the card. One at a time. */
+    /** Starts the record; existing files are on the card. One record at a time. */
     explicit CardRecord(const QString &directory);
     ~CardRecord();
     Q_DISABLE_COPY_MOVE(CardRecord)
 
-    /** A call has answered: what it changed must survive from here on. */
+    /** To be called after a call has returned: from here on its changes must survive. */
     void answered();
     /** Ends the record. */
     void stop();
 
     /**
-     * Calls @p check with each different content that a cut may leave, laid out in @p directory,
-     * and with the number of calls that had answered by then. @return how many there were
+     * Calls @p check with each different content that a power cut may leave, created in @p
+     * directory, and with the number of calls that had returned by then. @return number of contents
      */
     int forEachCut(const QString &directory, const std::function<void(int answers)> &check) const;
 
-    /** One step, as the C library was asked for it. */
+    /** One step: a call of the C library. */
     struct Step
     {
         enum Kind

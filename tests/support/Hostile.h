@@ -2,16 +2,16 @@
 
 #include <QByteArray>
 
-/** XML files that nobody would write, and that a damaged card may hold all the same. */
+/** XML files that nobody would write, but that a damaged card may have. */
 namespace Hostile {
 
-/** Elements within elements, all closed. */
+/** Nested elements, all closed. */
 inline QByteArray nested(int levels)
 {
     return QByteArray("<x>").repeated(levels) + QByteArray("</x>").repeated(levels);
 }
 
-/** A kilobyte that stands for gigabytes. */
+/** A kilobyte of entities that expand to gigabytes. */
 inline QByteArray entityBomb()
 {
     QByteArray text = "<?xml version=\"1.0\"?><!DOCTYPE x [<!ENTITY e0 \"lollollol\">";

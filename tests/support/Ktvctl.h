@@ -5,15 +5,15 @@
 #include <QProcess>
 #include <QStringList>
 
-/** What came of a call of ktvctl. */
+/** Result of a call of ktvctl. */
 struct Answer
 {
-    int code = -1; ///< exit code; -1 when it has not ended by itself
+    int code = -1; ///< exit code; -1 if it has not ended by itself
     QString out;
     QString error;
 };
 
-/** Calls ktvctl and types @p input; ktv_add_test(... KTVCTL) says where it is. */
+/** Calls ktvctl with @p input on standard input; ktv_add_test(... KTVCTL) gives its path. */
 inline Answer ktvctl(const QStringList &words, const QByteArray &input = {})
 {
     QProcess process;
@@ -28,13 +28,13 @@ inline Answer ktvctl(const QStringList &words, const QByteArray &input = {})
     return answer;
 }
 
-/** The same for a line as a user types it. */
+/** The same for a command line as a user types it. */
 inline Answer typed(const QString &line)
 {
     return ktvctl(QProcess::splitCommand(line));
 }
 
-/** The value that a line of JSON holds. */
+/** The value in a line of JSON. */
 inline QJsonValue parsed(const QString &line)
 {
     return QJsonDocument::fromJson('[' + line.toUtf8() + ']').array().at(0);

@@ -4,7 +4,7 @@
 #include <QStringList>
 #include <QtGlobal>
 
-/** Collects the log lines that are written while it lives, from any thread. */
+/** Collects the log lines of all threads while this object exists. */
 class LogCapture
 {
 public:

@@ -94,7 +94,7 @@ void writeFile(const QString &path, const QByteArray &content)
 
 FewDescriptors::FewDescriptors(int left)
 {
-    // A low limit, so that there is not much to be taken.
+    // A low limit, so that only a few descriptors have to be opened.
     rlimit limit {};
     ::getrlimit(RLIMIT_NOFILE, &limit);
     limit.rlim_cur = 100;

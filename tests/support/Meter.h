@@ -7,39 +7,39 @@
 
 #include <vector>
 
-/** The simulated meter, as a test inside it sees it. */
+/** The simulated meter, for the tests that run in it. */
 namespace Meter {
 
-/** How long a test waits for what must come, in milliseconds: a limit for failures. */
+/** How long a test waits for an event that must come, in milliseconds; reached only by failures. */
 constexpr int patience = 60000;
 
-/** Whether this process runs inside the simulated meter; says so on standard error if not. */
+/** Whether this process runs in the simulated meter; if not, prints that on standard error. */
 bool isInside();
 
 /** Calls of stand-in programs so far, each "program argument argument". */
 QStringList journal();
 void clearJournal();
 
-/** Tells a stand-in program how to behave: lines such as "hang=1"; empty for as usual. */
+/** Sets the behaviour of a stand-in program: lines such as "hang=1"; empty for the usual one. */
 void setBehaviour(const QString &program, const QByteArray &lines);
 
-/** Takes a program off the PATH, and puts it back. */
+/** Removes a program from the PATH, and puts it back. */
 void hideProgram(const QString &program);
 void showProgram(const QString &program);
 
-/** Has calls of a real program written to the journal, too; showProgram() ends that. */
+/** Makes calls of a real program appear in the journal, too, until showProgram(). */
 void recordProgram(const QString &program);
-/** Puts a shell script, journal included, in a program's place; showProgram() ends that. */
+/** Replaces a program by a shell script, whose calls are in the journal, until showProgram(). */
 void replaceProgram(const QString &program, const QByteArray &script);
 
 /** Ids of the running processes of that name. */
 QStringList processes(const QString &name);
 
 QByteArray readFile(const QString &path);
-/** Writes a file whole, creating its directories. */
+/** Writes a whole file and creates its directories. */
 void writeFile(const QString &path, const QByteArray &content);
 
-/** Leaves this process so many descriptors, or all that it had when it goes. */
+/** Leaves only a number of free descriptors to this process while this object exists. */
 class FewDescriptors
 {
 public:
@@ -53,8 +53,8 @@ private:
 
 } // namespace Meter
 
-// Qt's own give up after 5 s, which a busy machine may need. They end as soon as the event is
-// there: only what fails takes longer.
+// Qt's own macros give up after 5 s, which is too short on a busy machine. These end as soon as the
+// condition is true, so only failures take longer.
 #undef QTRY_VERIFY
 #undef QTRY_VERIFY2
 #undef QTRY_COMPARE

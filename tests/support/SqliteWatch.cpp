@@ -10,8 +10,8 @@
 #include <unistd.h>
 
 #ifdef __SANITIZE_ADDRESS__
-// Qt's driver is not made for what throwOn() throws through it: it loses a reference to the names
-// of a statement's placeholders. Whole stacks, so that only this is excused.
+// Qt's driver leaks the names of a statement's placeholders when throwOn() throws through it. The
+// suppressions have whole stacks, so that only this leak is ignored.
 extern "C" const char *__asan_default_options()
 {
     return "fast_unwind_on_malloc=0";
@@ -118,7 +118,7 @@ int sqlite3_prepare16_v2(sqlite3 *database, const void *text, int bytes, sqlite3
                          const void **tail)
 {
     static const auto original = next<decltype(&sqlite3_prepare16_v2)>("sqlite3_prepare16_v2");
-    const QScopedValueRollback<bool> inner(s_isInner, true); // it reads the tables' names
+    const QScopedValueRollback<bool> inner(s_isInner, true); // this reads the names of the tables
     ++s_preparations;
     const int result = original(database, text, bytes, statement, tail);
     if (result != SQLITE_OK)
@@ -137,7 +137,7 @@ int sqlite3_step(sqlite3_stmt *statement)
     if (!s_throwOn.isEmpty() && s_statements.last().contains(s_throwOn))
         throw std::runtime_error("thrown by the driver: %1 %s");
     if (!s_fillCardOn.isEmpty() && s_statements.last().contains(s_fillCardOn)) {
-        // As SQLite itself does it: the transaction is gone, its changes too.
+        // As SQLite does it: the transaction and its changes are lost.
         sqlite3_exec(sqlite3_db_handle(statement), "ROLLBACK", nullptr, nullptr, nullptr);
         return SQLITE_FULL;
     }

@@ -40,7 +40,7 @@ void Volume::fill(int blocks)
     QFile file(m_path + QStringLiteral("/.filling"));
     require(file.open(QIODevice::ReadWrite), "open", file.fileName());
     const qint64 size = blocks * blockSize;
-    if (file.size() > size) // never emptier on the way than at the end
+    if (file.size() > size) // shrunk in one step: never less used than requested
         require(file.resize(size), "resize", file.fileName());
     file.seek(file.size());
     const QByteArray block(int(blockSize), 'x');

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/** A small disk of its own, mounted over a directory while this object lives. */
+/** A small disk that is mounted over a directory while this object exists. */
 class Volume
 {
 public:
@@ -11,7 +11,7 @@ public:
     ~Volume();
     Q_DISABLE_COPY_MOVE(Volume)
 
-    /** Fills the disk up to @p blocks used blocks in all, or makes room again. */
+    /** Fills or empties the disk until @p blocks blocks are used. */
     void fill(int blocks);
     /** Fills the disk to its last byte. */
     void fillUp();

@@ -19,14 +19,14 @@ using QERNTools::Tools;
 
 namespace {
 
-std::atomic<int> lineSettings {0}; ///< how often the line has been set up
+std::atomic<int> lineSettings {0}; ///< how often the line has been configured
 std::array<std::atomic<qint64>, 5> settingTimes; ///< when it first was, in ms
 
 const QByteArray bridgeCommand = "socat /dev/ttyGS0 /dev/ttycommunication";
 const QString listBridge =
     QStringLiteral("sh -c ps | grep \"[s]ocat /dev/ttyGS0 /dev/ttycommunication\"");
 
-/** One end of a serial line, as a computer or the measuring hardware uses it. */
+/** The far end of a serial line, as the computer or the measuring hardware uses it. */
 class LineEnd
 {
 public:
@@ -61,7 +61,7 @@ private:
 
 extern "C" int tcsetattr(int, int, const termios *)
 {
-    // Nothing else: the line of the simulated meter is raw already.
+    // Not needed: the line of the simulated meter is in raw mode already.
     if (lineSettings < int(settingTimes.size()))
         settingTimes.at(lineSettings) = QDeadlineTimer::current().deadline();
     ++lineSettings;
@@ -94,7 +94,7 @@ private slots:
     void switchesBetweenBridgeAndNetwork();
 
 private:
-    /** As the library does it: a worker that has just ended may have read the flag. */
+    /** Atomic, as in the library, because a worker may be reading the flag. */
     static void setWish(bool isWanted)
     {
         __atomic_store_n(&Tools::isCalibrationModeActive, isWanted, __ATOMIC_RELEASE);
@@ -177,9 +177,9 @@ void TstCalibrationBridge::onOneCore()
     QVERIFY(Tools::StartHardwareCalibrationMode());
     QFuture<void> other = QtConcurrent::run([] {});
     QTRY_VERIFY(other.isFinished());
-    // Cancelling leaves the running bridge alone, but it does not come back.
+    // Cancelling does not end the running bridge, but it is not restarted.
     Tools::asyncSocatRuner.cancel();
-    QTRY_COMPARE(bridges().size(), 1); // what the script starts bears its name for a moment
+    QTRY_COMPARE(bridges().size(), 1); // its child has the same name at first
     kill();
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
     QVERIFY(Tools::isCalibrationModeActive);
@@ -221,12 +221,12 @@ void TstCalibrationBridge::doesNotStart()
         Meter::hideProgram("socat");
     else
         Meter::replaceProgram("socat", socat);
-    Meter::replaceProgram("ps", ":"); // a list taken while none of the short-lived ones runs
+    Meter::replaceProgram("ps", ":"); // as if no short-lived bridge runs at the moment of the list
     const LogCapture log;
     QElapsedTimer pause;
     pause.start();
     QVERIFY(!Tools::StartHardwareCalibrationMode());
-    QVERIFY(pause.elapsed() >= 5000); // the bridge gets this time to come up
+    QVERIFY(pause.elapsed() >= 5000); // the time that the bridge has to start
     QCOMPARE(log.lines(), QStringList("Tools::StartHardwareCalibrationMode(): socat no run!"));
     QVERIFY(!Tools::isCalibrationModeActive);
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
@@ -241,7 +241,7 @@ void TstCalibrationBridge::isTriedAgainOnceASecond()
     QTRY_VERIFY(lineSettings >= 5);
     QVERIFY(Tools::StopHardwareCalibrationMode());
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
-    // The first of these went on for as long as it was not killed.
+    // The first of these has run until it was killed.
     for (int i = 2; i < 5; ++i) {
         const qint64 pause = settingTimes.at(i) - settingTimes.at(i - 1);
         QVERIFY2(pause >= 1000, QByteArray::number(pause));
@@ -257,16 +257,16 @@ void TstCalibrationBridge::isNotListedInTime()
              QStringList({"Tools::StartHardwareCalibrationMode(): ps socat no finished!",
                           "Tools::StartHardwareCalibrationMode(): socat no run!"}));
     QVERIFY(!Tools::isCalibrationModeActive);
-    kill(); // this one did run
+    kill(); // this one has run
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
 }
 
 void TstCalibrationBridge::workerWithoutWish()
 {
-    Tools::socatProces_Avait(); // not wanted
+    Tools::socatProces_Avait(); // the flag is false
     setWish(true);
     Tools::asyncSocatRuner = QFuture<void>();
-    Tools::socatProces_Avait(); // wanted, but an empty future counts as cancelled
+    Tools::socatProces_Avait(); // the flag is true, but an empty future counts as cancelled
     setWish(false);
     QCOMPARE(lineSettings.load(), 0);
 }
@@ -307,7 +307,7 @@ void TstCalibrationBridge::bridgeThatStaysComesBackNoMore()
     QVERIFY(!Tools::isCalibrationModeActive);
     QVERIFY(Tools::asyncSocatRuner.isRunning());
     QVERIFY(Tools::asyncSocatRuner.isCanceled());
-    QTRY_COMPARE(bridges().size(), 1); // what the script starts bears its name for a moment
+    QTRY_COMPARE(bridges().size(), 1); // its child has the same name at first
     kill();
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
     QCOMPARE(log.lines(), QStringList());
@@ -322,7 +322,7 @@ void TstCalibrationBridge::cancelledAndStartedAgain()
     QVERIFY(Tools::StartHardwareCalibrationMode());
     QCOMPARE(starts(), 2);
     kill();
-    QTRY_COMPARE(starts(), 4); // both come back: the latest run has not been cancelled
+    QTRY_COMPARE(starts(), 4); // both are restarted: the latest run has not been cancelled
     Tools::asyncSocatRuner.cancel();
     kill();
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
@@ -332,8 +332,9 @@ void TstCalibrationBridge::cancelledAndStartedAgain()
 
 void TstCalibrationBridge::listIsAskedForUntilItComes()
 {
-    // A shell that comes late: until then no list does, and each asking counts all the same.
-    constexpr int askings = 9; // more than a bridge that stays is given
+    // The shell is missing at first: until it is there the list cannot be read, and the attempts
+    // are not limited.
+    constexpr int askings = 9; // more than the polls for a bridge that does not end
     QVERIFY(QDir().mkpath("/tmp/programs"));
     QVERIFY(QFile::link("/run/meter/bin/killall", "/tmp/programs/killall"));
     const QByteArray searchPath = qgetenv("PATH");

@@ -9,7 +9,6 @@
 #include <QtTest>
 
 #include <cmath>
-#include <limits>
 #include <memory>
 #include <utility>
 
@@ -173,7 +172,7 @@ void TstFilesAndDisk::freeNames()
     for (const QString &file : std::as_const(taken))
         Meter::writeFile(directory.path() + '/' + file, "x");
     QCOMPARE(Tools::findFreeFileName(directory.path() + '/', base, extension), name);
-    QVERIFY(!QFile::exists(directory.path() + '/' + name)); // it is named, not made
+    QVERIFY(!QFile::exists(directory.path() + '/' + name)); // the function only returns a name
 }
 
 void TstFilesAndDisk::freeNamesOfWholeNames_data()
@@ -222,7 +221,7 @@ void TstFilesAndDisk::manyTakenNames()
     for (int i = 1; i <= 1200; ++i)
         Meter::writeFile(prefix + QStringLiteral("r_%1.csv").arg(i), "x");
     QCOMPARE(Tools::findFreeFileName(prefix, "r", "csv"), QStringLiteral("r_1201.csv"));
-    // The directory is a plain prefix: without its slash it is part of the name.
+    // The directory is only a prefix: without a slash at its end it is part of the name.
     QCOMPARE(Tools::findFreeFileName(directory.path(), "r", "csv"), QStringLiteral("r.csv"));
 }
 
@@ -232,7 +231,7 @@ void TstFilesAndDisk::usedPercent_data()
     QTest::addColumn<qint64>("percent");
     for (const int percent : {0, 1, 70, 71, 80, 81, 99, 100})
         QTest::addRow("%d of 100", percent) << percent << qint64(percent);
-    // 0.29 * 100 is a little less than 29; what is behind the point is cut off.
+    // 0.29 * 100 is a little less than 29, and decimals are cut off.
     QTest::newRow("cut off, not rounded") << 29 << qint64(28);
 }
 
@@ -246,7 +245,8 @@ void TstFilesAndDisk::usedPercent()
     QCOMPARE(Tools::getUsedSpacePercent(directory.path()), percent);
     QCOMPARE(Tools::getFreeSpace(directory.path()), qint64(100 - blocks) * 4096);
     volume.fill(0);
-    QCOMPARE(Tools::getUsedSpacePercent(directory.path()), qint64(0)); // nothing is remembered
+    // Earlier results are not kept.
+    QCOMPARE(Tools::getUsedSpacePercent(directory.path()), qint64(0));
 }
 
 void TstFilesAndDisk::almostFull()
@@ -322,9 +322,9 @@ void TstFilesAndDisk::cardMarker()
         Meter::writeFile(::cardMarker, content);
     const LogCapture log;
     QCOMPARE(Tools::SD_Card_is_OK(), ok);
-    QCOMPARE(QFile::exists(::cardMarker), !content.isNull()); // the system's file stays
+    QCOMPARE(QFile::exists(::cardMarker), !content.isNull()); // the file is not removed
     QFile::remove(::cardMarker);
-    QDir().mkpath(::cardMarker); // there, and not to be read
+    QDir().mkpath(::cardMarker); // exists, but cannot be read
     QCOMPARE(Tools::SD_Card_is_OK(), false);
     QDir().rmdir(::cardMarker);
     QCOMPARE(log.lines(), QStringList());

@@ -15,7 +15,9 @@ using QERNTools::Tools;
 
 namespace {
 
-/** What the library has done to a terminal line, in order; a pty would not tell it all. */
+/**
+ * Calls of the library on a terminal line, in order; a pseudo terminal would not show all of them.
+ */
 struct LineCall
 {
     QByteArray name;
@@ -52,7 +54,7 @@ extern "C" int tcflush(int line, int queue)
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, "tcflush"))(line, queue);
 }
 
-/** The modes of the USB port and the owners of its line, but for the bridge. */
+/** The modes of the USB port and the owners of its line, except the bridge. */
 class TstUsbPort : public QObject
 {
     Q_OBJECT
@@ -100,9 +102,9 @@ private slots:
     void stopAllNamesWhatItCouldNotStop();
 
 private:
-    /** Brings the port into a mode with the system's own means, outside the journal. */
+    /** Sets the mode of the port without the library, and without entries in the journal. */
     void setUp(Tools::USB_Mode mode);
-    /** Calls of programs so far, less what the stand-ins do among themselves. */
+    /** Calls of programs so far, without those between stand-ins. */
     static QStringList calls();
     static QStringList listCalls();
 
@@ -153,7 +155,7 @@ QStringList TstUsbPort::calls()
 {
     QStringList found = Meter::journal();
     for (auto call = found.begin(); call != found.end();) {
-        // These are started by a recorded shell line, which counts alone.
+        // These are started by a shell whose line is recorded, which is enough.
         const bool isInner = call->startsWith("ps") || call->startsWith("systemctl");
         call = isInner ? found.erase(call) : call + 1;
     }
@@ -187,7 +189,7 @@ void TstUsbPort::modeIsFoundInTheFileSystem()
     setUp(Tools::USB_RNDIS);
     QCOMPARE(Tools::detectCurrentMode(), Tools::USB_RNDIS);
     Meter::writeFile("/dev/ttyGS0", {});
-    QCOMPARE(Tools::getCurrentMode(), Tools::USB_RNDIS); // the network wins
+    QCOMPARE(Tools::getCurrentMode(), Tools::USB_RNDIS); // the network is detected first
     QFile::remove("/dev/ttyGS0");
     QCOMPARE(calls(), QStringList());
 }
@@ -197,7 +199,7 @@ void TstUsbPort::ownerWithoutSerialLine()
     const LogCapture log;
     QCOMPARE(Tools::getRS232_Function(), Tools::RS232_None);
     setUp(Tools::USB_RNDIS);
-    Meter::writeFile("/dev/ttyGS0", {}); // does not count beside a network
+    Meter::writeFile("/dev/ttyGS0", {}); // ignored while there is a network interface
     QCOMPARE(Tools::getRS232_Function(), Tools::RS232_None);
     QVERIFY(Tools::StopAllRS232Function());
     QFile::remove("/dev/ttyGS0");
@@ -266,7 +268,7 @@ void TstUsbPort::ownerWithoutShell()
 void TstUsbPort::ownerWithHangingCommands()
 {
     setUp(Tools::USB_RS232);
-    // What they said before they hung does not count.
+    // Output before the hang is ignored.
     Meter::replaceProgram("ps",
                           "echo socat /dev/ttyGS0 /dev/ttycommunication mactool; "
                           "wait_for_ever");
@@ -395,7 +397,7 @@ void TstUsbPort::lineSettings()
     for (int i = 0; i < NCCS; ++i)
         QCOMPARE(int(settings.c_cc[i]), i == VMIN ? 1 : 0);
 
-    // The line itself has them, too; a pty drops the parity.
+    // The line itself has them, too; a pseudo terminal drops the parity.
     const int line = ::open("/dev/ttyGS0", O_RDWR | O_NOCTTY);
     termios present {};
     QCOMPARE(::tcgetattr(line, &present), 0);
@@ -409,7 +411,8 @@ void TstUsbPort::lineIsNoControllingTerminal()
     setUp(Tools::USB_RS232);
     const pid_t child = ::fork();
     if (child == 0) {
-        ::setsid(); // its first terminal would be its own, and a hang-up there end it
+        ::setsid(); // otherwise the terminal would become its controlling one, and a hang-up would
+                    // end it
         const bool isOpen = Tools::ConfigurePort();
         ::_exit(isOpen && ::open("/dev/tty", O_RDWR) < 0 ? 0 : 1);
     }
@@ -426,7 +429,7 @@ void TstUsbPort::lineSettingsWithoutLine()
     QCOMPARE(calls(), QStringList());
 
     Meter::writeFile("/dev/ttyGS0", {});
-    QVERIFY(Tools::ConfigurePort()); // that a file takes no settings is not examined
+    QVERIFY(Tools::ConfigurePort()); // true even for a file, which has no terminal settings
     QFile::remove("/dev/ttyGS0");
 }
 
@@ -495,7 +498,7 @@ void TstUsbPort::calibrationTool()
     QElapsedTimer pause;
     pause.start();
     QVERIFY(Tools::StartSystemCalibrationMode());
-    QVERIFY(pause.elapsed() >= 3000); // the tool gets this time to come up
+    QVERIFY(pause.elapsed() >= 3000); // the time that the tool has to start
     QCOMPARE(lineCalls.size(), 2);
     QCOMPARE(calls(), QStringList({"mactool", listTool}));
     QCOMPARE(Tools::getRS232_Function(), Tools::RS232_SystemCalibration);
@@ -539,8 +542,8 @@ void TstUsbPort::calibrationToolDoesNotEnd()
 
 void TstUsbPort::calibrationToolListIsTakenAsFarAsItCame()
 {
-    // First the tool shows though the list does not end; then nothing comes within a second,
-    // which is taken as its end.
+    // At first the tool is in the list, although that is incomplete; then nothing is printed within
+    // a second, which counts as the end of the tool.
     Meter::replaceProgram("grep",
                           "[ ! -e /tmp/asked ] || pause 3\n"
                           "echo mactool\n"
@@ -654,7 +657,7 @@ void TstUsbPort::switchThatEndsInNothing()
     Meter::hideProgram("modprobe-usb-gadget");
     const LogCapture log;
     const QString noGadget = "Tools::StartRNDIS(): modprobe-usb-gadget g_ether no started!";
-    QVERIFY(Tools::SetUSBMode(Tools::USB_RNDIS, Tools::RS232_None)); // told by the log alone
+    QVERIFY(Tools::SetUSBMode(Tools::USB_RNDIS, Tools::RS232_None)); // the failure is only logged
     QCOMPARE(log.lines(),
              QStringList({noGadget, "Tools::SetUSBMode: StartRNDIS = false", noGadget,
                           "Tools::SetUSBMode:end: StartRNDIS = false"}));
@@ -675,7 +678,7 @@ void TstUsbPort::switchOwner()
     QCOMPARE(calls().mid(0, 9),
              detection + detection + QStringList({consoleStop, "mactool", listTool}));
 
-    // Nobody at all is no owner to be started: the line is freed, then the network comes back.
+    // RS232_None cannot be started: the line is freed, then the network is loaded again.
     const LogCapture log;
     QVERIFY(Tools::SetUSBMode(Tools::USB_RS232, Tools::RS232_None));
     QCOMPARE(log.lines(),

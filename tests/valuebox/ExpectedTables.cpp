@@ -7,7 +7,8 @@ namespace ExpectedTables {
 
 namespace {
 
-// family quantity current: maximum:decimals and prefix. C: temperature-compensated.
+// Each line: family, quantity (C: temperature-compensated), current, and rows of maximum:decimals
+// and prefix.
 constexpr char lines[] = R"(
 420  R  10: 0.0009999:1u 0.0019999:4m 0.019999:3m 0.199995:2m
 420  R   3: 0.19999:2m 0.9999:1m 1.99995:4

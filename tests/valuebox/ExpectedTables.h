@@ -5,7 +5,7 @@
 
 #include <QVector>
 
-/** The rounding tables of the meter's manual, written down apart from the library's. */
+/** The rounding tables, written down independently of those in the library. */
 namespace ExpectedTables {
 
 struct Row
@@ -21,10 +21,10 @@ struct Set
     QVector<Row> rows;
 };
 
-/** Sets of one model and method in their order; none for an unknown model. */
+/** Sets of one model and method, in order; none for an unknown model. */
 QVector<Set> sets(KTV_Configuration::MeterModels model, ValueBox::RoundMetods method);
 
-/** Models that have tables, and methods that use one. */
+/** Models with tables, and methods that use a table. */
 const QVector<KTV_Configuration::MeterModels> &models();
 const QVector<ValueBox::RoundMetods> &methods();
 

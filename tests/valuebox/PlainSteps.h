@@ -3,12 +3,12 @@
 #include <QString>
 
 /**
- * The text of a value made step by step with Qt's own functions: slow, and plain to read.
- * What the library does faster must come to the same text.
+ * Makes the text of a value step by step with Qt's own functions: slow but easy to read. The
+ * library's faster way must give the same text.
  */
 namespace PlainSteps {
 
-/** A number in fixed-point notation after the nudge of a tenth decimal of 5. */
+/** A number in fixed-point notation, after a 5 in its tenth decimal was rounded up. */
 QString rounded(double value, int digits);
 
 /** A number scaled by a row's prefix and rounded to its decimals. */

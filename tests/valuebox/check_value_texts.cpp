@@ -1,5 +1,5 @@
-// Compares the texts of random values with those that Qt's own functions make step by step.
-// Too slow for the tests; to be run by hand after a change of how texts are made:
+// Compares the texts of random values with those made step by step with Qt's own functions. Too
+// slow for the tests; to be run by hand after a change in how texts are made:
 //     cmake --build build/dev --target check_value_texts
 //     build/dev/tests/valuebox/check_value_texts 100000000
 #include "PlainSteps.h"
@@ -33,7 +33,7 @@ const Quantity quantities[] = {
     {Round_L_TempCompensation, NumericalValueBox::tableRound_L_TempCompensation},
 };
 
-/** Any float, or one of a magnitude that a meter shows, of either sign. */
+/** Any float, or one of either sign with a magnitude that a meter shows. */
 float randomValue(QRandomGenerator &random)
 {
     quint32 bits = random.generate();

@@ -24,7 +24,7 @@ float ofBits(quint32 bits)
     return value;
 }
 
-/** A float's text is Qt's; how a failure is told. */
+/** Compares a float's text with Qt's. @return a description of the difference */
 bool isTextOfQt(float value, int decimals)
 {
     const QString text = fixedText(value, decimals);
@@ -38,7 +38,7 @@ bool isTextOfQt(float value, int decimals)
 
 } // namespace
 
-/** Fixed-point texts worked out with integers are the very ones of QString::number(). */
+/** Fixed-point texts computed with integers equal those of QString::number(). */
 class TstFixedPoint : public QObject
 {
     Q_OBJECT
@@ -73,7 +73,7 @@ void TstFixedPoint::floatsOfAMeter()
 
 void TstFixedPoint::ties()
 {
-    // Halves of the last decimal that a float holds exactly, and both their neighbours.
+    // Exact halves of the last decimal, and the floats beside them.
     QRandomGenerator random(13);
     int exact = 0;
     for (int decimals = 0; decimals <= 11; ++decimals) {
@@ -96,13 +96,14 @@ void TstFixedPoint::ties()
 void TstFixedPoint::edges()
 {
     for (int decimals = 0; decimals <= 13; ++decimals) {
-        for (quint32 exponent = 0; exponent <= 255; ++exponent) { // zero to infinite and NaN
+        for (quint32 exponent = 0; exponent <= 255; ++exponent) { // from zero to infinity and NaN
             for (const quint32 mantissa : {0U, 1U, 0x3FFFFFU, 0x400000U, 0x7FFFFEU, 0x7FFFFFU}) {
                 for (const quint32 sign : {0U, 0x80000000U})
                     QVERIFY(isTextOfQt(ofBits(sign | (exponent << 23U) | mantissa), decimals));
             }
         }
-        for (int power = -12; power <= 12; ++power) { // where the number of digits changes
+        // Around the powers of ten, where the number of digits changes.
+        for (int power = -12; power <= 12; ++power) {
             const float ten = QString("1e%1").arg(power).toFloat();
             for (const float value : {previous(ten), ten, next(ten), 5 * ten, previous(5 * ten)})
                 QVERIFY(isTextOfQt(value, decimals));
@@ -122,7 +123,7 @@ void TstFixedPoint::whatDoesNotFit()
     QVERIFY(!FixedPoint::of(1, FixedPoint::mostDecimals + 1));
     QVERIFY(FixedPoint::of(1, FixedPoint::mostDecimals).has_value());
     QVERIFY(FixedPoint::of(42.9F, 8).has_value());
-    QVERIFY(!FixedPoint::of(43.F, 8)); // 32 bits are full
+    QVERIFY(!FixedPoint::of(43.F, 8)); // more than 32 bits
     QCOMPARE(FixedPoint::of(-0.001F, 2)->digits(), 0U);
     QVERIFY(FixedPoint::of(-0.001F, 2)->isNegative());
     QVERIFY(!FixedPoint::of(-0.F, 2)->isNegative());
@@ -161,7 +162,7 @@ void TstFixedPoint::nudgeReachesNoEighthDecimal()
     QRandomGenerator random(14);
     int nudged = 0;
     for (int i = 0; i < 300000; ++i) {
-        // Around numbers of ten decimals that end in 5, small enough to have them.
+        // Around numbers whose tenth decimal is a 5, small enough for a float to have it.
         const quint64 units = random.generate64() % (quint64(1) << (4 + i % 32));
         auto value = float(double(units * 10 + 5) * 1e-10);
         value = i % 3 == 0 ? value : (i % 3 == 1 ? next(value) : previous(value));
@@ -180,7 +181,7 @@ void TstFixedPoint::nudgeReachesNoEighthDecimal()
 
 void TstFixedPoint::nudgeReachesTheNinthDecimal()
 {
-    // Which is why nine decimals and more go the long way.
+    // So texts with nine decimals and more have to be made by QString.
     QRandomGenerator random(15);
     int changed = 0;
     for (int i = 0; i < 100000; ++i) {

@@ -103,7 +103,7 @@ void TstKtvctlValues::storedModel()
 
 void TstKtvctlValues::parsedText()
 {
-    // As shown, and as a keyboard writes it.
+    // With the characters of the library, and with those that keyboards have.
     for (const QString &unit : {ohm, QString(QChar(0x03A9))}) {
         const QJsonObject parsed = json({"parse", "12.50 m" + unit}).toObject();
         QCOMPARE(float(parsed.value("value").toDouble()), 0.0125F);
@@ -142,7 +142,7 @@ void TstKtvctlValues::plot()
 {
     const QStringList lines = value({"plot", "--model", "420"}).out.split('\n');
     QVERIFY(lines.at(0).contains("100n 1" + micro));
-    // Five columns a decade from 100 nΩ on: up to 1 mΩ, 2 mΩ, 20 mΩ and 200 mΩ.
+    // Five columns for each decade from 100 nΩ on: up to 1 mΩ, 2 mΩ, 20 mΩ and 200 mΩ.
     QCOMPARE(lines.at(1), "10 A    " + QString(22, '7') + QString(5, '6') + QString(5, '5'));
     QCOMPARE(lines.at(5), "1 mA    " + QString(52, '1'));
     const QStringList inductance =

@@ -10,7 +10,6 @@
 #include <QtTest>
 
 #include <cstring>
-#include <memory>
 
 using namespace ValueBox;
 using namespace Texts;
@@ -120,7 +119,7 @@ void TstNumericalValueBox::fixedPrefixAndDecimals()
         box.setRealValue(value);
         QCOMPARE(box.toString(), QString::fromLatin1(text));
     }
-    box.setRealValue(1, testI_10A); // the own row knows no currents
+    box.setRealValue(1, testI_10A); // its own row is the same for all currents
     QCOMPARE(box.toString(), QStringLiteral("1000.0 mV"));
 }
 
@@ -139,7 +138,7 @@ void TstNumericalValueBox::fixedRowStaysUntilReplaced()
     other.setRealValue(0.0005F);
     QCOMPARE(other.toString(), QStringLiteral("---"));
     other.setRoundMetod(Round_Static);
-    QCOMPARE(other.toString(), QStringLiteral("---")); // until a value is set
+    QCOMPARE(other.toString(), QStringLiteral("---")); // no rows until a value is set
     other.setRealValue(0.0005F);
     QCOMPARE(other.toString(), "0.001 " + ohm); // its own row again
 }
@@ -155,7 +154,7 @@ void TstNumericalValueBox::ownRowMadeAnew()
     NumericalValueBox ofTable(Unit_Ohm, Round_R);
     ofTable.setRealValue(0.5F, testI_1A);
     ofTable.prepareRound_Static();
-    QCOMPARE(ofTable.toString(), "500.0 m" + ohm); // the table's rows are none of its business
+    QCOMPARE(ofTable.toString(), "500.0 m" + ohm); // rows of the table are not changed
 }
 
 void TstNumericalValueBox::objectOfText_data()
@@ -252,7 +251,7 @@ void TstNumericalValueBox::infinities()
 {
     NumericalValueBox box(Unit_Ohm, Round_R);
     box.setRealValue(infinity, testI_1A);
-    QCOMPARE(box.toString(), "> 2.0000 " + ohm); // 1.99995F lies above the decimal
+    QCOMPARE(box.toString(), "> 2.0000 " + ohm); // 1.99995F is above 1.99995
     QCOMPARE(box.getFormatedValue(), 2.F);
     QCOMPARE(box._valueFormat(infinity, 0), QStringLiteral("inf"));
     box.setRealValue(-infinity, testI_1A);
@@ -271,12 +270,12 @@ void TstNumericalValueBox::minusZero()
         box.setNegativeAllowed(isNegativeAllowed);
         QCOMPARE(box.toString(), QStringLiteral("0.00 V"));
     }
-    // A number alone keeps the sign of what rounds to zero, and prints none for minus zero.
+    // _valueFormat() keeps the sign of a value that rounds to zero, but has none for minus zero.
     QCOMPARE(box._valueFormat(-0.F, 0), QStringLiteral("0.00"));
     QCOMPARE(box._valueFormat(-0.001F, 0), QStringLiteral("-0.00"));
     box.setRealValue(-0.001F);
     QCOMPARE(box.toString(), QStringLiteral("0.00 V"));
-    box.setRealValue(-0.005F); // the float lies above the decimal's half
+    box.setRealValue(-0.005F); // the float is above the decimal number in magnitude
     QCOMPARE(box.toString(), QStringLiteral("0.00 V"));
     box.setRealValue(-0.0051F);
     QCOMPARE(box.toString(), QStringLiteral("-0.01 V"));
@@ -308,7 +307,7 @@ void TstNumericalValueBox::textsBeforeTheyAreFilled()
     QCOMPARE(box.toString(), QStringLiteral("--- "));
     box.setRealValue(0.0015F, testI_10A);
     QCOMPARE(box.toString(), QStringLiteral("1.5000"));
-    QCOMPARE(box.getRealFormatedValue(), 1.5F); // nothing says that these are milliohms
+    QCOMPARE(box.getRealFormatedValue(), 1.5F); // nothing shows that these are milliohms
     box.setRealValue(5, testI_10A);
     QCOMPARE(box.toString(), QStringLiteral("> 199.99"));
     box.setRealValue(-1, testI_10A);
@@ -426,7 +425,7 @@ void TstNumericalValueBox::textsEditedBetween()
     NumericalValueBox box(0.0125F, Unit_Ohm, Prefix_m, 1);
     QString &unit = NumericalValueBox::unitString[Unit_Ohm];
     QCOMPARE(box.toString(), "12.5 m" + ohm);
-    unit = "R"; // through a reference taken before
+    unit = "R"; // through a reference that was taken before
     QCOMPARE(box.toString(), QStringLiteral("12.5 mR"));
     QCOMPARE(NumericalValueBox::getValue("12.5 mR"), 0.0125F);
     NumericalValueBox::prefixString.insert(Prefix_m, "milli ");
@@ -474,7 +473,7 @@ void TstNumericalValueBox::manyValues()
         const QString unit = NumericalValueBox::getUnitPrefix(row.prefix) + ohm;
         for (int i = 0; i < 20000; ++i) {
             quint32 bits = random.generate();
-            if (i % 4 != 0) // most of them as a meter measures: 1e-9 to 1e9
+            if (i % 4 != 0) // most of them in the range of a meter: 1e-9 to 1e9
                 bits = (bits & 0x807FFFFFU) | ((97U + (bits >> 23U) % 60U) << 23U);
             float value = 0;
             std::memcpy(&value, &bits, sizeof value);
@@ -495,13 +494,13 @@ void TstNumericalValueBox::rowsAreKeptAndSearched()
     box.setRealValue(0.0005F, 10);
     QCOMPARE(box.toString(), "500.0 " + micro + ohm);
     NumericalValueBox::tableRound_R.clear();
-    box.setRealValue(0.0006F, 10); // kept: the same current is not searched again
+    box.setRealValue(0.0006F, 10); // kept: for the same current the table is not searched again
     QCOMPARE(box.toString(), "600.0 " + micro + ohm);
     box.setRoundMetod(Round_R); // forces a new search
     box.setRealValue(0.0006F, 10);
     QCOMPARE(box.toString(), QStringLiteral("---"));
     NumericalValueBox::prepareRound_R_KTV420();
-    box.setRealValue(0.0006F, 10); // not found before, and so searched again
+    box.setRealValue(0.0006F, 10); // had no rows, so the table is searched again
     QCOMPARE(box.toString(), "600.0 " + micro + ohm);
     box.setRealValue(0.0006F, testI_1A);
     QCOMPARE(box.toString(), "0.60 m" + ohm);
@@ -536,7 +535,7 @@ void TstNumericalValueBox::unknownMethodHasNoRows()
         box.setRealValue(0.5F, testI_1A);
         QCOMPARE(box.toString(), QStringLiteral("---"));
         QCOMPARE(box.realValue(), 0.5F);
-        // The fixed row of an object stays active even then, until a current comes.
+        // The fixed row of an object stays in use even then, until a value with a current is set.
         NumericalValueBox fixed(0.5F, Unit_Ohm, Prefix_m, RoundMetods(unknown), 0);
         fixed.setRealValue(0.25F);
         QCOMPARE(fixed.toString(), "250 m" + ohm);
@@ -555,7 +554,7 @@ void TstNumericalValueBox::firstOfTwoSetsWins()
     NumericalValueBox box(Unit_None, Round_L);
     box.setRealValue(2, testI_70A);
     QCOMPARE(box.toString(), QStringLiteral("2.0"));
-    // Rows belong to whoever edits the public tables; values follow.
+    // Clients may edit the rows of the public tables, and values use the edited rows.
     first.items.first()->digits = 2;
     QCOMPARE(box.toString(), QStringLiteral("2.00"));
     first.items.append(new RoundItem(20, 0, 0));
@@ -684,7 +683,7 @@ void TstNumericalValueBox::debugLines()
          20,
          {"NumericalValueBox::toString()= --- [2] (-2.5e-05)",
           "NumericalValueBox::toString()= ---"}},
-        {NaN, 20, {"NumericalValueBox::toString()= --- (nan)"}}, // and no line of missing rows
+        {NaN, 20, {"NumericalValueBox::toString()= --- (nan)"}}, // and no line about missing rows
         {-1, 10, {"NumericalValueBox::toString()= < 0 " + micro + ohm}},
     };
     for (const auto &text : texts) {
@@ -704,7 +703,7 @@ void TstNumericalValueBox::debugLines()
     QCOMPARE(log.lines().value(1), // with its sign, which the text of a number would have, too
              QStringLiteral("NumericalValueBox::toString()= --- [2] (-2.5e-05)"));
 
-    Round_Current_I empty(testI_30A, nullptr); // a set in use, only without rows
+    Round_Current_I empty(testI_30A, nullptr); // a set that is in use but has no rows
     NumericalValueBox::tableRound_R.append(&empty);
     box.setRealValue(1, testI_30A);
     log.clear();
@@ -735,7 +734,7 @@ void TstNumericalValueBox::metaObject()
     NumericalValueBox box;
     const QMetaObject *meta = box.metaObject();
     QCOMPARE(meta->className(), "ValueBox::NumericalValueBox");
-    // Nothing of its own to connect to.
+    // The class has no signals of its own.
     QCOMPARE(meta->methodCount(), QObject::staticMetaObject.methodCount());
     QCOMPARE(meta->propertyCount(), QObject::staticMetaObject.propertyCount());
     QVERIFY(qobject_cast<NumericalValueBox *>(static_cast<QObject *>(&box)));

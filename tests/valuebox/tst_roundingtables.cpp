@@ -28,7 +28,10 @@ const QList<Round_Current_I *> &tableOf(RoundMetods method)
     return *tables.at(method);
 }
 
-/** "10: 0.0009999/1/-6 0.0019999/4/-3", with all nine digits that tell two floats apart. */
+/**
+ * A text such as "10: 0.0009999/1/-6 0.0019999/4/-3", with nine digits, so that different floats
+ * have different texts.
+ */
 template <typename Rows> QString described(testI current, const Rows &rows)
 {
     QStringList words {QString::number(current) + ':'};
@@ -66,7 +69,7 @@ QString unitWithPrefix(int prefix)
     return prefixes.value(prefix) + ohm;
 }
 
-/** Text of a value of one set, step by step. */
+/** Text of a value shown with one set, made step by step. */
 QString plainText(float value, bool isNegativeAllowed, const QVector<ExpectedTables::Row> &rows)
 {
     if (value < 0 && !isNegativeAllowed)
@@ -143,7 +146,7 @@ void TstRoundingTables::tablesOfModel()
     QFETCH(RoundMetods, method);
     const auto expected = ExpectedTables::sets(model, method);
     QVERIFY(expected.size() >= 5);
-    for (int times = 0; times < 2; ++times) { // filled again, they hold the same
+    for (int times = 0; times < 2; ++times) { // filling them again gives the same rows
         NumericalValueBox::SetCurrentMeter(model);
         QCOMPARE(described(tableOf(method)), described(expected));
     }
@@ -224,12 +227,13 @@ void TstRoundingTables::textReadsBackIntoTheSameText()
                     QCOMPARE(box.getRealFormatedValue(), readBack);
                     ++sameRow;
                 } else {
-                    // Read back across the row's bound: "0.9999 mΩ" is then "999.9 μΩ".
+                    // Read back, it may be in another row: "0.9999 mΩ" is then shown as "999.9 μΩ".
                     const float bound = readBack < value ? from : row.maximum;
                     QVERIFY(std::abs(double(bound) - double(value)) <= halfDecimal);
                 }
             }
-            // A row may be narrower than its last decimal: henries at 1 mA, for one.
+            // The range of a row may be smaller than its last decimal, for instance with henries at
+            // 1 mA.
             const bool isWide = row.maximum - from > 20 * std::pow(10., row.prefix - row.digits);
             QVERIFY(!isWide || sameRow > values.size() * 9 / 10);
             from = row.maximum;
@@ -261,7 +265,7 @@ void TstRoundingTables::unknownModelLeavesTheTables()
     const auto before = NumericalValueBox::tableRound_R;
     for (const int unknown : {0, 6, -1}) {
         NumericalValueBox::SetCurrentMeter(KTV_Configuration::MeterModels(unknown));
-        QCOMPARE(NumericalValueBox::tableRound_R, before); // the very same sets
+        QCOMPARE(NumericalValueBox::tableRound_R, before); // the same objects
     }
 }
 
@@ -300,7 +304,7 @@ void TstRoundingTables::setsOutliveTheTables()
     QCOMPARE(box.toString(), text);
     NumericalValueBox::SetCurrentMeter(KTV_Configuration::KTV_420); // has no 20 A
     QCOMPARE(box.toString(), text);
-    box.setRealValue(0.0075F, testI_20A); // the same current: not searched again
+    box.setRealValue(0.0075F, testI_20A); // for the same current the table is not searched again
     QCOMPARE(box.toString(), text);
     box.setRealValue(0.0075F, testI_10A);
     QCOMPARE(box.toString(), "7.500 m" + ohm);

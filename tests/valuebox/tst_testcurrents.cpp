@@ -34,7 +34,7 @@ void TstTestCurrents::codes_data()
     QTest::newRow("100 mA") << 2 << "100 mA" << 0.1F;
     QTest::newRow("1 A") << 3 << "1 A" << 1.F;
     QTest::newRow("10 A") << 10 << "10 A" << 10.F;
-    for (int amperes = 20; amperes <= 90; amperes += 10) // labelled as milliamperes
+    for (int amperes = 20; amperes <= 90; amperes += 10) // their labels say milliamperes
         QTest::addRow("%d A", amperes)
             << amperes << QString("%1 mA").arg(amperes) << float(amperes);
     for (int amperes = 100; amperes <= 200; amperes += 10)

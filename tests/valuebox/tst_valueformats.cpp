@@ -14,7 +14,7 @@ using namespace Texts;
 Q_DECLARE_METATYPE(Units)
 Q_DECLARE_METATYPE(UnitPrefixs)
 
-/** Texts that need no value object: fixed formats, temperatures, and the units' own texts. */
+/** Texts made without a value object: fixed formats, temperatures, and the texts of units. */
 class TstValueFormats : public QObject
 {
     Q_OBJECT
@@ -90,7 +90,7 @@ void TstValueFormats::defaultTexts()
     QCOMPARE(NumericalValueBox::unitString, units);
     QCOMPARE(NumericalValueBox::prefixString, prefixes);
     const QStringList byNumber {"", "A", "V", text, QString(QChar(0x2126))};
-    for (int number = 0; number < byNumber.size(); ++number) // clients store the numbers
+    for (int number = 0; number < byNumber.size(); ++number) // clients store these numbers
         QCOMPARE(NumericalValueBox::getUnit(Units(number)), byNumber.at(number));
     for (auto unit = units.begin(); unit != units.end(); ++unit) {
         QCOMPARE(NumericalValueBox::getUnit(unit.key()), unit.value());
@@ -100,7 +100,7 @@ void TstValueFormats::defaultTexts()
         QCOMPARE(NumericalValueBox::getUnitPrefix(prefix.key()), prefix.value());
         QCOMPARE(NumericalValueBox::_enumUnitPrefixsToString(prefix.key()), prefix.value());
     }
-    // Edited by a client, they are its own until they are taken anew.
+    // Texts edited by a client are used until the defaults are set again.
     NumericalValueBox::unitString[Unit_A] = "Amp";
     QCOMPARE(NumericalValueBox::getUnit(Unit_A), QStringLiteral("Amp"));
     NumericalValueBox::prepareStaticDefaultValue(TemperatureUnit(temperatureUnit));
@@ -155,9 +155,9 @@ void TstValueFormats::listsOfAnotherLength()
         NumericalValueBox::prepareStaticCustomtValue(texts, texts, Temp_Fahrenheit);
         QCOMPARE(NumericalValueBox::unitString, units);
         QCOMPARE(NumericalValueBox::prefixString, prefixes);
-        QCOMPARE(NumericalValueBox::getTempUnit(), Temp_Fahrenheit); // taken all the same
+        QCOMPARE(NumericalValueBox::getTempUnit(), Temp_Fahrenheit); // set all the same
     }
-    // Each list stands for itself.
+    // Each list is checked independently.
     NumericalValueBox::prepareStaticCustomtValue({"1", "2", "3", "4"}, {"1"}, Temp_Celsius);
     QCOMPARE(NumericalValueBox::getUnit(Unit_Ohm), QStringLiteral("4"));
     QCOMPARE(NumericalValueBox::prefixString, prefixes);
@@ -174,7 +174,7 @@ void TstValueFormats::unknownKeys()
     QCOMPARE(NumericalValueBox::getUnitPrefix(UnitPrefixs(1)), QString());
     const NumericalValueBox box(1, Units(42), UnitPrefixs(1), 1);
     QCOMPARE(box.toString(), QStringLiteral("0.1"));
-    QCOMPARE(NumericalValueBox::unitString.size(), 5); // asking adds nothing
+    QCOMPARE(NumericalValueBox::unitString.size(), 5); // asking for a text adds no entry
     QCOMPARE(NumericalValueBox::prefixString.size(), 7);
 }
 
@@ -279,7 +279,7 @@ void TstValueFormats::voltageDrop_data()
         QTest::addRow("%.9g V, current %d%s", double(volts), current, limited ? ", limited" : "")
             << volts << current << limited << QString::fromLatin1(text);
     };
-    // As floats, 0.019, 0.19999 and 1.9999 lie beside their double bounds.
+    // The floats 0.019, 0.19999 and 1.9999 differ from the bounds, which are doubles.
     const bool isBelow19m = double(0.019F) < 0.019;
     const bool isBelow200m = double(0.19999F) < 0.19999;
     const bool isBelow2 = double(1.9999F) < 1.9999;
@@ -427,7 +427,7 @@ void TstValueFormats::temperatureInManySteps()
     const auto onScale = [=](float shown) { return float((double(shown) - zeroCelsius) / factor); };
     for (int step = -300000; step <= 300000; step += 7)
         QVERIFY(check(float(step) / 1000));
-    // Where the tenth, and with it the half degree, changes; and the floats beside it.
+    // Values at which the tenth, and with it the half degree, changes; and the floats beside them.
     for (int twentieth = -10001; twentieth <= 10001; twentieth += 2) {
         const float celsius = onScale(float(twentieth) / 20);
         for (const float value : {previous(celsius), celsius, next(celsius)})
@@ -453,7 +453,7 @@ void TstValueFormats::temperatureResetsTheTexts()
         QVERIFY(text.endsWith(' ' + units.value(Unit_Temperature)));
         QCOMPARE(NumericalValueBox::unitString, units);
         QCOMPARE(NumericalValueBox::prefixString, prefixes);
-        // One text edited, added or taken away is put right as well.
+        // A single text that was edited, added or removed is reset, too.
         NumericalValueBox::unitString[Unit_Temperature] = "x";
         NumericalValueBox::unitString.insert(Units(9), "y");
         NumericalValueBox::prefixString.remove(Prefix_m);
@@ -461,7 +461,7 @@ void TstValueFormats::temperatureResetsTheTexts()
         QCOMPARE(NumericalValueBox::unitString, units);
         QCOMPARE(NumericalValueBox::prefixString, prefixes);
     }
-    // The unit itself may be assigned, while texts of another one are in use.
+    // The unit itself may be assigned while the texts of another one are in use.
     NumericalValueBox::prepareStaticDefaultValue(Temp_Celsius);
     NumericalValueBox::_tUnit = Temp_Kelvin;
     QCOMPARE(NumericalValueBox::formatTemperature(10), QStringLiteral("283.0 K"));

@@ -16,7 +16,7 @@ Q_DECLARE_METATYPE(UnitPrefixs)
 
 namespace {
 
-// Marks that no parse may leave behind by accident.
+// Values that no parse produces by accident.
 constexpr auto untouchedUnit = Units(77);
 constexpr auto untouchedPrefix = UnitPrefixs(55);
 
@@ -198,7 +198,8 @@ void TstValueParsing::customTexts_data()
         << units << prefixes << "1 MGA" << 1e6F << Unit_A << Prefix_M;
     QTest::newRow("short prefix") << units << prefixes << "1 GA" << 1e9F << Unit_A << Prefix_G;
     QTest::newRow("texts are taken away from the left")
-        << units << prefixes << "1 kababa" << 1.F << Unit_Ohm << Prefix_None; // "kba" is left
+        // Prefix "kba", which is none.
+        << units << prefixes << "1 kababa" << 1.F << Unit_Ohm << Prefix_None;
     QTest::newRow("what is left may join to a prefix")
         << units << prefixes << "1 xabamGaba" << 0.001F << Unit_Ohm << Prefix_m;
     QTest::newRow("a unit with a blank is out of reach")
@@ -218,7 +219,7 @@ void TstValueParsing::customTexts()
     QFETCH(Units, unit);
     QFETCH(UnitPrefixs, prefix);
     NumericalValueBox::prepareStaticCustomtValue(units, prefixes, Temp_Celsius);
-    // Whatever the order in which a hash holds its entries.
+    // Independent of the order of a hash.
     for (int buckets = 0; buckets < 200; buckets += 10) {
         NumericalValueBox::unitString.reserve(buckets);
         NumericalValueBox::prefixString.reserve(buckets);
@@ -278,7 +279,7 @@ void TstValueParsing::numbersAreThoseOfQt()
             QFAIL(qPrintable(number));
     }
     for (int i = 0; i < 40000; ++i) {
-        // A hair beside the middle of two floats: there every bit of a double counts.
+        // Very close to the middle between two floats, where every bit of a double matters.
         const quint32 odd = 1U << 24U | random.generate() >> 8U | 1U;
         const quint32 middle = odd << random.generate() % 3U;
         const int zeros = int(random.generate() % 10U);

@@ -10,8 +10,8 @@
 #include <utility>
 
 /**
- * Takes a manager's signals on the thread that emits them, and the records with them. What it
- * hands out was put in under its mutex, so no data goes from thread to thread unprotected.
+ * Receives a manager's signals, with their records, on the thread that emits them. A mutex protects
+ * all data that goes from thread to thread.
  */
 class Inbox
 {
@@ -67,10 +67,10 @@ public:
     QVector<int> states() const { return get(m_states); }
     QVector<Record> details() const { return get(m_details); }
     QVector<Scan> scans() const { return get(m_scans); }
-    /** The signals in their order: s for a state, d for a detail, n for a scan. */
+    /** The signals in order: s for a state, d for details, n for a scan. */
     QByteArray order() const { return get(m_order); }
     int count() const { return order().size(); }
-    /** Threads that have emitted, in the order of the signals. */
+    /** Threads that have emitted signals, in the order of the signals. */
     QVector<QThread *> threads() const { return get(m_threads); }
 
 private:

@@ -4,7 +4,7 @@
 
 #include <QProcess>
 
-/** The wireless tools of the meter, told what to print or to do. */
+/** Controls what the wireless tools of the meter print and do. */
 namespace Tools {
 
 inline QStringList names()
@@ -41,7 +41,7 @@ inline void delay(const char *program, const QByteArray &seconds)
     Meter::setBehaviour(QLatin1String(program), "delay=" + seconds);
 }
 
-/** An interface that is in a network, as the tools show it. */
+/** Makes the tools show an interface that has joined a network. */
 inline void connected(const QByteArray &essid = "Lab", const QByteArray &address = "10.1.2.3",
                       const QByteArray &level = "-60")
 {
@@ -53,7 +53,7 @@ inline void connected(const QByteArray &essid = "Lab", const QByteArray &address
     print("iwconfig", "          Link Quality=50/70  Signal level=" + level + " dBm  ");
 }
 
-/** An interface that is up and in no network. */
+/** Makes the tools show an interface that is up and has joined no network. */
 inline void idle()
 {
     print("ifconfig", "wlan0     Link encap:Ethernet  HWaddr 02:4B:54:56:00:00");

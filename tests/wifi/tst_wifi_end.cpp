@@ -32,8 +32,8 @@ qint64 now(clockid_t clock)
 }
 
 /**
- * As long as one of these exists, time passes so slowly for the workers that a limit of one second
- * is reached only after all the time that a test waits for what must come.
+ * While such an object exists, time passes so slowly for the workers that a limit of one second is
+ * reached only after the longest time that a test waits.
  */
 class SlowClock
 {
@@ -51,7 +51,7 @@ public:
 
 } // namespace
 
-/** Comes before the C library's, also for what Qt measures. */
+/** Replaces the function of the C library, also for Qt. */
 extern "C" int clock_gettime(clockid_t clock, timespec *time) noexcept
 {
     const auto result = int(::syscall(SYS_clock_gettime, clock, time));
@@ -64,7 +64,7 @@ extern "C" int clock_gettime(clockid_t clock, timespec *time) noexcept
     return result;
 }
 
-/** The manager may go at any moment, whatever its workers are waiting for. */
+/** The manager can be destroyed at any moment, whatever its workers are doing. */
 class TstWifiEnd : public QObject
 {
     Q_OBJECT
@@ -90,7 +90,7 @@ private:
     {
         return std::make_unique<KTV_Connection>(m_directory->path() + QLatin1Char('/'));
     }
-    /** Processes of the tools that are still there. */
+    /** Processes of the tools that are still running. */
     static QString leftOver();
 
     std::unique_ptr<QTemporaryDir> m_directory;
@@ -128,12 +128,12 @@ void TstWifiEnd::toolsHang()
     Tools::connected();
     Meter::setBehaviour(tool, "hang=1");
     Meter::clearJournal();
-    const SlowClock clock; // the tools are given up after 1000 ms or 5000 ms
+    const SlowClock clock; // so the limits of 1000 ms and 5000 ms are not reached
     wifi->DetailInfoScan(true);
     QVERIFY(wifi->ScanNetwork(true));
     wifi->onStatusTime();
     wifi->onStatusDetailTime();
-    QTRY_VERIFY(!Meter::journal().filter(tool).isEmpty()); // it hangs now
+    QTRY_VERIFY(!Meter::journal().filter(tool).isEmpty()); // the tool hangs now
     wifi.reset();
     QVERIFY(!SlowClock::isSecondOver());
     QTRY_COMPARE(leftOver(), QString());
@@ -172,7 +172,7 @@ void TstWifiEnd::inEachMode()
         wifi->ScanNetwork(scan);
         wifi->onStatusTime();
         wifi->onStatusDetailTime();
-        QTest::qWait(round * 7); // at another place of the workers each time
+        QTest::qWait(round * 7); // each time at another point of the workers
         wifi.reset();
         const int count = inbox.count();
         QCoreApplication::processEvents();
@@ -200,7 +200,7 @@ void TstWifiEnd::poolIsBusy()
     wifi->onStatusTime();
     wifi->onStatusDetailTime();
     Meter::clearJournal();
-    wifi.reset(); // although none of the workers could begin
+    wifi.reset(); // although no worker could start
     QVERIFY(!task.isFinished());
     release.release();
     task.waitForFinished();
@@ -214,7 +214,7 @@ void TstWifiEnd::powerRequestIsCarriedOut()
     QSemaphore release;
     QFuture<void> task = QtConcurrent::run([&release] { release.acquire(); });
     auto wifi = manager();
-    for (const bool on : {false, true, false}) // of those that wait, the last one
+    for (const bool on : {false, true, false}) // of the waiting ones only the last is carried out
         wifi->set_wifi_Enable(on);
     Meter::clearJournal();
     wifi.reset();
@@ -257,7 +257,7 @@ void TstWifiEnd::failedScanOfAManagerThatIsGone()
     Tools::hang("iwlist");
     const LogCapture log;
     QVERIFY(wifi->ScanNetwork(true));
-    // Its request to drop the timer waits in this thread's queue.
+    // Its call to delete the timer is in this thread's event queue.
     QVERIFY(QThreadPool::globalInstance()->waitForDone(9000));
     QCOMPARE(inbox.order(), QByteArray("n"));
     QVERIFY(!wifi->isScanMode());
@@ -279,7 +279,7 @@ void TstWifiEnd::fewDescriptorsLeft()
     auto wifi = manager();
     QThreadPool *const pool = QThreadPool::globalInstance();
     Meter::clearJournal();
-    pool->waitForDone(); // and none of its threads is left: the next ones need descriptors
+    pool->waitForDone(); // ends its threads, so that new ones need descriptors
     {
         const Meter::FewDescriptors few(left);
         wifi->ScanNetwork(true);
@@ -292,7 +292,7 @@ void TstWifiEnd::fewDescriptorsLeft()
         }
         QVERIFY(pool->waitForDone(20000));
     }
-    // Not lost: with room for it, the request is carried out.
+    // The request is not lost: it is carried out when descriptors are free again.
     QTRY_VERIFY(Meter::journal().contains(QStringLiteral("ifconfig wlan0 up")));
 }
 

@@ -19,7 +19,7 @@ using WiFi::KTV_Connection;
 namespace {
 
 const QString supplicantFile = QStringLiteral("/etc/wpa_supplicant/wpa_supplicant-wlan0.conf");
-/** What the supplicant has read at its last start. */
+/** The file that the supplicant has read at its last start. */
 const QString fileAtRestart = QStringLiteral("/run/meter/private/supplicant-wlan0.conf");
 const QString restart = QStringLiteral("systemctl restart wpa_supplicant@wlan0");
 
@@ -30,7 +30,7 @@ const QByteArray header("ctrl_interface=/var/run/wpa_supplicant\n"
                         "ap_scan=1\n"
                         "\n");
 
-/** What the real tool makes of a name and a pass phrase. */
+/** The output of the real tool for a name and a pass phrase. */
 QByteArray protectedEntry(const QString &essid, const QString &key, bool preferred = false)
 {
     QProcess tool;
@@ -48,7 +48,7 @@ QByteArray openEntry(const QByteArray &essid, bool preferred = false)
         + (preferred ? "\tpriority=100\n" : "") + "}\n";
 }
 
-/** All rows of a table as "column|column|...", in row order. */
+/** All rows of a table as "column|column|...", in order. */
 QStringList rows(const QString &file, const QString &table)
 {
     QStringList result;
@@ -108,7 +108,7 @@ QString characters(int count)
 
 } // namespace
 
-/** Known networks: what is stored, and what the supplicant is given. */
+/** Known networks: the database and the supplicant's file. */
 class TstWifiNetworks : public QObject
 {
     Q_OBJECT
@@ -204,7 +204,7 @@ void TstWifiNetworks::existingFileIsOpenedAsItIs()
 {
     change(database(), {QStringLiteral("CREATE TABLE Unrelated (x)")});
     const auto wifi = manager();
-    QCOMPARE(known(*wifi), QStringList()); // no table to read, and none is made
+    QCOMPARE(known(*wifi), QStringList()); // there is no table, and none is created
     QVERIFY(!wifi->AddNetwork(QStringLiteral("Lab"), QString()));
     QCOMPARE(rows(database(), QStringLiteral("sqlite_master")).size(), 1);
 }
@@ -260,7 +260,7 @@ void TstWifiNetworks::keyLength()
     const QByteArray before = Meter::readFile(supplicantFile);
     Meter::clearJournal();
     QCOMPARE(wifi->AddNetwork(QStringLiteral("Lab"), key), accepted);
-    const bool isTaken = accepted && key.toUtf8().size() <= 63; // the tool counts bytes
+    const bool isTaken = accepted && key.toUtf8().size() <= 63; // wpa_passphrase counts bytes
     QCOMPARE(Meter::readFile(supplicantFile) != before, isTaken);
     QCOMPARE(Meter::journal().contains(restart), accepted);
     wifi.reset();
@@ -360,7 +360,7 @@ void TstWifiNetworks::connectionOfTheDriver()
     QVERIFY(!QSqlDatabase::contains(name));
     wifi = manager();
     QVERIFY(QSqlDatabase::contains(name));
-    QCOMPARE(log.lines(), QStringList()); // no complaint about a connection in use
+    QCOMPARE(log.lines(), QStringList()); // no warning about a connection in use
 }
 
 void TstWifiNetworks::listIsTheCallers()
@@ -382,7 +382,7 @@ void TstWifiNetworks::closedDatabase()
     QDir().mkpath(database()); // a folder in the file's place
     const auto wifi = manager();
     const LogCapture log;
-    QVERIFY(!wifi->AddNetwork(QString(), QString())); // what is refused does not get that far
+    QVERIFY(!wifi->AddNetwork(QString(), QString())); // refused before the database is used
     QVERIFY(!wifi->AddNetwork(QStringLiteral("Lab"), characters(7)));
     QVERIFY(!wifi->AddNetwork(QStringLiteral("Lab"), QString()));
     QVERIFY(!wifi->DeleteNetwork(QStringLiteral("Lab")));
@@ -429,7 +429,7 @@ void TstWifiNetworks::factoryReset()
     Meter::clearJournal();
     QVERIFY(wifi->RestoreFabricalSetting());
     QCOMPARE(known(*wifi), QStringList());
-    QCOMPARE(Meter::readFile(supplicantFile), file); // until the next change
+    QCOMPARE(Meter::readFile(supplicantFile), file); // stays until the next change
     QVERIFY(!Meter::journal().contains(restart));
     QVERIFY(wifi->AddNetwork(QStringLiteral("Office"), QString()));
     QCOMPARE(Meter::readFile(supplicantFile), header + openEntry("Office", true));
@@ -444,7 +444,7 @@ void TstWifiNetworks::emptyListGivesHeader()
     const auto wifi = manager();
     QCOMPARE(Meter::readFile(supplicantFile), header);
     QCOMPARE(Meter::journal().count(restart), 1);
-    QCOMPARE(Meter::readFile(fileAtRestart), header); // it was there before the restart
+    QCOMPARE(Meter::readFile(fileAtRestart), header); // written before the restart
 }
 
 void TstWifiNetworks::supplicantFileToTheByte()
@@ -553,7 +553,7 @@ void TstWifiNetworks::toolFailure()
     QVERIFY(wifi->AddNetwork(QStringLiteral("Lab"), QString()));
     QVERIFY(wifi->AddNetwork(QStringLiteral("Office"), QStringLiteral("12345678")));
     QCOMPARE(Meter::readFile(supplicantFile), header + openEntry("Lab"));
-    QCOMPARE(known(*wifi).size(), 2); // left out of the file, not of the store
+    QCOMPARE(known(*wifi).size(), 2); // missing in the file, not in the database
 }
 
 void TstWifiNetworks::fileThatCannotBeOpened()
@@ -580,7 +580,7 @@ void TstWifiNetworks::fullCardLeavesTheFileAsItWas()
     card.fillUp();
     Meter::clearJournal();
     const LogCapture log;
-    QVERIFY(wifi->AddNetwork(QStringLiteral("Office"), QString())); // it is stored all the same
+    QVERIFY(wifi->AddNetwork(QStringLiteral("Office"), QString())); // stored all the same
     QCOMPARE(log.lines(),
              QStringList(QStringLiteral("KTV_Connection::_buildConfFile: open file:")
                          + qt_error_string(ENOSPC)));
@@ -645,7 +645,7 @@ void TstWifiNetworks::secretsAreTheOwners()
     QVERIFY(wifi->RestoreFabricalSetting());
     QCOMPARE(othersRights(database()), QFile::Permissions());
     wifi.reset();
-    // Files that an earlier version has left behind.
+    // Files as written by an earlier version.
     const auto everyone =
         QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther;
     QVERIFY(QFile::setPermissions(database(), everyone));
@@ -664,7 +664,7 @@ void TstWifiNetworks::noKeyInTheLog()
     QVERIFY(wifi->AddNetwork(QStringLiteral("Office"), key));
     QVERIFY(wifi->DeleteNetwork(QStringLiteral("Office")));
     wifi.reset();
-    Meter::writeFile(database(), QByteArray(8192, 'g')); // no database at all
+    Meter::writeFile(database(), QByteArray(8192, 'g')); // not a database
     wifi = manager();
     QVERIFY(!wifi->AddNetwork(QStringLiteral("Office"), key));
     QVERIFY(!log.lines().isEmpty());

@@ -12,7 +12,7 @@
 using WiFi::KTV_Connection;
 using WiFi::Network;
 
-/** The manager among access points: nothing is canned, every tool does its work. */
+/** The manager with simulated access points: no output is fixed, every tool does its work. */
 class TstWifiRadio : public QObject
 {
     Q_OBJECT

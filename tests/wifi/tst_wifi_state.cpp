@@ -80,7 +80,7 @@ private:
         return std::make_unique<KTV_Connection>(m_directory->path() + QLatin1Char('/'));
     }
     /** All workers have ended. */
-    /** What the interface was switched to: "u" for up, "d" for down. */
+    /** Calls that have switched the interface: "u" for up, "d" for down. */
     static QString powerCalls();
     static bool poolIsIdle() { return QThreadPool::globalInstance()->waitForDone(20000); }
 
@@ -91,7 +91,7 @@ void TstWifiState::init()
 {
     m_directory = std::make_unique<QTemporaryDir>();
     Tools::reset();
-    Tools::print("systemctl", QByteArray()); // no supplicant: the tools say what is told
+    Tools::print("systemctl", QByteArray()); // no supplicant: the tools print what the test sets
     Tools::idle();
 }
 
@@ -136,7 +136,7 @@ void TstWifiState::construction()
     QVERIFY(!wifi->isScanMode());
 }
 
-/** Those that have no limit: the list of interfaces and the supplicant's restart. */
+/** Commands without a time limit: the list of interfaces and the supplicant's restart. */
 void TstWifiState::slowToolsAreWaitedFor()
 {
     const QString isRestarted = QStringLiteral("/tmp/restarted");
@@ -233,7 +233,7 @@ void TstWifiState::interfaceIsLookedForAgain()
     QCOMPARE(wifi->getInterfaceName(), QString());
 }
 
-/** A recorded shell shows the lines that it is given, to the last blank. */
+/** Records the shell, so that its command lines can be checked exactly. */
 void TstWifiState::commandLines()
 {
     const auto wifi = manager();
@@ -274,14 +274,14 @@ void TstWifiState::timers()
     QCOMPARE(intervals(), QVector<int> {5000});
     const auto *const statusTimer = wifi->findChild<QTimer *>();
     wifi->DetailInfoScan(true);
-    QCOMPARE(intervals(), QVector<int> {1000}); // in place of the state's
+    QCOMPARE(intervals(), QVector<int> {1000}); // instead of the timer of the state
     QVERIFY(wifi->ScanNetwork(true));
     QCOMPARE(intervals(), QVector<int>({1000, 10000}));
     wifi->DetailInfoScan(false);
     QCOMPARE(intervals(), QVector<int>({5000, 10000}));
     QTRY_VERIFY(statusTimer->remainingTime() < 4500);
     wifi->DetailInfoScan(false);
-    QVERIFY(statusTimer->remainingTime() < 4500); // it has not begun anew
+    QVERIFY(statusTimer->remainingTime() < 4500); // it was not restarted
     QVERIFY(wifi->ScanNetwork(false));
     QCOMPARE(intervals(), QVector<int> {5000});
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -330,7 +330,7 @@ void TstWifiState::stateChange()
     wifi->onStatusTime();
     QVERIFY(poolIsIdle());
     QCOMPARE(inbox.order(), QByteArray("ss"));
-    QVERIFY(!wifi->get_wifi_Enable()); // details have not been asked for
+    QVERIFY(!wifi->get_wifi_Enable()); // no details have been polled
 }
 
 void TstWifiState::stateOnATimer()
@@ -363,11 +363,12 @@ void TstWifiState::detailChange()
                  "          inet addr:10.1.2.3  Bcast:10.1.255.255  Mask:255.255.0.0\\n");
     wifi->onStatusDetailTime();
     QVERIFY(poolIsIdle());
-    QCOMPARE(inbox.count(), 2); // nothing has changed that counts
+    QCOMPARE(inbox.count(), 2); // none of the compared fields has changed
 
     Tools::connected("Lab", "10.1.2.4");
     KTV_Connection::check_wifiDetailState_Avait(wifi.get());
-    QCOMPARE(inbox.order(), QByteArray("sdsd")); // the state too, though it is the same
+    // The state is emitted, too, although it has not changed.
+    QCOMPARE(inbox.order(), QByteArray("sdsd"));
     Tools::connected("Office", "10.1.2.4");
     KTV_Connection::check_wifiDetailState_Avait(wifi.get());
     QCOMPARE(inbox.order(), QByteArray("sdsdsd"));
@@ -387,13 +388,13 @@ void TstWifiState::detailOnATimer()
     wifi->DetailInfoScan(true);
     QVERIFY(wifi->isDetailInfoScan());
     QVERIFY(poolIsIdle());
-    QCOMPARE(inbox.count(), 0); // the first reading comes with the timer
+    QCOMPARE(inbox.count(), 0); // the first poll is started by the timer
     QTRY_COMPARE(inbox.order(), QByteArray("sd"));
     wifi->DetailInfoScan(false);
     QVERIFY(!wifi->isDetailInfoScan());
     QVERIFY(poolIsIdle());
     Tools::idle();
-    QTRY_COMPARE(inbox.order(), QByteArray("sds")); // the state's timer is back
+    QTRY_COMPARE(inbox.order(), QByteArray("sds")); // the timer of the state runs again
 }
 
 void TstWifiState::detailWithoutInterface()
@@ -410,7 +411,7 @@ void TstWifiState::workersAtOnce()
 {
     const auto wifi = manager();
     const Inbox inbox(*wifi);
-    // One change is told once as a detail, and at most once by each kind as a state.
+    // A change is emitted once as details, and as state at most once by each kind of poll.
     Tools::connected();
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
@@ -429,7 +430,8 @@ void TstWifiState::stateOlderThanDetails()
     const auto wifi = manager();
     const Inbox inbox(*wifi);
     Tools::connected();
-    Tools::hang("iwconfig"); // after its 1000 ms the reading ends with what it has: up
+    // After its 1000 ms the poll ends with what is known: the interface is up.
+    Tools::hang("iwconfig");
     Meter::clearJournal();
     wifi->onStatusTime();
     QTRY_COMPARE(Meter::journal().filter(QStringLiteral("iwconfig")).size(), 1);
@@ -439,7 +441,7 @@ void TstWifiState::stateOlderThanDetails()
     QVERIFY(poolIsIdle());
     QCOMPARE(inbox.states(), QVector<int> {Network::wifi_States_Connecting});
     Tools::idle();
-    wifi->onStatusTime(); // the next one is heard
+    wifi->onStatusTime(); // the next poll is emitted
     QVERIFY(poolIsIdle());
     QCOMPARE(inbox.states().last(), int(Network::wifi_States_ON));
 }
@@ -474,13 +476,13 @@ void TstWifiState::power()
 void TstWifiState::powerToolIsLogged_data()
 {
     QTest::addColumn<bool>("on");
-    QTest::addColumn<QByteArray>("behaviour"); // none: the tool is missing
+    QTest::addColumn<QByteArray>("behaviour"); // null: the tool is missing
     QTest::addColumn<QStringList>("lines");
-    QTest::addColumn<QVector<int>>("states"); // read anew in any case
+    QTest::addColumn<QVector<int>>("states"); // the state is read in any case
     const QByteArray hang("noise=wlan0 is busy\nhang=1");
     const QString printed = QStringLiteral("set_wifiPower: wlan0 is busy\n");
     const QVector<int> off {Network::wifi_States_OFF};
-    // The texts are crossed.
+    // The two texts are swapped.
     const QString offFailed = QStringLiteral("ifconfig up - not respond!");
     const QString onFailed = QStringLiteral("ifconfig down - not respond!");
     QTest::newRow("off hangs") << false << hang << QStringList({offFailed, printed}) << off;
@@ -526,7 +528,7 @@ void TstWifiState::powerRequestsRunInOrder()
     wifi->set_wifi_Enable(true);
     QVERIFY(poolIsIdle());
     QCOMPARE(powerCalls(), QStringLiteral("du"));
-    // What comes while one is under way waits for its turn.
+    // Requests during another one wait.
     Meter::clearJournal();
     Tools::delay("ifconfig", "0.3");
     wifi->set_wifi_Enable(true);
@@ -564,7 +566,7 @@ void TstWifiState::powerRefreshesDetails()
     Tools::print("ifconfig", "lo");
     wifi->set_wifi_Enable(false);
     QVERIFY(poolIsIdle());
-    QVERIFY(!inbox.order().contains('d')); // as the first record: off, no name, no address
+    QVERIFY(!inbox.order().contains('d')); // the same as at the start: off, no name, no address
     Tools::connected();
     wifi->set_wifi_Enable(true);
     QVERIFY(poolIsIdle());
@@ -596,7 +598,7 @@ void TstWifiState::scan()
     const LogCapture log;
     QVERIFY(!wifi->isScanMode());
     QVERIFY(wifi->ScanNetwork(true));
-    QVERIFY(wifi->ScanNetwork(true)); // a scan is not begun twice
+    QVERIFY(wifi->ScanNetwork(true)); // no second scan is started
     QVERIFY(wifi->isScanMode());
     QVERIFY(poolIsIdle());
     QCOMPARE(Meter::journal(), QStringList(QStringLiteral("iwlist wlan0 scan")));
@@ -671,7 +673,7 @@ void TstWifiState::scanSwitchedOnByItsReceiver()
     QVERIFY(wifi->ScanNetwork(true));
     QTRY_COMPARE(scanned, 1);
     QCOMPARE(wasOn, QVector<bool> {false});
-    QVERIFY(wifi->isScanMode()); // what the failed scan has left behind does not end this one
+    QVERIFY(wifi->isScanMode()); // a delayed call of the failed scan does not end this one
 }
 
 void TstWifiState::scanSwitchedOffMeanwhile()
@@ -740,7 +742,7 @@ void TstWifiState::pollsDoNotPileUp()
              2 + 2);
     QCOMPARE(Meter::journal().filter(QStringLiteral("iwlist")).size(), 2);
     Meter::clearJournal();
-    wifi->onStatusTime(); // there is room again
+    wifi->onStatusTime(); // a new poll can be started again
     QVERIFY(poolIsIdle());
     QCOMPARE(Meter::journal().filter(QRegularExpression(QStringLiteral("^ifconfig$"))).size(), 1);
 }
@@ -765,7 +767,7 @@ void TstWifiState::recordsWithoutReceiver()
     const auto wifi = manager();
     Tools::connected();
     const LogCapture log;
-    QVERIFY(wifi->ScanNetwork(true)); // leak checkers watch
+    QVERIFY(wifi->ScanNetwork(true)); // leaks are found by the leak sanitizer
     wifi->onStatusDetailTime();
     QVERIFY(poolIsIdle());
     QCOMPARE(log.lines(), QStringList(QStringLiteral("LIST.COUNT = 4")));

@@ -33,7 +33,7 @@ QStringList texts(const QList<Network *> &networks)
 
 } // namespace
 
-/** What the wireless tools print, as records. */
+/** Records read from the output of the wireless tools. */
 class TstWifiToolOutput : public QObject
 {
     Q_OBJECT
@@ -101,9 +101,9 @@ void TstWifiToolOutput::validateNetwork()
 
 void TstWifiToolOutput::addToList_data()
 {
-    QTest::addColumn<QList<int>>("states"); // of access points of one name, in order
+    QTest::addColumn<QList<int>>("states"); // of access points with the same name, in order
     QTest::addColumn<int>("listed");
-    QTest::addColumn<int>("mask"); // index of the one that is listed
+    QTest::addColumn<int>("mask"); // index of the one in the list
     QTest::newRow("stronger replaces weaker") << QList<int> {5, 8} << 8 << 1;
     QTest::newRow("weaker is dropped") << QList<int> {8, 5} << 8 << 0;
     QTest::newRow("of equals the later") << QList<int> {6, 6} << 6 << 1;
@@ -322,7 +322,7 @@ void TstWifiToolOutput::rowOperations()
     QVERIFY(!known.removeRow(1));
     QVERIFY(known.open());
     QVERIFY(known.add(QStringLiteral("Lab"), QString()));
-    // The statement has an open quotation, as ever; the row stays as it was.
+    // The statement has an unclosed quotation mark, so it fails and the row stays.
     QTest::ignoreMessage(QtDebugMsg, QRegularExpression(QStringLiteral("^_AddWifiToDataBase: .")));
     QVERIFY(!known.updateRow(1, QStringLiteral("Office"), QStringLiteral("12345678")));
     QCOMPARE(texts(*known.all()), QStringList("Lab 1"));

@@ -14,7 +14,10 @@ QString levelName(const Finding &finding)
     return finding.level == Finding::Error ? QStringLiteral("error") : QStringLiteral("warning");
 }
 
-/** "/home/root/Langs/EN/EN.xml:12: error: …", as compilers have it and editors know it. */
+/**
+ * A line such as "/home/root/Langs/EN/EN.xml:12: error: …", the format of compilers, which editors
+ * understand.
+ */
 QString lineOf(const Finding &finding)
 {
     QString place = finding.file;

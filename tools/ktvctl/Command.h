@@ -14,40 +14,40 @@ enum ExitCode
     Success = 0,
     Failure = 1,
     UsageError = 2,
-    TimedOut = 3 ///< what was waited for has not come
+    TimedOut = 3 ///< the time to wait has passed
 };
 
-/** What a user has typed, parsed. */
+/** The parsed command line. */
 class Call
 {
 public:
     explicit Call(const QCommandLineParser &parser) : m_parser(parser) { }
 
-    /** Positional argument; null where an optional one was left out. */
+    /** Positional argument; null if it is an optional one that is missing. */
     QString argument(int index) const { return arguments().value(index); }
     QStringList arguments() const;
     bool isSet(const char *option) const { return m_parser.isSet(QLatin1String(option)); }
     QString option(const char *name) const;
 
     /**
-     * Prints the answer at once: @p machine with --json, else the lines of @p human; a null
-     * text is no line at all.
+     * Prints the answer at once: @p machine with --json, else the lines of @p human; nothing if
+     * that text is null.
      */
     void print(const QJsonValue &machine, const QString &human) const;
-    /** Prints an array with --json, else one line a word. */
+    /** Prints an array with --json, else one line for each word. */
     void print(const QStringList &words) const;
 
 private:
     const QCommandLineParser &m_parser;
 };
 
-/** Lines of a name and a value each, the values below each other. */
+/** Lines with a name and a value each; the values are aligned in a column. */
 class Rows
 {
 public:
     void add(const QString &name, const QString &value) { m_rows.append({name, value}); }
     void add(const char *name, const QString &value) { add(QString::fromLatin1(name), value); }
-    QString text() const; ///< null when there are none
+    QString text() const; ///< null if there are no lines
 
 private:
     QVector<QPair<QString, QString>> m_rows;
@@ -62,10 +62,10 @@ QCommandLineOption serialOption(const char *description);
 void remark(const QString &text);
 /** Prints a reason on standard error. @return Failure */
 int fail(const QString &reason);
-/** The same for a call whose words are off. @return UsageError */
+/** The same for a call with wrong arguments. @return UsageError */
 int misuse(const QString &reason);
 
-/** One thing that ktvctl does: `ktvctl FAMILY VERB ARGUMENTS`. */
+/** One command of ktvctl: `ktvctl FAMILY VERB ARGUMENTS`. */
 struct Verb
 {
     QByteArray name; ///< one word or two; empty: the family's name alone is the command

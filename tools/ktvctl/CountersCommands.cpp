@@ -6,8 +6,6 @@
 #include <QJsonObject>
 #include <QMetaEnum>
 
-#include <memory>
-
 namespace {
 
 const QLatin1String prefix("Licznik_");
@@ -22,7 +20,7 @@ QString logDirectory()
     return KTV_Configuration().get_logDirectory();
 }
 
-/** What the card has. Never destroyed, for its end would write the file. */
+/** The counters on the card. Never destroyed, because the destructor would write the file. */
 const KTV_Liczniki &storedCounters()
 {
     static const auto *const counters = new KTV_Liczniki(logDirectory());

@@ -25,16 +25,16 @@ SignalQuit::SignalQuit()
                      &QCoreApplication::quit);
     for (const int number : endingSignals)
         std::signal(number, handle);
-    // Under nohup a closed terminal ends nothing.
+    // Under nohup, SIGHUP stays ignored.
     if (std::signal(SIGHUP, handle) == SIG_IGN)
         std::signal(SIGHUP, SIG_IGN);
-    std::signal(SIGPIPE, SIG_IGN); // a reader that leaves ends the watch, too
+    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is noticed by the failing write
 }
 
 SignalQuit::~SignalQuit()
 {
     for (const int number : endingSignals)
-        std::signal(number, SIG_IGN); // the services end undisturbed
+        std::signal(number, SIG_IGN); // a second signal must not interrupt destructors
     std::signal(SIGHUP, SIG_IGN);
 }
 

@@ -8,11 +8,11 @@
 #include <array>
 #include <optional>
 
-/** What the commands share that wait for events and print them. */
+/** Functions for commands that wait for events and print them. */
 
 /**
- * Ends the event loop on SIGINT, SIGTERM and, where the terminal closes or the connection drops,
- * SIGHUP, so that the services end in their order.
+ * Ends the event loop on SIGINT, SIGTERM and SIGHUP (the terminal is closed or the connection
+ * lost), so that the services are destroyed in order.
  */
 class SignalQuit
 {
@@ -28,17 +28,19 @@ private:
     std::optional<QSocketNotifier> m_notifier;
 };
 
-/** Prints one event; the loop ends when nobody reads on. */
+/** Prints one event; ends the loop when standard output is closed. */
 void printEvent(const Call &call, const char *event, QJsonObject details, const QString &human);
 
 /** An option in whole seconds. */
 QCommandLineOption timeOption(const char *name, const char *description);
 /** The option --seconds, after which a command ends. */
 QCommandLineOption secondsOption();
-/** Milliseconds of an option in whole seconds. @return 0 when left out, -1 when it is off */
+/**
+ * Milliseconds of an option in whole seconds. @return 0 if it is not given, -1 if it is not valid
+ */
 int milliseconds(const Call &call, const char *option);
-/** Says what such an option takes. @return UsageError */
+/** Prints which values such an option takes. @return UsageError */
 int misuseOfTime();
 
-/** Runs the event loop until a signal or, unless it is 0, so many milliseconds later. */
+/** Runs the event loop until a signal, or for so many milliseconds; 0 means without limit. */
 void runEventLoop(int end);

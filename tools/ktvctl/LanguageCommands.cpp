@@ -24,7 +24,7 @@ QString helpDirectory()
     return KTV_Configuration().get_mainInterfaceUserHelpDirectory();
 }
 
-/** Loads exactly that language: a fallback is a failure to whoever has named one. */
+/** Loads exactly that language: for a user who has named one, the fallback is a failure. */
 bool load(LangSerwis &texts, const QString &code)
 {
     return texts.setLang(code) && texts.getCurrentLang() == code;
@@ -107,7 +107,10 @@ int listPages(const Call &call)
     return Success;
 }
 
-/** Name of a model's help folder: the one that a help manager makes in an empty directory. */
+/**
+ * Name of a model's help folder, found as the folder that a help manager creates in an empty
+ * directory.
+ */
 QString modelFolder(KTV_Configuration::MeterModels model)
 {
     const QTemporaryDir empty;

@@ -26,9 +26,9 @@ struct Entry
     QVariantList columns;
 };
 
-using Entries = std::optional<QList<Entry>>; ///< nothing: the query failed
+using Entries = std::optional<QList<Entry>>; ///< no value: the query failed
 
-/** What a query asks for. */
+/** Arguments of a query. */
 struct Query
 {
     bool factory = false;
@@ -37,7 +37,7 @@ struct Query
     int limit = 0;
 };
 
-/** One of the lists, its operations made alike. */
+/** One of the lists, with the same operations for all of them. */
 struct PickList
 {
     QByteArray name;
@@ -172,7 +172,7 @@ const std::vector<PickList> &pickLists()
     return all;
 }
 
-/** Language of --lang, else the one in effect on the meter. */
+/** The language given by --lang, else the current one of the meter. */
 QString languageInEffect(const Call &call)
 {
     if (call.isSet("lang"))
@@ -205,7 +205,7 @@ template <typename Work> int onLists(const Call &call, Work work)
         return fail(file.problem);
     KTV_DataList lists(meter.get_mainInterfaceUserDataDirectory(),
                        meter.get_mainInterfaceLangsDirectory(), languageInEffect(call));
-    if (!lists.Open()) // a constructor cannot tell
+    if (!lists.Open()) // the constructor cannot report a failure
         return fail(QStringLiteral("the lists in '%1' cannot be used; --verbose tells more")
                         .arg(meter.get_mainInterfaceUserDataDirectory()));
     return work(lists);
@@ -264,7 +264,10 @@ int show(const PickList &list, const Call &call)
     });
 }
 
-/** Columns of an entry from the words after the first @p skipped ones; nothing for a bad one. */
+/**
+ * Columns of an entry, read from the arguments after the first @p skipped ones; empty if they are
+ * not valid.
+ */
 std::optional<QVariantList> entryOf(const PickList &list, const Call &call, int skipped)
 {
     QVariantList columns;
@@ -329,7 +332,10 @@ int add(const PickList &list, const Call &call)
     });
 }
 
-/** Changes a row of the user's; the library itself is silent about rows that it leaves alone. */
+/**
+ * Changes a user's row. Checks that it is one, because the library reports success for rows that it
+ * does not change.
+ */
 template <typename Change> int changeRow(const PickList &list, const Call &call, Change change)
 {
     bool ok = false;
@@ -372,7 +378,7 @@ QCommandLineOption option(const char *name, const char *description, const char 
     return {QLatin1String(name), QLatin1String(description), QLatin1String(value)};
 }
 
-/** Runs what a verb does on the list of that index. */
+/** Runs the operation of a verb on the list with that index. */
 template <size_t index, int (*run)(const PickList &, const Call &)> int on(const Call &call)
 {
     return run(pickLists().at(index), call);

@@ -17,7 +17,7 @@ Settings::Settings(Purpose purpose)
             return;
     }
     m_store.emplace(m_directory);
-    if (!m_store->Open()) // a constructor cannot tell
+    if (!m_store->Open()) // the constructor cannot report a failure
         m_problem = unusable();
 }
 

@@ -5,14 +5,14 @@
 
 #include <optional>
 
-/** The meter's settings store, with the results that a command line needs. */
+/** The meter's settings; unlike the library's class, its functions report whether they succeed. */
 class Settings
 {
 public:
     enum Purpose
     {
-        Reading, ///< leaves everything as it is; a file that cannot be read is not touched
-        Writing ///< creates a file that is missing
+        Reading, ///< changes nothing, even if the file cannot be read
+        Writing ///< creates a missing file
     };
     using Key = KTV_InterfaceConfig::SettingKey;
 
@@ -21,18 +21,18 @@ public:
     /** Names of every setting. */
     static QStringList names();
 
-    /** Whether settings can be read, or written; for reading a missing file will do. */
+    /** Whether settings can be read or written; a missing file counts as readable. */
     bool isUsable() const { return m_problem.isNull(); }
-    /** Says on standard error why not. @return Failure */
+    /** Prints on standard error why they cannot. @return Failure */
     int failure() const;
 
-    /** What is stored; @p byDefault where nothing is, or it cannot be read. */
+    /** The stored value; @p byDefault if there is none or it cannot be read. */
     QString value(Key key, const QString &byDefault = {});
     /** Stores a value. @return whether it can be read back */
     bool write(Key key, const QString &value);
-    /** Removes the settings. @return whether they are gone */
+    /** Removes the settings. @return success */
     bool remove(const QList<Key> &keys);
-    /** Begins the file anew. */
+    /** Replaces the file by a new one. */
     bool reset();
 
 private:
@@ -40,14 +40,14 @@ private:
 
     const QString m_directory;
     QString m_problem;
-    std::optional<KTV_InterfaceConfig> m_store; ///< empty where there is nothing to be read
+    std::optional<KTV_InterfaceConfig> m_store; ///< no value if there is nothing to read
 };
 
 class Call;
 
-/** Language of --lang, else the user's, else "EN". */
+/** The language given by --lang, else the user's, else "EN". */
 QString languageOf(const Call &call);
-/** The serial number of --serial, else the one that the interface has stored, else null. */
+/** The serial number given by --serial, else the one stored by the interface, else null. */
 QString serialNumberOf(const Call &call);
 /** Model of that serial number. */
 KTV_Configuration::MeterModels modelOf(const Call &call);

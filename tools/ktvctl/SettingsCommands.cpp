@@ -28,7 +28,7 @@ int noSuchKey(const QString &name)
                   + Settings::names().join(QLatin1Char(' ')));
 }
 
-/** Opens the settings and works on the one that the first argument names. */
+/** Opens the settings and runs an operation on the one that the first argument names. */
 template <typename Work> int onSetting(const Call &call, Settings::Purpose purpose, Work work)
 {
     const auto key = keyOf(call.argument(0));

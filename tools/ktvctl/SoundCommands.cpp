@@ -8,7 +8,6 @@
 
 #include <QCoreApplication>
 #include <QFutureWatcher>
-#include <QJsonObject>
 #include <QMetaEnum>
 #include <QProcess>
 
@@ -24,7 +23,9 @@ namespace {
 
 const QString soundIsOff = QStringLiteral("the device has its sound switched off");
 
-/** Sample of a name, with or without its "SOUND_", in any letter case; empty for none. */
+/**
+ * Sample with that name, with or without "SOUND_", in any letter case; no value if there is none.
+ */
 Sound::Sample sampleOf(const QString &name)
 {
     const QMetaEnum names = QMetaEnum::fromType<Sound::Sample>();
@@ -38,7 +39,7 @@ Sound::Sample sampleOf(const QString &name)
     return Sound::SOUND_Empty;
 }
 
-/** Waits for the player's end or ours. */
+/** Waits until the player or this program is to end. */
 int waitForPlayer(int limit)
 {
     if (!Sound::process)
@@ -93,7 +94,7 @@ int list(const Call &call)
     return Success;
 }
 
-/** Sends what started programs complain of to nowhere. */
+/** Discards the error output of programs that are started. */
 class NoComplaints
 {
 public:
@@ -116,7 +117,7 @@ private:
 
 int stop(const Call &call)
 {
-    // Where there is no player, the programs that end one complain of that.
+    // If there is no player, the programs that would end it print errors.
     std::optional<NoComplaints> noComplaints;
     if (!call.isSet("verbose"))
         noComplaints.emplace();

@@ -24,8 +24,8 @@ constexpr Word<Tools::USB_Mode> modes[] = {
 constexpr Word<Tools::RS232_Function> owners[] = {
     {"nobody", Tools::RS232_None},
     {"bridge", Tools::RS232_HardwareCalibration},
-    // Not by its program's name: the library looks for that on the process list, and would find
-    // the command line that names it here.
+    // Not the name of its program: the library searches the process list for that, and would find
+    // the command line of ktvctl.
     {"calibration", Tools::RS232_SystemCalibration},
     {"console", Tools::RS232_Console},
 };
@@ -45,8 +45,8 @@ int status(const Call &call)
 }
 
 /**
- * ": its line is held by login (212)", for each process that has it open; else empty. A gadget
- * stays loaded for as long as anyone holds its line.
+ * A text such as ": its line is held by login (212)", with each process that has the line open;
+ * empty if there is none. A gadget cannot be unloaded while a process has its line open.
  */
 QString holdersOfTheLine()
 {
@@ -94,7 +94,7 @@ int set(const Call &call)
     }
     status(call);
     if (Tools::isCalibrationModeActive)
-        runEventLoop(end); // the bridge is this process's
+        runEventLoop(end); // the bridge ends with this process
     return Success;
 }
 

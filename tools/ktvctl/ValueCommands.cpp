@@ -37,7 +37,7 @@ QString plain(float number)
     return QString::number(double(number), 'g', std::numeric_limits<float>::digits10 + 1);
 }
 
-/** Every label that the library knows, by code. */
+/** The code of every label that the library knows. */
 std::map<testI, QString> currentLabels()
 {
     constexpr int highest = 200;
@@ -53,7 +53,7 @@ std::map<testI, QString> currentLabels()
     return labels;
 }
 
-/** The current that an option names, by label or by code; nothing for an unknown one. */
+/** The current that an option gives, as label or as code; no value for an unknown one. */
 std::optional<testI> currentOf(const Call &call)
 {
     if (call.isSet("code")) {
@@ -62,7 +62,7 @@ std::optional<testI> currentOf(const Call &call)
         return ok ? std::optional(testI(code)) : std::nullopt;
     }
     const QString word = call.option("current");
-    // What was meant counts before what is shown: the label of 20 A is "20 mA".
+    // Amperes are tried before labels, because the label of 20 A is "20 mA".
     static const QRegularExpression amount(QStringLiteral("^([0-9]+) ?(m?)A$"));
     const auto match = amount.match(word);
     const float divisor = match.captured(2).isEmpty() ? 1.F : 1000.F;
@@ -80,7 +80,7 @@ bool namesCurrent(const Call &call)
     return call.isSet("current") || call.isSet("code");
 }
 
-/** What `value format` is asked to do. */
+/** Arguments of `value format`. */
 struct FormatRequest
 {
     float value = 0;
@@ -90,7 +90,7 @@ struct FormatRequest
     QList<testI> currents;
 };
 
-/** Reads the words. @return what is wrong with them; empty when nothing is */
+/** Reads the arguments. @return what is wrong with them; empty if they are valid */
 QString read(const Call &call, FormatRequest &request)
 {
     bool ok = false;
@@ -201,7 +201,7 @@ int currents(const Call &call)
     return Success;
 }
 
-/** "up to 0.0019999: 4 decimals, m" */
+/** A text such as "up to 0.0019999: 4 decimals, m". */
 QString described(const RoundItem &row)
 {
     QString text = QStringLiteral("  up to %1: %2 decimal%3")
@@ -213,7 +213,7 @@ QString described(const RoundItem &row)
     return text;
 }
 
-/** One method's sets, as lines and for --json. */
+/** The row sets of one method, as lines and for --json. */
 QJsonArray describe(const QString &name, const RowSets &table, QStringList &human)
 {
     QJsonArray sets;

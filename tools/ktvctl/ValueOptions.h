@@ -20,17 +20,17 @@ inline constexpr Word<ValueBox::RoundMetods> methodWords[] = {
 
 using RowSets = QList<ValueBox::DynamicRounding::Round_Current_I *>;
 
-/** Table of a method; the method has one. */
+/** Table of a method, which must have one. */
 const RowSets &tableOf(ValueBox::RoundMetods method);
 
-/** "20 A"; unlike its label, which says mA. */
+/** Name of a current such as "20 A"; the library's label for it says mA. */
 QString currentName(ValueBox::testI current);
 
 /**
- * Fills the tables of the model of --model, else of the stored serial number, and takes the
- * default texts. @return why not; empty when done
+ * Fills the tables for the model given by --model, else for that of the stored serial number, and
+ * sets the default texts. @return why it has failed; empty on success
  */
 QString prepareTables(const Call &call);
 
-/** Draws how fine a method's values are shown: the `plot` command. */
+/** The `plot` command: shows to how many decimals a method's values are shown. */
 int plotValues(const Call &call);

@@ -14,7 +14,7 @@ namespace {
 constexpr int lowestDecade = -7;
 constexpr int highestDecade = 7;
 
-/** Power of ten of the last decimal that a row shows. */
+/** Power of ten of the last digit that a row shows. */
 int lastDecimal(const RoundItem &row)
 {
     return row.prefix - row.digits;
@@ -30,7 +30,7 @@ const RoundItem *rowOf(const Round_Current_I &set, double value)
     return nullptr;
 }
 
-/** "100 n", "1 μ", "10 m", "1", "10 k": a power of ten with its prefix. */
+/** A power of ten with its prefix: "100 n", "1 μ", "10 m", "1", "10 k". */
 QString withPrefix(int power)
 {
     const int prefix = int(std::floor(power / 3.)) * 3;
@@ -43,7 +43,10 @@ QString withPrefix(int power)
 constexpr int columnsOfDecade = 5;
 constexpr int labelWidth = 8;
 
-/** 7 for a last decimal of 10^-7, 0 for a whole number, A for tens, B for hundreds. */
+/**
+ * Character for the power of ten of the last digit: 7 for 10^-7, 0 for ones, A for tens, B for
+ * hundreds.
+ */
 QChar symbol(int power)
 {
     return power <= 0 ? QLatin1Char(char('0' - power)) : QLatin1Char(char('A' + power - 1));
@@ -132,7 +135,10 @@ QStringList grid()
     return lines;
 }
 
-/** One current's steps; a little below the next one's, or they would hide each other. */
+/**
+ * The steps of one current; drawn slightly below those of the next one, so that they do not hide
+ * each other.
+ */
 QStringList steps(const Round_Current_I &set, int index, int count)
 {
     const QString colour = QStringLiteral("hsl(%1,70%,45%)").arg(index * 300 / count);

@@ -7,7 +7,6 @@
 #include <language/LangSerwis.h>
 #include <tools/Tools.h>
 
-#include <QJsonObject>
 #include <QTimer>
 
 namespace {
@@ -34,7 +33,7 @@ int watch(const Call &call)
     const SignalQuit quitOnSignal;
     const QString serialNumber = serialNumberOf(call);
     KTV_DataSource meter;
-    if (!serialNumber.isNull()) // without one the end would store that of no meter in its place
+    if (!serialNumber.isNull()) // otherwise the destructor would overwrite it with the default
         meter.setMeterSerialName(serialNumber);
     QObject::connect(&meter, &KTV_DataSource::changeFreeSpaceAlert,
                      [&] { printFreeSpace(call, "freeSpaceAlert", meter); });

@@ -5,7 +5,6 @@
 #include <configuration/KTV_Configuration.h>
 #include <wifi/KTV_Connection.h>
 
-#include <QCoreApplication>
 #include <QEventLoop>
 #include <QFile>
 #include <QJsonArray>
@@ -37,7 +36,7 @@ struct Delete
 };
 using Networks = std::unique_ptr<QList<Network *>, Delete>;
 
-/** The manager as the interface builds it. */
+/** The manager, constructed as the interface does it. */
 class Manager : public KTV_Connection
 {
 public:
@@ -51,14 +50,14 @@ public:
     }
 };
 
-/** Name of a state without the words that all have: "Connect_2". */
+/** Name of a state without the common "wifi_States_": "Connect_2". */
 QString stateName(int state)
 {
     return QString::fromLatin1(QMetaEnum::fromType<Network::wifiStates>().valueToKey(state))
         .remove(QStringLiteral("wifi_States_"));
 }
 
-/** The library's text begins with a colon that belongs to no address. */
+/** Removes the colon with which the library's address begins. */
 QString addressOf(const Network &network)
 {
     return network.address.startsWith(QLatin1Char(':')) ? network.address.mid(1) : network.address;
@@ -123,8 +122,8 @@ int noSuchNetwork(const QString &essid)
 }
 
 /**
- * Whether the adapter is there and switched off. A manager restarts the supplicant, which would
- * switch it on.
+ * Whether there is an adapter and it is off. Then no manager must be created: it restarts the
+ * supplicant, which switches the adapter on.
  */
 bool isSwitchedOff()
 {
@@ -172,7 +171,7 @@ int status(const Call &call)
     if (isSwitchedOff()) {
         if (limit > 0)
             return refuseToSwitchOn();
-        printStatus(call, Network(), QStringLiteral("wlan0")); // a new record says "OFF"
+        printStatus(call, Network(), QStringLiteral("wlan0")); // the state of a new record is OFF
         return Success;
     }
     Manager wifi;
@@ -219,8 +218,8 @@ int scan(const Call &call)
     };
     if (!scanOnce())
         return noInterface();
-    // An adapter with many channels may take longer than the library waits, and goes on scanning
-    // then; while it does, or the supplicant scans with it, it has nothing to tell.
+    // With many channels a scan may take longer than the library waits, and then goes on. During
+    // it, or during a scan of the supplicant, the list may be empty. So scanning is repeated.
     int slowScans = 0;
     for (int again = 0; again < mostRepeats && (!found || found->isEmpty()); ++again) {
         if (!found && ++slowScans == 2)
@@ -341,7 +340,7 @@ int watch(const Call &call)
     Manager wifi;
     if (wifi.getInterfaceName().isEmpty())
         return noInterface();
-    QObject context; // its place in this thread has the events queued
+    QObject context; // in this thread, so that signals of workers arrive through the event loop
     QObject::connect(&wifi, &KTV_Connection::WiFi_State_Change, &context, [&call](int state) {
         printEvent(
             call, "state",
@@ -362,7 +361,7 @@ int watch(const Call &call)
                        !owner ? QStringLiteral("scan    took longer than 5 s; scanning again")
                               : QStringLiteral("scan    %1 networks in reach").arg(owner->size()));
             if (!owner)
-                wifi.ScanNetwork(true); // a scan without an answer ends scanning
+                wifi.ScanNetwork(true); // a scan that has failed switches scanning off
         });
     wifi.DetailInfoScan(true);
     if (call.isSet("scan"))

@@ -5,14 +5,14 @@
 
 #include <optional>
 
-/** A word of the command line and what it stands for; a service keeps its words in a table. */
+/** A word of the command line and its value; each command has a table of its words. */
 template <typename Value> struct Word
 {
     const char *word;
     Value value;
 };
 
-/** The words of a table, as help shows them: "R, L, RC, LC". */
+/** The words of a table for the help text: "R, L, RC, LC". */
 template <typename Value, std::size_t Size> QString wordList(const Word<Value> (&words)[Size])
 {
     QStringList names;
@@ -21,7 +21,7 @@ template <typename Value, std::size_t Size> QString wordList(const Word<Value> (
     return names.join(QLatin1String(", "));
 }
 
-/** What a word stands for, upper or lower case; nothing for an unknown one. */
+/** The value of a word, in any letter case; no value for an unknown one. */
 template <typename Value, std::size_t Size>
 std::optional<Value> valueOf(const Word<Value> (&words)[Size], const QString &name)
 {
@@ -32,7 +32,7 @@ std::optional<Value> valueOf(const Word<Value> (&words)[Size], const QString &na
     return std::nullopt;
 }
 
-/** The word of a value; empty for one without. */
+/** The word for a value; empty if there is none. */
 template <typename Value, std::size_t Size>
 QString wordOf(const Word<Value> (&words)[Size], Value value)
 {

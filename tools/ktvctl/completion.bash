@@ -1,4 +1,5 @@
-# bash completion for ktvctl. Services, commands and options are those that ktvctl itself tells of.
+# bash completion for ktvctl. Services, commands and options are read from the output of ktvctl
+# --help.
 
 _ktvctl() {
     local current=${COMP_WORDS[COMP_CWORD]} word
@@ -9,19 +10,19 @@ _ktvctl() {
     COMPREPLY=()
 
     if [[ $current == -* ]]; then
-        # Two words choose a command: more would be its arguments.
+        # The first two words are the command; more are its arguments.
         local options
         options=$(ktvctl "${before[@]:0:2}" --help 2>/dev/null | grep -oE -- '--[a-z][a-z-]*' | sort -u)
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
         return
     fi
 
-    # The words that may follow those before; names of arguments are in capital letters.
+    # The words that may follow; names of arguments, in capital letters, are left out.
     local words
     words=$(ktvctl --help 2>/dev/null | awk -v depth="${#before[@]}" -v before="${before[*]}" '
         /^  ktvctl / {
             sub(/^ +/, "")
-            sub(/  .*/, "") # what the command does
+            sub(/  .*/, "") # the description of the command
             line = ""
             for (i = 2; i < depth + 2; ++i)
                 line = line (i > 2 ? " " : "") $i

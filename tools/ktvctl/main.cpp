@@ -86,10 +86,10 @@ bool fits(const QStringList &given, const QStringList &declared)
 }
 
 /**
- * The parser takes every word that begins with '-' for an option. Here no option is a digit, so
- * "-5" can only be a number: it is parsed behind a character that nobody types.
+ * The parser takes every argument that begins with '-' as an option. No option here is a digit, so
+ * "-5" can only be a number: this character is put before it while arguments are parsed.
  */
-const QChar numberMark(0xE000); // of the private use area
+const QChar numberMark(0xE000); // private use: never typed
 
 QStringList withMarkedNumbers(QStringList words)
 {
@@ -137,7 +137,7 @@ int runVerb(const Family &family, const Verb &verb, const QStringList &words)
         : code;
 }
 
-/** Whether the option may stand before the command, too. */
+/** Whether the option may also be given before the command. */
 bool isCommonOption(const QString &word)
 {
     return word == QLatin1String("--json") || word == QLatin1String("--verbose");
@@ -148,7 +148,7 @@ bool asksForHelp(const QString &word)
     return word == QLatin1String("--help") || word == QLatin1String("-h");
 }
 
-/** @p common are options that stood before the family's name. */
+/** @p common: options given before the family's name. */
 int runFamily(const Family &family, const QStringList &words, const QStringList &common)
 {
     if (family.verbs.front().name.isEmpty())

@@ -1,4 +1,4 @@
-# What the commands of ./meter share: steps and their logs, packages, builds. Sourced by bash.
+# Functions for the commands of ./meter: steps and their logs, packages, builds. Sourced by bash.
 set -euo pipefail
 
 # shellcheck disable=SC2034 # for commands that take a path
@@ -69,7 +69,7 @@ install_packages() {
         sudo -v || die "as root, run: apt-get install ${missing[*]}"
     fi
     echo "      apt-get update"
-    # An index that has nothing to do with these packages may be out of reach: installing decides.
+    # An index without these packages may be out of reach, so only the installation must succeed.
     (logged packages-update "${root[@]}" apt-get update) ||
         echo "      goes on with the package lists that are there"
     echo "      apt-get install"

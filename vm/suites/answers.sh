@@ -1,6 +1,5 @@
-# The questions that simulator/answers has put to the stand-ins, put to the real tools; what they say
-# is kept there, in real.txt.
-#include simulator/answers/questions.sh
+# Runs the commands of simulator/answers with the real tools; their output is kept there, in
+# real.txt. include simulator/answers/questions.sh
 recorded=$(
     cat <<'RECORDED'
 #include simulator/answers/real.txt
@@ -14,7 +13,8 @@ scene() {
         access_points
         until_true 10 test -e /sys/class/net/wlan0
         ifconfig wlan0 up
-        # What the adapter hears is complete, and in one order, only after a scan of all channels.
+        # The list of networks is complete, and always in the same order, only after a scan of all
+        # channels.
         iwlist wlan0 scan >/dev/null
         ;;
     joined)
@@ -33,7 +33,7 @@ scene() {
     mixer)
         sound_card
         buzzer
-        aplay -q -t raw -f S16_LE -r 44100 /etc/wav/SOUND_SET_ACCEPT.raw # makes the control
+        aplay -q -t raw -f S16_LE -r 44100 /etc/wav/SOUND_SET_ACCEPT.raw # creates the control
         ;;
     esac
 }

@@ -1,5 +1,5 @@
-# What the suites share; goes in front of each one. A check prints one line: "ok" or "FAILED", what is
-# promised, and for a failure what was seen.
+# Functions for the suites; put before each one. A check prints one line: "ok" or "FAILED", the
+# expectation, and after a failure what was found.
 
 failures=0
 

@@ -1,5 +1,5 @@
-# The radio world: four simulated adapters. One is the meter's wlan0; the others stand in a network
-# namespace of their own, "air", as access points of hostapd and a server that gives addresses.
+# Four simulated WiFi adapters. One is the meter's wlan0; the others are access points of hostapd in
+# a separate network namespace, "air", with a DHCP server.
 
 air() {
     ip netns exec air "$@"
@@ -22,7 +22,7 @@ protected() { # protected PASS-PHRASE
     printf '%s\n' wpa=2 wpa_key_mgmt=WPA-PSK rsn_pairwise=CCMP "wpa_passphrase=$1"
 }
 
-# adapters NUMBER: loads the simulated adapters; all but the first go to the air
+# adapters NUMBER: loads the simulated adapters; moves all but the first to "air"
 adapters() {
     mkdir -p /run/air
     modprobe mac80211_hwsim radios="$1"
@@ -51,8 +51,8 @@ TEXT
     air busybox udhcpd /run/air/udhcpd.conf
 }
 
-# The networks of the suites: protected, open, blanks, UTF-8, quotation marks, a hidden one; and a
-# second access point of the first name.
+# The networks of the suites: protected, open, with spaces, with UTF-8, with quotation marks,
+# hidden; and a second access point with the first name.
 # shellcheck disable=SC2046 # words without blanks
 access_points() {
     access_point wlan1 1 "ssid=Substation North" $(protected ohm-law-1827) \

@@ -1,5 +1,5 @@
-# Sound card and buzzer: a loop of the kernel, whose other end can be recorded, and an input device that
-# takes tones.
+# Sound card and buzzer: the kernel's loopback card, whose other end can be recorded, and an input
+# device that accepts tones.
 
 sound_card() {
     modprobe snd-aloop
@@ -22,7 +22,8 @@ buzzer() {
     modprobe uinput
     mkdir -p /run/sound
     python3 - >>/run/sound/tones 2>/run/sound/buzzer.log <<'TEXT' &
-# An input device that takes tones, where beep looks for one; prints each change: time, frequency.
+# An input device that accepts tones, at the path where beep looks for one; prints each change:
+# time, frequency.
 import fcntl, glob, os, struct, time
 device = os.open("/dev/uinput", os.O_RDWR)
 fcntl.ioctl(device, 0x40045564, 0x12)      # UI_SET_EVBIT EV_SND

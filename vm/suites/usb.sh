@@ -1,9 +1,9 @@
-# USB port: real gadget drivers on a simulated controller; the computer that they are plugged into is
-# this kernel, too.
+# USB port: real gadget drivers on a simulated controller; this kernel is also the connected
+# computer.
 modprobe dummy_hcd
 modprobe cdc_acm
 modprobe cdc_ether
-# Through a file: the calibration tool stays, and would keep a pipe open.
+# Through a file, because the calibration tool goes on running and would keep a pipe open.
 usb() {
     ktvctl usb "$@" >/run/usb-answer 2>&1
     cat /run/usb-answer
@@ -35,7 +35,7 @@ check "the computer has found a serial line" until_true 10 test -c /dev/ttyACM0
 equal "a gadget's line has one speed, whatever is asked for" 9600 "$(stty speed -F /dev/ttyGS0)"
 
 # --- console
-ask() { # ask DEVICE TEXT: writes a line, prints what comes back within a second
+ask() { # ask DEVICE TEXT: writes a line, prints the answer of the next second
     stty -F "$1" raw -echo 19200 parenb cs8
     exec 5<>"$1"
     printf '%s\r' "$2" >&5
@@ -75,7 +75,7 @@ equal "the calibration tool gets it" "serial, owned by calibration" "$(usb set s
 equal "and back to the network" network "$(usb set network)"
 check "the tool has ended" sh -c '! ps | grep -q "[m]actool"'
 
-# --- a stranger on the line
+# --- another program on the line
 usb set serial nobody >/dev/null
 sleep 1000 9</dev/ttyGS0 &
 stranger=$!

@@ -27,5 +27,5 @@ Updater::Update::Update(QString, KTV_Configuration::MeterModels model,
                         Tools_Pendrive::Pendrive *pendrive, QObject *parent)
     : QObject(parent)
 {
-    fill(static_cast<int>(model) + (pendrive ? 1000 : 0));
+    fill(int(model) + (pendrive ? 1000 : 0));
 }

@@ -7,16 +7,16 @@
 
 #include <optional>
 
-/** Places that the description of the device may move. */
+/** Directories that the description of the device may change. */
 struct Places
 {
     QString languages = QStringLiteral("/home/root/Langs/");
     QString help = QStringLiteral("/home/root/Help/");
-    /** Null without a description: the library then knows no samples. */
+    /** Null if there is no description, because the library then knows no directory of samples. */
     QString samples;
 };
 
-/** The document that a file holds; nothing, and an error is reported, unless it is one. */
+/** The document in a file; if it is not valid, no value, and an error is reported. */
 std::optional<QDomDocument> readDocument(const Image &image, const QString &path, Report &report);
 /** Its root: the first element, whatever its name. */
 QDomElement rootOf(const QDomDocument &document);
@@ -28,10 +28,10 @@ void checkLanguages(const Image &image, const Places &places, Report &report);
 void checkDefaultLists(const Image &image, const Places &places, Report &report);
 void checkHelpPages(const Image &image, const Places &places, Report &report);
 void checkSamples(const Image &image, const Places &places, Report &report);
-/** Programs, units, and what else the system brings. */
+/** Checks programs, units and other parts of the system. */
 void checkSystem(const Image &image, Report &report);
 
-/** Codes of the languages that the folder holds: two capital letters each. */
+/** Codes of the languages in the folder: two capital letters each. */
 QStringList languageCodes(const Image &image, const Places &places);
-/** Codes of the languages that models with a codec offer, whatever the folder holds. */
+/** Codes of the languages that models with an audio codec offer, even if the folder lacks them. */
 QStringList fixedLanguages();

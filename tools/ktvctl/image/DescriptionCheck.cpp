@@ -55,7 +55,7 @@ bool isSwitch(const QString &value)
         || value.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0;
 }
 
-/** What is wrong with a value; null when nothing is. */
+/** What is wrong with a value; null if it is valid. */
 QString problemOf(const Setting &setting, const QString &value)
 {
     const QString fallsBack =
@@ -75,8 +75,8 @@ QString problemOf(const Setting &setting, const QString &value)
 using Elements = QHash<QString, QDomElement>;
 
 /**
- * Collects the elements of the settings below @p parent by name, each the one that counts, and
- * remarks on all the others.
+ * Collects the elements of the settings below @p parent by name. Of duplicates, collects the one
+ * that the library uses; reports these and unknown elements.
  */
 void findSettings(const QDomElement &parent, const QString &path, Elements &found, Report &report)
 {

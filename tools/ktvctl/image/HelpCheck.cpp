@@ -1,7 +1,5 @@
 #include "Checks.h"
 
-#include <QSet>
-
 #include <algorithm>
 
 namespace {
@@ -24,7 +22,10 @@ bool isPageOf(const QString &file, const QString &language)
                          Qt::CaseInsensitive);
 }
 
-/** The pages of a topic: each language has one, and each page has a language. */
+/**
+ * Checks the pages of a topic: each language must have one, and each page must belong to a
+ * language.
+ */
 void checkTopic(const QString &path, const QStringList &pages, const QStringList &offered,
                 const QStringList &known, Report &report)
 {

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int mostLinks = 40; // as the kernel has it
+constexpr int mostLinks = 40; // the limit of the kernel
 
 } // namespace
 
@@ -23,7 +23,7 @@ Image::Image(QString root) : m_root(std::move(root))
 QString Image::locate(const QString &path) const
 {
     QStringList left = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
-    QString inside; // what has been followed, seen from within
+    QString inside; // path inside the image as far as links have been followed
     int links = 0;
     while (!left.isEmpty()) {
         const QString name = left.takeFirst();
@@ -43,7 +43,7 @@ QString Image::locate(const QString &path) const
         }
         if (++links > mostLinks)
             return {};
-        // Not symLinkTarget(), which makes a path of this machine of it.
+        // Not symLinkTarget(), which would resolve it to a path on this machine.
         QByteArray target(4096, '\0');
         const auto length = ::readlink(QFile::encodeName(m_root + next).constData(), target.data(),
                                        size_t(target.size()));

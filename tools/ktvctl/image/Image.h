@@ -7,8 +7,8 @@
 #include <optional>
 
 /**
- * A root file system: the device's own, or an image of one in a folder. Paths are those of the
- * device, links are followed within the image, and nothing is ever changed.
+ * A root file system: that of the running device, or an image of one in a folder. Paths are paths
+ * on the device, links are followed within the image, and nothing is ever changed.
  */
 class Image
 {
@@ -19,14 +19,14 @@ public:
     /** Whether it is the running device. */
     bool isRunning() const { return m_root.isEmpty(); }
 
-    /** Where @p path lies on this machine, its links followed; null where there is nothing. */
+    /** The path on this machine of @p path, with links followed; null if it does not exist. */
     QString locate(const QString &path) const;
     bool exists(const QString &path) const { return !locate(path).isNull(); }
     bool isDirectory(const QString &path) const;
 
-    /** What a regular file holds; nothing where there is none, or it cannot be read. */
+    /** Content of a regular file; no value if there is none or it cannot be read. */
     std::optional<QByteArray> read(const QString &path) const;
-    /** Names of the folders, or of the plain files, in a folder; sorted. */
+    /** Names of the folders, or of the regular files, in a folder; sorted. */
     QStringList folders(const QString &path) const;
     QStringList files(const QString &path) const;
 

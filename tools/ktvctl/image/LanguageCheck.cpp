@@ -9,7 +9,7 @@
 
 namespace {
 
-/** The texts of a language: their lines, by section and key. */
+/** The texts of a language: their line numbers, by section and key. */
 struct Texts
 {
     QString path;
@@ -56,7 +56,7 @@ Texts readTexts(const QDomElement &root, const QString &path, Report &report)
     return texts;
 }
 
-/** Whether a pattern shows what differs between the two. */
+/** Whether two values that differ give different texts with a pattern. */
 template <typename Moment>
 bool tellsApart(const QString &pattern, const Moment &one, const Moment &other)
 {
@@ -77,7 +77,7 @@ bool isDatePattern(const QString &pattern)
         && tellsApart(pattern, date, QDate(2021, 3, 17));
 }
 
-/** An entry that tells how a language is written. */
+/** Checks an entry of the section "Lang". */
 struct PresentationEntry
 {
     const char *key;
@@ -110,7 +110,7 @@ void checkPresentation(const Texts &texts, Report &report)
     }
 }
 
-/** Sections and keys that another language has, each once, with the first that has it. */
+/** Sections and keys of the other languages, each once, with the first language that has it. */
 void checkWhatOthersHave(const QString &code, const LanguageTexts &languages, Report &report)
 {
     const Texts &texts = languages[code];

@@ -34,7 +34,7 @@ struct DefaultList
 {
     const char *file;
     ReadLine readLine;
-    bool isUnique; ///< a text is kept once, whatever its language
+    bool isUnique; ///< a text is stored only once over all languages
 };
 
 constexpr DefaultList lists[] = {
@@ -43,7 +43,7 @@ constexpr DefaultList lists[] = {
     {"default_materials.txt", materialLine, false},
 };
 
-/** Where a text stands. */
+/** Place of a text. */
 struct Place
 {
     QString language;
@@ -52,7 +52,10 @@ struct Place
 
 using Texts = QHash<QString, Place>;
 
-/** The list of one language; @p texts are those of the languages before, and get its own. */
+/**
+ * Checks the list of one language; @p texts has those of the languages before it, and its texts are
+ * added.
+ */
 void checkList(const Image &image, const QString &path, const QString &language,
                const DefaultList &list, Texts &texts, Report &report)
 {

@@ -3,21 +3,21 @@
 #include <QString>
 #include <QVector>
 
-/** Something in an image that is not as the library needs it. */
+/** A fault in an image. */
 struct Finding
 {
     enum Level
     {
-        Warning, ///< works, but not as somebody will have meant it
+        Warning, ///< works, but probably not as intended
         Error ///< does not work
     };
     Level level;
     QString file; ///< path on the device
-    int line; ///< 0: the file as a whole, or its absence
+    int line; ///< 0: the whole file, or that it is missing
     QString text;
 };
 
-/** What the checks of an image have found, in their order. */
+/** The faults that the checks of an image have found, in order. */
 class Report
 {
 public:

@@ -10,7 +10,7 @@ using SoundNamespace::Sound;
 void checkSamples(const Image &image, const Places &places, Report &report)
 {
     if (places.samples.isNull())
-        return; // which the check of the description has reported
+        return; // reported by the check of the description
     constexpr int bytesOfASample = 2;
     const QMetaEnum samples = QMetaEnum::fromType<Sound::Sample>();
     for (int i = 0; i < samples.keyCount(); ++i) {

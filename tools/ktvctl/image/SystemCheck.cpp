@@ -43,7 +43,7 @@ constexpr Program programs[] = {
     {"beep", SomeModels, "tones of the other models"},
 };
 
-/** Folders of programs: those of the caller on a running device, the usual ones in an image. */
+/** Folders of programs: the caller's PATH on a running device, the usual ones in an image. */
 QStringList programFolders(bool isRunning)
 {
     const QString usual = QStringLiteral("/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:"
@@ -99,7 +99,10 @@ QString nameOf(const Unit &unit)
         + QStringLiteral(".service");
 }
 
-/** The files of a unit, of its instance and of their drop-ins, one text; nothing without one. */
+/**
+ * The texts of the files of a unit, of its instance and of their drop-ins, joined; no value without
+ * any.
+ */
 std::optional<QByteArray> readUnit(const Image &image, const Unit &unit)
 {
     const QString names[] = {QLatin1String(unit.templateName) + QStringLiteral(".service"),
@@ -134,7 +137,7 @@ bool hasNoStartLimit(const QByteArray &unit)
     });
 }
 
-/** The text of a unit; an error is reported where there is none. */
+/** The text of a unit; an error is reported if there is none. */
 std::optional<QByteArray> checkUnit(const Image &image, const Unit &unit, Report &report)
 {
     auto text = readUnit(image, unit);

@@ -1,5 +1,5 @@
-// A client on a device with the maker's own platform library: goes once through everything that the
-// library does with it, and asks what only the maker's classes can tell.
+// A client on a device with the maker's own platform library: uses everything for which the library
+// needs it, and calls functions that only the maker's classes have.
 
 #include <datasource/KTV_DataSource.h>
 #include <platform/Pendrive.h>

@@ -1,6 +1,9 @@
 #pragma once
 
-/** A base that a maker's classes may have beside QObject; filled, so that one sees its end. */
+/**
+ * A base that a maker's classes may have besides QObject; filled with a pattern, so that
+ * overwritten bytes are noticed.
+ */
 class Gauge
 {
 public:

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Counts how often the first start of the lists waits for the card, as the kernel sees it.
-# usage, inside the meter: first-start-waits.sh KTVCTL
+# Counts the flushes (fsync, fdatasync) of the lists' first start with strace. usage, inside the
+# meter: first-start-flushes.sh KTVCTL
 set -euo pipefail
 [ -e /run/meter/inside ] || {
     echo "This test runs in the simulated meter only: ./meter test" >&2
@@ -21,10 +21,10 @@ rm -f "$store"
 export ASAN_OPTIONS=${ASAN_OPTIONS-}:detect_leaks=0 # no leak check under another tracer
 strace -f -o /tmp/trace -e trace=fsync,fdatasync -- "$ktvctl" lists types list --lang EN >/tmp/rows
 rows=$(wc -l </tmp/rows)
-waits=$(grep -c 'sync(' /tmp/trace || true)
-echo "$waits waits for the card (fsync, fdatasync) for three lists of $lines entries"
+flushes=$(grep -c 'sync(' /tmp/trace || true)
+echo "$flushes flushes (fsync, fdatasync) for three lists of $lines entries"
 [ "$rows" = $lines ] || {
     echo "but there are $rows rows" >&2
     exit 1
 }
-[ "$waits" -gt 0 ] && [ "$waits" -le $most ]
+[ "$flushes" -gt 0 ] && [ "$flushes" -le $most ]
