@@ -521,6 +521,7 @@ void TstBuzzer::freeEndsASample()
 {
     BuzzerClass::BuzzerClass_Initialiser(KTV_Configuration::KTV_4200, samples, false);
     BuzzerClass::Beep(tone(2), true);
+    QVERIFY(Sound::process);
     BuzzerClass::BuzzerClass_Free();
     QVERIFY(!Sound::process);
     QTRY_COMPARE(Meter::processes("aplay"), QStringList());

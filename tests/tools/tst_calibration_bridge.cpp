@@ -85,19 +85,19 @@ private slots:
     void doesNotStart();
     void isTriedAgainOnceASecond();
     void isNotListedInTime();
-    void workerWithoutWish();
+    void workerThatIsNotWanted();
     void doesNotEnd();
     void cannotBeKilled();
     void bridgeThatStaysComesBackNoMore();
     void cancelledAndStartedAgain();
-    void listIsAskedForUntilItComes();
+    void unreadableListIsReadAgain();
     void switchesBetweenBridgeAndNetwork();
 
 private:
     /** Atomic, as in the library, because a worker may be reading the flag. */
-    static void setWish(bool isWanted)
+    static void setActive(bool isActive)
     {
-        __atomic_store_n(&Tools::isCalibrationModeActive, isWanted, __ATOMIC_RELEASE);
+        __atomic_store_n(&Tools::isCalibrationModeActive, isActive, __ATOMIC_RELEASE);
     }
     static QStringList bridges() { return Meter::processes("socat"); }
     static void kill();
@@ -217,17 +217,19 @@ void TstCalibrationBridge::doesNotStart_data()
 void TstCalibrationBridge::doesNotStart()
 {
     QFETCH(QByteArray, socat);
-    if (socat.isEmpty())
+    if (socat.isEmpty()) {
         Meter::hideProgram("socat");
-    else
+    } else {
         Meter::replaceProgram("socat", socat);
-    Meter::replaceProgram("ps", ":"); // as if no short-lived bridge runs at the moment of the list
+        Meter::replaceProgram("ps", ":"); // as if none of them runs at the moment of the list
+    }
     const LogCapture log;
     QElapsedTimer pause;
     pause.start();
     QVERIFY(!Tools::StartHardwareCalibrationMode());
     QVERIFY(pause.elapsed() >= 5000); // the time that the bridge has to start
     QCOMPARE(log.lines(), QStringList("Tools::StartHardwareCalibrationMode(): socat no run!"));
+    QVERIFY(lineSettings >= 2); // it was tried, and tried again
     QVERIFY(!Tools::isCalibrationModeActive);
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
     QVERIFY(Tools::asyncSocatRuner.isCanceled());
@@ -261,13 +263,18 @@ void TstCalibrationBridge::isNotListedInTime()
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
 }
 
-void TstCalibrationBridge::workerWithoutWish()
+void TstCalibrationBridge::workerThatIsNotWanted()
 {
+    Meter::replaceProgram("socat", "exit 1");
+    Tools::asyncSocatRuner = QtConcurrent::run([] {});
+    Tools::asyncSocatRuner.waitForFinished();
+    QVERIFY(!Tools::asyncSocatRuner.isCanceled());
     Tools::socatProces_Avait(); // the flag is false
-    setWish(true);
+    QCOMPARE(lineSettings.load(), 0);
+    setActive(true);
     Tools::asyncSocatRuner = QFuture<void>();
     Tools::socatProces_Avait(); // the flag is true, but an empty future counts as cancelled
-    setWish(false);
+    setActive(false);
     QCOMPARE(lineSettings.load(), 0);
 }
 
@@ -287,7 +294,7 @@ void TstCalibrationBridge::doesNotEnd()
 void TstCalibrationBridge::cannotBeKilled()
 {
     Meter::setBehaviour("killall", "hang=1");
-    setWish(true);
+    setActive(true);
     const LogCapture log;
     QVERIFY(!Tools::StopHardwareCalibrationMode());
     QVERIFY(!Tools::isCalibrationModeActive);
@@ -330,7 +337,7 @@ void TstCalibrationBridge::cancelledAndStartedAgain()
     QCOMPARE(starts(), 4);
 }
 
-void TstCalibrationBridge::listIsAskedForUntilItComes()
+void TstCalibrationBridge::unreadableListIsReadAgain()
 {
     // The shell is missing at first: until it is there the list cannot be read, and the attempts
     // are not limited.

@@ -86,10 +86,14 @@ void TstWifiRadio::prefersTheLastAdded()
 
 void TstWifiRadio::wrongKeyJoinsNothing()
 {
+    const auto isRefused = [] {
+        return Meter::readFile(QStringLiteral("/run/meter/supplicant.log"))
+            .contains("reason=WRONG_KEY");
+    };
     const auto wifi = manager();
+    QVERIFY(!isRefused());
     QVERIFY(wifi->AddNetwork(QStringLiteral("Substation"), QStringLiteral("wrong-key")));
-    QTRY_VERIFY(
-        Meter::readFile(QStringLiteral("/run/meter/supplicant.log")).contains("reason=WRONG_KEY"));
+    QTRY_VERIFY(isRefused());
     const std::unique_ptr<Network> network(wifi->getWiFi_Info());
     QCOMPARE(network->state, int(Network::wifi_States_ON));
     QCOMPARE(network->ESSID, QString());
