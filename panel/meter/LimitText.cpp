@@ -16,7 +16,7 @@ constexpr float unreadable = std::numeric_limits<float>::quiet_NaN();
 template <typename Accept> float read(const QString &text, Accept isMeant)
 {
     const QString shown = LimitText::asShown(text.trimmed());
-    const int blank = shown.indexOf(QLatin1Char(' '));
+    const auto blank = shown.indexOf(QLatin1Char(' '));
     const QString unitText = blank < 0 ? QString() : shown.mid(blank + 1);
     float value = unreadable;
     int decimals = 0;
