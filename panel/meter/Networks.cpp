@@ -153,7 +153,7 @@ void Networks::read()
         return;
     m_isReadingOld = false;
     m_reading.setFuture(QtConcurrent::run([connection = &m_connection] {
-        const QSharedPointer<Network> network(connection->getWiFi_Info());
+        QSharedPointer<Network> network(connection->getWiFi_Info());
         network->moveToThread(connection->thread());
         return network;
     }));
