@@ -726,8 +726,7 @@ void TstKtvDataList::languagesAreApart()
     QCOMPARE(family().names(*store), QStringList("Polski"));
     store->SetLang("EN");
     QCOMPARE(family().names(*store), QStringList("English"));
-    QVERIFY(family().update(*store, 2,
-                            "across languages")); // only the key matters
+    QVERIFY(family().update(*store, 2, "across languages")); // only the key matters
     QVERIFY(family().remove(*store, 2));
     store->SetLang("PL");
     QCOMPARE(family().names(*store), QStringList());

@@ -42,7 +42,7 @@ private:
 };
 
 /** Lines with a name and a value each; the values are aligned in a column. */
-class Rows
+class NamedValues
 {
 public:
     void add(const QString &name, const QString &value) { m_rows.append({name, value}); }

@@ -22,7 +22,7 @@ int disk(const Call &call)
     const qint64 percent = Tools::getUsedSpacePercent(path);
     const bool cardIsOk = Tools::SD_Card_is_OK();
 
-    Rows human;
+    NamedValues human;
     human.add("Path", path);
     human.add("Free", figures->freeText);
     human.add("Used", QStringLiteral("%1 (%2 %)").arg(figures->usedText).arg(percent));

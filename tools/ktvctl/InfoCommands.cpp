@@ -49,7 +49,7 @@ QJsonObject machineAnswer(const KTV_Configuration &meter)
 
 QString humanAnswer(const KTV_Configuration &meter)
 {
-    Rows rows;
+    NamedValues rows;
     rows.add("Meter", meter.get_MeterFullName());
     rows.add("Serial number", meter.get_SerialNumber());
     rows.add("Interface version", meter.get_InterfaceVersion());

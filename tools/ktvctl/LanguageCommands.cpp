@@ -80,7 +80,7 @@ int printSection(const Call &call)
     QStringList keys = section->keys();
     std::sort(keys.begin(), keys.end());
     QJsonObject machine;
-    Rows human;
+    NamedValues human;
     for (const QString &key : std::as_const(keys)) {
         machine.insert(key, section->value(key));
         human.add(key, section->value(key));

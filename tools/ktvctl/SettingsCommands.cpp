@@ -76,7 +76,7 @@ int list(const Call &call)
     if (!settings.isUsable())
         return settings.failure();
     QJsonObject machine;
-    Rows human;
+    NamedValues human;
     for (int i = 0; i < keyNames().keyCount(); ++i) {
         const QString value = settings.value(Key(keyNames().value(i)));
         if (value.isNull())

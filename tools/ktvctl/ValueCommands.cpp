@@ -147,7 +147,7 @@ int format(const Call &call)
     NumericalValueBox box(request.unit, request.method);
     box.setNegativeAllowed(request.isNegativeAllowed);
     QJsonArray machine;
-    Rows human;
+    NamedValues human;
     for (const testI current : std::as_const(request.currents)) {
         box.setRealValue(request.value, current);
         const QString text = box.toString();
@@ -173,7 +173,7 @@ int parse(const Call &call)
     if (!NumericalValueBox::parse(LimitText::asShown(call.argument(0)), value, precision, unit,
                                   prefix))
         return fail(QStringLiteral("'%1' shows no number").arg(call.argument(0)));
-    Rows human;
+    NamedValues human;
     human.add("Value", plain(value));
     human.add("Decimals", QString::number(precision));
     human.add("Unit", wordOf(unitWords, unit));

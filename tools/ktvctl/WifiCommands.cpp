@@ -145,7 +145,7 @@ void printStatus(const Call &call, const Network &network, const QString &interf
 {
     QJsonObject machine = connectionJson(network);
     machine.insert(QStringLiteral("interface"), interfaceName);
-    Rows rows;
+    NamedValues rows;
     const QPair<const char *, QString> lines[] = {
         {"Interface", interfaceName}, {"State", stateName(network.state)},
         {"Network", network.ESSID},   {"Address", addressOf(network)},
@@ -314,13 +314,13 @@ void switchOff(Manager *wifi)
 
 int power(const Call &call)
 {
-    const QString wish = call.argument(0);
-    if (wish != QLatin1String("on") && wish != QLatin1String("off"))
+    const QString state = call.argument(0);
+    if (state != QLatin1String("on") && state != QLatin1String("off"))
         return misuse(QStringLiteral("power is switched on or off"));
     Manager wifi;
     if (wifi.getInterfaceName().isEmpty())
         return noInterface();
-    if (wish == QLatin1String("off"))
+    if (state == QLatin1String("off"))
         switchOff(&wifi);
     else
         KTV_Connection::_set_wifi_Enable_Avait(&wifi, true);

@@ -195,7 +195,7 @@ void Call::print(const QStringList &words) const
           words.isEmpty() ? QString() : words.join(QLatin1Char('\n')));
 }
 
-QString Rows::text() const
+QString NamedValues::text() const
 {
     int width = 0;
     for (const auto &row : m_rows)
