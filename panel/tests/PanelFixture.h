@@ -7,9 +7,8 @@
 #include "touch/Indicators.h"
 #include "touch/TouchList.h"
 
-#include "support/Meter.h"
+#include "PanelTestMain.h"
 
-#include <QApplication>
 #include <QLabel>
 #include <QPushButton>
 #include <QtTest>
@@ -96,15 +95,3 @@ public:
 
 /** Touches things in turn; fails the test at the first that cannot be. */
 #define TAP(panel, ...) QCOMPARE((panel).tap({__VA_ARGS__}), QString())
-
-#ifdef __SANITIZE_ADDRESS__
-/** What Qt itself never deletes: its offscreen platform's screen, and a few bytes a scroller. */
-extern "C" const char *__lsan_default_suppressions()
-{
-    return "leak:QScreen::QScreen\nleak:QPlatformScreen\nleak:handleScreenAdded\n"
-           "leak:libqoffscreen\nleak:QScroller::grabGesture\n";
-}
-#endif
-
-/** main() of a test program of the panel. */
-#define KTV_PANEL_TEST_MAIN(TestClass) KTV_METER_TEST_MAIN_OF(QApplication, TestClass)

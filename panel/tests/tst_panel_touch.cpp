@@ -1,11 +1,10 @@
-#include "support/Meter.h"
+#include "PanelTestMain.h"
 #include "touch/Buttons.h"
 #include "touch/Indicators.h"
 #include "touch/Plot.h"
 #include "touch/Theme.h"
 #include "touch/TouchList.h"
 
-#include <QApplication>
 #include <QPainter>
 #include <QScrollBar>
 #include <QtTest>
@@ -284,5 +283,5 @@ void TstPanelTouch::rowsThatAReadingAsksFor()
     QVERIFY2(asked > 0 && asked <= inView, qPrintable(QString::number(asked)));
 }
 
-KTV_METER_TEST_MAIN_OF(QApplication, TstPanelTouch)
+KTV_PANEL_TEST_MAIN(TstPanelTouch)
 #include "tst_panel_touch.moc"

@@ -1,4 +1,5 @@
 #include "support/LogCapture.h"
+#include "support/Meter.h"
 #include "support/SqliteWatch.h"
 
 #include <configuration/KTV_InterfaceConfig.h>
@@ -183,5 +184,5 @@ void TstSettingsStatements::exceptionInTheRollback()
         (QStringList {"thrown by the driver: %1 %s", "deleteValue: thrown by the driver: %1 %s"}));
 }
 
-QTEST_MAIN(TstSettingsStatements)
+KTV_METER_TEST_MAIN(TstSettingsStatements)
 #include "tst_settings_statements.moc"
