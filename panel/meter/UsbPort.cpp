@@ -59,6 +59,7 @@ QStringList holdersOfTheLine()
 UsbPort::UsbPort(QObject *parent) : QObject(parent)
 {
     connect(&m_work, &QFutureWatcher<Look>::finished, this, [this] {
+        m_isBusy = false;
         m_state = m_work.result().state;
         m_holders = m_work.result().holders;
         emit looked();
@@ -78,6 +79,7 @@ void UsbPort::look()
     if (isBusy())
         return;
     m_isBringing = false;
+    m_isBusy = true;
     m_work.setFuture(QtConcurrent::run([] { return Look {stateNow(), {}}; }));
 }
 
@@ -86,6 +88,7 @@ void UsbPort::bring(const State &wanted)
     if (isBusy())
         return;
     m_isBringing = true;
+    m_isBusy = true;
     m_wanted = wanted;
     m_work.setFuture(QtConcurrent::run(stateAfter, wanted));
 }

@@ -36,7 +36,8 @@ public:
      * stays a serial line for as long as any of them does.
      */
     const QStringList &holders() const { return m_holders; }
-    bool isBusy() const { return m_work.isRunning(); }
+    /** From look() or bring() until its signal: what is asked of the port meanwhile is dropped. */
+    bool isBusy() const { return m_isBusy; }
     void look();
     void bring(const State &wanted);
 
@@ -58,4 +59,5 @@ private:
     QStringList m_holders;
     State m_wanted;
     bool m_isBringing = false;
+    bool m_isBusy = false;
 };
