@@ -17,8 +17,7 @@ void StartPicture::present()
     show();
     const QDeadlineTimer end(patience);
     while (!m_isPainted && !end.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents,
-                                        static_cast<int>(end.remainingTime()));
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, int(end.remainingTime()));
     QCoreApplication::processEvents(); // a framebuffer is written after the painting
 }
 

@@ -78,7 +78,7 @@ int pageOf(const char *topic)
     const PageRow *const row =
         std::find_if(std::begin(pages), std::end(pages),
                      [topic](const PageRow &page) { return qstrcmp(page.topic, topic) == 0; });
-    return static_cast<int>(row - std::begin(pages));
+    return int(row - std::begin(pages));
 }
 
 int barsOf(int state)

@@ -93,10 +93,10 @@ TestObjectSheet::TestObjectSheet(Texts &texts, Setup &setup, QWidget *somewhere)
         addQuantity(grid, quantity);
     card()->addLayout(grid);
     for (size_t i = 0; i < std::size(leadsTexts); ++i)
-        texts.translate(m_leads->part(static_cast<int>(i)), leadsTexts[i]);
+        texts.translate(m_leads->part(int(i)), leadsTexts[i]);
     connect(m_leads, &Choice::chosen, this, [this](int leads) {
         TestObject object = m_setup.testObject();
-        object.leads = static_cast<TestObject::Leads>(leads);
+        object.leads = TestObject::Leads(leads);
         m_setup.setTestObject(object);
     });
     card()->addWidget(m_leads);
@@ -160,8 +160,8 @@ void TestObjectSheet::step(int quantity, int direction)
     const QuantityRow &row = quantities().at(quantity);
     TestObject object = m_setup.testObject();
     float &value = object.*row.value;
-    const int at = static_cast<int>(std::lower_bound(row.steps.cbegin(), row.steps.cend(), value)
-                                    - row.steps.cbegin());
+    const int at =
+        int(std::lower_bound(row.steps.cbegin(), row.steps.cend(), value) - row.steps.cbegin());
     value = row.steps.at(qBound(0, at + direction, row.steps.size() - 1));
     m_setup.setTestObject(object);
     refresh();

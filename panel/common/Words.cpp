@@ -68,13 +68,13 @@ QString Words::bounds(const Texts &texts, Quantity quantity, const Limit &limit)
 
 QString Words::quantity(const Texts &texts, Quantity quantity)
 {
-    return texts.text(quantities[static_cast<int>(quantity)]);
+    return texts.text(quantities[int(quantity)]);
 }
 
 QString Words::seconds(const Texts &texts, int milliseconds)
 {
-    return NumericalValueBox::autoFormat(static_cast<float>(milliseconds) / 1000,
-                                         ValueBox::Unit_None, ValueBox::Prefix_None, 1, true)
+    return NumericalValueBox::autoFormat(float(milliseconds) / 1000, ValueBox::Unit_None,
+                                         ValueBox::Prefix_None, 1, true)
         + texts.text(Text {"Units", "second", "s"});
 }
 

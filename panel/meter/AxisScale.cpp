@@ -15,7 +15,7 @@ AxisScale AxisScale::ofValues(Quantity quantity, double magnitude)
         : QString(henry);
     for (const ValueBox::UnitPrefixs prefix :
          {ValueBox::Prefix_k, ValueBox::Prefix_None, ValueBox::Prefix_m}) {
-        const double divisor = std::pow(10, static_cast<int>(prefix));
+        const double divisor = std::pow(10, int(prefix));
         if (std::abs(magnitude) >= divisor
             || (std::isnan(magnitude) && prefix == ValueBox::Prefix_None))
             return {divisor, NumericalValueBox::getUnitPrefix(prefix) + unit};

@@ -12,7 +12,7 @@ constexpr double alphaOfCopper = 0.00393; // what the object is made of, in 1/K
 /** Part by which a resistance at @p temperature exceeds that at the reference temperature. */
 double excess(double alpha, float temperature)
 {
-    return alpha * static_cast<double>(temperature - Setup::referenceTemperature);
+    return alpha * double(temperature - Setup::referenceTemperature);
 }
 
 } // namespace
@@ -59,15 +59,14 @@ float Hardware::measure()
     if (m_setup.quantity() == Quantity::Temperature)
         return object.temperature * (1 + noise());
 
-    auto value = static_cast<double>(object.inductance);
+    auto value = double(object.inductance);
     if (m_setup.quantity() == Quantity::Resistance)
-        value = static_cast<double>(object.resistance)
-            * (1 + excess(alphaOfCopper, object.temperature));
+        value = double(object.resistance) * (1 + excess(alphaOfCopper, object.temperature));
     if (m_setup.isCompensated())
         value /= 1 + excess(m_setup.alpha(), object.temperature);
     if (object.leads == TestObject::Reversed)
         value = -value;
-    return static_cast<float>(value) * (1 + noise());
+    return float(value) * (1 + noise());
 }
 
 float Hardware::noise()
@@ -76,5 +75,5 @@ float Hardware::noise()
     double sum = 0;
     for (int draw = 0; draw < 3; ++draw)
         sum += m_random.generateDouble() - 0.5;
-    return static_cast<float>(sum) * m_setup.testObject().noise / 100;
+    return float(sum) * m_setup.testObject().noise / 100;
 }

@@ -60,7 +60,7 @@ QString Limit::kept(Quantity quantity, const QString &listed)
     const float value = read(quantity, listed);
     if (quantity != Quantity::Temperature || std::isnan(value))
         return listed;
-    return QString::number(Degrees::toCelsius(static_cast<double>(value)), 'g', 7);
+    return QString::number(Degrees::toCelsius(double(value)), 'g', 7);
 }
 
 float Limit::number(Quantity quantity, const QString &kept)
@@ -68,7 +68,7 @@ float Limit::number(Quantity quantity, const QString &kept)
     const float value = read(quantity, kept);
     if (quantity != Quantity::Temperature || std::isnan(value))
         return value;
-    return degreesText(static_cast<double>(value)).toFloat();
+    return degreesText(double(value)).toFloat();
 }
 
 QString Limit::plainText(Quantity quantity, const QString &kept)

@@ -59,7 +59,7 @@ void Measurement::take(float value)
 {
     m_readings += value;
     setValue(std::accumulate(m_readings.cbegin(), m_readings.cend(), 0.F)
-             / static_cast<float>(m_readings.size()));
+             / float(m_readings.size()));
     if (m_readings.size() == readingsOfResult)
         finish();
     else
@@ -68,7 +68,7 @@ void Measurement::take(float value)
 
 void Measurement::finish()
 {
-    (m_counters.*counts[static_cast<int>(m_setup.quantity())])();
+    (m_counters.*counts[int(m_setup.quantity())])();
     m_lastResult = {m_reading.text, m_setup.objectType(), m_setup.objectName()};
     if (std::isnan(m_reading.value))
         m_tones.play(BuzzerClass::Tone_Error_Measure);

@@ -26,13 +26,13 @@ Preferences::Preferences(KTV_InterfaceConfig &settings, const QString &file, QOb
 
 ValueBox::TemperatureUnit Preferences::temperatureUnit() const
 {
-    return static_cast<ValueBox::TemperatureUnit>(
+    return ValueBox::TemperatureUnit(
         m_settings.getValue(KTV_InterfaceConfig::MAIN_TemperatureUnit, ValueBox::Temp_Celsius));
 }
 
 void Preferences::setTemperatureUnit(ValueBox::TemperatureUnit unit)
 {
-    m_settings.setValue(KTV_InterfaceConfig::MAIN_TemperatureUnit, static_cast<int>(unit));
+    m_settings.setValue(KTV_InterfaceConfig::MAIN_TemperatureUnit, int(unit));
     takeUnit();
     emit temperatureUnitChanged();
 }

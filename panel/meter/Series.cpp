@@ -40,14 +40,14 @@ void Series::add(qint64 msSinceStart, float value)
     m_minimum = std::fmin(m_minimum, value);
     m_maximum = std::fmax(m_maximum, value);
     // Welford's way: no digits are lost where values differ little.
-    const double distance = static_cast<double>(value) - m_mean;
+    const double distance = double(value) - m_mean;
     m_mean += distance / m_present;
-    m_squares += distance * (static_cast<double>(value) - m_mean);
+    m_squares += distance * (double(value) - m_mean);
 }
 
 double Series::shown(int index) const
 {
-    const auto value = static_cast<double>(m_values.at(index));
+    const auto value = double(m_values.at(index));
     return m_conditions.form.quantity == Quantity::Temperature ? Degrees::fromCelsius(value)
                                                                : value;
 }
@@ -61,19 +61,19 @@ const QString &Series::text(int index) const
 
 float Series::mean() const
 {
-    return m_present > 0 ? static_cast<float>(m_mean) : std::numeric_limits<float>::quiet_NaN();
+    return m_present > 0 ? float(m_mean) : std::numeric_limits<float>::quiet_NaN();
 }
 
 float Series::standardDeviation() const
 {
-    return m_present > 1 ? static_cast<float>(std::sqrt(m_squares / (m_present - 1)))
+    return m_present > 1 ? float(std::sqrt(m_squares / (m_present - 1)))
                          : std::numeric_limits<float>::quiet_NaN();
 }
 
 AxisScale Series::valueScale() const
 {
     const float magnitude = std::fmax(std::abs(m_minimum), std::abs(m_maximum));
-    return AxisScale::ofValues(m_conditions.form.quantity, static_cast<double>(magnitude));
+    return AxisScale::ofValues(m_conditions.form.quantity, double(magnitude));
 }
 
 TimeScale Series::timeScale() const
@@ -83,9 +83,9 @@ TimeScale Series::timeScale() const
 
 int Series::nearest(double seconds) const
 {
-    const auto ms = static_cast<qint64>(seconds * 1000);
+    const auto ms = qint64(seconds * 1000);
     const auto later = std::lower_bound(m_times.cbegin(), m_times.cend(), ms);
-    const int index = static_cast<int>(later - m_times.cbegin());
+    const int index = int(later - m_times.cbegin());
     if (index == 0)
         return isEmpty() ? -1 : 0;
     if (later == m_times.cend() || ms - m_times.at(index - 1) <= *later - ms)
@@ -111,7 +111,7 @@ QString Series::deviationText() const
     if (std::isnan(standardDeviation()))
         return {};
     const Quantity quantity = m_conditions.form.quantity;
-    auto deviation = static_cast<double>(standardDeviation());
+    auto deviation = double(standardDeviation());
     if (quantity == Quantity::Temperature)
         deviation = Degrees::fromCelsius(deviation) - Degrees::fromCelsius(0);
     const AxisScale scale = AxisScale::ofValues(quantity, deviation);

@@ -59,7 +59,7 @@ public:
     /** The value in the unit in which it is shown: of temperatures, the one in effect. */
     double shown(int index) const;
     /** Since the start. */
-    double seconds(int index) const { return static_cast<double>(m_times.at(index)) / 1000; }
+    double seconds(int index) const { return double(m_times.at(index)) / 1000; }
     QDateTime time(int index) const { return m_conditions.start.addMSecs(m_times.at(index)); }
     /** Made anew when it is a temperature and its unit has changed. */
     const QString &text(int index) const;

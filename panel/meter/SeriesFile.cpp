@@ -61,7 +61,7 @@ QString bound(Quantity quantity, const QString &kept)
 
 QString figure(float value)
 {
-    return std::isnan(value) ? QString() : QString::number(static_cast<double>(value), 'g', 7);
+    return std::isnan(value) ? QString() : QString::number(double(value), 'g', 7);
 }
 
 /** A folder of its own for the client; a name of dots only would lead out of it. */
@@ -77,7 +77,7 @@ QByteArray SeriesFile::head(const Series &series)
 {
     const SeriesConditions &conditions = series.conditions();
     const Form &form = conditions.form;
-    const QuantityRow &quantity = quantities[static_cast<int>(form.quantity)];
+    const QuantityRow &quantity = quantities[int(form.quantity)];
     const bool isCompensated = !conditions.material.isEmpty();
     const struct
     {

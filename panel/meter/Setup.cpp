@@ -28,7 +28,7 @@ const QuantityRow &rowOf(Quantity quantity)
         {KTV_InterfaceConfig::TEST_EngineTemperature_LastSetting, ValueBox::Round_Static,
          ValueBox::Round_Static},
     };
-    return rows[static_cast<int>(quantity)];
+    return rows[int(quantity)];
 }
 
 const QList<ValueBox::DynamicRounding::Round_Current_I *> &tableOf(ValueBox::RoundMetods method)
@@ -65,8 +65,7 @@ void Setup::load()
 void Setup::read()
 {
     const QJsonObject stored = LastSetting::read(m_settings, rowOf(m_quantity).key);
-    m_current = static_cast<ValueBox::testI>(
-        stored.value(QLatin1String("current")).toInt(ValueBox::testI_10A));
+    m_current = ValueBox::testI(stored.value(QLatin1String("current")).toInt(ValueBox::testI_10A));
     m_material = stored.value(QLatin1String("material")).toString();
     m_alpha = stored.value(QLatin1String("alpha")).toDouble();
     const QJsonObject limit = stored.value(QLatin1String("limit")).toObject();

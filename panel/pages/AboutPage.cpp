@@ -86,9 +86,8 @@ QVBoxLayout *AboutPage::makeCounters()
     counts->setVerticalSpacing(4);
     counts->setHorizontalSpacing(Theme::margin());
     for (const CounterRow &row : counters) {
-        m_counters += addFact(
-            counts, row.caption,
-            qPrintable(QStringLiteral("about.counter.%1").arg(static_cast<int>(row.counter))));
+        m_counters += addFact(counts, row.caption,
+                              qPrintable(QStringLiteral("about.counter.%1").arg(int(row.counter))));
         m_counters.last()->setAlignment(Qt::AlignRight);
     }
     return under(Text {"About", "counters", "Measurements made"}, counts);

@@ -59,7 +59,7 @@ void AccessoriesPage::layOut()
     grid->setVerticalSpacing(Theme::gap());
     grid->setHorizontalSpacing(Theme::margin());
     grid->setColumnStretch(1, 1);
-    for (int row = 0; row < static_cast<int>(std::size(rows)); ++row) {
+    for (int row = 0; row < int(std::size(rows)); ++row) {
         grid->addWidget(caption(rows[row].caption), row, 0);
         grid->addWidget(rows[row].value, row, 1);
         grid->addWidget(rows[row].button, row, 2);

@@ -78,7 +78,7 @@ ListsPage::ListsPage(Texts &texts, Session &session)
 {
     layOut();
     connect(m_family, &Choice::chosen, this, [this](int index) {
-        m_current = static_cast<Lists::Family>(index);
+        m_current = Lists::Family(index);
         m_search->clear();
         m_list->setRows({});
         refresh();
@@ -102,7 +102,7 @@ ListsPage::ListsPage(Texts &texts, Session &session)
 void ListsPage::layOut()
 {
     for (size_t i = 0; i < std::size(families); ++i) {
-        QPushButton *part = m_family->part(static_cast<int>(i));
+        QPushButton *part = m_family->part(int(i));
         texts().translate(part, families[i].title);
         part->setStyleSheet(Theme::scaled(QStringLiteral("padding: 0 2px;")));
     }

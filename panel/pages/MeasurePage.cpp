@@ -72,7 +72,7 @@ MeasurePage::MeasurePage(Texts &texts, Session &session)
 void MeasurePage::layOut()
 {
     for (const Quantity quantity : quantities) {
-        QPushButton *part = m_quantity->part(static_cast<int>(quantity));
+        QPushButton *part = m_quantity->part(int(quantity));
         texts().keep(part,
                      [this, part, quantity] { part->setText(Words::quantity(texts(), quantity)); });
     }
@@ -121,7 +121,7 @@ void MeasurePage::refresh()
     const KTV_Configuration *meter = library().getMainConfig();
     const QString none = text(noneText);
     const auto orNone = [&none](const QString &value) { return value.isEmpty() ? none : value; };
-    m_quantity->setCurrent(static_cast<int>(setup().quantity()));
+    m_quantity->setCurrent(int(setup().quantity()));
     m_meter->setValue(meter->get_MeterModelName() + QLatin1Char(' ') + meter->get_SerialNumber());
     m_current->setValue(isTemperature ? QString() : testCurrentText(setup().current()));
     m_compensation->setValue(isTemperature ? QString() : orNone(setup().material()));

@@ -28,8 +28,7 @@ constexpr int sideWidth = 214;
 
 template <size_t size> int indexOf(const int (&values)[size], int value)
 {
-    return static_cast<int>(std::find(std::begin(values), std::end(values), value)
-                            - std::begin(values));
+    return int(std::find(std::begin(values), std::end(values), value) - std::begin(values));
 }
 
 /** By TimeScale::Unit. */
@@ -241,7 +240,7 @@ void RecordPage::plotAnew()
     for (const auto &line : lines) {
         const float number = Limit::number(form.quantity, line.bound);
         if (!std::isnan(number) && !series.isEmpty())
-            bounds += {static_cast<double>(number),
+            bounds += {double(number),
                        text(line.name) + QLatin1Char(' ') + Limit::text(form.quantity, line.bound)};
     }
     m_plot->setBounds(bounds);

@@ -39,7 +39,7 @@ SettingsPage::SettingsPage(Texts &texts, Session &session)
                           Text {"Settings", "language", "Language"});
     });
     connect(m_temperature, &Choice::chosen, this, [this](int unit) {
-        preferences().setTemperatureUnit(static_cast<ValueBox::TemperatureUnit>(unit));
+        preferences().setTemperatureUnit(ValueBox::TemperatureUnit(unit));
     });
     connect(m_theme, &Choice::chosen, this,
             [this](int theme) { preferences().setDark(theme == 1); });
@@ -54,7 +54,7 @@ void SettingsPage::layOut()
 {
     texts().translate(m_language, Text {"Settings", "language", "Language"});
     for (size_t unit = 0; unit < std::size(temperatureUnits); ++unit)
-        texts().translate(m_temperature->part(static_cast<int>(unit)), temperatureUnits[unit]);
+        texts().translate(m_temperature->part(int(unit)), temperatureUnits[unit]);
     texts().translate(m_theme->part(0), Text {"Panel", "light", "Light"});
     texts().translate(m_theme->part(1), Text {"Panel", "dark", "Dark"});
     texts().translate(m_keyboard->part(0), Text {"Panel", "onScreen", "On the screen"});
@@ -82,7 +82,7 @@ void SettingsPage::layOut()
         {Text {"Panel", "keyboard", "Keyboard"}, m_keyboard},
         {Text {"Settings", "brightness", "Brightness"}, m_brightness},
     };
-    for (int row = 0; row < static_cast<int>(std::size(rows)); ++row) {
+    for (int row = 0; row < int(std::size(rows)); ++row) {
         grid->addWidget(caption(rows[row].caption), row, 0);
         grid->addWidget(rows[row].choice, row, 1);
     }

@@ -74,8 +74,7 @@ void SoundPage::layOut()
         ++index;
     };
     for (const ToneRow &row : tones) {
-        auto *button =
-            new TouchButton(QStringLiteral("sound.tone.%1").arg(static_cast<int>(row.tone)));
+        auto *button = new TouchButton(QStringLiteral("sound.tone.%1").arg(int(row.tone)));
         texts().translate(button, row.name);
         connect(button, &QPushButton::clicked, this, [this, row] {
             row.isLoop ? session().tones().repeat(row.tone) : session().tones().play(row.tone);

@@ -29,7 +29,7 @@ int choiceOf(const UsbPort::State &state)
 {
     for (size_t i = 0; i < std::size(choices); ++i)
         if (choices[i].state == state)
-            return static_cast<int>(i);
+            return int(i);
     return -1;
 }
 

@@ -128,7 +128,7 @@ void TstPanelMeasuring::aMeasurementEndsAndIsCounted()
     QVERIFY(panel.finger.tap(kind));
     QTEST(measured(panel), "result");
     const KTV_Liczniki *counts = panel.session.library().getLiczniki();
-    QCOMPARE(counts->get_dictionary(static_cast<KTV_Liczniki::Licznik>(counter)), 1);
+    QCOMPARE(counts->get_dictionary(KTV_Liczniki::Licznik(counter)), 1);
     TAP(panel, "nav.About");
     QCOMPARE(panel.labelText(qPrintable(QStringLiteral("about.counter.%1").arg(counter))),
              QStringLiteral("1"));
@@ -165,7 +165,7 @@ void TstPanelMeasuring::whatCannotBeShown()
     QFETCH(int, leads);
     PanelFixture panel;
     TestObject object = objectOf(ohms);
-    object.leads = static_cast<TestObject::Leads>(leads);
+    object.leads = TestObject::Leads(leads);
     measureWith(panel, object);
     QTEST(measured(panel), "result");
 }

@@ -194,7 +194,7 @@ void TstPanelMeter::verdictOfAReading_data()
     QTest::addColumn<int>("outcome");
     const auto ohms = [](const char *row, double value, const QString &low, const QString &high,
                          Verdict::Reason reason, Verdict::Outcome outcome) {
-        QTest::newRow(row) << Quantity::Resistance << static_cast<float>(value)
+        QTest::newRow(row) << Quantity::Resistance << float(value)
                            << Limit {QStringLiteral("joint"), low, high} << int(reason)
                            << int(outcome);
     };
@@ -304,7 +304,7 @@ void TstPanelMeter::limitInTheUnitInEffect()
 {
     QFETCH(int, unit);
     QFETCH(QString, listed);
-    useUnit(static_cast<ValueBox::TemperatureUnit>(unit));
+    useUnit(ValueBox::TemperatureUnit(unit));
     const QString kept = Limit::kept(Quantity::Temperature, listed);
     QTEST(kept, "kept");
     QTEST(Limit::text(Quantity::Temperature, kept), "shown");
@@ -365,7 +365,7 @@ void TstPanelMeter::valuesThatAreRefused()
 {
     QFETCH(int, family);
     QFETCH(QStringList, values);
-    QTEST(int(Lists::problemOf(static_cast<Lists::Family>(family), values)), "problem");
+    QTEST(int(Lists::problemOf(Lists::Family(family), values)), "problem");
 }
 
 // --- series
@@ -381,7 +381,7 @@ void TstPanelMeter::statistics()
     QCOMPARE(series.minimum(), 99999.9375F);
     QCOMPARE(series.maximum(), 100000.125F);
     QCOMPARE(series.mean(), 100000.03125F);
-    QCOMPARE(series.standardDeviation(), static_cast<float>(std::sqrt(0.01953125 / 3)));
+    QCOMPARE(series.standardDeviation(), float(std::sqrt(0.01953125 / 3)));
 }
 
 void TstPanelMeter::statisticsOfNothing()
@@ -474,7 +474,7 @@ void TstPanelMeter::curveOfAnyLength()
 {
     Envelope curve;
     for (int i = 0; i < Series::capacity; ++i)
-        curve.add({static_cast<double>(i), i == 54321 ? 99. : std::sin(i)});
+        curve.add({double(i), i == 54321 ? 99. : std::sin(i)});
     const QVector<QPointF> points = curve.points();
     QVERIFY(points.size() <= 2 * Envelope::mostBuckets);
     QVERIFY(std::is_sorted(points.begin(), points.end(),

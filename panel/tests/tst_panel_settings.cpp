@@ -35,7 +35,7 @@ int pageOf(const char *widget)
         std::find_if(std::begin(pages), std::end(pages), [&](const char *each) {
             return name.compare(QLatin1String(each), Qt::CaseInsensitive) == 0;
         });
-    return static_cast<int>(page - std::begin(pages));
+    return int(page - std::begin(pages));
 }
 
 /** Texts as the sources write them out. */
@@ -403,7 +403,7 @@ void TstPanelSettings::onAnotherScreen()
     panel.session.hardware().hand(0.0012347F);
     panel.session.hardware().hand(0.0012346F);
     QStringList problems;
-    for (int page = 0; page < static_cast<int>(std::size(pages)); ++page) {
+    for (int page = 0; page < int(std::size(pages)); ++page) {
         panel.window.showPage(page);
         QTest::qWait(0);
         problems += problemsOf(panel, QLatin1String(pages[page]));

@@ -125,7 +125,7 @@ void TstPanelTouch::touchAsksForATime()
 {
     ShownPlot shown(minutes, milliohms, 301, 0.001, 0.002);
     QSignalSpy touched(&shown.plot, &Plot::touched);
-    const int x = static_cast<int>(shown.qwt().transform(QwtPlot::xBottom, 2.5));
+    const int x = int(shown.qwt().transform(QwtPlot::xBottom, 2.5));
     QTest::mouseClick(const_cast<QWidget *>(shown.qwt().canvas()), Qt::LeftButton, {}, {x, 20});
     QCOMPARE(touched.size(), 1);
     const double time = touched.first().first().toDouble();

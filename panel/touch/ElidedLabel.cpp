@@ -21,6 +21,6 @@ void ElidedLabel::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
     const QRect area = contentsRect();
-    painter.drawText(area, static_cast<int>(Qt::AlignVCenter | Qt::AlignLeft),
+    painter.drawText(area, int(Qt::AlignVCenter | Qt::AlignLeft),
                      fontMetrics().elidedText(text(), Qt::ElideRight, area.width()));
 }

@@ -304,7 +304,7 @@ void Gauge::paintEvent(QPaintEvent *)
     painter.setBrush(theme.line);
     painter.drawRoundedRect(rect(), height() / 2., height() / 2.);
     QRectF full(rect());
-    full.setWidth(full.width() * std::clamp(static_cast<double>(m_percent), 0., 100.) / 100);
+    full.setWidth(full.width() * std::clamp(double(m_percent), 0., 100.) / 100);
     if (full.width() < full.height())
         return; // too little to be round
     painter.setBrush(m_isAlarm ? theme.alarm : theme.accent);

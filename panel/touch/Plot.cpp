@@ -29,7 +29,7 @@ public:
     void drawSeries(QPainter *painter, const QwtScaleMap &xMap, const QwtScaleMap &yMap,
                     const QRectF &canvas, int from, int to) const override
     {
-        const int last = to < 0 ? static_cast<int>(dataSize()) - 1 : to;
+        const int last = to < 0 ? int(dataSize()) - 1 : to;
         const auto isGap = [this](int i) { return std::isnan(sample(i).y()); };
         for (int begin = from; begin <= last;) {
             int end = begin;
@@ -52,7 +52,7 @@ public:
         const double step = ticks.size() > 1 ? ticks.at(1) - ticks.at(0) : 1;
         // A step of 0.25 needs one more than its magnitude says.
         const double digits = std::ceil(-std::log10(std::abs(step)) - 1e-9);
-        int decimals = std::clamp(static_cast<int>(digits), 0, 9);
+        int decimals = std::clamp(int(digits), 0, 9);
         const double scaled = std::abs(step) * std::pow(10, decimals);
         if (std::abs(scaled - std::round(scaled)) > 1e-6)
             ++decimals;

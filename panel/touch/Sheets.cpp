@@ -261,7 +261,7 @@ BusySheet::BusySheet(Texts &texts, QWidget *somewhere, const Text &what) : Sheet
     connect(&m_tick, &QTimer::timeout, this, [this, &texts, elapsed] {
         elapsed->setText(QStringLiteral("%1  %2 %3")
                              .arg(texts.text(Text {"Dialogs", "wait", "Please wait"}))
-                             .arg(static_cast<double>(m_since.elapsed()) / 1000, 0, 'f', 1)
+                             .arg(double(m_since.elapsed()) / 1000, 0, 'f', 1)
                              .arg(texts.text(Text {"Units", "second", "s"})));
     });
     m_tick.start(tickInterval);

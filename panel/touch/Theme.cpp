@@ -128,8 +128,8 @@ void Theme::use(const Theme &theme)
 
 void Theme::fit(const QSize &window)
 {
-    const double fitting = std::min(static_cast<double>(window.width()) / designed.width(),
-                                    static_cast<double>(window.height()) / designed.height());
+    const double fitting = std::min(double(window.width()) / designed.width(),
+                                    double(window.height()) / designed.height());
     scale = std::max(fitting, leastScale);
     isSmall = fitting < leastScale;
     use(current());
@@ -143,7 +143,7 @@ bool Theme::isCompact()
 int Theme::px(int length)
 {
     // A line of one pixel stays one.
-    return length == 0 ? 0 : std::max(1, static_cast<int>(std::lround(length * scale)));
+    return length == 0 ? 0 : std::max(1, int(std::lround(length * scale)));
 }
 
 QString Theme::scaled(const QString &unscaled)

@@ -149,7 +149,7 @@ void TouchList::setRows(const QVector<TouchRow> &rows)
         const auto same = std::find_if(rows.begin(), rows.end(), [&before](const TouchRow &row) {
             return row.id == before->id && (row.id != 0 || row.title == before->title);
         });
-        choose(same == rows.end() ? -1 : static_cast<int>(same - rows.begin()));
+        choose(same == rows.end() ? -1 : int(same - rows.begin()));
     }
     doItemsLayout(); // the bar reaches as far as the rows that are laid out
     verticalScrollBar()->setValue(place);
