@@ -1,3 +1,4 @@
+#include "support/DriverLeaks.h"
 #include "support/LogCapture.h"
 #include "support/Meter.h"
 #include "support/SqliteWatch.h"

@@ -1,4 +1,5 @@
 #include "ListStore.h"
+#include "support/DriverLeaks.h"
 #include "support/LogCapture.h"
 #include "support/Meter.h"
 #include "support/SqliteWatch.h"
