@@ -1,11 +1,8 @@
 #include "meter/UsbPort.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QtConcurrent>
+#include "meter/SerialLineHolders.h"
 
-#include <algorithm>
+#include <QtConcurrent>
 
 using QERNTools::Tools;
 
@@ -25,33 +22,6 @@ void switchTo(const UsbPort::State &wanted)
         Tools::StopAllRS232Function();
     else
         Tools::SetUSBMode(wanted.mode, wanted.owner);
-}
-
-bool hasOpen(const QDir &process, const QString &file)
-{
-    const QFileInfoList open =
-        QDir(process.filePath(QStringLiteral("fd"))).entryInfoList(QDir::Files | QDir::System);
-    return std::any_of(open.begin(), open.end(), [&file](const QFileInfo &descriptor) {
-        return descriptor.symLinkTarget() == file;
-    });
-}
-
-QStringList holdersOfTheLine()
-{
-    const QString line = QFileInfo(QStringLiteral("/dev/ttyGS0")).canonicalFilePath();
-    if (line.isEmpty())
-        return {};
-    QStringList holders;
-    const QFileInfoList processes =
-        QDir(QStringLiteral("/proc")).entryInfoList({QStringLiteral("[0-9]*")}, QDir::Dirs);
-    for (const QFileInfo &process : processes) {
-        const QDir directory(process.filePath());
-        QFile name(directory.filePath(QStringLiteral("comm")));
-        if (hasOpen(directory, line) && name.open(QIODevice::ReadOnly))
-            holders += QStringLiteral("%1 (%2)").arg(
-                QString::fromLocal8Bit(name.readAll()).trimmed(), process.fileName());
-    }
-    return holders;
 }
 
 } // namespace
@@ -97,5 +67,5 @@ UsbPort::Look UsbPort::stateAfter(const State &wanted)
 {
     switchTo(wanted);
     const State state = stateNow();
-    return {state, state == wanted ? QStringList() : holdersOfTheLine()};
+    return {state, state == wanted ? QStringList() : serialLineHolders()};
 }

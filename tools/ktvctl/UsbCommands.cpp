@@ -1,15 +1,11 @@
 #include "Command.h"
 #include "EventLoop.h"
 #include "Words.h"
+#include "meter/SerialLineHolders.h"
 
 #include <tools/Tools.h>
 
-#include <QDirIterator>
-#include <QFile>
-#include <QFileInfo>
 #include <QJsonObject>
-
-#include <algorithm>
 
 using QERNTools::Tools;
 
@@ -44,27 +40,10 @@ int status(const Call &call)
     return Success;
 }
 
-/**
- * A text such as ": its line is held by login (212)", with each process that has the line open;
- * empty if there is none. A gadget cannot be unloaded while a process has its line open.
- */
-QString holdersOfTheLine()
+/** A text such as ": its line is held by login (212)"; empty if nobody holds it. */
+QString holdersText()
 {
-    const QString line = QFileInfo(QStringLiteral("/dev/ttyGS0")).canonicalFilePath();
-    QStringList holders;
-    QDirIterator processes(QStringLiteral("/proc"), {QStringLiteral("[0-9]*")}, QDir::Dirs);
-    while (!line.isEmpty() && processes.hasNext()) {
-        const QDir process(processes.next());
-        const auto files = QDir(process.filePath(QStringLiteral("fd")))
-                               .entryInfoList(QDir::AllEntries | QDir::System);
-        if (std::none_of(files.begin(), files.end(),
-                         [&line](const QFileInfo &file) { return file.symLinkTarget() == line; }))
-            continue;
-        QFile name(process.filePath(QStringLiteral("comm")));
-        if (name.open(QIODevice::ReadOnly))
-            holders += QStringLiteral("%1 (%2)").arg(
-                QString::fromLocal8Bit(name.readAll().trimmed()), process.dirName());
-    }
+    const QStringList holders = serialLineHolders();
     return holders.isEmpty()
         ? QString()
         : QStringLiteral(": its line is held by ") + holders.join(QStringLiteral(", "));
@@ -90,7 +69,7 @@ int set(const Call &call)
     if (Tools::getCurrentMode() != *mode || Tools::getRS232_Function() != *owner) {
         status(call);
         return fail(QStringLiteral("the port is not as it should be%1; --verbose tells why")
-                        .arg(holdersOfTheLine()));
+                        .arg(holdersText()));
     }
     status(call);
     if (Tools::isCalibrationModeActive)
