@@ -6,7 +6,10 @@
 
 #include <QObject>
 
-/** What the panel is put together from: the session, and what its screen takes from it. */
+/**
+ * What the panel consists of besides its window: the session, and the texts and the keyboard layout
+ * for the screen.
+ */
 class Context : public QObject
 {
     Q_OBJECT

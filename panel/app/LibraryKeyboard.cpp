@@ -10,7 +10,7 @@ using ValueBox::NumericalValueBox;
 
 namespace {
 
-/** Prefixes offered behind a number of ohms. */
+/** Prefixes for which the keyboard has keys when a number of ohms is entered. */
 constexpr ValueBox::UnitPrefixs ohmPrefixes[] = {ValueBox::Prefix_u, ValueBox::Prefix_m,
                                                  ValueBox::Prefix_None, ValueBox::Prefix_k};
 

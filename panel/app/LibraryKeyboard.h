@@ -4,7 +4,10 @@
 
 class Session;
 
-/** The keyboard of the library's language files, unless the user has connected one. */
+/**
+ * The keyboard layout of the library's language files. Not used if the user has connected a
+ * keyboard.
+ */
 class LibraryKeyboard : public KeyboardPolicy
 {
 public:

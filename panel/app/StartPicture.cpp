@@ -13,12 +13,13 @@ StartPicture::StartPicture(const QSize &size)
 
 void StartPicture::present()
 {
-    constexpr int patience = 2000; // ms; a window that nobody sees is not painted
+    constexpr int patience =
+        2000; // ms; a window that is covered or not on a screen is never painted
     show();
     const QDeadlineTimer end(patience);
     while (!m_isPainted && !end.hasExpired())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, int(end.remainingTime()));
-    QCoreApplication::processEvents(); // a framebuffer is written after the painting
+    QCoreApplication::processEvents(); // the framebuffer is written after paintEvent()
 }
 
 void StartPicture::paintEvent(QPaintEvent *)

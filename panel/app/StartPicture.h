@@ -4,8 +4,8 @@
 #include <QWidget>
 
 /**
- * What is seen while the library starts, which keeps the interface's thread for seconds: a sign
- * that needs no language, for the languages come with the library.
+ * Shown while the library starts, which blocks the interface's thread for seconds. It is a sign,
+ * because texts in the user's language exist only after the start.
  */
 class StartPicture : public QWidget
 {
@@ -13,7 +13,7 @@ class StartPicture : public QWidget
 public:
     explicit StartPicture(const QSize &size);
 
-    /** Shows the picture, and returns when it has been painted. */
+    /** Shows the picture and returns when it has been painted, after 2 s at most. */
     void present();
 
 protected:

@@ -45,7 +45,7 @@ namespace {
 constexpr int headerHeight = 48;
 constexpr int railWidth = 140;
 constexpr int clockInterval = 1000; // ms
-constexpr int recordingInterval = 250; // ms; readings may come faster than anybody reads
+constexpr int recordingInterval = 250; // ms; readings may come faster than a person can read
 
 template <typename PageClass> Page *make(Texts &texts, Session &session)
 {
@@ -54,7 +54,7 @@ template <typename PageClass> Page *make(Texts &texts, Session &session)
 
 struct PageRow
 {
-    const char *topic; ///< of its help; also its name on the rail
+    const char *topic; ///< topic of its help; also part of its button's name
     Text title;
     Page *(*make)(Texts &texts, Session &session);
 };
@@ -108,8 +108,8 @@ Window::Window(Context &context, const QSize &size) : m_context(context)
     columns->addLayout(pageColumn, 1);
     rows->addLayout(columns, 1);
     auto *keyboard = new Keyboard(context.texts(), context.keyboard(), this);
-    // A page makes room for it, and a small window's header as well; a sheet stands above it
-    // anyway.
+    // The page shrinks to leave space for the keyboard, and a small window hides its header, too. A
+    // sheet is at the top of the window and needs no change.
     connect(keyboard, &Keyboard::opened, pageColumn,
             [this, header, pageColumn](const QWidget *field, int height) {
                 if (!m_stack->isAncestorOf(field))
@@ -203,7 +203,8 @@ QWidget *Window::makeHeader()
     m_recording->setProperty("role", QStringLiteral("recording"));
     m_recording->hide();
     connect(m_recording, &QPushButton::clicked, this, [this] { showPage(pageOf("Record")); });
-    m_alert = new ElidedLabel(QStringLiteral("header.alert")); // whole on the page About
+    m_alert =
+        new ElidedLabel(QStringLiteral("header.alert")); // the page About shows the complete text
     m_alert->setProperty("role", QStringLiteral("alarm"));
     m_clock = new QLabel;
     m_bars = new SignalBars;

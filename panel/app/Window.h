@@ -17,25 +17,27 @@ class SignalBars;
 class TouchButton;
 
 /**
- * The panel: a header, a rail of pages at the left, and the page that is chosen. A small window has
- * a menu in the rail's place.
+ * The panel's window: a header, a rail with a button for each page at the left, and the current
+ * page. A small window has a menu instead of the rail.
  */
 class Window : public QWidget
 {
     Q_OBJECT
 public:
-    /** @param size in pixels; letters and what is touched follow it */
+    /** @param size in pixels; all fonts and lengths are scaled to it */
     explicit Window(Context &context, const QSize &size = QSize(800, 480));
-    /** Waits for the tools that tell the state of WiFi, if they are still at it. */
+    /** Waits until the first state of WiFi has been read. */
     ~Window() override;
 
-    /** Greets after an installation: the language first. */
+    /**
+     * Shows what the user sees at the first start after an installation: the choice of a language.
+     */
     void welcome();
-    /** Shows a page by its number on the rail. */
+    /** Shows the page with this index on the rail. */
     void showPage(int index);
 
 protected:
-    /** Asks first where a series would be lost. */
+    /** Asks the user first if an unsaved series would be lost. */
     void closeEvent(QCloseEvent *event) override;
 
 private:
@@ -54,7 +56,7 @@ private:
     Context &m_context;
     QStackedWidget *m_stack;
     QVector<Page *> m_pages;
-    QVector<TouchButton *> m_buttons; ///< of the rail; none on a small window
+    QVector<TouchButton *> m_buttons; ///< on the rail; empty for a small window
     HelpPage *m_help;
     int m_current = -1;
     QLabel *m_meter;
@@ -62,10 +64,10 @@ private:
     QLabel *m_alert;
     QLabel *m_clock;
     SignalBars *m_bars;
-    QFutureWatcher<int> m_wifiState; ///< as it was at the start; later changes come by signal
+    QFutureWatcher<int> m_wifiState; ///< state at the start; later changes come by signal
     TouchButton *m_helpButton;
     QTimer m_tick;
     QTimer m_recordingTick;
     QPointer<QWidget> m_closingQuestion;
-    bool m_isDropped = false; ///< the series may be lost
+    bool m_isDropped = false; ///< the user has agreed to lose the series
 };

@@ -10,7 +10,7 @@
 
 namespace {
 
-/** The size that is asked for, or that of a display without a desktop. */
+/** The requested size; without one, that of a display without a desktop, else 800 x 480. */
 QSize sizeOf(const QString &asked)
 {
     const QSize size(asked.section(QLatin1Char('x'), 0, 0).toInt(),

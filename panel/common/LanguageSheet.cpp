@@ -11,7 +11,7 @@ LanguageSheet::LanguageSheet(Texts &texts, Session &session, QWidget *somewhere,
     : PickSheet(texts, somewhere, title, rows(session),
                 codes(session).indexOf(session.library().get_Lang()->getCurrentLang()),
                 [&texts, &session, window = somewhere->window()](int index) {
-                    // The first use of a language writes the lists that it brings.
+                    // The first use of a language writes its factory lists, which takes time.
                     new StillSheet(texts, window, Text {"Settings", "language", "Language"},
                                    [&session, code = codes(session).value(index)] {
                                        session.setLanguage(code);
@@ -21,7 +21,7 @@ LanguageSheet::LanguageSheet(Texts &texts, Session &session, QWidget *somewhere,
 
 QString LanguageSheet::nameOf(const QString &code)
 {
-    // A language is not translated: its reader must recognise it among the others.
+    // The names of languages are not translated, so that everybody recognises their own.
     static const QHash<QString, QString> names {
         {QStringLiteral("DE"), QStringLiteral("Deutsch")},
         {QStringLiteral("EN"), QStringLiteral("English")},

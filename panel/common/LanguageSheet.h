@@ -4,14 +4,17 @@
 
 class Session;
 
-/** The languages that the meter offers, in their own names. */
+/** Lets the user choose one of the meter's languages. */
 class LanguageSheet : public PickSheet
 {
     Q_OBJECT
 public:
     LanguageSheet(Texts &texts, Session &session, QWidget *somewhere, const Text &title);
 
-    /** "Deutsch" for "DE"; the code itself when nobody has told its name. */
+    /**
+     * The language's name in that language: "Deutsch" for "DE"; the code if its name is not known
+     * here.
+     */
     static QString nameOf(const QString &code);
 
 private:

@@ -9,15 +9,17 @@
 
 class QVBoxLayout;
 
-/** One page of the panel: it shows what the session has, and forwards what is touched. */
+/**
+ * One page of the panel: shows the state of the session, and passes the user's touches on to it.
+ */
 class Page : public QWidget
 {
     Q_OBJECT
 public:
     Page(Texts &texts, Session &session);
 
-    virtual void enter() { } ///< The page comes to be seen.
-    virtual void leave() { } ///< Another page takes its place.
+    virtual void enter() { } ///< Called when the page is shown.
+    virtual void leave() { } ///< Called before another page is shown.
 
 protected:
     Texts &texts() const { return m_texts; }
@@ -25,11 +27,11 @@ protected:
     Session &session() const { return m_session; }
     KTV_DataSource &library() const { return m_session.library(); }
     QVBoxLayout *column() const { return m_column; }
-    /** A small grey line whose text comes from the languages. */
+    /** A small grey line of translated text. */
     QLabel *caption(const Text &text);
     static QLabel *label(const QString &name, const char *role);
     static const Text operationFailed;
-    /** Tells with a tone and a sheet that something did not work. */
+    /** Reports a failure with a tone and a sheet. */
     void fail(const Text &message = operationFailed);
 
 private:

@@ -16,7 +16,7 @@ using ValueBox::NumericalValueBox;
 
 namespace {
 
-/** A quantity, its steps, and how it is shown. */
+/** A property of the object, its steps, and how it is shown. */
 struct QuantityRow
 {
     Text name;

@@ -7,14 +7,14 @@ class FieldButton;
 class QGridLayout;
 class Setup;
 
-/** The object under test, to be changed: what a person would do with leads and objects. */
+/** Changes the simulated object, as a person would connect another one or swap the leads. */
 class TestObjectSheet : public Sheet
 {
     Q_OBJECT
 public:
     TestObjectSheet(Texts &texts, Setup &setup, QWidget *somewhere);
 
-    /** The object in a few words. */
+    /** A short description of the object. */
     static QString summary(const Texts &texts, const Setup &setup);
 
 private:

@@ -9,7 +9,7 @@ using ValueBox::NumericalValueBox;
 
 namespace {
 
-/** By Verdict::Reason; NoLimit and Within are worded as what has come of it. */
+/** Indexed by Verdict::Reason. The texts of NoLimit and Within are those of the result. */
 const Text reasons[] = {
     Text {"Panel", "done", "Done"},
     Text {"Measure", "leadOpen", "Current lead is open"},
@@ -22,14 +22,14 @@ const Text reasons[] = {
     Text {"Panel", "tooLow", "Below the low limit"},
 };
 
-/** By Quantity. */
+/** Indexed by Quantity. */
 const Text quantities[] = {
     Text {"Measure", "resistance", "Resistance"},
     Text {"Panel", "inductance", "Inductance"},
     Text {"Panel", "temperature", "Temperature"},
 };
 
-/** By the library's alert level, less one. */
+/** Indexed by the library's alert level - 1. */
 const Text cardAlerts[] = {
     Text {"Panel", "cardFilling", "The memory card is filling up"},
     Text {"Main", "cardFull", "The memory card is almost full"},

@@ -19,7 +19,7 @@ Finger::Finger(QWidget &window) : m_window(window), m_device(QTest::createTouchD
 
 QWidget *Finger::find(const QString &name) const
 {
-    // What lies on top was made last.
+    // Of several visible widgets the one created last is on top.
     const QList<QWidget *> widgets = m_window.findChildren<QWidget *>(name);
     for (auto widget = widgets.crbegin(); widget != widgets.crend(); ++widget)
         if ((*widget)->isVisible())
@@ -35,7 +35,7 @@ bool Finger::tap(const QString &name)
 
 bool Finger::touch(QWidget *widget, const QPoint &point)
 {
-    // Only what a finger can reach: nothing may lie over it.
+    // A real finger cannot touch a widget that another one covers.
     const QPoint onWindow = widget->mapTo(&m_window, point);
     QWidget *reached = m_window.childAt(onWindow);
     if (reached != widget && !(reached && widget->isAncestorOf(reached)))
@@ -98,7 +98,7 @@ bool Finger::typeKey(QChar key)
 {
     const QString name =
         key == QLatin1Char(' ') ? QStringLiteral("key.space") : QStringLiteral("key.") + key;
-    // On one of the four layouts, reached by two keys, or among the symbols.
+    // The key is in one of four layouts, between which two keys switch, or among the symbols.
     for (const char *change :
          {"key.shift", "key.regional", "key.shift", "key.regional", "key.symbols"}) {
         if (find(name))

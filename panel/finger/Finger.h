@@ -10,15 +10,15 @@ class QTouchDevice;
 class TouchList;
 
 /**
- * A finger on the panel's window: finds what is touched by its name, as it lies on the screen,
- * and sends touch events to the window, as a touch screen does.
+ * Operates the panel's window as a user does: finds a widget by its object name, and sends touch
+ * events to the window at the widget's place.
  */
 class Finger
 {
 public:
     explicit Finger(QWidget &window);
 
-    /** Touches the middle of the visible widget of this name. @return whether there is one */
+    /** Touches the centre of the visible widget of this name. @return whether that is possible */
     bool tap(const QString &name);
     /** Touches a point of the window, whatever is there. */
     void tapAt(const QPoint &point);
@@ -26,16 +26,16 @@ public:
     bool tapRow(const QString &name, const QString &title);
     /** Touches the keys of the keyboard on the screen, one after the other. */
     bool type(const QString &text);
-    /** Draws the finger up the list, by some pixels. */
+    /** Drags the list upwards by this number of pixels; downwards if it is negative. */
     bool drag(const QString &name, int pixels);
 
-    /** The visible widget of this name, topmost card first; null when there is none. */
+    /** The visible widget of this name, the topmost if there are several; null if there is none. */
     QWidget *find(const QString &name) const;
     template <typename Widget> Widget *see(const QString &name) const
     {
         return qobject_cast<Widget *>(find(name));
     }
-    /** Waits for something to come true, 10 s at most. */
+    /** Waits until the condition is true, 10 s at most. */
     static bool waitFor(const std::function<bool()> &condition);
 
 private:

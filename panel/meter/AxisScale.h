@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/** How the numbers of an axis are written: in one unit, with one prefix. */
+/** All numbers of an axis are written in one unit with one prefix. */
 struct AxisScale
 {
     double divisor = 1;
@@ -14,7 +14,7 @@ struct AxisScale
     static AxisScale ofValues(Quantity quantity, double magnitude);
 };
 
-/** How the numbers of a time axis are written; the screen has the word for the unit. */
+/** The unit of a time axis; the page that shows the axis has the word for it. */
 struct TimeScale
 {
     enum Unit
@@ -27,6 +27,6 @@ struct TimeScale
     Unit unit = Seconds;
     double divisor = 1; ///< seconds of one unit
 
-    /** @param seconds that the axis reaches to */
+    /** @param seconds the highest time on the axis */
     static TimeScale of(double seconds);
 };

@@ -1,10 +1,10 @@
 #pragma once
 
-/** Temperatures in the unit in effect. */
+/** Temperatures in the current unit. */
 namespace Degrees {
 
 double fromCelsius(double celsius);
-/** To the hundredth: the lists keep no more of what is entered in another unit. */
+/** Rounded to hundredths of a degree, as the lists store temperatures of other units. */
 double toCelsius(double degrees);
 
 } // namespace Degrees

@@ -7,9 +7,9 @@
 
 namespace {
 
-constexpr double alphaOfCopper = 0.00393; // what the object is made of, in 1/K
+constexpr double alphaOfCopper = 0.00393; // 1/K; the simulated object is made of copper
 
-/** Part by which a resistance at @p temperature exceeds that at the reference temperature. */
+/** By which part a resistance at @p temperature is above that at the reference temperature. */
 double excess(double alpha, float temperature)
 {
     return alpha * double(temperature - Setup::referenceTemperature);
@@ -71,7 +71,7 @@ float Hardware::measure()
 
 float Hardware::noise()
 {
-    // Three even draws: bell-shaped enough.
+    // The sum of three uniform random numbers is close enough to a normal distribution.
     double sum = 0;
     for (int draw = 0; draw < 3; ++draw)
         sum += m_random.generateDouble() - 0.5;

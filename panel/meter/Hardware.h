@@ -8,20 +8,20 @@
 class Setup;
 
 /**
- * The measuring hardware, simulated: readings of the object under test at an interval. They serve
- * one taker at a time, a measurement or a series.
+ * The simulated measuring hardware. It measures the object under test at an interval, and delivers
+ * the readings to one receiver at a time: a measurement or a series.
  */
 class Hardware : public QObject
 {
     Q_OBJECT
 public:
-    /** Whom the readings are for. */
+    /** Receives the readings. */
     class Taker
     {
     public:
         /** @param value in ohms, henries or degrees Celsius; NaN while the leads are open */
         virtual void take(float value) = 0;
-        virtual void end() = 0; ///< There are no more.
+        virtual void end() = 0; ///< No further reading follows.
 
     protected:
         ~Taker() = default;
@@ -31,16 +31,18 @@ public:
 
     /**
      * @param interval between readings, in milliseconds
-     * @return false, and nothing done, while another one is served
+     * @return false, with nothing done, while there is a receiver
      */
     bool start(int interval, Taker &taker);
     void stop();
     bool isRunning() const { return m_taker; }
     bool serves(const Taker &taker) const { return m_taker == &taker; }
-    /** As if the hardware had measured @p value. */
+    /** Delivers @p value as if the hardware had measured it. */
     void hand(float value);
 
-    /** Meters that can be simulated: the model follows from the first two characters. */
+    /**
+     * Serial numbers of meters that can be simulated; the first two characters decide the model.
+     */
     static QStringList serialNumbers();
 
 private:
@@ -48,7 +50,7 @@ private:
     float noise();
 
     const Setup &m_setup;
-    Taker *m_taker = nullptr; ///< null while nothing is measured
+    Taker *m_taker = nullptr; ///< null while no measurement is running
     QTimer m_timer;
-    QRandomGenerator m_random; ///< the same noise after every start
+    QRandomGenerator m_random; ///< has the same seed at every start
 };

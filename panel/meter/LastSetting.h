@@ -4,10 +4,10 @@
 
 #include <QJsonObject>
 
-/** What a screen was set to, kept in the library's settings until the next start. */
+/** The last settings of a page, stored in the library's settings for the next start. */
 namespace LastSetting {
 
-/** Empty when there is none, or none that can be read. */
+/** The stored setting; empty when there is none or it cannot be read. */
 QJsonObject read(KTV_InterfaceConfig &settings, KTV_InterfaceConfig::SettingKey key);
 void write(KTV_InterfaceConfig &settings, KTV_InterfaceConfig::SettingKey key,
            const QJsonObject &setting);

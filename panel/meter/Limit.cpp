@@ -25,8 +25,8 @@ QString trimmedZeros(QString number)
 }
 
 /**
- * The shortest number of the unit in effect that the lists keep as these degrees Celsius: 80 °F are
- * kept as 26.67 °C, which are 80.006 °F again, and nobody has entered that.
+ * The shortest number in the current unit that the lists would store as this temperature. For 80 °F
+ * they store 26.67 °C, which is 80.006 °F; the user must see the 80 that was entered.
  */
 QString degreesText(double celsius)
 {
@@ -36,7 +36,7 @@ QString degreesText(double celsius)
     const double degrees = Degrees::fromCelsius(celsius);
     for (int digits = 0; digits < mostDigits; ++digits) {
         const double scale = std::pow(10, digits);
-        const double shorter = std::round(degrees * scale) / scale + 0.; // no minus before a zero
+        const double shorter = std::round(degrees * scale) / scale + 0.; // adding 0 turns -0 into 0
         if (std::abs(Degrees::toCelsius(shorter) - rounded(celsius)) < 0.001)
             return QString::number(shorter, 'f', digits);
     }

@@ -12,7 +12,9 @@ namespace {
 
 constexpr float unreadable = std::numeric_limits<float>::quiet_NaN();
 
-/** @return NaN unless @p text is a number and, behind a blank, a unit that @p isMeant accepts */
+/**
+ * @return NaN unless @p text is a number, or a number, a space and a unit that @p isMeant accepts
+ */
 template <typename Accept> float read(const QString &text, Accept isMeant)
 {
     const QString shown = LimitText::asShown(text.trimmed());
@@ -27,7 +29,7 @@ template <typename Accept> float read(const QString &text, Accept isMeant)
     return isRead && std::isfinite(value) ? value : unreadable;
 }
 
-/** A bound as somebody enters it. */
+/** The value of a bound that a user has entered. */
 float entered(ValueBox::Units unit, const QString &text)
 {
     return read(text, [unit](const QString &unitText, ValueBox::UnitPrefixs prefix) {
@@ -71,5 +73,5 @@ LimitText::Problem LimitText::problemOf(ValueBox::Units unit, const QString &low
         return Problem::LowIsNoNumber;
     if (!high.isEmpty() && std::isnan(highest))
         return Problem::HighIsNoNumber;
-    return lowest > highest ? Problem::LowAboveHigh : Problem::None; // never of a missing one
+    return lowest > highest ? Problem::LowAboveHigh : Problem::None; // false for NaN
 }

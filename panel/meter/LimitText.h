@@ -5,13 +5,13 @@
 #include <QString>
 
 /**
- * The texts of limits, read by the strictest rule: a number, and behind one blank nothing but a
- * prefix and the unit that is meant. The lists take any text, and the library's parser reads what
- * it can of one, "5 Ohm" as 5 milliohms; nothing may pass by such a bound. Used by ktvctl as well.
+ * Reads the texts of limits strictly: a number, or a number followed by one space, a prefix and the
+ * expected unit. The lists store any text, and the library's parser reads "5 Ohm" as 5 milliohms;
+ * no value may pass because of a bound that was misread. Used by ktvctl as well.
  */
 namespace LimitText {
 
-/** What keeps a pair of bounds from being one that can be judged by. */
+/** Why values cannot be compared with a pair of bounds. */
 enum class Problem
 {
     None,
@@ -21,19 +21,21 @@ enum class Problem
     LowAboveHigh
 };
 
-/** A typed text with the ohm and micro signs that the meter shows: keyboards have others. */
+/** Replaces the characters for ohm and micro that keyboards have by those that the meter shows. */
 QString asShown(QString text);
 
 /**
- * A bound as the lists hand it out. A temperature may have the sign of any unit: the one in which
- * it was entered stays, whatever its number has become.
- * @param unit that is meant: Unit_Ohm or Unit_Temperature
- * @return in ohms or in the unit of temperatures in effect; NaN when it cannot be read
+ * The value of a bound from the lists. A temperature may have the sign of any unit: the lists keep
+ * the sign of the unit in which it was entered, even though its number has been converted.
+ * @param unit the expected unit: Unit_Ohm or Unit_Temperature
+ * @return in ohms or in the current unit of temperature; NaN when it cannot be read
  */
 float number(ValueBox::Units unit, const QString &text);
 
-/** Of a pair as somebody enters it, each of which may be empty; a temperature in the unit in
- * effect. */
+/**
+ * Checks two bounds that a user has entered. Either may be empty; temperatures are in the current
+ * unit.
+ */
 Problem problemOf(ValueBox::Units unit, const QString &low, const QString &high);
 
 } // namespace LimitText

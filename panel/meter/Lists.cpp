@@ -27,7 +27,9 @@ Lists::Entry entryOf(const LimitList_Element &element)
     return {element.ID, false, {element.Name, element.LoLimit, element.HighLimit}};
 }
 
-/** Takes over a list that the library hands out; null counts as empty. */
+/**
+ * The entries of a list that the library has returned, which is then deleted; null counts as empty.
+ */
 template <typename Element> QVector<Lists::Entry> taken(QList<Element *> *handedOut)
 {
     QVector<Lists::Entry> entries;

@@ -8,8 +8,8 @@
 class KTV_DataList;
 
 /**
- * The library's five pick lists, as rows of texts. Limits of temperature are numbers of the unit in
- * effect, as somebody would enter them.
+ * The library's five pick lists, as rows of texts. Limits of temperature are numbers in the current
+ * unit, as a user enters them.
  */
 class Lists : public QObject
 {
@@ -31,7 +31,7 @@ public:
         QStringList values;
     };
 
-    /** What is wrong with values to be entered. */
+    /** Why values cannot be entered. */
     enum Problem
     {
         NoProblem,
@@ -45,12 +45,15 @@ public:
 
     QVector<Entry> entries(Family family, const QString &filter = QString()) const;
     static Problem problemOf(Family family, const QStringList &values);
-    // Whether the lists have taken it.
+    // Each returns whether it has succeeded.
     bool add(Family family, const QStringList &values);
     bool update(Family family, int id, const QStringList &values);
     bool remove(Family family, int id);
 
-    /** Another language or another unit of temperatures: the lists have other rows. */
+    /**
+     * To be called after a change of the language or of the unit of temperature: the rows are other
+     * ones.
+     */
     void refresh() { emit changed(); }
 
 signals:

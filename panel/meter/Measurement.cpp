@@ -15,7 +15,7 @@ namespace {
 constexpr int readingInterval = 150; // ms
 constexpr int readingsOfResult = 6;
 
-/** By Quantity. */
+/** Indexed by Quantity. */
 void (KTV_Liczniki::*const counts[])() = {
     &KTV_Liczniki::Up_Licznik_PomiarObiektowRezystancyjnych,
     &KTV_Liczniki::Up_Licznik_PomiarObiektowIndukcyjnych,

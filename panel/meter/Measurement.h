@@ -11,19 +11,22 @@ class KTV_Liczniki;
 class Setup;
 class Tones;
 
-/** One measurement: readings until their mean has settled; then it is counted, judged and heard. */
+/**
+ * One measurement: the mean of a fixed number of readings. When it is complete it is counted,
+ * compared with the limit, and a tone is played.
+ */
 class Measurement : public QObject, private Hardware::Taker
 {
     Q_OBJECT
 public:
-    /** What a measurement has come to, and of what. */
+    /** The result of a measurement, and the measured object. */
     struct Result
     {
-        QString text; ///< as it was shown; empty before the first
+        QString text; ///< as it was shown; empty before the first measurement
         QString objectType;
         QString objectName;
 
-        /** What is to be printed of it. */
+        /** Text for the label printer. */
         QString label(const QString &meter, const QString &time) const;
     };
 
@@ -33,14 +36,14 @@ public:
     void start();
     void stop();
     bool isRunning() const { return m_hardware.serves(*this); }
-    /** Whether a measurement has ended, and is still shown. */
+    /** Whether a measurement has ended and its result is still shown. */
     bool isDone() const { return !isRunning() && !m_readings.isEmpty(); }
     /** The mean of the readings so far. */
     const Reading &reading() const { return m_reading; }
     const Verdict &verdict() const { return m_verdict; }
     const Result &lastResult() const { return m_lastResult; }
 
-    /** Words the reading anew: the unit of temperatures has changed. */
+    /** To be called after a change of the unit of temperature: makes the reading's text again. */
     void refresh();
 
 signals:

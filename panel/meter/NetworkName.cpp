@@ -8,7 +8,7 @@
 
 namespace {
 
-/** A name's bytes: what is not plain ASCII is printed as \xC3. */
+/** The bytes of a name; the tools print a byte that is not plain ASCII as "\xC3". */
 QByteArray unescaped(const QString &printed)
 {
     static const QRegularExpression escape(QStringLiteral("\\\\x([0-9A-Fa-f]{2})"));

@@ -2,10 +2,13 @@
 
 #include <QString>
 
-/** Names of networks, which the wireless tools print with escapes: "K\xC3\xB6ln". */
+/** Names of networks. The wireless tools print them with escapes: "K\xC3\xB6ln". */
 namespace NetworkName {
 
-/** A name as people know it, and as it is joined by; one that is no text stays as printed. */
+/**
+ * The real name, under which the network can be joined. A name that is not UTF-8 is returned as
+ * printed.
+ */
 QString readable(const QString &printed);
 
 } // namespace NetworkName

@@ -17,12 +17,12 @@ using WiFi::Network;
 
 namespace {
 
-constexpr int usualPatience = 20000; // ms; a sound network takes 5 to 10 s
-constexpr int joiningInterval = 1000; // ms, between looks at the connection
-constexpr int switchingTime = 3000; // ms, at most
-constexpr int rescanDelay = 1000; // ms; a scan that cannot even be started fails at once
+constexpr int usualPatience = 20000; // ms; a working network takes 5 to 10 s
+constexpr int joiningInterval = 1000; // ms, between checks of the connection
+constexpr int switchingTime = 3000; // ms, the most that switching the adapter takes
+constexpr int rescanDelay = 1000; // ms; a pause, in case scans fail at once
 
-/** The tool tells an address behind a colon. */
+/** The address without the colon that precedes it. */
 QString bare(const QString &address)
 {
     return address.startsWith(QLatin1Char(':')) ? address.mid(1) : address;
@@ -82,7 +82,7 @@ void Networks::start()
     if (m_isLooking) {
         m_connection.DetailInfoScan(true);
         m_connection.ScanNetwork(true);
-        read(); // the library tells of changes only
+        read(); // the library emits only changes
     }
     emit changed();
 }
@@ -101,7 +101,7 @@ bool Networks::isOpen(const QString &name) const
     });
 }
 
-// --- what the library tells
+// --- signals of the library
 
 void Networks::takeScan(QList<Network *> *networks)
 {
@@ -109,7 +109,8 @@ void Networks::takeScan(QList<Network *> *networks)
     const std::unique_ptr<QList<Network *>> owned(networks);
     m_isScanLate = !owned;
     if (!owned) {
-        // The library has ended scanning. An adapter of two bands needs more than the 5 s allowed.
+        // The library has switched scanning off, as after every scan of more than 5 s; an adapter
+        // with two bands needs more.
         QTimer::singleShot(rescanDelay, this, [this] {
             if (m_isLooking)
                 m_connection.ScanNetwork(true);
@@ -124,7 +125,7 @@ void Networks::takeScan(QList<Network *> *networks)
         for (const Network *network : std::as_const(*owned))
             m_cells.prepend({NetworkName::readable(network->ESSID),
                              qMax(0, network->state - Network::wifi_States_Connect_0),
-                             network->encryption}); // the weakest came first
+                             network->encryption}); // the weakest come first
     }
     qDeleteAll(*owned);
     emit changed();
@@ -196,12 +197,13 @@ void Networks::readKnown()
     emit changed();
 }
 
-// --- changing
+// --- changes
 
 void Networks::setOn(bool on)
 {
     m_connection.set_wifi_Enable(on);
-    // The library tells of a change only to what it has told before, which may have been nothing.
+    // The library emits a state only if it differs from the last one that it has read. So it may
+    // emit nothing after the adapter has been switched.
     QTimer::singleShot(switchingTime, this, [this] {
         if (m_isLooking)
             read();
@@ -214,7 +216,7 @@ bool Networks::join(const QString &name, const QString &key)
     if (isStored) {
         m_joining = name;
         m_isJoiningOpen = key.isEmpty();
-        m_isChecking = false; // what is being read is the former connection
+        m_isChecking = false; // a reading that is under way is of the previous connection
         m_joiningEnd.setRemainingTime(m_patience);
         m_joiningTick.start();
     }
@@ -224,7 +226,7 @@ bool Networks::join(const QString &name, const QString &key)
 
 void Networks::checkJoining()
 {
-    if (m_reading.isRunning()) { // perhaps since before the network was stored
+    if (m_reading.isRunning()) { // it may have begun before the network was stored
         m_joiningTick.start();
         return;
     }

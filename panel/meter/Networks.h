@@ -15,9 +15,9 @@ class Network;
 } // namespace WiFi
 
 /**
- * Networks in reach and known ones, the connection as it is now, and whether joining one has
- * worked. What changes the known networks blocks as the library does: it belongs to the interface's
- * thread, and whoever asks for it tells so before.
+ * Networks in reach, known networks, the present connection, and the result of joining a network.
+ * Functions that change the known networks block for as long as the library does, on the
+ * interface's thread; their callers show a StillSheet first.
  */
 class Networks : public QObject
 {
@@ -26,15 +26,15 @@ public:
     /** A network in reach. */
     struct Cell
     {
-        QString name; ///< as people know it
+        QString name; ///< the readable one, see NetworkName
         int bars = 0; ///< 0 to 4
         bool isProtected = false;
     };
-    /** The connection as it is now; texts are empty where nothing is known. */
+    /** The present connection; a text that is not known is empty. */
     struct State
     {
         bool hasAdapter = false;
-        bool isRead = false; ///< until then the rest says nothing
+        bool isRead = false; ///< if false, the members below are not known yet
         bool isOn = false;
         bool isAssociated = false; ///< with or without an address
         bool isConnected = false;
@@ -43,55 +43,60 @@ public:
         QString mask;
         QString broadcast;
     };
-    /** How joining a network has ended. */
+    /** The result of joining a network. */
     enum Outcome
     {
         Joined,
-        NotAnswering, ///< an open network
-        PassPhraseRefused, ///< perhaps; in reach, but not connected
-        NotFound ///< or its pass phrase is wrong: the scan does not have it
+        NotAnswering, ///< an open network that does not answer
+        PassPhraseRefused, ///< in reach, but not connected: probably a wrong pass phrase
+        NotFound ///< not in the last scan; the pass phrase may be wrong as well
     };
     Q_ENUM(Outcome)
 
     explicit Networks(WiFi::KTV_Connection &connection, QObject *parent = nullptr);
-    /** Takes what the library has already sent: nobody else would delete it. */
+    /**
+     * Receives signals that are still in the event queue, because their records would leak
+     * otherwise.
+     */
     ~Networks() override;
 
-    /** Whether a pass phrase has a length that a network can have. */
+    /** Whether the text has a valid length for a pass phrase. */
     static bool isPassPhrase(const QString &key);
 
-    /** Looks at the connection and around, until rest(). An adapter may have been plugged in. */
+    /**
+     * Starts scanning and polling of the connection. Looks for an adapter first if there was none.
+     */
     void look();
-    /** What is being joined is followed to its end all the same. */
+    /** Stops both. If a network is being joined, its result is emitted all the same. */
     void rest();
 
     /**
-     * The strongest first. An adapter that is busy finds nothing at times: they stay until a scan
-     * finds others, or two in a row find none.
+     * Networks in reach, the strongest first. A busy adapter sometimes finds none, so they are kept
+     * until a scan finds others, or two scans in a row find none.
      */
     const QVector<Cell> &cells() const { return m_cells; }
-    /** Whether cells() tells what is in reach; until then a scan is under way. */
+    /** Whether a scan has been completed; until then cells() is not up to date. */
     bool isScanned() const { return m_isScanned; }
-    /** Whether the last scan has not ended in time, and another one is under way. */
+    /** Whether the last scan took too long, so that another one has been started. */
     bool isScanLate() const { return m_isScanLate; }
-    /** Whether a network in reach needs no pass phrase. */
+    /** Whether this network is in reach and needs no pass phrase. */
     bool isOpen(const QString &name) const;
     const QSet<QString> &known() const { return m_known; }
     const State &state() const { return m_state; }
-    QString joining() const { return m_joining; } ///< empty: none
+    QString joining() const { return m_joining; } ///< network that is being joined; empty for none
 
     void setOn(bool on);
     /**
-     * Stores a network and waits for the connection; joined() tells how it went. Blocks.
-     * A network that hides its name is usually not found: what the library writes for the
-     * supplicant does not have it ask for networks by name.
+     * Stores a network, which blocks, and then checks the connection until it is that of the
+     * network or the patience is over; joined() has the result. A network that hides its name is
+     * usually not found: the supplicant's file does not ask for it by name (scan_ssid).
      * @return whether it could be stored
      */
     bool join(const QString &name, const QString &key);
     void prefer(const QString &name); ///< Blocks.
     void forget(const QString &name); ///< Blocks.
 
-    /** How long a network that is joined may take, in milliseconds. */
+    /** How long joining a network may take, in milliseconds. */
     void setPatience(int milliseconds) { m_patience = milliseconds; }
 
 signals:
@@ -114,17 +119,17 @@ private:
     void start();
 
     WiFi::KTV_Connection &m_connection;
-    QFutureWatcher<void> m_adapter; ///< looks for one
-    QFutureWatcher<QSharedPointer<WiFi::Network>> m_reading; ///< of the connection
-    bool m_isReadingOld = false; ///< the library has told of a change since it began
-    bool m_isChecking = false; ///< the reading decides about the network that is joined
+    QFutureWatcher<void> m_adapter; ///< the search for an adapter
+    QFutureWatcher<QSharedPointer<WiFi::Network>> m_reading; ///< state and details
+    bool m_isReadingOld = false; ///< the library has emitted a change since the reading began
+    bool m_isChecking = false; ///< the reading decides whether the network has been joined
     QVector<Cell> m_cells;
     QSet<QString> m_known;
     State m_state;
     bool m_isLooking = false;
     bool m_isScanned = false;
     bool m_isScanLate = false;
-    int m_emptyScans = 0; ///< in a row
+    int m_emptyScans = 0; ///< how many scans in a row have found none
     QString m_joining;
     bool m_isJoiningOpen = false;
     int m_patience;

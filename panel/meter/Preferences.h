@@ -8,15 +8,15 @@
 class KTV_InterfaceConfig;
 
 /**
- * What the user has chosen for good: in the library's settings, or, where these have no key, in a
- * file of the panel's own. The unit of temperatures and the switch of the sounds take effect in the
- * library at once.
+ * The user's preferences, stored in the library's settings or, if these have no key for them, in a
+ * file of the panel. The unit of temperature and the sound switch take effect in the library at
+ * once.
  */
 class Preferences : public QObject
 {
     Q_OBJECT
 public:
-    /** @param file of the panel's own, created with the first choice */
+    /** @param file the panel's own file, created when something is first stored in it */
     Preferences(KTV_InterfaceConfig &settings, const QString &file, QObject *parent = nullptr);
 
     ValueBox::TemperatureUnit temperatureUnit() const;
@@ -25,22 +25,25 @@ public:
     void setDark(bool dark);
     bool isSoundOn() const;
     void setSoundOn(bool on);
-    /** Output volume in percent; the library sets it and cannot tell it. */
+    /** Output volume in percent, as last set: the library cannot read it. */
     int volume() const;
     void setVolume(int percent);
-    /** Brightness of the display in percent; the library sets it and cannot tell it. */
+    /** Brightness of the display in percent, as last set: the library cannot read it. */
     int brightness() const;
     void setBrightness(int percent);
     bool usesScreenKeyboard() const;
     void setUsesScreenKeyboard(bool used);
 
-    /** Forgets the panel's own, once the library has forgotten its settings. */
+    /**
+     * Clears the panel's own file, and applies the defaults; the library's settings must have been
+     * reset.
+     */
     void restoreFactorySettings();
 
 signals:
     void temperatureUnitChanged();
     void appearanceChanged();
-    void soundChanged(); ///< On or off, or the volume.
+    void soundChanged(); ///< The switch or the volume.
     void brightnessChanged();
     void keyboardChanged();
 

@@ -2,7 +2,7 @@
 
 #include <QLatin1String>
 
-/** The unit of inductance, which the library's texts do not know. */
+/** The unit of inductance, for which the library has no text. */
 constexpr QLatin1String henry("H", 1);
 
 /** What is measured. */

@@ -8,7 +8,7 @@ using ValueBox::NumericalValueBox;
 
 namespace {
 
-/** The unit goes behind the prefix, or behind the number. */
+/** Adds the unit of inductance to a text that ends in a prefix, or in a number. */
 QString withHenry(const QString &text)
 {
     const QString bare = text.trimmed();

@@ -15,22 +15,22 @@ struct Form
     ValueBox::RoundMetods method = ValueBox::Round_R;
     ValueBox::testI current = ValueBox::testI_10A;
 
-    /** The test current as it is shown; empty where none flows. */
+    /** The test current as it is shown; empty for temperatures, which need none. */
     QString currentText() const;
 };
 
-/** "10.0 A" */
+/** A test current as it is shown, such as "10.0 A". */
 QString testCurrentText(ValueBox::testI current);
 
-/** A reading as it is shown. The library rounds and words it, and reads its text back. */
+/** A reading as it is shown: the library rounds it, makes its text, and reads that back. */
 struct Reading
 {
     enum Range
     {
         Missing, ///< nothing was measured, or nothing can be shown
         Inside,
-        Below, ///< less than nothing: the voltage leads are swapped
-        Above ///< more than the meter measures
+        Below, ///< below zero: the voltage leads are swapped
+        Above ///< above the range of the meter
     };
 
     Reading() = default;
@@ -39,7 +39,7 @@ struct Reading
 
     float value = std::numeric_limits<float>::quiet_NaN(); ///< as it was measured
     QString text; ///< "1.2347 mΩ"
-    /** What the text says, in ohms, henries or the unit of temperatures in effect. */
+    /** The value of the text, in ohms, henries or the current unit of temperature. */
     float shown = std::numeric_limits<float>::quiet_NaN();
     Range range = Missing;
 };

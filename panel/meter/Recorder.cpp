@@ -130,7 +130,7 @@ void Recorder::take(float value)
 
 void Recorder::end()
 {
-    m_series.figures(); // of this meter, whatever it becomes
+    m_series.figures(); // made while the meter is still the same
     emit stateChanged();
 }
 
@@ -152,7 +152,10 @@ void Recorder::save()
     makeTexts();
 }
 
-/** The library makes texts on this thread only: a few at a time, so that it goes on meanwhile. */
+/**
+ * The library's texts belong to this thread. Makes some at a time, so that the thread stays
+ * responsive.
+ */
 void Recorder::makeTexts()
 {
     constexpr int most = 1000;

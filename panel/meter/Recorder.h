@@ -15,9 +15,9 @@ class KTV_Liczniki;
 class Setup;
 
 /**
- * Records series, and saves them. A series is kept until the next one is started, which the caller
- * does not do before the owner of an unsaved one has been asked. It keeps what it was recorded with
- * and of, whatever is set up meanwhile.
+ * Records series and saves them. A series is kept until the next one is started; a caller asks the
+ * user before it discards an unsaved one in this way. The conditions of a series do not change when
+ * the setup does.
  */
 class Recorder : public QObject, private Hardware::Taker
 {
@@ -25,17 +25,17 @@ class Recorder : public QObject, private Hardware::Taker
 public:
     Recorder(KTV_InterfaceConfig &settings, const KTV_Configuration &meter, const Setup &setup,
              Hardware &hardware, KTV_Liczniki &counters, QObject *parent = nullptr);
-    /** Waits until what is being saved is on the card. */
+    /** Waits until a series that is being saved is on the card. */
     ~Recorder() override;
 
-    QString client() const { return m_client; } ///< whose folder a series goes to; may be empty
+    QString client() const { return m_client; } ///< in whose folder a series is saved; may be empty
     void setClient(const QString &client);
     int interval() const { return m_interval; } ///< between readings, in ms
     void setInterval(int milliseconds);
-    int wanted() const { return m_wanted; } ///< readings after which the next one ends by itself
+    int wanted() const { return m_wanted; } ///< number of readings of the next series
     void setWanted(int count);
 
-    /** Drops the series that is there, and records a new one. */
+    /** Discards the present series and records a new one. */
     void start();
     void stop();
     bool isRunning() const { return m_hardware.serves(*this); }
@@ -43,19 +43,22 @@ public:
     const Series &series() const { return m_series; }
     bool isUnsaved() const { return !m_isSaved && !m_series.isEmpty(); }
 
-    /** Saves the series for the client, off this thread; saved() tells how it went. */
+    /** Saves the series for the client, on another thread; saved() has the result. */
     void save();
     bool isSaving() const { return m_isSaving; }
 
-    /** Takes the last setting. */
+    /** Reads the last setting. */
     void load();
-    /** Words a series of temperatures anew: their unit has changed. */
+    /**
+     * To be called after a change of the unit of temperature: the texts of temperatures are made
+     * again.
+     */
     void takeUnit();
 
 signals:
     void settingsChanged();
-    void stateChanged(); ///< Started, stopped, saved, or worded anew.
-    void added(); ///< One more reading.
+    void stateChanged(); ///< A series was started, stopped or saved, or its texts have changed.
+    void added(); ///< The series has one more reading.
     void saved(const SeriesFile::Result &result);
 
 private:
@@ -77,6 +80,6 @@ private:
     QElapsedTimer m_clock;
     bool m_isSaved = true;
     bool m_isSaving = false;
-    QTimer m_texts; ///< runs until what is to be saved has all its texts
+    QTimer m_texts; ///< runs until the series to be saved has all its texts
     QFutureWatcher<SeriesFile::Result> m_saving;
 };

@@ -8,10 +8,10 @@
 
 namespace {
 
-/** Of several verdicts the heaviest counts. */
+/** The verdict with the highest weight is that of the series. */
 int weight(const Verdict &verdict)
 {
-    static constexpr int weights[] = {1, 0, 2}; // by Verdict::Outcome
+    static constexpr int weights[] = {1, 0, 2}; // indexed by Verdict::Outcome
     return weights[verdict.outcome()];
 }
 
@@ -24,7 +24,7 @@ void Series::add(qint64 msSinceStart, float value)
 {
     m_figures.reset();
     if (m_firstMissing == count())
-        ++m_firstMissing; // this one is not
+        ++m_firstMissing; // the new reading has its text
     const Reading reading(value, m_conditions.form);
     const Verdict verdict(reading, m_conditions.form.quantity, m_conditions.limit);
     if (isEmpty() || weight(verdict) > weight(m_verdict))
@@ -39,7 +39,7 @@ void Series::add(qint64 msSinceStart, float value)
     ++m_present;
     m_minimum = std::fmin(m_minimum, value);
     m_maximum = std::fmax(m_maximum, value);
-    // Welford's way: no digits are lost where values differ little.
+    // Welford's algorithm: loses no digits if the values hardly differ.
     const double distance = double(value) - m_mean;
     m_mean += distance / m_present;
     m_squares += distance * (double(value) - m_mean);

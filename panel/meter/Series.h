@@ -11,36 +11,36 @@
 
 #include <optional>
 
-/** What a series was recorded of, and with. */
+/** The object, meter and settings with which a series was recorded. */
 struct SeriesConditions
 {
     Form form;
     QString meterName;
     QString serialNumber;
     QString material; ///< empty: not compensated
-    double alpha = 0; ///< of the material, in 1/K
+    double alpha = 0; ///< temperature coefficient of the material, in 1/K
     Limit limit;
     QString objectType;
     QString objectName;
     int interval = 0; ///< ms
-    int wanted = 0; ///< readings after which it ends by itself
+    int wanted = 0; ///< number of readings after which the series ends by itself
     QDateTime start;
 };
 
-/** The figures of a series as they are shown; empty where there is no reading. */
+/** The statistics of a series as they are shown; empty without readings. */
 struct SeriesFigures
 {
     QString count;
     QString minimum;
     QString maximum;
     QString mean;
-    QString deviation; ///< with three figures: "0.247 µΩ"; empty for less than two readings
+    QString deviation; ///< such as "0.247 µΩ"; empty for less than two readings
 };
 
 /**
- * Readings over time. Each one is judged, goes into the statistics and gets its text when it is
- * added. Texts stay as they were shown, also when the meter becomes another one: only those of
- * temperatures follow the unit in effect.
+ * Readings over time. A reading is compared with the limit, added to the statistics and given its
+ * text when it is added. Texts do not change, even if another serial number is set; only those of
+ * temperatures follow the current unit.
  */
 class Series
 {
@@ -56,39 +56,47 @@ public:
     bool isEmpty() const { return m_values.isEmpty(); }
 
     float value(int index) const { return m_values.at(index); } ///< NaN for a missing one
-    /** The value in the unit in which it is shown: of temperatures, the one in effect. */
+    /** The value in the unit in which it is shown; temperatures in the current unit. */
     double shown(int index) const;
     /** Since the start. */
     double seconds(int index) const { return double(m_times.at(index)) / 1000; }
     QDateTime time(int index) const { return m_conditions.start.addMSecs(m_times.at(index)); }
-    /** Made anew when it is a temperature and its unit has changed. */
+    /** The text of a reading; that of a temperature is made again after its unit has changed. */
     const QString &text(int index) const;
     Verdict verdict(int index) const { return m_verdicts.at(index); }
 
-    // Of the values that are not missing, in the base unit; NaN where there are too few.
+    // Statistics of the values that are not missing, in the base unit; NaN if there are too few.
     int presentCount() const { return m_present; }
     float minimum() const { return m_minimum; }
     float maximum() const { return m_maximum; }
     float mean() const;
-    float standardDeviation() const; ///< of a sample: divided by one less than the count
+    float standardDeviation() const; ///< of a sample: the divisor is the count less one
 
     int failed() const { return m_failed; }
-    /** That of the first reading that fails; else of the first without a verdict: it passes when
-     * every reading does. */
+    /**
+     * The verdict of the first reading that fails, else of the first without a verdict; so the
+     * series passes only if every reading does.
+     */
     Verdict verdict() const { return m_verdict; }
 
-    /** As texts; they stay as they were when somebody first asked after the last reading. */
+    /**
+     * The statistics as texts. They are made by the first call after a reading, and do not change
+     * until the next one.
+     */
     const SeriesFigures &figures() const;
 
-    AxisScale valueScale() const; ///< of an axis that shows all values
-    TimeScale timeScale() const; ///< of an axis that reaches to the last reading
+    AxisScale valueScale() const; ///< for an axis that shows all values
+    TimeScale timeScale() const; ///< for an axis that ends at the last reading
 
     /** Index of the reading nearest in time; -1 for none. */
     int nearest(double seconds) const;
 
-    /** The unit of temperatures has changed: their texts are made anew, when they are asked for. */
+    /**
+     * To be called after a change of the unit of temperature: the texts of temperatures are made
+     * again when they are next needed.
+     */
     void takeUnit();
-    /** Makes up to @p most texts that are missing. @return whether all are there now */
+    /** Makes up to @p most missing texts. @return whether all exist now */
     bool makeTexts(int most) const;
 
 private:
@@ -99,7 +107,7 @@ private:
     QVector<qint64> m_times; ///< ms since the start
     QVector<Verdict> m_verdicts;
     mutable QVector<QString> m_texts; ///< null: not made yet
-    mutable int m_firstMissing = 0; ///< no text before it is
+    mutable int m_firstMissing = 0; ///< no text before this index is missing
     mutable std::optional<SeriesFigures> m_figures;
     int m_present = 0;
     float m_minimum = std::numeric_limits<float>::quiet_NaN();

@@ -46,7 +46,7 @@ QString quoted(QString text)
         + QLatin1Char('"');
 }
 
-/** What somebody has entered; a spreadsheet shall not take it for a formula. */
+/** A name that a user has entered, changed so that no spreadsheet takes it for a formula. */
 QString name(const QString &text)
 {
     const bool isFormula = !text.isEmpty() && QStringLiteral("=+-@").contains(text.at(0));
@@ -64,7 +64,7 @@ QString figure(float value)
     return std::isnan(value) ? QString() : QString::number(double(value), 'g', 7);
 }
 
-/** A folder of its own for the client; a name of dots only would lead out of it. */
+/** Name of the client's folder. A name of dots only would be another folder. */
 QString folderOf(const QString &client)
 {
     const QString folder = Tools::validFileName(client);
@@ -139,7 +139,7 @@ SeriesFile::Result SeriesFile::save(const QByteArray &head, const Series &series
     const QString name = Tools::findFreeFileName(folder, day.toString(QStringLiteral("yyyy-MM-dd")),
                                                  QStringLiteral("csv"));
     const QByteArray content = csv(head, series);
-    // The flush is not for nothing: commit() does not notice that what was buffered finds no room.
+    // The flush is needed: commit() does not notice if there is no space for the buffered content.
     QSaveFile file(folder + name);
     if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush()
         && file.commit())

@@ -7,7 +7,7 @@
 
 namespace {
 
-/** The measuring hardware that is simulated until somebody chooses another one. */
+/** The meter that is simulated until the user chooses another one. */
 const QLatin1String firstSerialNumber("CH20417");
 
 } // namespace
@@ -49,7 +49,7 @@ void Session::startMeter()
     m_library->setMeterSerialName(m_library->get_InterfaceConfig()->getValue(
         KTV_InterfaceConfig::MAIN_MeterSN, firstSerialNumber));
     if (m_library->getMainConfig()->get_MeterModel() == KTV_Configuration::MeterModels_NaN)
-        m_library->setMeterSerialName(firstSerialNumber); // nothing can be measured without one
+        m_library->setMeterSerialName(firstSerialNumber); // nothing can be measured without a model
 }
 
 void Session::takeBrightness() const

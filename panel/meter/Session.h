@@ -18,8 +18,8 @@
 class KTV_DataSource;
 
 /**
- * The panel without its screen: the library, and what the panel does with it. Whoever changes
- * something asks its owner for it; the owner tells everybody.
+ * The panel without its screen: the library, and the objects through which the panel uses it. Each
+ * object owns its state: changes are made by calling it, and it emits a signal after each change.
  */
 class Session : public QObject
 {
@@ -40,20 +40,20 @@ public:
     Networks &networks() { return m_networks; }
     UsbPort &usbPort() { return m_usbPort; }
 
-    void setLanguage(const QString &code); ///< Blocks at the first use of a language.
-    /** As if the measuring hardware had reported another serial number. */
+    void setLanguage(const QString &code); ///< Blocks when a language is used for the first time.
+    /** Acts as if the measuring hardware had reported another serial number. */
     void setSerialNumber(const QString &serial);
-    /** Not while a series is recorded: it would end at another number, with other settings. */
+    /** False while a series is recorded: the reset would change its settings. */
     bool canRestoreFactorySettings() const { return !m_recorder.isRunning(); }
     /**
-     * Factory reset of everything that a user can change, the panel's own settings included.
-     * Nothing happens while it cannot be done. Blocks.
+     * Factory reset of everything that a user can change, including the panel's own settings. Does
+     * nothing unless canRestoreFactorySettings(). Blocks.
      */
     void restoreFactorySettings();
 
 signals:
     void languageChanged();
-    void meterChanged(); ///< Serial number, and with it perhaps the model.
+    void meterChanged(); ///< The serial number has changed, and with it perhaps the model.
 
 private:
     void startMeter();

@@ -54,7 +54,7 @@ const QList<ValueBox::DynamicRounding::Round_Current_I *> &tableOf(ValueBox::Rou
 Setup::Setup(KTV_InterfaceConfig &settings, QObject *parent) : QObject(parent), m_settings(settings)
 { }
 
-// --- the last setting
+// --- the stored setting
 
 void Setup::load()
 {
@@ -100,7 +100,7 @@ void Setup::refreshCurrent()
 
 void Setup::keep()
 {
-    refreshCurrent(); // compensation knows fewer of them
+    refreshCurrent(); // there are fewer currents with compensation
     store();
     emit changed();
 }
@@ -162,7 +162,7 @@ void Setup::takeModel()
     keep();
 }
 
-// --- what follows
+// --- values derived from the setup
 
 bool Setup::isCompensated() const
 {

@@ -13,8 +13,8 @@
 #include <QString>
 
 /**
- * What is measured, and how. Each quantity keeps its last setting; the object's type and name stay
- * when another of its quantities is measured.
+ * What is measured, and how. The last setting of each quantity is stored; type and name of the
+ * object stay the same when another quantity is chosen.
  */
 class Setup : public QObject
 {
@@ -29,7 +29,7 @@ public:
     void setQuantity(Quantity quantity);
     ValueBox::testI current() const { return m_current; }
     void setCurrent(ValueBox::testI current);
-    /** Material that readings are compensated for; empty: they are not. */
+    /** Material for the temperature compensation; empty: no compensation. */
     QString material() const { return m_material; }
     double alpha() const { return m_alpha; } ///< the material's temperature coefficient, in 1/K
     void setMaterial(const QString &name, double alpha);
@@ -40,20 +40,26 @@ public:
     void setObject(const QString &type, const QString &name);
     /** "Transformer · T1" */
     static QString objectText(const QString &type, const QString &name);
-    /** What lies between the leads of the simulated hardware. */
+    /** The object that the simulated hardware measures. */
     const TestObject &testObject() const { return m_testObject; }
     void setTestObject(const TestObject &object);
 
     bool isCompensated() const;
-    /** The lists know limits of resistance and of temperature. */
+    /**
+     * Whether there are limits for this quantity: the lists have them for resistance and
+     * temperature.
+     */
     bool canJudge() const { return m_quantity != Quantity::Inductance; }
     Form form() const;
-    /** Test currents that the meter's model has rounding rows for, with this setup's method. */
+    /** Test currents for which the meter's model has rounding rows with this setup's method. */
     QList<ValueBox::testI> testCurrents() const;
 
-    /** Takes the last setting of the quantity that is chosen. */
+    /** Reads the last setting of the current quantity. */
     void load();
-    /** Takes another current when the model lacks the one that is chosen. */
+    /**
+     * To be called after a change of the model: chooses another current if the model does not have
+     * this one.
+     */
     void takeModel();
 
 signals:
@@ -63,7 +69,7 @@ private:
     void read();
     void refreshCurrent();
     void store();
-    void keep(); ///< What every setter ends with.
+    void keep(); ///< Called by every setter: stores the setting and emits changed().
 
     KTV_InterfaceConfig &m_settings;
     Quantity m_quantity = Quantity::Resistance;

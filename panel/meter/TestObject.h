@@ -1,6 +1,6 @@
 #pragma once
 
-/** The object between the leads. Simulated: the panel has no measuring hardware to ask. */
+/** The simulated object that is being measured. */
 struct TestObject
 {
     enum Leads
@@ -12,7 +12,7 @@ struct TestObject
 
     float resistance = 0.0012347F; ///< at the reference temperature, in ohms
     float inductance = 0.0153F; ///< in henries
-    float noise = 0.02F; ///< of a reading, in percent
+    float noise = 0.02F; ///< noise of a reading, in percent
     float temperature = 23.5F; ///< in degrees Celsius
     Leads leads = Connected;
 };

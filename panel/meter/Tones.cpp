@@ -16,8 +16,8 @@ Tones::Tones(const Preferences &preferences, QObject *parent)
 Tones::~Tones()
 {
     if (BuzzerClass::playWave)
-        silence(); // a sample's player belongs to the thread that ends here
-    // Behind everything that waits: quit() itself would drop it.
+        silence(); // the player of a sample must end before the thread that has started it
+    // Queued after all waiting calls: quit() by itself would drop them.
     QMetaObject::invokeMethod(&m_worker, [this] { m_thread.quit(); });
     m_thread.wait();
 }

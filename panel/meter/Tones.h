@@ -10,24 +10,23 @@
 class Preferences;
 
 /**
- * Signal tones and their volume. The library's wait for the end of what sounds, up to some seconds,
- * and it wants one thread at a time for them and for the mixer: all are asked for on a thread of
- * their own, one after the other.
+ * Signal tones and their volume. The library's functions block for up to some seconds, and only one
+ * thread at a time may call them; so all calls are made on a separate thread, one after the other.
  */
 class Tones : public QObject
 {
     Q_OBJECT
 public:
     explicit Tones(const Preferences &preferences, QObject *parent = nullptr);
-    /** Waits for what has been asked for. */
+    /** Waits until all requested tones have been handled. */
     ~Tones() override;
 
-    /** Sounds a tone once, unless the user has switched the sounds off. */
+    /** Plays a tone once, unless the user has switched the sound off. */
     void play(Buzzer::BuzzerClass::Tone tone);
-    /** The same over and over, until the next tone or silence(). */
+    /** Plays a tone repeatedly, until the next tone or silence(). */
     void repeat(Buzzer::BuzzerClass::Tone tone);
     void silence();
-    /** Of changes that wait the last one counts. */
+    /** While calls are waiting, only the last volume is kept. */
     void setVolume(int percent);
     bool isRepeating() const { return m_isRepeating; }
 
@@ -35,8 +34,8 @@ private:
     void ask(Buzzer::BuzzerClass::Tone tone, bool loop);
 
     const Preferences &m_preferences;
-    QThread m_thread; ///< with an event loop, which notices the end of a sample's player
+    QThread m_thread; ///< has an event loop, because that notices the end of a sample's player
     QObject m_worker;
     bool m_isRepeating = false;
-    std::atomic<int> m_volume {-1}; ///< to be set; -1: there is nothing to do
+    std::atomic<int> m_volume {-1}; ///< still to be set; -1: none
 };

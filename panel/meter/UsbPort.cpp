@@ -15,8 +15,8 @@ UsbPort::State stateNow()
 
 void switchTo(const UsbPort::State &wanted)
 {
-    // Asked to give a line to nobody, the library frees it, and then falls back to the
-    // network: a line is taken from its owner in so many words.
+    // For a serial line without owner SetUSBMode() would free the line, and then fall back to the
+    // network. So the owner is stopped by its own function.
     if (wanted.mode == Tools::USB_RS232 && wanted.owner == Tools::RS232_None
         && Tools::getCurrentMode() == Tools::USB_RS232)
         Tools::StopAllRS232Function();
@@ -33,7 +33,7 @@ UsbPort::UsbPort(QObject *parent) : QObject(parent)
         m_state = m_work.result().state;
         m_holders = m_work.result().holders;
         emit looked();
-        // The switching itself always calls itself a success.
+        // SetUSBMode() always returns true, so the state is compared.
         if (m_isBringing)
             emit brought(m_state == m_wanted);
     });

@@ -7,14 +7,14 @@
 #include <QStringList>
 
 /**
- * The USB port, looked at and switched off the interface's thread: that takes up to 10 s. The
- * library wants one thread at a time for it; nobody else in the panel touches it.
+ * The USB port. Its state is read and changed on a pool thread, because that takes up to 10 s. Only
+ * one thread at a time may call the library's functions for it, so nothing else in the panel does.
  */
 class UsbPort : public QObject
 {
     Q_OBJECT
 public:
-    /** What the port shows itself as, and who owns its serial line. */
+    /** The mode of the port and the owner of its serial line. */
     struct State
     {
         QERNTools::Tools::USB_Mode mode = QERNTools::Tools::USB_None;
@@ -30,20 +30,20 @@ public:
     /** Waits until the port has been switched. */
     ~UsbPort() override;
 
-    State state() const { return m_state; } ///< as it was seen last
+    State state() const { return m_state; } ///< as last read
     /**
-     * After a failure the processes that have the serial line open, each "login (212)": the port
-     * stays a serial line for as long as any of them does.
+     * After a failure: the processes that have the serial line open, each as "login (212)". As long
+     * as there is one, the port stays a serial line.
      */
     const QStringList &holders() const { return m_holders; }
-    /** From look() or bring() until its signal: what is asked of the port meanwhile is dropped. */
+    /** True from a call of look() or bring() until its signal; calls meanwhile are ignored. */
     bool isBusy() const { return m_isBusy; }
     void look();
     void bring(const State &wanted);
 
 signals:
-    void looked(); ///< The state is known.
-    void brought(bool isWell); ///< The same after bring(), and whether it is the wanted one.
+    void looked(); ///< The state has been read.
+    void brought(bool isWell); ///< After bring(): whether the state is the requested one.
 
 private:
     struct Look
@@ -54,7 +54,7 @@ private:
 
     static Look stateAfter(const State &wanted);
 
-    QFutureWatcher<Look> m_work; ///< one thread at a time for the port
+    QFutureWatcher<Look> m_work; ///< one at a time
     State m_state;
     QStringList m_holders;
     State m_wanted;

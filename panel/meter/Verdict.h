@@ -3,7 +3,10 @@
 #include "meter/Limit.h"
 #include "meter/Reading.h"
 
-/** What is to be said of a reading, and why. Only what is known to be within its limit passes. */
+/**
+ * The result of comparing a reading with a limit, and the reason for it. A reading passes only if
+ * it is known to be within its limit.
+ */
 class Verdict
 {
 public:
@@ -15,12 +18,12 @@ public:
     };
     enum Reason
     {
-        NoLimit, ///< nobody has asked
+        NoLimit, ///< no limit is chosen
         NothingMeasured, ///< the leads are open, or the meter has no rows for the current
-        LeadsSwapped, ///< no fault of the object
-        LimitUnreadable, ///< a bound is no number
-        LimitEmpty, ///< a limit without bounds
-        BeyondRange, ///< above what the meter measures, and the limit may be there, too
+        LeadsSwapped, ///< the reading is below zero, which is no fault of the object
+        LimitUnreadable, ///< a bound is not a number
+        LimitEmpty, ///< the limit has no bounds
+        BeyondRange, ///< the reading is above the meter's range, and so may be the limit
         Within,
         TooHigh,
         TooLow

@@ -6,7 +6,7 @@ class Gauge;
 class QGridLayout;
 class QLayout;
 
-/** What this meter is, what it has measured, and how full its memory card is. */
+/** Shows model and versions of the meter, its usage counters, and how full the memory card is. */
 class AboutPage : public Page
 {
     Q_OBJECT

@@ -6,8 +6,9 @@ class TouchButton;
 class TouchList;
 
 /**
- * What can be connected to the meter: label printer, QR code reader, USB memory with updates. What
- * these can do is the maker's business; the page uses what their workstation stand-ins offer.
+ * What can be connected to the meter: label printer, QR code reader, USB stick with updates. A
+ * maker's classes for them may have any functions, so this page uses those of the workstation's
+ * stand-ins, and exists only with these.
  */
 class AccessoriesPage : public Page
 {

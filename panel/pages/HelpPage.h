@@ -7,7 +7,7 @@
 class QTextBrowser;
 class TouchButton;
 
-/** Help pages of the page that was shown before. */
+/** Shows the help pages of the page that was shown before. */
 class HelpPage : public Page
 {
     Q_OBJECT

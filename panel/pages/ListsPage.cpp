@@ -26,10 +26,10 @@ constexpr Text highText = Text {"Lists", "high", "High"};
 struct FamilyRow
 {
     Text title;
-    QVector<Field> fields; ///< as many as an entry has values
+    QVector<Field> fields; ///< one for each value of an entry
 };
 
-/** By Lists::Family. */
+/** Indexed by Lists::Family. */
 const FamilyRow families[] = {
     {Text {"Panel", "types", "Types"}, {nameField}},
     {Text {"Panel", "names", "Names"}, {nameField}},
@@ -41,7 +41,7 @@ const FamilyRow families[] = {
      {nameField, {lowText, TextField::Number}, {highText, TextField::Number}}},
 };
 
-/** By Lists::Problem, less one. */
+/** Indexed by Lists::Problem - 1. */
 const Text problems[] = {
     Text {"Dialogs", "enterName", "Enter a name"},
     Text {"Lists", "wrongNumber", "This is not a number"},
@@ -84,7 +84,7 @@ ListsPage::ListsPage(Texts &texts, Session &session)
         refresh();
     });
     connect(m_search, &QLineEdit::textChanged, this, &ListsPage::refresh);
-    // Room for what is found, above the keyboard.
+    // While the keyboard is open, the results of the search need all the space above it.
     connect(m_search, &TextField::written, this, [this] { setSearching(true); });
     connect(m_search, &TextField::finished, this, [this] { setSearching(false); });
     connect(m_clear, &QPushButton::clicked, m_search, &QLineEdit::clear);

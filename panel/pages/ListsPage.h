@@ -7,7 +7,7 @@ class TextField;
 class TouchButton;
 class TouchList;
 
-/** The five pick lists of the library: searched, added to, renamed and thinned out. */
+/** Searches and edits the library's five pick lists. */
 class ListsPage : public Page
 {
     Q_OBJECT

@@ -22,7 +22,7 @@ constexpr Text noneText = Text {"Panel", "none", "None"};
 constexpr Quantity quantities[] = {Quantity::Resistance, Quantity::Inductance,
                                    Quantity::Temperature};
 
-/** Rows to choose from, of which one may be chosen now. */
+/** The rows of a PickSheet, and which one is chosen at present. */
 struct Rows
 {
     QVector<TouchRow> rows;
@@ -116,7 +116,7 @@ void MeasurePage::toggle()
 void MeasurePage::refresh()
 {
     const bool isTemperature = setup().quantity() == Quantity::Temperature;
-    // What a series is being recorded with stays as it is.
+    // The setup must not change while a series is recorded.
     const bool isFree = !session().recorder().isRunning();
     const KTV_Configuration *meter = library().getMainConfig();
     const QString none = text(noneText);

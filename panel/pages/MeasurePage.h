@@ -9,7 +9,7 @@ class FieldButton;
 class TouchButton;
 class ValueDisplay;
 
-/** One measurement: what is measured and how, the value while it settles, and the verdict. */
+/** A single measurement: its setup, the mean of the readings so far, and the verdict. */
 class MeasurePage : public Page
 {
     Q_OBJECT

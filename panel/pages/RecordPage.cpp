@@ -31,7 +31,7 @@ template <size_t size> int indexOf(const int (&values)[size], int value)
     return int(std::find(std::begin(values), std::end(values), value) - std::begin(values));
 }
 
-/** By TimeScale::Unit. */
+/** Indexed by TimeScale::Unit. */
 const Text timeUnits[] = {
     Text {"Units", "second", "s"},
     Text {"Units", "minute", "min"},
@@ -157,7 +157,7 @@ bool RecordPage::isThere() const
 
 void RecordPage::refresh()
 {
-    // Of the series that is there, or of the one that would be recorded.
+    // Describes the present series or, if there is none, the next one.
     const Setup &setup = session().setup();
     const SeriesConditions &conditions = recorder().series().conditions();
     const bool isThere = this->isThere();
@@ -187,7 +187,7 @@ void RecordPage::refresh()
 void RecordPage::refreshSeries()
 {
     if (!isVisible())
-        return; // enter() does so
+        return; // enter() refreshes the page
     const Series &series = recorder().series();
     plotAnew();
     m_table->setSource(
@@ -201,7 +201,7 @@ void RecordPage::refreshSeries()
 void RecordPage::takeReading()
 {
     if (!isVisible())
-        return; // enter() catches up
+        return; // enter() shows all readings
     const int index = recorder().series().count() - 1;
     if (index == 0 || m_plotted != index) {
         refreshSeries();

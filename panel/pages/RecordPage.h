@@ -14,8 +14,8 @@ class TouchList;
 class VerdictLabel;
 
 /**
- * A series of measurements: its curve while it grows, its figures and its values; saved in the
- * client's folder.
+ * Records a series of measurements in the client's folder, and shows its curve, statistics and
+ * values.
  */
 class RecordPage : public Page
 {
@@ -27,7 +27,7 @@ public:
 
 private:
     void layOut();
-    bool isThere() const; ///< a series, perhaps without readings yet
+    bool isThere() const; ///< whether there is a series, perhaps still without readings
     void refresh();
     QWidget *makeFigures();
     void addFigure(QGridLayout *grid, const Text &captionText, const char *name);
@@ -63,5 +63,5 @@ private:
     FieldButton *m_count;
     TouchButton *m_start;
     TouchButton *m_save;
-    int m_plotted = 0; ///< readings in the plot
+    int m_plotted = 0; ///< number of readings in the plot
 };

@@ -13,9 +13,10 @@
 
 namespace {
 
-constexpr int leastBrightness = 10; // percent; whoever sets it must see where
+constexpr int leastBrightness =
+    10; // percent; with less the user could not see how to raise it again
 
-/** By ValueBox::TemperatureUnit. */
+/** Indexed by ValueBox::TemperatureUnit. */
 const Text temperatureUnits[] = {
     Text {"Units", "celsius", "°C"},
     Text {"Units", "fahrenheit", "°F"},

@@ -84,7 +84,7 @@ void SoundPage::layOut()
     auto *stop = new TouchButton(QStringLiteral("sound.stop"), TouchButton::Danger);
     texts().translate(stop, Text {"Panel", "silence", "Silence"});
     connect(stop, &QPushButton::clicked, &session().tones(), &Tones::silence);
-    add(stop, toneColumns - index % toneColumns); // the rest of its row
+    add(stop, toneColumns - index % toneColumns); // fills the rest of its row
     column()->addLayout(grid, 1);
 
     auto *volume = new QHBoxLayout;

@@ -5,7 +5,7 @@
 class Choice;
 class PercentSlider;
 
-/** Every tone to be heard, and how loud. */
+/** Plays every tone, and sets the volume. */
 class SoundPage : public Page
 {
     Q_OBJECT

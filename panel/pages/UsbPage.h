@@ -7,7 +7,7 @@
 class BusySheet;
 class TouchList;
 
-/** What the USB port shows itself as, and who owns its serial line. */
+/** Shows and changes the USB port's mode and the owner of its serial line. */
 class UsbPage : public Page
 {
     Q_OBJECT

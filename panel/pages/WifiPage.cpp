@@ -262,7 +262,7 @@ void WifiPage::join(const QString &name, const QString &key)
 void WifiPage::tellJoined(const QString &name, Networks::Outcome outcome)
 {
     if (outcome == Networks::Joined)
-        return; // the state says so
+        return; // the page already shows the new state
     session().tones().play(Buzzer::BuzzerClass::Tone_Decline);
     if (outcome == Networks::NotAnswering)
         new ConfirmSheet(

@@ -7,7 +7,7 @@
 class TouchButton;
 class TouchList;
 
-/** Networks in reach and known ones, and the connection as it is now. */
+/** Networks in reach, known networks, and the present connection. */
 class WifiPage : public Page
 {
     Q_OBJECT
@@ -32,7 +32,7 @@ private:
     void askHidden();
     void join(const QString &name, const QString &key);
     void tellJoined(const QString &name, Networks::Outcome outcome);
-    /** Says that it takes its time, and then keeps the interface's thread as long as it does. */
+    /** Shows a StillSheet, and then runs work that blocks the interface's thread. */
     void block(std::function<void()> work);
 
     Networks &networks() const { return session().networks(); }

@@ -13,7 +13,7 @@
 #include <QPushButton>
 #include <QtTest>
 
-/** The panel as it stands after its start, with a finger before it. */
+/** The panel after its start, and functions to operate it. */
 class PanelFixture
 {
 public:
@@ -48,28 +48,28 @@ public:
             titles += rows->row(i).title;
         return titles;
     }
-    /** What the next message says, once there is one. */
+    /** Waits for a message and returns its text. */
     QString message() const
     {
         Finger::waitFor([this] { return finger.find(QStringLiteral("sheet.message")); });
         return labelText("sheet.message");
     }
     bool isSheetOpen() const { return finger.find(QStringLiteral("sheet")); }
-    /** Whether a sheet says that the screen is going to stand still. */
+    /** Whether a sheet announces that the interface is going to be blocked. */
     bool isAnnounced() const { return finger.find(QStringLiteral("sheet.still")); }
-    /** Touches a setting, and a row of the list that opens. */
+    /** Touches a setting, and then a row of the list that opens. */
     bool pick(const char *button, const QString &title)
     {
         return finger.tap(QLatin1String(button))
             && finger.tapRow(QStringLiteral("sheet.list"), title);
     }
-    /** Touches another language, and waits for it. */
+    /** Chooses another language, and waits until it has been loaded. */
     bool chooseLanguage(const QString &name)
     {
         return pick("settings.language", name) && isAnnounced()
             && Finger::waitFor([this] { return !isSheetOpen(); });
     }
-    /** Types each value into its line of the sheet. @return whether every line could be touched */
+    /** Types each value into a line of the sheet. @return whether every line could be touched */
     bool fill(const QStringList &values)
     {
         for (int line = 0; line < values.size(); ++line)
@@ -78,7 +78,10 @@ public:
                 return false;
         return true;
     }
-    /** Touches several things in turn. @return name of the first that could not be; else empty */
+    /**
+     * Touches widgets one after the other.
+     * @return the first that could not be touched; empty for none
+     */
     QString tap(std::initializer_list<const char *> names)
     {
         for (const char *name : names)
@@ -93,5 +96,5 @@ public:
     Finger finger;
 };
 
-/** Touches things in turn; fails the test at the first that cannot be. */
+/** Touches widgets one after the other; the test fails if one cannot be touched. */
 #define TAP(panel, ...) QCOMPARE((panel).tap({__VA_ARGS__}), QString())

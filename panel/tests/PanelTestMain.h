@@ -5,7 +5,10 @@
 #include <QApplication>
 
 #ifdef __SANITIZE_ADDRESS__
-/** What Qt itself never deletes: its offscreen platform's screen, and a few bytes a scroller. */
+/**
+ * Ignores what Qt itself never deletes: the screen of its offscreen platform, and some bytes for
+ * each scroller.
+ */
 extern "C" const char *__lsan_default_suppressions()
 {
     return "leak:QScreen::QScreen\nleak:QPlatformScreen\nleak:handleScreenAdded\n"

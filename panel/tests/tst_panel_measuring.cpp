@@ -42,7 +42,7 @@ TestObject objectOf(float ohms)
     return object;
 }
 
-/** A series of ten readings, quickly. */
+/** Records a series of ten readings as fast as possible. */
 bool record(PanelFixture &panel)
 {
     return panel.finger.tap(QStringLiteral("nav.Record"))
@@ -219,7 +219,7 @@ void TstPanelMeasuring::objectIsChangedByTouches()
     QCOMPARE(panel.fieldValue("measure.testObject"), QStringLiteral("Leads open"));
     QCOMPARE(measured(panel), QStringLiteral("--- \u2126|Current lead is open"));
 
-    // Noise: the same value is not measured twice.
+    // With noise two measurements differ.
     measureWith(panel, objectOf(0.0012347F));
     TAP(panel, "measure.testObject", "object.2.more", "object.2.more", "object.2.more",
         "object.2.more", "sheet.ok");
@@ -238,7 +238,7 @@ void TstPanelMeasuring::compensatedForAMaterial()
     measureWith(panel, object);
     QCOMPARE(measured(panel), QStringLiteral("1.3930 m\u2126|Done"));
     QVERIFY(panel.pick("measure.compensation", QStringLiteral("Copper")));
-    // Its own temperature taken out, a copper object shows what it has at 20 degrees.
+    // With compensation a copper object shows its resistance at 20 degrees.
     QCOMPARE(measured(panel), QStringLiteral("1.0000 m\u2126|Done"));
 }
 
@@ -264,7 +264,7 @@ void TstPanelMeasuring::serialNumberChangesTheModelUnderWay()
     TAP(panel, "measure.start");
     QVERIFY(panel.session.hardware().isRunning());
 
-    // The hardware reports another meter, which knows no such current.
+    // The hardware reports another meter, which does not have this current.
     panel.session.setSerialNumber(QStringLiteral("CH20417"));
     QVERIFY(!panel.session.hardware().isRunning());
     QCOMPARE(panel.buttonText("measure.start"), QStringLiteral("Start"));
@@ -302,7 +302,8 @@ void TstPanelMeasuring::startsAsAMeterThatMeasures()
         PanelFixture panel;
         QVERIFY(panel.pick("measure.meter", QStringLiteral("DV42006")));
         QVERIFY(panel.pick("measure.current", QStringLiteral("150 A")));
-        panel.session.setSerialNumber(QStringLiteral("AA0000")); // kept, and of no model
+        panel.session.setSerialNumber(
+            QStringLiteral("AA0000")); // stored, and it belongs to no model
     }
     PanelFixture panel;
     QCOMPARE(panel.labelText("header.meter"), QStringLiteral("QERN KTV-420   CH20417"));
@@ -327,9 +328,9 @@ void TstPanelMeasuring::seriesIsSeenWhileItGrows()
     QVERIFY(panel.session.hardware().isRunning());
     QCOMPARE(panel.labelText("record.status"), QStringLiteral("3 / 25"));
     QVERIFY(panel.titles("record.table").first().endsWith(QLatin1String(" mH")));
-    QVERIFY(accent() > 100); // a line across the plot
+    QVERIFY(accent() > 100); // the curve is a line across the plot
     QVERIFY(!panel.finger.find(QStringLiteral("record.save"))->isEnabled());
-    TAP(panel, "record.start"); // enough
+    TAP(panel, "record.start"); // stops
     QVERIFY(panel.finger.find(QStringLiteral("record.save"))->isEnabled());
     QCOMPARE(panel.session.library().getLiczniki()->get_dictionary(
                  KTV_Liczniki::Licznik_RejestracjaObiektowIndukcyjnych),
@@ -357,7 +358,8 @@ void TstPanelMeasuring::seriesIsSavedUnderASafeAndFreeName()
     QCOMPARE(directory.entryList(QDir::Files), QStringList({date + ".csv", date + "_1.csv"}));
     const QList<QByteArray> lines = Meter::readFile(directory.filePath(date + ".csv")).split('\n');
     QCOMPARE(lines.first(), QByteArray("meter,\"QERN KTV-420\"\r"));
-    const QByteArray tenth = lines.at(lines.size() - 2); // the last line feed ends it
+    const QByteArray tenth =
+        lines.at(lines.size() - 2); // the last element is the empty text after the last line feed
     QVERIFY(tenth.startsWith("10,"));
     QVERIFY(tenth.endsWith(QStringLiteral(",0.0012347,\"1.2347 m\u2126\",\r").toUtf8()));
     QCOMPARE(panel.session.library().getLiczniki()->get_dictionary(
@@ -462,7 +464,7 @@ void TstPanelMeasuring::seriesIsKeptUntilItIsDropped()
     QVERIFY(panel.message().startsWith(QLatin1String(clients)));
     TAP(panel, "sheet.ok");
     QCOMPARE(panel.labelText("record.status"), QStringLiteral("10 / 10"));
-    TAP(panel, "record.start"); // nothing to lose: nothing is asked
+    TAP(panel, "record.start"); // the series was saved, so the user is not asked
     QVERIFY(Finger::waitFor([&] { return panel.session.recorder().series().count() > 0; }));
     TAP(panel, "record.start", "record.start", "sheet.yes");
     QVERIFY(panel.session.recorder().isRunning());
@@ -539,7 +541,7 @@ void TstPanelMeasuring::seriesOutlivesItsMeter()
     QVERIFY(record(panel));
     const QString mean = panel.labelText("record.figure.mean");
     QCOMPARE(mean, QStringLiteral("100.0 \u03BC\u2126"));
-    panel.session.setSerialNumber(QStringLiteral("CH20417")); // it knows no such current
+    panel.session.setSerialNumber(QStringLiteral("CH20417")); // has no such current
     TAP(panel, "nav.Settings", "settings.temperature.1", "settings.temperature.0", "nav.Record");
     QCOMPARE(panel.labelText("record.figure.mean"), mean);
     TAP(panel, "record.view.1");
@@ -561,7 +563,7 @@ void TstPanelMeasuring::seriesOnAFullCard()
     const QDir directory(QLatin1String(clients) + QStringLiteral("/a"));
     QCOMPARE(directory.entryList(QDir::Files), QStringList());
 
-    card.fill(4); // the series is still there, and so is room for it
+    card.fill(4); // the series still exists, and now there is space for it
     TAP(panel, "record.save");
     QCOMPARE(panel.message(),
              directory.filePath(QDate::currentDate().toString(Qt::ISODate) + ".csv"));

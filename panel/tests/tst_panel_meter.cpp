@@ -43,7 +43,9 @@ void useUnit(ValueBox::TemperatureUnit unit)
     NumericalValueBox::prepareStaticDefaultValue(unit);
 }
 
-/** The stores that the domain works on, in a directory of their own; no facade, no tools. */
+/**
+ * The stores that the panel uses, in a temporary directory, without the facade and without tools.
+ */
 struct Stores
 {
     QTemporaryDir directory;
@@ -71,7 +73,7 @@ struct Bench : Stores
     }
 };
 
-/** Keeps the thread pool from working as long as it lives. */
+/** Occupies every thread of the pool while this object exists. */
 class BusyPool
 {
 public:
@@ -91,17 +93,17 @@ private:
     QFuture<void> m_work;
 };
 
-/** A series of a recorder, of these values. */
+/** Records a series of these values. */
 void record(Stores &stores, const QVector<float> &values)
 {
-    stores.recorder.setInterval(1000000); // the simulated hardware keeps out of it
+    stores.recorder.setInterval(1000000); // so long that the simulated hardware adds no reading
     stores.recorder.setWanted(values.size());
     stores.recorder.start();
     for (const float value : values)
         stores.hardware.hand(value);
 }
 
-/** The lines of the file that a series has been saved to; empty when it could not be. */
+/** Saves the series. @return the lines of the file; empty if it could not be saved */
 QStringList saved(Recorder &recorder)
 {
     QSignalSpy saved(&recorder, &Recorder::saved);
@@ -123,7 +125,7 @@ SeriesConditions circumstances(const Limit &limit = Limit())
 
 } // namespace
 
-/** What the panel does, without its screen: no touches, no facade, milliseconds. */
+/** The panel without its screen, the facade and tools; takes milliseconds. */
 class TstPanelMeter : public QObject
 {
     Q_OBJECT
@@ -183,7 +185,7 @@ void TstPanelMeter::init()
     NumericalValueBox::SetCurrentMeter(KTV_Configuration::KTV_420);
 }
 
-// --- judging
+// --- verdicts
 
 void TstPanelMeter::verdictOfAReading_data()
 {
@@ -321,7 +323,7 @@ void TstPanelMeter::limitOfTheListsInTheUnitInEffect()
     for (const Lists::Entry &entry : lists.entries(Lists::TemperatureLimits))
         QCOMPARE(entry.values.at(2), entry.values.at(0));
     useUnit(ValueBox::Temp_Celsius);
-    // What was entered as 80 degrees Fahrenheit has no sign of theirs.
+    // What was entered as 80 degrees Fahrenheit is now shown in Celsius, without a sign.
     QCOMPARE(lists.entries(Lists::TemperatureLimits, QStringLiteral("80")).first().values.at(2),
              QStringLiteral("26.67"));
 }
@@ -577,7 +579,7 @@ void TstPanelMeter::namesInAFile()
     for (const char *line : {"object type", "object name", "material", "limit", "high limit"})
         QVERIFY2(head.contains(QStringLiteral("\n%1,%2\r\n").arg(QLatin1String(line), field)),
                  line);
-    QVERIFY(head.contains(QStringLiteral("\nlow limit,\"-5 m\u2126\"\r\n"))); // a number
+    QVERIFY(head.contains(QStringLiteral("\nlow limit,\"-5 m\u2126\"\r\n"))); // a number, which needs no apostrophe
 }
 
 void TstPanelMeter::temperaturesInAFile()
@@ -672,7 +674,7 @@ void TstPanelMeter::savedInTheUnitAtThatMoment()
     record(stores, {20});
     auto pool = std::make_unique<BusyPool>();
     stores.recorder.save();
-    useUnit(ValueBox::Temp_Kelvin); // before the file is written
+    useUnit(ValueBox::Temp_Kelvin); // before a thread of the pool writes the file
     stores.recorder.takeUnit();
     pool.reset();
     const QStringList lines = saved(stores.recorder);
@@ -688,7 +690,7 @@ void TstPanelMeter::longSeriesIsSavedWhole()
     record(stores, QVector<float>(Series::capacity, 20));
     QCOMPARE(stores.recorder.series().count(), Series::capacity);
     QVERIFY(!stores.recorder.isRunning());
-    useUnit(ValueBox::Temp_Fahrenheit); // every text is made anew
+    useUnit(ValueBox::Temp_Fahrenheit); // every text has to be made again
     stores.recorder.takeUnit();
     const QStringList lines = saved(stores.recorder);
     QVERIFY(!stores.recorder.isUnsaved());
@@ -710,10 +712,10 @@ void TstPanelMeter::seriesKeepsItsTexts()
     const QString shown = series.text(0);
     const QString mean = series.figures().mean;
     QVERIFY(!shown.startsWith(QLatin1Char('-')));
-    NumericalValueBox::SetCurrentMeter(KTV_Configuration::KTV_420); // it knows no 150 A
+    NumericalValueBox::SetCurrentMeter(KTV_Configuration::KTV_420); // has no 150 A
     useUnit(ValueBox::Temp_Kelvin);
     stores.recorder.takeUnit();
-    QCOMPARE(series.text(0).constData(), text); // made once, not again
+    QCOMPARE(series.text(0).constData(), text); // not made a second time
     QCOMPARE(series.figures().mean, mean);
     QVERIFY(saved(stores.recorder).join(QString()).contains(shown));
 }
@@ -725,14 +727,14 @@ void TstPanelMeter::textsAreMadeAFewAtATime()
     Series series(conditions);
     for (int i = 0; i < 5; ++i)
         series.add(i, 20);
-    QVERIFY(series.makeTexts(1)); // nothing is missing
+    QVERIFY(series.makeTexts(1)); // no text is missing
     useUnit(ValueBox::Temp_Kelvin);
     series.takeUnit();
     QVERIFY(!series.makeTexts(2));
     QVERIFY(!series.makeTexts(2));
     series.add(5, 20);
     QVERIFY(series.makeTexts(2));
-    useUnit(ValueBox::Temp_Celsius); // too late for texts that have been made
+    useUnit(ValueBox::Temp_Celsius); // has no effect on texts that exist already
     for (int i = 0; i < series.count(); ++i)
         QCOMPARE(series.text(i), QStringLiteral("293.0 K"));
 }
@@ -780,7 +782,7 @@ void TstPanelMeter::measurementIsTheMeanOfSix()
     QCOMPARE(int(bench.measurement.verdict().reason()), int(Verdict::NoLimit));
     QCOMPARE(bench.counters.get_dictionary(KTV_Liczniki::Licznik_PomiarObiektowRezystancyjnych), 1);
     QVERIFY(changed.size() >= 7);
-    bench.hardware.hand(1); // for nobody
+    bench.hardware.hand(1); // has no receiver any more
     QCOMPARE(bench.measurement.reading().text, QStringLiteral("2.200 m\u2126"));
 }
 
@@ -790,7 +792,7 @@ void TstPanelMeter::measurementServedBeforeASeries()
     bench.measure({0.001F});
     bench.recorder.start();
     QVERIFY(!bench.recorder.isRunning());
-    bench.recorder.stop(); // not its own
+    bench.recorder.stop(); // the running measurement is not the recorder's
     QVERIFY(bench.measurement.isRunning());
     bench.measurement.stop();
     QVERIFY(!bench.measurement.isRunning());
@@ -811,7 +813,7 @@ void TstPanelMeter::measurementIsForgottenWithItsSetup()
     bench.setup.setCurrent(ValueBox::testI_1A);
     QVERIFY(!bench.measurement.isDone());
     QCOMPARE(int(bench.measurement.reading().range), int(Reading::Missing));
-    QVERIFY(!bench.measurement.lastResult().text.isEmpty()); // it can still be printed
+    QVERIFY(!bench.measurement.lastResult().text.isEmpty()); // the last result can still be printed
     bench.setup.setQuantity(Quantity::Temperature);
     bench.measure({20});
     useUnit(ValueBox::Temp_Kelvin);
@@ -914,7 +916,8 @@ void TstPanelMeter::currentFollowsTheCompensation()
     NumericalValueBox::SetCurrentMeter(KTV_Configuration::KTV_4200);
     stores.setup.setCurrent(ValueBox::testI_150A);
     QCOMPARE(stores.setup.current(), ValueBox::testI_150A);
-    stores.setup.setMaterial(QStringLiteral("Copper"), 0.00393); // known up to 100 A only
+    stores.setup.setMaterial(QStringLiteral("Copper"),
+                             0.00393); // with compensation there are currents up to 100 A only
     QVERIFY(stores.setup.testCurrents().contains(stores.setup.current()));
     QVERIFY(stores.setup.current() != ValueBox::testI_150A);
 }

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int cardSize = 2000; // blocks
 
-/** How long the interface does not come to look at its events. */
+/** Measures for how long the event loop does not run. */
 class Watchdog
 {
 public:
@@ -25,7 +25,7 @@ public:
         m_sinceLook.start();
     }
 
-    /** What is done from now on. */
+    /** @param action what is being done from now on */
     void note(const QString &action) { m_action = action; }
     void look()
     {
@@ -63,9 +63,10 @@ private:
 } // namespace
 
 /**
- * Somebody without an aim touches and types, on every page and in every language, while the radio
- * goes up and down and the card fills: the panel stands it. The same touches for the same
- * KTV_MONKEY_SEED; once over everything, or for KTV_MONKEY_MINUTES, and then no stall is allowed.
+ * Touches and types at random on every page in every language, while the WiFi interface goes up and
+ * down and the card becomes full: the panel must not crash. The same KTV_MONKEY_SEED gives the same
+ * touches. Visits every page once, or repeats this for KTV_MONKEY_MINUTES; then a stall of the
+ * event loop is a failure, too.
  */
 class TstPanelMonkey : public QObject
 {
@@ -83,7 +84,7 @@ private:
     int m_touches = 0;
 };
 
-/** A finger finds the buttons, but now and then misses them. */
+/** Touches the centre of a random widget, or now and then a random point. */
 void TstPanelMonkey::touch(PanelFixture &panel)
 {
     QList<QWidget *> widgets = panel.window.findChildren<QWidget *>();
@@ -118,7 +119,7 @@ void TstPanelMonkey::disturb(Volume &card)
 void TstPanelMonkey::visit(PanelFixture &panel, const QString &page)
 {
     constexpr int touchesEach = 6;
-    panel.finger.tap(page); // a sheet may lie over it
+    panel.finger.tap(page); // fails if a sheet covers the button
     for (int i = 0; i < touchesEach; ++i)
         touch(panel);
     if (panel.finger.find("key.done"))
@@ -130,7 +131,7 @@ void TstPanelMonkey::touches()
     Volume card("/media/sdcard", cardSize);
     for (const char *folder : {"Clients", "Log", "Update", "UserData"})
         QDir("/media/sdcard").mkpath(folder);
-    QLoggingCategory::setFilterRules("default.debug=false"); // the lines are too many
+    QLoggingCategory::setFilterRules("default.debug=false"); // there are too many lines
     const int seed = qEnvironmentVariable("KTV_MONKEY_SEED", "1").toInt();
     const double minutes = qEnvironmentVariable("KTV_MONKEY_MINUTES").toDouble();
     m_random.seed(quint32(seed));
@@ -153,7 +154,7 @@ void TstPanelMonkey::touches()
     } while (double(time.elapsed()) < minutes * 60000);
     qInfo("seed %d, %d touches; %s", seed, m_touches, qPrintable(m_watchdog->report()));
 #if !defined(__SANITIZE_ADDRESS__)
-    if (minutes > 0) // a machine that tests other things meanwhile stalls by itself
+    if (minutes > 0) // other tests that run at the same time cause stalls
         QVERIFY2(m_watchdog->count() == 0, qPrintable(m_watchdog->report()));
 #endif
     m_watchdog.reset();

@@ -30,7 +30,7 @@ bool measure(PanelFixture &panel)
         && Finger::waitFor([&] { return !panel.session.hardware().isRunning(); });
 }
 
-/** Opens the WiFi page, waits for a network to be in reach and touches it. */
+/** Opens the WiFi page, waits until the network is listed, and touches it. */
 bool chooseNetwork(PanelFixture &panel, const QString &name)
 {
     return panel.finger.tap(QStringLiteral("nav.WiFi"))
@@ -44,7 +44,7 @@ bool typePassPhrase(PanelFixture &panel, const QString &passPhrase)
         && panel.finger.tap(QStringLiteral("key.done"));
 }
 
-/** Whether a text stands on the sheet. */
+/** Whether the sheet shows this text. */
 bool sheetSays(const PanelFixture &panel, const QString &text)
 {
     const QWidget *sheet = panel.finger.find(QStringLiteral("sheet"));
@@ -161,7 +161,7 @@ void TstPanelServices::hitsAreSeenWhileTyping()
     for (int row = 0; row < 2; ++row)
         QVERIFY2(seen.contains(list->rowRect(row)), qPrintable(QString::number(seen.height())));
     TAP(panel, "key.done");
-    QVERIFY(panel.finger.find(QStringLiteral("header"))); // it has its room again
+    QVERIFY(panel.finger.find(QStringLiteral("header"))); // it is shown again
     QVERIFY(panel.finger.find(QStringLiteral("lists.add")));
 }
 
@@ -235,7 +235,7 @@ void TstPanelServices::entriesOfOneName()
     TAP(panel, "nav.Lists", "lists.family.3");
     QVERIFY(panel.finger.tapRow(QStringLiteral("lists.list"), name));
     const TouchRow chosen = *panel.list("lists.list")->chosenRow();
-    panel.session.lists().refresh(); // another language, another unit
+    panel.session.lists().refresh(); // as after a change of the language or unit
     QCOMPARE(panel.list("lists.list")->chosenRow()->id, chosen.id);
     TAP(panel, "lists.delete");
     const QList<QLabel *> labels =
@@ -305,7 +305,7 @@ void TstPanelServices::scanThatTakesTooLong()
     QTRY_COMPARE(panel.labelText("wifi.note"),
                  QStringLiteral("The scan took longer than 5 s; scanning again"));
     Meter::setBehaviour(QStringLiteral("iwlist"), QByteArray());
-    QTRY_VERIFY(!panel.titles("wifi.list").isEmpty()); // no page has been entered meanwhile
+    QTRY_VERIFY(!panel.titles("wifi.list").isEmpty()); // without leaving the page
     QCOMPARE(panel.labelText("wifi.note"), QString());
 }
 
@@ -314,7 +314,7 @@ void TstPanelServices::joinAndForgetANetwork()
     const QString name = QStringLiteral("Substation North");
     PanelFixture panel;
     QVERIFY(chooseNetwork(panel, name));
-    QCOMPARE(panel.titles("wifi.list").first(), name); // the strongest first
+    QCOMPARE(panel.titles("wifi.list").first(), name); // the strongest is the first
     QCOMPARE(panel.list("wifi.list")->row(0).bars, 4);
     QVERIFY(panel.list("wifi.list")->row(1).bars < 4);
     QVERIFY(!panel.finger.find(QStringLiteral("wifi.forget"))->isEnabled());
@@ -352,7 +352,7 @@ void TstPanelServices::joinANetworkBeyondAscii()
 
 void TstPanelServices::namesOfNetworks_data()
 {
-    QTest::addColumn<QByteArray>("sent"); // as the radio world's file has it
+    QTest::addColumn<QByteArray>("sent"); // as written in the file of access points
     QTest::addColumn<QString>("shown");
     QTest::newRow("letters of two and four bytes")
         << QByteArray("\xC5\x81\xC4\x85ka \xF0\x9F\x94\x8C")
@@ -446,7 +446,7 @@ void TstPanelServices::networkThatIsNotJoinedUnseen()
     TAP(panel, "nav.Lists");
     QVERIFY(Finger::waitFor([&] { return panel.isSheetOpen(); }));
     QVERIFY(sheetSays(panel, QStringLiteral("Not joined: the pass phrase may be wrong")));
-    TAP(panel, "sheet.yes"); // from here, too
+    TAP(panel, "sheet.yes"); // asks for the pass phrase again
     QVERIFY(sheetSays(panel, QStringLiteral("Connect ") + name));
 }
 
@@ -487,7 +487,7 @@ void TstPanelServices::everyPassPhraseCanBeTyped()
     QString all;
     for (char16_t character = u' '; character <= u'~'; ++character)
         all += QChar(character);
-    // A pass phrase has no room for all of them; blanks at either end count.
+    // One pass phrase cannot hold all of them. Spaces at its ends belong to it.
     const QStringList passPhrases {all.left(48), all.mid(48) + QLatin1Char(' ')};
     PanelFixture panel;
     panel.session.setLanguage(language);
@@ -499,17 +499,17 @@ void TstPanelServices::everyPassPhraseCanBeTyped()
         QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
         const std::unique_ptr<QList<WiFi::Network *>> known(
             panel.session.library().getConnection()->GetMyNetwork());
-        QCOMPARE(known->size(), 1); // replaced, as it has the same name
+        QCOMPARE(known->size(), 1); // the second network has replaced the first of the same name
         QCOMPARE(known->first()->ESSID, QStringLiteral(" a"));
         QCOMPARE(known->first()->key, passPhrase);
         qDeleteAll(*known);
     }
     TAP(panel, "nav.Lists", "lists.add");
-    QVERIFY(panel.fill({QStringLiteral(" aaa ")})); // here they do not
+    QVERIFY(panel.fill({QStringLiteral(" aaa ")})); // spaces at the ends of an entry are removed
     TAP(panel, "key.done");
     QVERIFY(panel.titles("lists.list").contains(QStringLiteral("aaa")));
     TAP(panel, "lists.add");
-    // Shift is for one letter.
+    // Shift applies to one letter only.
     TAP(panel, "key.shift");
     QVERIFY(panel.finger.find(QStringLiteral("key.A")));
     TAP(panel, "key.A");
@@ -521,7 +521,8 @@ void TstPanelServices::preferANetwork()
     PanelFixture panel;
     WiFi::KTV_Connection *connection = panel.session.library().getConnection();
     QVERIFY(connection->AddNetwork(QStringLiteral("North"), QStringLiteral("ohm-law-1827")));
-    QVERIFY(connection->AddNetwork(QStringLiteral("South"), QString())); // and preferred
+    QVERIFY(connection->AddNetwork(QStringLiteral("South"),
+                                   QString())); // the last one added is preferred
     const auto isPreferred = [](const char *name) {
         const QByteArray file =
             Meter::readFile(QStringLiteral("/etc/wpa_supplicant/wpa_supplicant-wlan0.conf"));
@@ -543,7 +544,8 @@ void TstPanelServices::networkThatCannotBeStored()
     const QString name = QStringLiteral("Workshop Guest");
     PanelFixture panel;
     QVERIFY(chooseNetwork(panel, name));
-    QDir(QStringLiteral("/media/sdcard/UserData")).removeRecursively(); // the card is pulled
+    QDir(QStringLiteral("/media/sdcard/UserData"))
+        .removeRecursively(); // as if the card were removed
     TAP(panel, "wifi.join"); // an open network: no pass phrase is asked for
     QVERIFY(Finger::waitFor([&] { return panel.finger.find(QStringLiteral("sheet.message")); }));
     QCOMPARE(panel.labelText("sheet.message"), QStringLiteral("The operation failed"));
@@ -580,7 +582,8 @@ void TstPanelServices::goneBeforeAScanIsTaken()
             },
             Qt::DirectConnection);
         TAP(panel, "nav.WiFi");
-        QVERIFY(sent.tryAcquire(1, 15000)); // events have to wait meanwhile
+        QVERIFY(
+            sent.tryAcquire(1, 15000)); // blocks the event loop, so the signal stays in the queue
         QVERIFY(network);
     }
     QVERIFY(network.isNull());
@@ -639,13 +642,13 @@ void TstPanelServices::switchThePort()
     int ticks = 0;
     QTimer tick;
     connect(&tick, &QTimer::timeout, this, [&] { ++ticks; });
-    // A touch while the page is still looking at the port does nothing yet.
+    // A touch has no effect while the page is still reading the state of the port.
     QVERIFY(Finger::waitFor([&] {
         return panel.finger.tapRow(QStringLiteral("usb.choices"), choice) && panel.isSheetOpen();
     }));
     tick.start(20);
     QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
-    QVERIFY(ticks > 1); // the interface has been alive meanwhile
+    QVERIFY(ticks > 1); // the event loop has run meanwhile
     QCOMPARE(panel.list("usb.choices")->chosenRow()->title, choice);
     QCOMPARE(panel.labelText("usb.note"), QString());
     QTEST(int(Tools::detectCurrentMode()), "mode");
@@ -680,7 +683,7 @@ void TstPanelServices::portThatCannotBeSwitched()
             && panel.isSheetOpen();
     }));
     QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
-    // In the meter that is simulated a process plays the driver, and holds the line.
+    // In the simulated meter a process imitates the driver; that process holds the line, too.
     const QString english = panel.labelText("usb.note");
     QVERIFY2(english.startsWith(
                  QLatin1String("The port could not be switched: its serial line is held by ")),
@@ -727,7 +730,7 @@ void TstPanelServices::nobodyWaitsForATone()
         TAP(panel, "nav.Sound", "sound.tone.8");
         QVERIFY(Finger::waitFor(isSounding));
         TAP(panel, "sound.stop");
-        QVERIFY(isSounding()); // its end is still to come
+        QVERIFY(isSounding()); // silencing does not block the interface until the sound has ended
         QVERIFY(Finger::waitFor([&] { return !isSounding(); }));
         TAP(panel, "sound.tone.8");
         QVERIFY(Finger::waitFor(isSounding));
@@ -762,7 +765,7 @@ void TstPanelServices::labelOfTheLastResult()
     TAP(panel, "accessories.print");
     const QStringList lines =
         QString::fromUtf8(Meter::readFile(platform + "label-1.txt")).split(QLatin1Char('\n'));
-    QCOMPARE(lines.size(), 4); // and nothing behind the last line feed
+    QCOMPARE(lines.size(), 4); // with the empty text after the last line feed
     QCOMPARE(lines.at(0), QStringLiteral("QERN KTV-420  CH20417"));
     const QRegularExpression time(QStringLiteral("^\\d\\d/\\d\\d/\\d{4} \\d\\d:\\d\\d$"));
     QVERIFY2(time.match(lines.at(1)).hasMatch(), qPrintable(lines.at(1)));
@@ -775,7 +778,7 @@ void TstPanelServices::labelNamesTheObject()
     PanelFixture panel;
     panel.session.setup().setObject(QStringLiteral("Motor"), QStringLiteral("M7"));
     QVERIFY(measure(panel));
-    panel.session.setup().setObject(QString(), QString()); // the next one
+    panel.session.setup().setObject(QString(), QString()); // the object of the next measurement
     TAP(panel, "nav.Accessories", "accessories.print");
     QCOMPARE(panel.labelText("sheet.message").section(QLatin1Char('\n'), 2, 2),
              QStringLiteral("Motor \u00B7 M7"));

@@ -24,7 +24,7 @@ using WiFi::Network;
 
 namespace {
 
-/** The radio of the simulated meter, as the panel sees it. */
+/** The WiFi manager of the library, and the panel's networks. */
 struct Radio
 {
     QTemporaryDir directory;
@@ -56,7 +56,7 @@ struct Radio
 
 } // namespace
 
-/** What the panel does with the meter's tools, without its screen: no touches, but seconds. */
+/** The panel without its screen, but with the facade and the meter's tools; takes seconds. */
 class TstPanelSession : public QObject
 {
     Q_OBJECT
@@ -92,7 +92,7 @@ void TstPanelSession::lateScanIsBegunAnew()
     Radio radio;
     QVERIFY(radio.look());
     const QStringList before = radio.names();
-    radio.connection.ScanNetwork(false); // as the library does before it tells
+    radio.connection.ScanNetwork(false); // as the library does before it emits the signal
     QSignalSpy changed(&radio.networks, &Networks::changed);
     emit radio.connection.WiFi_Scan(nullptr);
     QCOMPARE(changed.size(), 1);
@@ -133,7 +133,7 @@ void TstPanelSession::stateIsReadBeforeItChanges()
         networks.setOn(false);
         QTRY_VERIFY(!networks.state().isOn);
     }
-    // What the library has told once, it does not tell again.
+    // The library emits a state only once, so a second object has to read it.
     Networks later(connection);
     later.look();
     QTRY_VERIFY(later.state().isRead);
@@ -168,7 +168,7 @@ void TstPanelSession::networkIsJoinedUnseen()
     QSignalSpy joined(&radio.networks, &Networks::joined);
     QVERIFY(radio.networks.join(QStringLiteral("Workshop Guest"), QString()));
     QCOMPARE(radio.networks.joining(), QStringLiteral("Workshop Guest"));
-    radio.networks.rest(); // another page is looked at
+    radio.networks.rest(); // as when another page is shown
     QTRY_COMPARE(joined.size(), 1);
     QCOMPARE(joined.first().at(0).toString(), QStringLiteral("Workshop Guest"));
     QCOMPARE(joined.first().at(1).value<Networks::Outcome>(), Networks::Joined);
@@ -208,7 +208,7 @@ void TstPanelSession::networksThatAreNotJoined()
     QFETCH(QString, key);
     Radio radio;
     QVERIFY(radio.look());
-    radio.networks.setPatience(0); // the first look decides
+    radio.networks.setPatience(0); // the first check decides
     QSignalSpy joined(&radio.networks, &Networks::joined);
     QVERIFY(radio.networks.join(name, key));
     QTRY_COMPARE(joined.size(), 1);
@@ -224,7 +224,7 @@ void TstPanelSession::portIsBrought()
     QSignalSpy brought(&port, &UsbPort::brought);
     port.look();
     QVERIFY(port.isBusy());
-    port.bring({Tools::USB_RS232, Tools::RS232_None}); // does nothing yet
+    port.bring({Tools::USB_RS232, Tools::RS232_None}); // ignored, because the port is busy
     QTRY_COMPARE(looked.size(), 1);
     QCOMPARE(brought.size(), 0);
     const UsbPort::State console {Tools::USB_RS232, Tools::RS232_Console};
@@ -252,7 +252,7 @@ void TstPanelSession::portWhoseLineIsHeld()
     QVERIFY(isEnded);
     QCOMPARE(brought.first().first().toBool(), false);
     const QString own = QString::fromLocal8Bit(Meter::readFile("/proc/self/comm")).trimmed();
-    // Beside what plays the kernel's driver.
+    // The process that imitates the kernel's driver is in the list, too.
     QVERIFY2(port.holders().contains(
                  QStringLiteral("%1 (%2)").arg(own).arg(QCoreApplication::applicationPid())),
              qPrintable(port.holders().join(QLatin1Char(' '))));
@@ -272,7 +272,7 @@ void TstPanelSession::volumeWaitsForTones()
         tones.repeat(BuzzerClass::Tone_Alarm);
         QTRY_VERIFY(!Meter::processes(QStringLiteral("beep")).isEmpty());
         Meter::clearJournal();
-        tones.silence(); // waits for the end of the beep
+        tones.silence(); // blocks the thread of the tones until the beep has ended
         for (const int percent : {20, 30, 40})
             tones.setVolume(percent);
         QTRY_COMPARE(Meter::readFile(QStringLiteral("/run/meter/volume")).trimmed(), "40");
@@ -311,7 +311,7 @@ void TstPanelSession::meterOfTheSession()
     QCOMPARE(session.setup().current(), ValueBox::testI_150A);
     session.measurement().start();
     QSignalSpy changed(&session, &Session::meterChanged);
-    session.setSerialNumber(QStringLiteral("CH20417")); // up to 10 A
+    session.setSerialNumber(QStringLiteral("CH20417")); // has currents up to 10 A only
     QCOMPARE(changed.size(), 1);
     QCOMPARE(meter->get_SerialNumber(), QStringLiteral("CH20417"));
     QVERIFY(!session.measurement().isRunning());
@@ -336,7 +336,7 @@ void TstPanelSession::factoryReset()
     session.preferences().setDark(true);
     recorder.start();
     QVERIFY(!session.canRestoreFactorySettings());
-    session.restoreFactorySettings(); // the series goes on as it began
+    session.restoreFactorySettings(); // does nothing: the series goes on with its settings
     QCOMPARE(recorder.wanted(), 7);
     QVERIFY(session.preferences().isDark());
     recorder.stop();

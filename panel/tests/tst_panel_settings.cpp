@@ -27,7 +27,7 @@ const char *const pages[] = {"nav.Measure",  "nav.Record",      "nav.Lists",
                              "nav.WiFi",     "nav.USB",         "nav.Sound",
                              "nav.Settings", "nav.Accessories", "nav.About"};
 
-/** Number of the page that a widget is on: "measure.start" is on "nav.Measure". */
+/** Index of the page to which a widget belongs: "measure.start" belongs to "nav.Measure". */
 int pageOf(const char *widget)
 {
     const QString name = QStringLiteral("nav.") + QString::fromLatin1(widget).section('.', 0, 0);
@@ -38,7 +38,7 @@ int pageOf(const char *widget)
     return int(page - std::begin(pages));
 }
 
-/** Texts as the sources write them out. */
+/** Every Text{…} in the sources. */
 QVector<QStringList> writtenTexts()
 {
     static const QRegularExpression form(
@@ -57,7 +57,7 @@ QVector<QStringList> writtenTexts()
     return texts;
 }
 
-/** What stands on the screen in English, though the language in effect has other words for it. */
+/** Texts that are shown in English although the current language has another text for them. */
 QStringList untranslated(const PanelFixture &panel, const LangSerwis &language)
 {
     QSet<QString> english;
@@ -90,10 +90,10 @@ bool isScrolled(const QWidget *widget)
     return widget;
 }
 
-/** What is too small to be touched, or cannot be read whole, of what is on the screen. */
+/** Visible widgets that are too small to be touched, or whose text is cut off. */
 QStringList problemsOf(const PanelFixture &panel, const QString &where)
 {
-    const int fingertip = Theme::px(44); // a smaller window has smaller everything
+    const int fingertip = Theme::px(44); // scaled with the window like everything else
     QStringList problems;
     for (const QWidget *widget : panel.window.findChildren<QWidget *>()) {
         if (!widget->isVisible())
@@ -111,7 +111,8 @@ QStringList problemsOf(const PanelFixture &panel, const QString &where)
         };
         const QPoint corner = widget->mapTo(&panel.window, QPoint());
         QRect place(corner, widget->size());
-        if (isScrolled(widget)) // up and down, not to the side
+        if (isScrolled(
+                widget)) // such a widget may be outside the window, but only above or below it
             place.setCoords(place.left(), 0, place.right(), 0);
         if (!panel.window.rect().contains(place))
             report(QStringLiteral("leaves the screen"));
@@ -134,7 +135,7 @@ QStringList problemsOf(const PanelFixture &panel, const QString &where)
 
 } // namespace
 
-/** The Settings, About and Help pages, and what goes for all pages: texts and touches. */
+/** The Settings, About and Help pages, and rules for all pages: texts and sizes. */
 class TstPanelSettings : public QObject
 {
     Q_OBJECT
@@ -222,7 +223,7 @@ void TstPanelSettings::languageChangesEverythingAtOnce()
     QFETCH(QString, name);
     QFETCH(QString, code);
     PanelFixture panel;
-    // Every page has been seen, so every text has been made.
+    // Every page has been shown once, so every text has been set.
     for (const char *page : pages)
         TAP(panel, page);
     TAP(panel, "nav.Settings");
@@ -263,7 +264,7 @@ void TstPanelSettings::keyboardOfTheLanguage()
     QVERIFY(panel.titles("lists.list").contains(text.chopped(1)));
 }
 
-// --- touches
+// --- sizes
 
 void TstPanelSettings::everythingCanBeTouchedAndRead_data()
 {
@@ -277,7 +278,7 @@ void TstPanelSettings::everythingCanBeTouchedAndRead()
     QCOMPARE(panel.window.size(), QSize(800, 480));
     panel.session.setLanguage(code);
     Volume card(QStringLiteral("/media/sdcard/Clients"), 100);
-    card.fill(85); // the alert takes room
+    card.fill(85); // so that the header shows the alert
     panel.session.library().updateTimeDisk();
     QStringList problems;
     for (const char *page : pages) {
@@ -330,7 +331,7 @@ void TstPanelSettings::sheetsCanBeTouchedAndRead()
     QVERIFY(Finger::waitFor([&] { return panel.titles("wifi.list").contains(name); }));
     QVERIFY(panel.finger.tapRow(QStringLiteral("wifi.list"), name));
     TAP(panel, "wifi.join");
-    TAP(panel, "sheet.ok"); // the pass phrase is too short: that takes room, too
+    TAP(panel, "sheet.ok"); // the pass phrase is too short, so an error is shown as well
     look("pass phrase");
     for (const auto outcome :
          {Networks::NotAnswering, Networks::PassPhraseRefused, Networks::NotFound}) {
@@ -392,7 +393,7 @@ void TstPanelSettings::onAnotherScreen()
     QFETCH(QString, code);
     PanelFixture panel(size);
     panel.session.setLanguage(code);
-    // A series with all that is said of one.
+    // A series with every text that may be shown for one.
     Setup &setup = panel.session.setup();
     setup.setLimit({QStringLiteral("joint"), QString(), QStringLiteral("1 m\u2126")});
     setup.setObject(QStringLiteral("Transformer"), QStringLiteral("T1"));
@@ -410,9 +411,8 @@ void TstPanelSettings::onAnotherScreen()
     }
     QCOMPARE(problems.join(QLatin1Char('\n')), QString());
     if (Theme::isCompact())
-        return; // its pages are scrolled
-    // No corner is left empty: what is lowest at the right of a page is a margin away from the
-    // edge.
+        return; // the pages of a small window are scrolled
+    // The page fills the window: its lowest widget at the right ends a margin before the corner.
     for (const char *lowest : {"measure.start", "record.start", "lists.delete", "wifi.forget"}) {
         panel.window.showPage(pageOf(lowest));
         const QWidget *widget = panel.finger.find(QLatin1String(lowest));
@@ -439,7 +439,7 @@ void TstPanelSettings::onASmallScreen()
     TAP(panel, "nav.menu");
     QVERIFY(panel.finger.tapRow(QStringLiteral("sheet.list"), QStringLiteral("Lists")));
     TAP(panel, "lists.add");
-    QVERIFY(panel.fill({QStringLiteral("small")})); // no key lies over the line
+    QVERIFY(panel.fill({QStringLiteral("small")})); // the keyboard does not cover the line
     TAP(panel, "key.done");
     QVERIFY(!panel.isSheetOpen());
 }
@@ -513,7 +513,7 @@ void TstPanelSettings::brightness()
     TAP(panel, "nav.Settings");
     for (int i = 0; i < 6; ++i)
         TAP(panel, "settings.brightness.less");
-    QCOMPARE(Meter::readFile(display), QByteArray("10\n")); // never dark
+    QCOMPARE(Meter::readFile(display), QByteArray("10\n")); // the lowest brightness is not 0
     TAP(panel, "settings.reset", "sheet.yes");
     QVERIFY(Finger::waitFor([&] { return !panel.isSheetOpen(); }));
     QCOMPARE(Meter::readFile(display), QByteArray("50\n"));
@@ -562,7 +562,7 @@ void TstPanelSettings::closingAsksForASeries()
     recorder.start();
     QVERIFY(!panel.window.close());
     QVERIFY(panel.window.isVisible());
-    QVERIFY(!panel.window.close()); // asked once
+    QVERIFY(!panel.window.close()); // does not ask a second time
     TAP(panel, "sheet.cancel");
     QVERIFY(!panel.isSheetOpen());
     QVERIFY(Finger::waitFor([&] { return !recorder.isRunning(); }));
@@ -573,7 +573,7 @@ void TstPanelSettings::closingAsksForASeries()
 
 void TstPanelSettings::pictureBeforeTheLibrary()
 {
-    // The restart of the supplicant, which the library waits for without a limit.
+    // The library waits without a limit for the restart of the supplicant.
     Meter::setBehaviour(QStringLiteral("systemctl"), "hang=1");
     Meter::clearJournal();
     QProcess panel;

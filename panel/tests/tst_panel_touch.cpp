@@ -18,7 +18,7 @@
 
 namespace {
 
-/** A theme in which nothing can be told by its colour. */
+/** A theme in which all colours of the states are equal. */
 const Theme &colourless()
 {
     static const Theme theme {Qt::white, Qt::white, Qt::black, Qt::black,
@@ -37,7 +37,7 @@ QStringList labels(const QwtPlot &plot, int axis)
     return labels;
 }
 
-/** A plot that is seen, of readings a second apart that alternate between two values. */
+/** A visible plot of readings, one per second, that alternate between two values. */
 struct ShownPlot
 {
     ShownPlot(const Plot::Axis &x, const Plot::Axis &y, int count, double low, double high)
@@ -73,7 +73,7 @@ const Plot::Axis milliohms {1e-3, QStringLiteral("m\u2126")};
 
 Q_DECLARE_METATYPE(Plot::Axis)
 
-/** What is touched and shown, without the library and its data. */
+/** The widgets of touch/, without the library. */
 class TstPanelTouch : public QObject
 {
     Q_OBJECT
@@ -215,7 +215,8 @@ void TstPanelTouch::statesDifferInTheirShape()
         ValueDisplay value(QStringLiteral("value"));
         value.resize(628, 202);
         value.setValue(QStringLiteral("1.2347 m\u2126"));
-        value.setVerdict(QString(), QString(), state); // not even by its words
+        value.setVerdict(QString(), QString(),
+                         state); // without text, so that only the shape differs
         VerdictLabel line(QStringLiteral("line"));
         line.resize(200, line.height());
         line.setVerdict(QString(), state);
@@ -251,7 +252,7 @@ void TstPanelTouch::choiceStaysWithItsRow()
     QVERIFY(!list.chosenRow());
     list.setRows({rowOf(0, "a"), rowOf(0, "b")});
     list.choose(1);
-    list.setRows({rowOf(0, "b")}); // of names, the name
+    list.setRows({rowOf(0, "b")}); // rows without ids are recognised by their titles
     QCOMPARE(list.currentRow(), 0);
 }
 
@@ -268,8 +269,8 @@ void TstPanelTouch::rowsThatAReadingAsksFor()
         },
         many);
     list.grow(many + 1);
-    QCOMPARE(asked, 0); // nobody sees them
-    QCOMPARE(list.verticalScrollBar()->maximum(), 0); // nor have they been laid out
+    QCOMPARE(asked, 0); // the list is not visible
+    QCOMPARE(list.verticalScrollBar()->maximum(), 0); // no row has been laid out either
     list.show();
     const auto isLastInView = [&list] {
         return list.viewport()->rect().contains(list.rowRect(list.rowCount() - 1).center());

@@ -9,7 +9,7 @@
 
 namespace {
 
-/** By TouchButton::Role, as the style sheet calls them. */
+/** Indexed by TouchButton::Role; the names are those in the style sheet. */
 const char *const roleNames[] = {"plain", "primary", "danger", "navigation", "key"};
 
 // Of a FieldButton, in pixels.
@@ -108,7 +108,8 @@ int Choice::current() const
 
 void Choice::setCurrent(int index)
 {
-    // An exclusive group cannot be left without a choice.
+    // Qt does not allow an exclusive group without a checked button, so it is not exclusive
+    // meanwhile.
     m_group->setExclusive(false);
     for (int i = 0; i < m_parts.size(); ++i)
         m_parts.at(i)->setChecked(i == index);

@@ -5,7 +5,7 @@
 
 class QButtonGroup;
 
-/** A button for a finger. Its name is how tests and the tour find it. */
+/** A button that is large enough for a finger. Tests and the tour find it by its name. */
 class TouchButton : public QPushButton
 {
     Q_OBJECT
@@ -22,18 +22,18 @@ public:
     explicit TouchButton(const QString &name, Role role = Plain, QWidget *parent = nullptr);
 };
 
-/** A setting to be changed: a caption and what is chosen. */
+/** A button for a setting: shows its caption and its value. */
 class FieldButton : public TouchButton
 {
     Q_OBJECT
 public:
     explicit FieldButton(const QString &name, QWidget *parent = nullptr);
 
-    /** The caption; named so for Texts::translate(). */
+    /** Sets the caption. It has this name because Texts::translate() calls setText(). */
     void setText(const QString &caption);
     void setValue(const QString &value);
     QString caption() const { return m_caption; }
-    /** What the whole caption takes of the button's width, in pixels. */
+    /** Width of the complete caption, in pixels. */
     int captionWidth() const;
     QString value() const { return m_value; }
     QSize sizeHint() const override;
@@ -46,7 +46,7 @@ private:
     QString m_value;
 };
 
-/** One of a few, side by side. The parts are called NAME.0, NAME.1 and so on. */
+/** Buttons side by side of which one is chosen. They are called NAME.0, NAME.1 and so on. */
 class Choice : public QWidget
 {
     Q_OBJECT
@@ -55,7 +55,7 @@ public:
 
     QPushButton *part(int index) const { return m_parts.at(index); }
     int current() const;
-    /** Marks a part without telling anybody; -1 for none. */
+    /** Chooses a part without emitting chosen(); -1 for none. */
     void setCurrent(int index);
 
 signals:

@@ -2,14 +2,14 @@
 
 #include <QLabel>
 
-/** A line that ends in an ellipsis where there is no room for all of it. */
+/** A line of text that ends in an ellipsis if it is too long for the space. */
 class ElidedLabel : public QLabel
 {
     Q_OBJECT
 public:
     explicit ElidedLabel(const QString &name, QWidget *parent = nullptr);
 
-    /** Room for a word, unless there is nothing to be read. */
+    /** Space for about one word; none for an empty text. */
     QSize minimumSizeHint() const override;
 
 protected:

@@ -4,8 +4,9 @@
 #include <QVector>
 
 /**
- * A curve of any length, kept as the few points that a screen can show: neighbours share a bucket,
- * of which the lowest and the highest stay. Adding a point costs the same however many there are.
+ * A curve of any length, reduced to as many points as a screen can show: neighbouring points share
+ * a bucket, and of each bucket the lowest and the highest point are kept. The time to add a point
+ * does not depend on their number.
  */
 class Envelope
 {
@@ -13,12 +14,12 @@ public:
     static constexpr int mostBuckets = 1000;
 
     void clear();
-    /** @param point further right than the ones before; a y of NaN leaves a gap */
+    /** @param point to the right of all earlier ones; a y of NaN leaves a gap */
     void add(const QPointF &point);
     /** The points to be drawn, from left to right; NaN for a gap. */
     QVector<QPointF> points() const;
     bool isEmpty() const { return m_buckets.isEmpty(); }
-    // Of all points that were added; NaN when there was none.
+    // Of all points that were added; NaN if there are none.
     double minimum() const { return m_minimum; }
     double maximum() const { return m_maximum; }
     double lastX() const { return m_lastX; }
@@ -26,7 +27,7 @@ public:
 private:
     struct Bucket
     {
-        QPointF low; ///< a y of NaN: nothing but gaps
+        QPointF low; ///< a y of NaN: the bucket has only gaps
         QPointF high;
         void take(const QPointF &point);
     };
@@ -34,8 +35,8 @@ private:
     void halve();
 
     QVector<Bucket> m_buckets;
-    int m_bucketSize = 1; ///< points that share one
-    int m_inLast = 0; ///< points in the last one
+    int m_bucketSize = 1; ///< number of points in a full bucket
+    int m_inLast = 0; ///< number of points in the last bucket
     double m_minimum = qQNaN();
     double m_maximum = qQNaN();
     double m_lastX = 0;

@@ -14,7 +14,7 @@ constexpr int barCount = 4;
 constexpr int captionSize = 15;
 constexpr int captionHeight = 20;
 constexpr int largestNumber = 96;
-constexpr int tallestVerdict = 58; // a line of letters half as large as the number
+constexpr int tallestVerdict = 58; // a line of letters half as high as the number
 
 void paintCard(QPainter &painter, const QRect &area)
 {
@@ -306,7 +306,7 @@ void Gauge::paintEvent(QPaintEvent *)
     QRectF full(rect());
     full.setWidth(full.width() * std::clamp(double(m_percent), 0., 100.) / 100);
     if (full.width() < full.height())
-        return; // too little to be round
+        return; // too narrow for its round ends
     painter.setBrush(m_isAlarm ? theme.alarm : theme.accent);
     painter.drawRoundedRect(full, height() / 2., height() / 2.);
 }

@@ -5,7 +5,7 @@
 
 class QPainter;
 
-/** The measured value, as large as it fits: number and unit of one text. */
+/** Shows a measured value as large as possible: number and unit of one text. */
 class ValueDisplay : public QWidget
 {
     Q_OBJECT
@@ -15,29 +15,32 @@ public:
         Idle,
         Passed,
         Failed,
-        Unjudged ///< a limit was asked about, and there is no answer
+        Unjudged ///< there is no verdict, for a reason that is shown
     };
 
-    /** Each state has its own shape: who cannot tell the colours apart sees it as well. */
+    /** Each state has a shape of its own, for people who cannot tell the colours apart. */
     static void paintSign(QPainter &painter, const QRectF &area, State state);
 
     explicit ValueDisplay(const QString &name, QWidget *parent = nullptr);
 
     void setValue(const QString &text);
     QString value() const { return m_text; }
-    /** A line above the value. */
+    /** Sets the line above the value. */
     void setCaption(const QString &caption);
-    /** Below it, large, with the sign of the state; the reason in small letters. */
+    /**
+     * Sets the large line below the value, with the sign of the state, and the reason in small
+     * letters.
+     */
     void setVerdict(const QString &text, const QString &reason, State state);
     QString verdict() const { return m_verdict; }
     QString reason() const { return m_reason; }
-    /** Small text at the right of the verdict. */
+    /** Sets the small text to the right of the verdict. */
     void setNote(const QString &note);
     QString note() const { return m_note; }
 
-    // Sizes of the letters, in pixels.
+    // Font sizes in pixels.
     int unitSize() const;
-    int verdictSize() const; ///< that of the unit, unless the verdict is too long for it
+    int verdictSize() const; ///< the same as that of the unit, or smaller for a long verdict
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -58,7 +61,7 @@ private:
     State m_state = Idle;
 };
 
-/** A verdict in one line, behind its sign. */
+/** Shows a verdict in one line, after its sign. */
 class VerdictLabel : public QWidget
 {
     Q_OBJECT
@@ -94,7 +97,7 @@ private:
     int m_level = -1;
 };
 
-/** How full something is. */
+/** A bar that shows how full something is. */
 class Gauge : public QWidget
 {
     Q_OBJECT

@@ -15,7 +15,7 @@ constexpr int keyGap = 5;
 constexpr int keyHeight = 44;
 const QLatin1String keyboardName("keyboard");
 
-/** All symbols of ASCII: the layouts of letters come from the languages, and may lack some. */
+/** All symbols of ASCII, because the layouts in the language files may lack some. */
 const QLatin1String symbolRows[] = {QLatin1String("1234567890"), QLatin1String("!\"#$%&'()*+"),
                                     QLatin1String(",-./:;<=>?@"), QLatin1String("[\\]^_`{|}~")};
 
@@ -38,7 +38,7 @@ TextField::TextField(const QString &name, Kind kind, QWidget *parent)
     setObjectName(name);
     setMinimumHeight(Theme::target());
     setContextMenuPolicy(Qt::NoContextMenu);
-    setProperty("isEmpty", true); // the style sheet greys what is asked for
+    setProperty("isEmpty", true); // for the style sheet, which shows the placeholder in grey
     connect(this, &QLineEdit::textChanged, this, [this](const QString &text) {
         if (property("isEmpty").toBool() == text.isEmpty())
             return;
@@ -140,7 +140,7 @@ void Keyboard::build()
 {
     if (m_keys) {
         m_keys->hide();
-        m_keys->deleteLater(); // one of its keys is being touched
+        m_keys->deleteLater(); // not deleted at once: this may be called by one of its keys
     }
     m_keys = new QWidget(this);
     m_keys->setObjectName(keyboardName);
@@ -161,7 +161,7 @@ void Keyboard::insert(const QString &text)
         m_field->insert(text);
     if (!m_isBig)
         return;
-    m_isBig = false; // for one letter
+    m_isBig = false; // shift applies to one letter
     build();
 }
 

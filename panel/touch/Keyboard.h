@@ -10,7 +10,7 @@ class QHBoxLayout;
 class QPushButton;
 class Texts;
 
-/** A line to be written with the keyboard on the screen, which it opens and closes. */
+/** A line of text that is entered with the keyboard on the screen, which it opens and closes. */
 class TextField : public QLineEdit
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ public:
     {
         Letters,
         Number,
-        NumberWithUnit ///< a number, with keys for the units behind it
+        NumberWithUnit ///< a number, with keys for units
     };
 
     TextField(const QString &name, Kind kind, QWidget *parent = nullptr);
@@ -28,8 +28,8 @@ public:
     void write();
 
 signals:
-    void written(); ///< The keyboard opens.
-    void finished(); ///< The keyboard has closed.
+    void written(); ///< The keyboard has been opened.
+    void finished(); ///< The keyboard has been closed.
     void accepted(); ///< The keyboard's last key was touched.
 
 protected:
@@ -41,25 +41,25 @@ private:
 };
 
 /**
- * The keyboard at the bottom of the window, one for all fields. The policy says which letters
- * there are; the symbols of ASCII have a page of their own, so that every pass phrase can be typed.
- * Keys are called "key.a", "key.shift", "key.done" and so on.
+ * The keyboard at the bottom of the window, one for all fields. The policy has the letters; the
+ * symbols of ASCII are on a separate page, so that every pass phrase can be typed. Keys are called
+ * "key.a", "key.shift", "key.done" and so on.
  */
 class Keyboard : public QWidget
 {
     Q_OBJECT
 public:
-    /** @param policy is asked anew whenever the keyboard opens */
+    /** @param policy is read again each time the keyboard is opened */
     Keyboard(Texts &texts, const KeyboardPolicy &policy, QWidget *window);
 
-    /** The keyboard of the window that a widget is in. */
+    /** The keyboard of the widget's window. */
     static Keyboard *of(const QWidget *widget);
 
     void open(TextField *field);
     void close(const TextField *field);
 
 signals:
-    /** The lower part of the window is covered. */
+    /** The keyboard covers the lower part of the window. */
     void opened(const QWidget *field, int height);
     void closed();
 

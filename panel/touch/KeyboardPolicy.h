@@ -4,7 +4,7 @@
 #include <QStringList>
 #include <QVector>
 
-/** What the keyboard on the screen offers, and whether it is wanted. */
+/** The keys of the keyboard on the screen, and whether it is used. */
 class KeyboardPolicy
 {
 public:
@@ -13,12 +13,12 @@ public:
     KeyboardPolicy &operator=(const KeyboardPolicy &) = delete;
     virtual ~KeyboardPolicy() = default;
 
-    /** Whether there is to be a keyboard on the screen; one may be connected instead. */
+    /** Whether the keyboard is shown; false if the user has connected one. */
     virtual bool isOnScreen() const = 0;
-    /** Rows of keys: letters and figures, or the letters of the language only. */
+    /** Rows of keys: letters and digits, or only the letters of the language. */
     virtual QVector<QStringList> letters(bool isRegional, bool isBig) const = 0;
-    /** What the key of the language's own letters says. */
+    /** Text of the key that shows the language's own letters. */
     virtual QString regionalName() const = 0;
-    /** Units that are offered behind a number. */
+    /** Units for which there are keys when a number is entered. */
     virtual QStringList units() const = 0;
 };

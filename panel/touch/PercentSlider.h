@@ -6,17 +6,17 @@ class QLabel;
 class QSlider;
 
 /**
- * A percentage to be set: a slider between two buttons, and the figure. Its parts are called
- * NAME.less, NAME.slider, NAME.more and NAME.percent.
+ * Sets a percentage: a slider between two buttons, and the number. Its parts are called NAME.less,
+ * NAME.slider, NAME.more and NAME.percent.
  */
 class PercentSlider : public QWidget
 {
     Q_OBJECT
 public:
-    /** @param least lowest percentage that can be set */
+    /** @param least the lowest percentage that can be set */
     PercentSlider(const QString &name, int least, QWidget *parent = nullptr);
 
-    /** Shows a percentage without telling anybody. */
+    /** Shows a percentage without emitting a signal. */
     void setPercent(int percent);
 
 signals:

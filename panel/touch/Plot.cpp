@@ -42,7 +42,7 @@ public:
     }
 };
 
-/** Numbers with the decimals that tell the ticks apart. */
+/** Numbers with as many decimals as are needed to tell the ticks apart. */
 class Numbers : public QwtScaleDraw
 {
 public:
@@ -50,7 +50,7 @@ public:
     {
         const QList<double> ticks = scaleDiv().ticks(QwtScaleDiv::MajorTick);
         const double step = ticks.size() > 1 ? ticks.at(1) - ticks.at(0) : 1;
-        // A step of 0.25 needs one more than its magnitude says.
+        // A step of 0.25 needs one more decimal than its magnitude suggests.
         const double digits = std::ceil(-std::log10(std::abs(step)) - 1e-9);
         int decimals = std::clamp(int(digits), 0, 9);
         const double scaled = std::abs(step) * std::pow(10, decimals);
@@ -176,7 +176,7 @@ void Plot::refresh()
 {
     if (!isVisible())
         return;
-    // In the units of the axes: their ticks are round numbers then.
+    // In the units of the axes, so that the ticks are at round numbers.
     QVector<QPointF> points = m_envelope.points();
     for (QPointF &point : points)
         point = divided(point);
@@ -213,7 +213,8 @@ Plot::Range Plot::valueRange() const
         reached.low = std::min(reached.low, bound.value);
         reached.high = std::max(reached.high, bound.value);
     }
-    // Bounds come into view as long as the curve stays more than a line between them.
+    // Bounds are in view unless they are so far away that the curve would look like a straight
+    // line.
     constexpr double flattest = 20;
     const Range range = reached.high - reached.low <= flattest * span ? reached : values;
     const double margin = std::max((range.high - range.low) / 10, span / 10);
@@ -222,7 +223,7 @@ Plot::Range Plot::valueRange() const
 
 void Plot::draw(const Bound &bound, QwtPlotMarker *line, const Range &range) const
 {
-    // One that is out of view stands at the edge, with an arrow.
+    // A bound that is out of view is shown at the edge, with an arrow.
     const bool isAbove = bound.value > range.high;
     const bool isBelow = bound.value < range.low;
     const char16_t *const arrow = isAbove ? u" \u2191" : isBelow ? u" \u2193" : u"";

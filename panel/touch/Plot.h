@@ -9,12 +9,15 @@ class QwtPlot;
 class QwtPlotCurve;
 class QwtPlotMarker;
 
-/** A curve over time that grows at its right end, with axes; a touch asks for the point there. */
+/**
+ * Plots a curve over time to which points are added at the right. A touch emits the time at that
+ * place.
+ */
 class Plot : public QWidget
 {
     Q_OBJECT
 public:
-    /** A horizontal line, by its number on the value axis. */
+    /** A horizontal line at a value. */
     struct Bound
     {
         double value;
@@ -26,7 +29,7 @@ public:
     void clear();
     /** @param y NaN leaves a gap */
     void add(double x, double y);
-    /** An axis: what it shows is divided, and named by a unit. */
+    /** An axis: its values are divided by the divisor, and its name is the unit. */
     struct Axis
     {
         double divisor = 1;
@@ -34,15 +37,15 @@ public:
     };
     void setAxes(const Axis &x, const Axis &y);
     void setBounds(const QVector<Bound> &bounds);
-    /** Marks a point that has been added, with its text. */
+    /** Marks a point of the curve and shows the text beside it. */
     void mark(const QPointF &point, const QString &text);
     void unmark();
-    QString markedText() const; ///< empty while none is marked
-    /** Draws what has been added; does nothing while the plot is not seen. */
+    QString markedText() const; ///< empty if no point is marked
+    /** Draws the points added so far; does nothing while the plot is hidden. */
     void refresh();
 
 signals:
-    /** A finger asks for the point at this time. */
+    /** The plot was touched at this time. */
     void touched(double x);
 
 protected:
@@ -51,7 +54,7 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
-    /** Of the value axis, in the unit of the values. */
+    /** Range of the value axis, in the unit of the values. */
     struct Range
     {
         double low;

@@ -48,7 +48,7 @@ Sheet::Sheet(Texts &texts, QWidget *somewhere)
 void Sheet::finish()
 {
     hide();
-    setObjectName(QString()); // not found any more
+    setObjectName(QString()); // so that it is not found by its name any more
     deleteLater();
 }
 
@@ -198,7 +198,7 @@ FormSheet::FormSheet(Texts &texts, QWidget *somewhere, const Text &title,
             &Sheet::finish);
     connect(addButton(buttons, texts, "sheet.ok", okText, TouchButton::Primary),
             &QPushButton::clicked, this, &FormSheet::accept);
-    if (Theme::isCompact()) { // the keyboard leaves no room for two lines more
+    if (Theme::isCompact()) { // there is no space for two more lines above the keyboard
         buttons->insertWidget(0, titleLabel, 1);
         card()->insertLayout(0, buttons);
     } else {
@@ -228,7 +228,7 @@ StillSheet::StillSheet(Texts &texts, QWidget *somewhere, const Text &what,
                        std::function<void()> work)
     : Sheet(texts, somewhere)
 {
-    constexpr int readingTime = 300; // ms; long enough for the card to be seen
+    constexpr int readingTime = 300; // ms; long enough for the user to see the card
     addTitle(what);
     auto *still = new QLabel;
     still->setObjectName(QStringLiteral("sheet.still"));

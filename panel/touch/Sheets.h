@@ -17,7 +17,7 @@ class QLabel;
 class QVBoxLayout;
 class Texts;
 
-/** A card over the whole window, which waits until the card is done with. Deletes itself. */
+/** A card over the window, which cannot be used until the card is closed. Deletes itself then. */
 class Sheet : public QWidget
 {
     Q_OBJECT
@@ -25,14 +25,14 @@ public:
     void finish();
 
 protected:
-    /** @param somewhere any widget of the window to be covered */
+    /** @param somewhere any widget of the window */
     Sheet(Texts &texts, QWidget *somewhere);
 
     Texts &texts() { return m_texts; }
     QVBoxLayout *card() { return m_layout; }
-    /** @param subject what it is about, behind the title; in no language */
+    /** @param subject shown after the title, not translated */
     QLabel *addTitle(const Text &title, const QString &subject = QString());
-    /** Shows the card, at the top when there is something to be written. */
+    /** Shows the card; @p atTop leaves space for the keyboard. */
     void open(int width, bool atTop = false);
     void paintEvent(QPaintEvent *event) override;
 
@@ -42,7 +42,7 @@ private:
     QVBoxLayout *m_layout;
 };
 
-/** One of a list. */
+/** A list from which the user chooses a row. */
 class PickSheet : public Sheet
 {
     Q_OBJECT
@@ -51,18 +51,18 @@ public:
               int chosen, std::function<void(int index)> onChosen);
 };
 
-/** A question whose answer may cost something. */
+/** A question that is asked before something is lost. */
 class ConfirmSheet : public Sheet
 {
     Q_OBJECT
 public:
-    /** @param yesRole of the button: Danger, unless the answer costs nothing */
+    /** @param yesRole role of the button "yes": Danger if something is lost by it */
     ConfirmSheet(Texts &texts, QWidget *somewhere, const Text &question, const Text &yes,
                  std::function<void()> onYes, const QString &subject = QString(),
                  TouchButton::Role yesRole = TouchButton::Danger);
 };
 
-/** Something to be read. */
+/** A message. */
 class MessageSheet : public Sheet
 {
     Q_OBJECT
@@ -70,7 +70,7 @@ public:
     MessageSheet(Texts &texts, QWidget *somewhere, const Text &title, const QString &message);
 };
 
-/** Lines to be written. */
+/** Lines of text to be entered. */
 class FormSheet : public Sheet
 {
     Q_OBJECT
@@ -80,12 +80,13 @@ public:
         Text caption;
         TextField::Kind kind;
         QString value;
-        bool keepsBlanks = false; ///< those at either end count
+        bool keepsBlanks = false; ///< blanks at the ends are not removed
     };
 
     /**
-     * @param onAccepted takes the lines; what it returns is shown as an error, if anything
-     * @param subject what the lines are about, behind the title
+     * @param onAccepted gets the lines; a text that it returns is shown as an error, and the sheet
+     *        stays
+     * @param subject shown after the title, not translated
      */
     FormSheet(Texts &texts, QWidget *somewhere, const Text &title, const QVector<Field> &fields,
               std::function<QString(const QStringList &lines)> onAccepted,
@@ -101,8 +102,8 @@ private:
 };
 
 /**
- * Says beforehand that the interface's thread is going to be kept, and with it the screen; then
- * runs the work and goes.
+ * Announces that the screen will not react for some time; then runs the work, which blocks the
+ * interface's thread, and closes.
  */
 class StillSheet : public Sheet
 {
@@ -111,7 +112,7 @@ public:
     StillSheet(Texts &texts, QWidget *somewhere, const Text &what, std::function<void()> work);
 };
 
-/** Says that something takes its time, and how long it has been at it. */
+/** Shows that something is being done, and for how long. */
 class BusySheet : public Sheet
 {
     Q_OBJECT

@@ -5,7 +5,7 @@
 #include <QObject>
 #include <QString>
 
-/** The texts of the language in effect. Where they come from is the application's business. */
+/** The texts in the current language; the application provides them. */
 class Texts : public QObject
 {
     Q_OBJECT
@@ -13,18 +13,18 @@ public:
     using QObject::QObject;
 
     virtual QString text(const Text &text) const = 0;
-    /** Runs @p apply now and whenever the texts change, as long as @p receiver lives. */
+    /** Runs @p apply now and each time the texts change, until @p receiver is destroyed. */
     template <typename Function> void keep(QObject *receiver, Function apply)
     {
         apply();
         connect(this, &Texts::textsChanged, receiver, apply);
     }
-    /** Gives a widget its text, in whatever language comes into effect. */
+    /** Sets a widget's text, and sets it again whenever the language changes. */
     template <typename Widget> void translate(Widget *widget, const Text &text)
     {
         keep(widget, [this, widget, text] { widget->setText(this->text(text)); });
     }
 
 signals:
-    void textsChanged(); ///< Another language, or another unit within the texts.
+    void textsChanged(); ///< The language has changed, or the unit of temperature in the texts.
 };

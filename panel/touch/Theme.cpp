@@ -11,7 +11,7 @@
 namespace {
 
 constexpr QSize designed(800, 480);
-constexpr double leastScale = 0.75; // smaller cannot be read, or touched
+constexpr double leastScale = 0.75; // anything smaller could not be read or touched
 
 const Theme *currentTheme = nullptr;
 double scale = 1;
@@ -142,7 +142,7 @@ bool Theme::isCompact()
 
 int Theme::px(int length)
 {
-    // A line of one pixel stays one.
+    // A line is never thinner than one pixel.
     return length == 0 ? 0 : std::max(1, int(std::lround(length * scale)));
 }
 

@@ -8,7 +8,7 @@
 struct Theme
 {
     QColor background;
-    QColor surface; ///< what can be touched, and what shows values
+    QColor surface; ///< of buttons, and of widgets that show values
     QColor line;
     QColor text;
     QColor quiet; ///< captions
@@ -19,21 +19,21 @@ struct Theme
     static const Theme &light();
     static const Theme &dark();
     static const Theme &current();
-    /** Dresses the whole application. */
+    /** Applies the theme to the whole application. */
     static void use(const Theme &theme);
 
     /**
-     * Sizes letters and what is touched for a window; call it before the widgets are made. All
+     * Sets the scale for a window of this size; to be called before widgets are created. All
      * lengths in the sources are pixels of a window of 800 x 480.
      */
     static void fit(const QSize &window);
-    /** Whether the window is too small for everything at once. */
+    /** Whether the window is too small to show a rail and whole pages. */
     static bool isCompact();
-    /** A length in pixels of this window. */
+    /** Scales a length to pixels of this window. */
     static int px(int length);
-    /** The same for every length of a style sheet. */
+    /** Scales every length in a style sheet. */
     static QString scaled(const QString &unscaled);
-    static int target() { return px(48); } ///< least height of what is touched
+    static int target() { return px(48); } ///< the smallest height of a widget that is touched
     static int margin() { return isCompact() ? px(10) : px(16); }
     static int gap() { return px(8); }
 };

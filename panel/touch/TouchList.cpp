@@ -151,7 +151,7 @@ void TouchList::setRows(const QVector<TouchRow> &rows)
         });
         choose(same == rows.end() ? -1 : int(same - rows.begin()));
     }
-    doItemsLayout(); // the bar reaches as far as the rows that are laid out
+    doItemsLayout(); // the scroll bar's range is known only after the layout
     verticalScrollBar()->setValue(place);
 }
 
@@ -169,7 +169,8 @@ void TouchList::grow(int count)
     if (isVisible())
         m_isFollowing = bar->value() == bar->maximum();
     m_rows->grow(count);
-    if (m_isFollowing && isVisible()) // else showEvent() does: all rows are laid out anew for it
+    if (m_isFollowing && isVisible()) // a hidden list does this in showEvent(), because all rows
+                                      // would be laid out for it
         scrollToBottom();
 }
 
@@ -199,7 +200,7 @@ std::optional<TouchRow> TouchList::chosenRow() const
 
 void TouchList::choose(int index)
 {
-    setCurrentIndex(m_rows->index(index, 0)); // of an index beyond the rows: none
+    setCurrentIndex(m_rows->index(index, 0)); // an index outside the rows chooses none
 }
 
 QRect TouchList::rowRect(int index) const

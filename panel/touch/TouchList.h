@@ -10,16 +10,16 @@
 /** One row of a TouchList. */
 struct TouchRow
 {
-    int id = 0; ///< tells rows of one title apart; 0 where titles do
+    int id = 0; ///< distinguishes rows with the same title; 0 if titles are unique
     QString title;
-    QString detail; ///< small, at the right
-    bool isMarked = false; ///< titled in the accent colour
+    QString detail; ///< shown small at the right
+    bool isMarked = false; ///< shown in the accent colour
     int bars = -1; ///< signal strength, 0 to 4; -1 for none
 
     static TouchRow of(const QString &title, const QString &detail = QString());
 };
 
-/** Lets a finger draw what does not fit into view. */
+/** Lets a finger scroll the area. */
 void scrollByFinger(QAbstractScrollArea *area);
 
 /** A list for a finger: drag to scroll, touch to choose. */
@@ -29,18 +29,20 @@ class TouchList : public QListView
 public:
     explicit TouchList(const QString &name, QWidget *parent = nullptr);
 
-    /** Shows these rows; the row that was chosen stays so when it is still there. */
+    /** Shows these rows. The chosen row stays chosen if it is among them. */
     void setRows(const QVector<TouchRow> &rows);
-    /** Shows rows that are asked for when they come into view. */
+    /** Shows @p count rows. Each is requested from @p rowAt when it comes into view. */
     void setSource(std::function<TouchRow(int index)> rowAt, int count);
-    /** The source has more rows; who looks at the last one goes on to do so. */
+    /**
+     * To be called when there are more rows. If the last one is in view, the new last one is then.
+     */
     void grow(int count);
     int rowCount() const;
     TouchRow row(int index) const;
     int currentRow() const { return currentIndex().row(); }
     std::optional<TouchRow> chosenRow() const;
     void choose(int index); ///< -1 for none
-    /** Where a row lies on the viewport. */
+    /** Position of a row on the viewport. */
     QRect rowRect(int index) const;
 
 signals:
@@ -52,5 +54,5 @@ protected:
 private:
     class Rows;
     Rows *m_rows;
-    bool m_isFollowing = false; ///< the last row stays in view
+    bool m_isFollowing = false; ///< scrolls to the last row when rows are added
 };

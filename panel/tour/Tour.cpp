@@ -17,7 +17,7 @@
 
 namespace {
 
-/** Thrown when something cannot be touched, or does not come out as it should. */
+/** Thrown when something cannot be touched, or has not the expected result. */
 struct Stumble
 {
     QString what;
@@ -88,7 +88,7 @@ bool Tour::carriedOut(const std::function<void()> &parts)
     return true;
 }
 
-/** A few readings in place of whatever series is there. */
+/** Replaces the present series by one of some readings. */
 void Tour::recordOnce()
 {
     Recorder &recorder = m_context.session().recorder();
@@ -99,7 +99,7 @@ void Tour::recordOnce()
     check(Finger::waitFor([&] { return !recorder.isRunning(); }), QStringLiteral("a series ends"));
 }
 
-/** A small window has a menu in the rail's place. */
+/** Opens a page; a small window has a menu instead of the rail. */
 void Tour::open(const QString &page)
 {
     if (m_finger.find(QStringLiteral("nav.menu"))) {
@@ -121,7 +121,7 @@ void Tour::begin()
               QStringLiteral("English"));
         waitForSheet();
     }
-    // The meter may have been used before.
+    // The meter may have been used before, so settings are set to known values.
     tap(QStringLiteral("nav.Settings"));
     pick(QStringLiteral("settings.language"), QStringLiteral("English"));
     waitForSheet();
@@ -269,7 +269,7 @@ void Tour::record()
     tap(QStringLiteral("sheet.ok"));
 }
 
-/** How long the screen stands still while a long series goes on. */
+/** Measures for how long the screen does not react while a long series is recorded. */
 void Tour::longSeries()
 {
     constexpr int points = 10000;
@@ -279,7 +279,7 @@ void Tour::longSeries()
     const int wanted = recorder.wanted();
     recorder.setInterval(0);
     recorder.setWanted(Series::capacity);
-    tap(QStringLiteral("nav.About")); // the first ones are recorded unseen
+    tap(QStringLiteral("nav.About")); // the Record page is not visible at first
     recorder.start();
     const auto runUntil = [&recorder](int count) {
         QEventLoop loop;
@@ -307,7 +307,7 @@ void Tour::longSeries()
     picture(QStringLiteral("record-long"));
     recorder.setInterval(interval);
     recorder.setWanted(wanted);
-    recorder.start(); // another one in its place
+    recorder.start(); // replaces the long series
     recorder.stop();
 }
 

@@ -9,16 +9,19 @@
 
 class Context;
 
-/** A person's way through the panel, from page to page, with a line for everything done. */
+/** Operates the panel page by page, as a person would, and prints a line for each step. */
 class Tour
 {
 public:
     /** @param pictures directory for the pictures; empty for none */
     Tour(Context &context, QWidget &window, const QString &pictures);
 
-    /** @return whether everything could be touched and came out as it should */
+    /** @return whether everything could be touched and had the expected result */
     bool take();
-    /** A look at some pages, of a window of another size; @p name begins the pictures' names. */
+    /**
+     * Shows some pages of a window of another size.
+     * @param name start of the pictures' names
+     */
     bool glance(const QString &name);
 
 private:
@@ -39,7 +42,7 @@ private:
     bool carriedOut(const std::function<void()> &parts);
 
     void say(const QString &line) const;
-    /** Ends the tour when something did not go as it should. */
+    /** Ends the tour if @p isWell is false. */
     static void check(bool isWell, const QString &what);
     void tap(const QString &name) { check(m_finger.tap(name), name); }
     void pick(const QString &button, const QString &title);
