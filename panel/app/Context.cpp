@@ -4,12 +4,12 @@
 
 Context::Context(QObject *parent) : QObject(parent), m_texts(m_session), m_keyboard(m_session)
 {
-    takeAppearance();
+    applyAppearance();
     connect(&m_session.preferences(), &Preferences::appearanceChanged, this,
-            &Context::takeAppearance);
+            &Context::applyAppearance);
 }
 
-void Context::takeAppearance()
+void Context::applyAppearance()
 {
     Theme::use(m_session.preferences().isDark() ? Theme::dark() : Theme::light());
 }

@@ -21,7 +21,7 @@ public:
     const KeyboardPolicy &keyboard() const { return m_keyboard; }
 
 private:
-    void takeAppearance();
+    void applyAppearance();
 
     Session m_session;
     LibraryTexts m_texts;

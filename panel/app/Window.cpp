@@ -129,7 +129,7 @@ Window::Window(Context &context, const QSize &size) : m_context(context)
     m_stack->addWidget(m_help);
     connect(m_help, &HelpPage::closed, this, [this] { showPage(m_current); });
 
-    context.texts().keep(this, [this] {
+    context.texts().applyNowAndOnChange(this, [this] {
         refreshHeader();
         refreshRecording();
     });

@@ -19,14 +19,14 @@ double excess(double alpha, float temperature)
 
 Hardware::Hardware(const Setup &setup, QObject *parent) : QObject(parent), m_setup(setup)
 {
-    connect(&m_timer, &QTimer::timeout, this, [this] { hand(measure()); });
+    connect(&m_timer, &QTimer::timeout, this, [this] { deliver(measure()); });
 }
 
-bool Hardware::start(int interval, Taker &taker)
+bool Hardware::start(int interval, Receiver &receiver)
 {
     if (isRunning())
         return false;
-    m_taker = &taker;
+    m_receiver = &receiver;
     m_random.seed(1);
     m_timer.start(interval);
     return true;
@@ -35,14 +35,14 @@ bool Hardware::start(int interval, Taker &taker)
 void Hardware::stop()
 {
     m_timer.stop();
-    if (Taker *taker = std::exchange(m_taker, nullptr))
-        taker->end();
+    if (Receiver *receiver = std::exchange(m_receiver, nullptr))
+        receiver->end();
 }
 
-void Hardware::hand(float value)
+void Hardware::deliver(float value)
 {
-    if (m_taker)
-        m_taker->take(value);
+    if (m_receiver)
+        m_receiver->receive(value);
 }
 
 QStringList Hardware::serialNumbers()

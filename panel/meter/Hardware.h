@@ -16,15 +16,15 @@ class Hardware : public QObject
     Q_OBJECT
 public:
     /** Receives the readings. */
-    class Taker
+    class Receiver
     {
     public:
         /** @param value in ohms, henries or degrees Celsius; NaN while the leads are open */
-        virtual void take(float value) = 0;
+        virtual void receive(float value) = 0;
         virtual void end() = 0; ///< No further reading follows.
 
     protected:
-        ~Taker() = default;
+        ~Receiver() = default;
     };
 
     explicit Hardware(const Setup &setup, QObject *parent = nullptr);
@@ -33,12 +33,12 @@ public:
      * @param interval between readings, in milliseconds
      * @return false, with nothing done, while there is a receiver
      */
-    bool start(int interval, Taker &taker);
+    bool start(int interval, Receiver &receiver);
     void stop();
-    bool isRunning() const { return m_taker; }
-    bool serves(const Taker &taker) const { return m_taker == &taker; }
+    bool isRunning() const { return m_receiver; }
+    bool serves(const Receiver &receiver) const { return m_receiver == &receiver; }
     /** Delivers @p value as if the hardware had measured it. */
-    void hand(float value);
+    void deliver(float value);
 
     /**
      * Serial numbers of meters that can be simulated; the first two characters decide the model.
@@ -50,7 +50,7 @@ private:
     float noise();
 
     const Setup &m_setup;
-    Taker *m_taker = nullptr; ///< null while no measurement is running
+    Receiver *m_receiver = nullptr; ///< null while no measurement is running
     QTimer m_timer;
     QRandomGenerator m_random; ///< has the same seed at every start
 };

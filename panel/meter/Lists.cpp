@@ -161,22 +161,22 @@ Lists::Problem Lists::problemOf(Family family, const QStringList &values)
 
 bool Lists::add(Family family, const QStringList &values)
 {
-    return told(rowOf(family).add(m_lists, values));
+    return emitIfChanged(rowOf(family).add(m_lists, values));
 }
 
 bool Lists::update(Family family, int id, const QStringList &values)
 {
-    return told(rowOf(family).update(m_lists, id, values));
+    return emitIfChanged(rowOf(family).update(m_lists, id, values));
 }
 
 bool Lists::remove(Family family, int id)
 {
-    return told((m_lists.*rowOf(family).remove)(id));
+    return emitIfChanged((m_lists.*rowOf(family).remove)(id));
 }
 
-bool Lists::told(bool isDone)
+bool Lists::emitIfChanged(bool isChanged)
 {
-    if (isDone)
+    if (isChanged)
         emit changed();
-    return isDone;
+    return isChanged;
 }

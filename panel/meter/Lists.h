@@ -60,7 +60,7 @@ signals:
     void changed();
 
 private:
-    bool told(bool isDone);
+    bool emitIfChanged(bool isChanged);
 
     KTV_DataList &m_lists;
 };

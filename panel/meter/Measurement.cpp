@@ -55,7 +55,7 @@ void Measurement::stop()
         m_hardware.stop();
 }
 
-void Measurement::take(float value)
+void Measurement::receive(float value)
 {
     m_readings += value;
     setValue(std::accumulate(m_readings.cbegin(), m_readings.cend(), 0.F)

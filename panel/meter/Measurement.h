@@ -15,7 +15,7 @@ class Tones;
  * One measurement: the mean of a fixed number of readings. When it is complete it is counted,
  * compared with the limit, and a tone is played.
  */
-class Measurement : public QObject, private Hardware::Taker
+class Measurement : public QObject, private Hardware::Receiver
 {
     Q_OBJECT
 public:
@@ -50,7 +50,7 @@ signals:
     void changed();
 
 private:
-    void take(float value) override;
+    void receive(float value) override;
     void end() override { emit changed(); }
     void finish();
     void forget();

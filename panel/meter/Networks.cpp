@@ -49,7 +49,7 @@ Networks::~Networks()
 {
     m_adapter.waitForFinished();
     m_reading.waitForFinished();
-    rest();
+    stopWatching();
     m_connection.disconnect(this);
     QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
 }
@@ -61,9 +61,9 @@ bool Networks::isPassPhrase(const QString &key)
     return key.size() >= shortest && key.size() <= longest;
 }
 
-void Networks::look()
+void Networks::startWatching()
 {
-    m_isLooking = true;
+    m_isWatching = true;
     m_isScanned = false;
     m_isScanLate = false;
     m_emptyScans = 0;
@@ -79,7 +79,7 @@ void Networks::look()
 void Networks::start()
 {
     m_state.hasAdapter = !m_connection.getInterfaceName().isEmpty();
-    if (m_isLooking) {
+    if (m_isWatching) {
         m_connection.DetailInfoScan(true);
         m_connection.ScanNetwork(true);
         read(); // the library emits only changes
@@ -87,9 +87,9 @@ void Networks::start()
     emit changed();
 }
 
-void Networks::rest()
+void Networks::stopWatching()
 {
-    m_isLooking = false;
+    m_isWatching = false;
     m_connection.ScanNetwork(false);
     m_connection.DetailInfoScan(false);
 }
@@ -112,7 +112,7 @@ void Networks::takeScan(QList<Network *> *networks)
         // The library has switched scanning off, as after every scan of more than 5 s; an adapter
         // with two bands needs more.
         QTimer::singleShot(rescanDelay, this, [this] {
-            if (m_isLooking)
+            if (m_isWatching)
                 m_connection.ScanNetwork(true);
         });
         emit changed();
@@ -205,7 +205,7 @@ void Networks::setOn(bool on)
     // The library emits a state only if it differs from the last one that it has read. So it may
     // emit nothing after the adapter has been switched.
     QTimer::singleShot(switchingTime, this, [this] {
-        if (m_isLooking)
+        if (m_isWatching)
             read();
     });
 }

@@ -66,9 +66,9 @@ public:
     /**
      * Starts scanning and polling of the connection. Looks for an adapter first if there was none.
      */
-    void look();
+    void startWatching();
     /** Stops both. If a network is being joined, its result is emitted all the same. */
-    void rest();
+    void stopWatching();
 
     /**
      * Networks in reach, the strongest first. A busy adapter sometimes finds none, so they are kept
@@ -126,7 +126,7 @@ private:
     QVector<Cell> m_cells;
     QSet<QString> m_known;
     State m_state;
-    bool m_isLooking = false;
+    bool m_isWatching = false;
     bool m_isScanned = false;
     bool m_isScanLate = false;
     int m_emptyScans = 0; ///< how many scans in a row have found none

@@ -20,8 +20,8 @@ Preferences::Preferences(KTV_InterfaceConfig &settings, const QString &file, QOb
     , m_settings(settings)
     , m_own(file, QSettings::IniFormat)
 {
-    takeUnit();
-    takeSound();
+    applyUnit();
+    applySound();
 }
 
 ValueBox::TemperatureUnit Preferences::temperatureUnit() const
@@ -33,7 +33,7 @@ ValueBox::TemperatureUnit Preferences::temperatureUnit() const
 void Preferences::setTemperatureUnit(ValueBox::TemperatureUnit unit)
 {
     m_settings.setValue(KTV_InterfaceConfig::MAIN_TemperatureUnit, int(unit));
-    takeUnit();
+    applyUnit();
     emit temperatureUnitChanged();
 }
 
@@ -56,7 +56,7 @@ bool Preferences::isSoundOn() const
 void Preferences::setSoundOn(bool on)
 {
     m_settings.setValue(KTV_InterfaceConfig::MAIN_OffSound, on ? 0 : 1);
-    takeSound();
+    applySound();
     emit soundChanged();
 }
 
@@ -98,8 +98,8 @@ void Preferences::setUsesScreenKeyboard(bool used)
 void Preferences::restoreFactorySettings()
 {
     m_own.clear();
-    takeUnit();
-    takeSound();
+    applyUnit();
+    applySound();
     emit temperatureUnitChanged();
     emit appearanceChanged();
     emit soundChanged();
@@ -107,12 +107,12 @@ void Preferences::restoreFactorySettings()
     emit keyboardChanged();
 }
 
-void Preferences::takeUnit() const
+void Preferences::applyUnit() const
 {
     ValueBox::NumericalValueBox::prepareStaticDefaultValue(temperatureUnit());
 }
 
-void Preferences::takeSound() const
+void Preferences::applySound() const
 {
     SoundNamespace::Sound::SoundEnable = isSoundOn();
 }

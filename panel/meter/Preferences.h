@@ -48,8 +48,8 @@ signals:
     void keyboardChanged();
 
 private:
-    void takeUnit() const;
-    void takeSound() const;
+    void applyUnit() const;
+    void applySound() const;
 
     KTV_InterfaceConfig &m_settings;
     QSettings m_own;

@@ -120,7 +120,7 @@ void Recorder::stop()
         m_hardware.stop();
 }
 
-void Recorder::take(float value)
+void Recorder::receive(float value)
 {
     m_series.add(m_clock.elapsed(), value);
     emit added();
@@ -134,9 +134,9 @@ void Recorder::end()
     emit stateChanged();
 }
 
-void Recorder::takeUnit()
+void Recorder::refreshTexts()
 {
-    m_series.takeUnit();
+    m_series.refreshTexts();
     emit stateChanged();
 }
 

@@ -19,7 +19,7 @@ class Setup;
  * user before it discards an unsaved one in this way. The conditions of a series do not change when
  * the setup does.
  */
-class Recorder : public QObject, private Hardware::Taker
+class Recorder : public QObject, private Hardware::Receiver
 {
     Q_OBJECT
 public:
@@ -53,7 +53,7 @@ public:
      * To be called after a change of the unit of temperature: the texts of temperatures are made
      * again.
      */
-    void takeUnit();
+    void refreshTexts();
 
 signals:
     void settingsChanged();
@@ -62,7 +62,7 @@ signals:
     void saved(const SeriesFile::Result &result);
 
 private:
-    void take(float value) override;
+    void receive(float value) override;
     void end() override;
     void keep();
     void makeTexts();

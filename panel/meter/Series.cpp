@@ -118,7 +118,7 @@ QString Series::deviationText() const
     return QString::number(deviation / scale.divisor, 'g', 3) + QLatin1Char(' ') + scale.unit;
 }
 
-void Series::takeUnit()
+void Series::refreshTexts()
 {
     if (m_conditions.form.quantity != Quantity::Temperature)
         return;

@@ -95,7 +95,7 @@ public:
      * To be called after a change of the unit of temperature: the texts of temperatures are made
      * again when they are next needed.
      */
-    void takeUnit();
+    void refreshTexts();
     /** Makes up to @p most missing texts. @return whether all exist now */
     bool makeTexts(int most) const;
 

@@ -30,13 +30,13 @@ Session::Session(QObject *parent)
     startMeter();
     m_setup.load();
     m_tones.setVolume(m_preferences.volume());
-    takeBrightness();
+    applyBrightness();
     connect(&m_preferences, &Preferences::soundChanged, this,
             [this] { m_tones.setVolume(m_preferences.volume()); });
-    connect(&m_preferences, &Preferences::brightnessChanged, this, &Session::takeBrightness);
+    connect(&m_preferences, &Preferences::brightnessChanged, this, &Session::applyBrightness);
     connect(&m_preferences, &Preferences::temperatureUnitChanged, this, [this] {
         m_measurement.refresh();
-        m_recorder.takeUnit();
+        m_recorder.refreshTexts();
         m_lists.refresh();
     });
     connect(&m_recorder, &Recorder::saved, m_library.get(), &KTV_DataSource::updateTimeDisk);
@@ -52,7 +52,7 @@ void Session::startMeter()
         m_library->setMeterSerialName(firstSerialNumber); // nothing can be measured without a model
 }
 
-void Session::takeBrightness() const
+void Session::applyBrightness() const
 {
     m_library->getPowerManager()->SetBrightness(m_preferences.brightness());
 }
@@ -70,7 +70,7 @@ void Session::setSerialNumber(const QString &serial)
     m_hardware.stop();
     m_library->setMeterSerialName(serial);
     emit meterChanged();
-    m_setup.takeModel();
+    m_setup.adaptToModel();
 }
 
 void Session::restoreFactorySettings()

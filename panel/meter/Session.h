@@ -57,7 +57,7 @@ signals:
 
 private:
     void startMeter();
-    void takeBrightness() const;
+    void applyBrightness() const;
 
     std::unique_ptr<KTV_DataSource> m_library;
     Preferences m_preferences;

@@ -157,7 +157,7 @@ void Setup::setTestObject(const TestObject &object)
     emit changed();
 }
 
-void Setup::takeModel()
+void Setup::adaptToModel()
 {
     keep();
 }

@@ -60,7 +60,7 @@ public:
      * To be called after a change of the model: chooses another current if the model does not have
      * this one.
      */
-    void takeModel();
+    void adaptToModel();
 
 signals:
     void changed();

@@ -13,7 +13,7 @@ UsbPort::State stateNow()
     return {Tools::getCurrentMode(), Tools::getRS232_Function()};
 }
 
-void switchTo(const UsbPort::State &wanted)
+void carryOut(const UsbPort::State &wanted)
 {
     // For a serial line without owner SetUSBMode() would free the line, and then fall back to the
     // network. So the owner is stopped by its own function.
@@ -28,14 +28,14 @@ void switchTo(const UsbPort::State &wanted)
 
 UsbPort::UsbPort(QObject *parent) : QObject(parent)
 {
-    connect(&m_work, &QFutureWatcher<Look>::finished, this, [this] {
+    connect(&m_work, &QFutureWatcher<Findings>::finished, this, [this] {
         m_isBusy = false;
         m_state = m_work.result().state;
         m_holders = m_work.result().holders;
-        emit looked();
+        emit refreshed();
         // SetUSBMode() always returns true, so the state is compared.
-        if (m_isBringing)
-            emit brought(m_state == m_wanted);
+        if (m_isSwitching)
+            emit switched(m_state == m_wanted);
     });
 }
 
@@ -44,28 +44,28 @@ UsbPort::~UsbPort()
     m_work.waitForFinished();
 }
 
-void UsbPort::look()
+void UsbPort::refresh()
 {
     if (isBusy())
         return;
-    m_isBringing = false;
+    m_isSwitching = false;
     m_isBusy = true;
-    m_work.setFuture(QtConcurrent::run([] { return Look {stateNow(), {}}; }));
+    m_work.setFuture(QtConcurrent::run([] { return Findings {stateNow(), {}}; }));
 }
 
-void UsbPort::bring(const State &wanted)
+void UsbPort::switchTo(const State &wanted)
 {
     if (isBusy())
         return;
-    m_isBringing = true;
+    m_isSwitching = true;
     m_isBusy = true;
     m_wanted = wanted;
     m_work.setFuture(QtConcurrent::run(stateAfter, wanted));
 }
 
-UsbPort::Look UsbPort::stateAfter(const State &wanted)
+UsbPort::Findings UsbPort::stateAfter(const State &wanted)
 {
-    switchTo(wanted);
+    carryOut(wanted);
     const State state = stateNow();
     return {state, state == wanted ? QStringList() : serialLineHolders()};
 }

@@ -36,28 +36,29 @@ public:
      * as there is one, the port stays a serial line.
      */
     const QStringList &holders() const { return m_holders; }
-    /** True from a call of look() or bring() until its signal; calls meanwhile are ignored. */
+    /** True from a call of refresh() or switchTo() until its signal; calls meanwhile are ignored.
+     */
     bool isBusy() const { return m_isBusy; }
-    void look();
-    void bring(const State &wanted);
+    void refresh();
+    void switchTo(const State &wanted);
 
 signals:
-    void looked(); ///< The state has been read.
-    void brought(bool isWell); ///< After bring(): whether the state is the requested one.
+    void refreshed(); ///< The state has been read.
+    void switched(bool isWell); ///< After switchTo(): whether the state is the requested one.
 
 private:
-    struct Look
+    struct Findings
     {
         State state;
         QStringList holders;
     };
 
-    static Look stateAfter(const State &wanted);
+    static Findings stateAfter(const State &wanted);
 
-    QFutureWatcher<Look> m_work; ///< one at a time
+    QFutureWatcher<Findings> m_work; ///< one at a time
     State m_state;
     QStringList m_holders;
     State m_wanted;
-    bool m_isBringing = false;
+    bool m_isSwitching = false;
     bool m_isBusy = false;
 };

@@ -64,7 +64,7 @@ AboutPage::AboutPage(Texts &texts, Session &session)
     layOutCard();
     connect(&session.library(), &KTV_DataSource::changeFreeSpaceAlert, this, &AboutPage::refresh);
     connect(&session, &Session::meterChanged, this, &AboutPage::refresh);
-    texts.keep(this, [this] { refresh(); });
+    texts.applyNowAndOnChange(this, [this] { refresh(); });
 }
 
 QVBoxLayout *AboutPage::makeIdentity()

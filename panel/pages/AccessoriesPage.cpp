@@ -35,7 +35,7 @@ AccessoriesPage::AccessoriesPage(Texts &texts, Session &session)
         refresh();
     });
     connect(m_check, &QPushButton::clicked, this, &AccessoriesPage::refresh);
-    texts.keep(this, [this] { refresh(); });
+    texts.applyNowAndOnChange(this, [this] { refresh(); });
 }
 
 void AccessoriesPage::layOut()

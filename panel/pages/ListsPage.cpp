@@ -93,7 +93,7 @@ ListsPage::ListsPage(Texts &texts, Session &session)
     connect(m_rename, &QPushButton::clicked, this, [this] { edit(false); });
     connect(m_delete, &QPushButton::clicked, this, &ListsPage::remove);
     connect(&session.lists(), &Lists::changed, this, &ListsPage::refresh);
-    texts.keep(this, [this] {
+    texts.applyNowAndOnChange(this, [this] {
         m_search->setPlaceholderText(text(Text {"Lists", "search", "Search"}));
     });
     refresh();

@@ -23,7 +23,7 @@ constexpr Quantity quantities[] = {Quantity::Resistance, Quantity::Inductance,
                                    Quantity::Temperature};
 
 /** The rows of a PickSheet, and which one is chosen at present. */
-struct Rows
+struct PickRows
 {
     QVector<TouchRow> rows;
     int chosen = -1;
@@ -66,15 +66,15 @@ MeasurePage::MeasurePage(Texts &texts, Session &session)
     connect(&session.measurement(), &Measurement::changed, this, &MeasurePage::refreshValue);
     connect(&session.setup(), &Setup::changed, this, &MeasurePage::refresh);
     connect(&session.recorder(), &Recorder::stateChanged, this, &MeasurePage::refresh);
-    texts.keep(this, [this] { refresh(); });
+    texts.applyNowAndOnChange(this, [this] { refresh(); });
 }
 
 void MeasurePage::layOut()
 {
     for (const Quantity quantity : quantities) {
         QPushButton *part = m_quantity->part(int(quantity));
-        texts().keep(part,
-                     [this, part, quantity] { part->setText(Words::quantity(texts(), quantity)); });
+        texts().applyNowAndOnChange(
+            part, [this, part, quantity] { part->setText(Words::quantity(texts(), quantity)); });
     }
     texts().translate(m_meter, Text {"Panel", "meter", "Meter"});
     texts().translate(m_current, Text {"Measure", "testCurrent", "Test current"});
@@ -172,7 +172,7 @@ void MeasurePage::chooseMeter()
 {
     constexpr Text title = Text {"About", "serialNumber", "Serial number"};
     const QStringList serials = Hardware::serialNumbers();
-    Rows rows;
+    PickRows rows;
     for (const QString &serial : serials)
         rows.add(TouchRow::of(serial), serial == library().getMainConfig()->get_SerialNumber());
     rows.add(TouchRow::of(text(Text {"Panel", "otherSerial", "Another serial number"})), false);
@@ -208,7 +208,7 @@ void MeasurePage::chooseCurrent()
 void MeasurePage::chooseMaterial()
 {
     const QString now = setup().material();
-    Rows rows;
+    PickRows rows;
     rows.add(TouchRow::of(text(noneText)), now.isEmpty());
     const QVector<Lists::Entry> materials = session().lists().entries(Lists::Materials);
     for (const Lists::Entry &material : materials)
@@ -227,7 +227,7 @@ void MeasurePage::chooseLimit()
 {
     const Quantity quantity = setup().quantity();
     const QString now = setup().limit().name;
-    Rows rows;
+    PickRows rows;
     rows.add(TouchRow::of(text(noneText)), now.isEmpty());
     QVector<Limit> limits(1);
     const QVector<Lists::Entry> entries = session().lists().entries(
@@ -259,7 +259,7 @@ void MeasurePage::chooseObject()
 void MeasurePage::chooseEntry(const Text &title, Lists::Family family, const QString &now,
                               const std::function<void(const QString &)> &take)
 {
-    Rows rows;
+    PickRows rows;
     rows.add(TouchRow::of(text(noneText)), now.isEmpty());
     for (const Lists::Entry &entry : session().lists().entries(family))
         rows.add(TouchRow::of(entry.values.at(0)), entry.values.at(0) == now);

@@ -70,9 +70,9 @@ RecordPage::RecordPage(Texts &texts, Session &session)
     connect(m_plot, &Plot::touched, this, &RecordPage::readPoint);
     connect(m_view, &Choice::chosen, m_views, &QStackedWidget::setCurrentIndex);
     connect(&session.recorder(), &Recorder::settingsChanged, this, &RecordPage::refresh);
-    connect(&session.recorder(), &Recorder::saved, this, &RecordPage::tellSaved);
+    connect(&session.recorder(), &Recorder::saved, this, &RecordPage::showSaved);
     connect(&session.setup(), &Setup::changed, this, &RecordPage::refresh);
-    texts.keep(this, [this] {
+    texts.applyNowAndOnChange(this, [this] {
         refresh();
         refreshSeries();
     });
@@ -325,7 +325,7 @@ void RecordPage::save()
         recorder().save();
 }
 
-void RecordPage::tellSaved(const SeriesFile::Result &result)
+void RecordPage::showSaved(const SeriesFile::Result &result)
 {
     if (result.outcome == SeriesFile::Outcome::Saved) {
         session().tones().play(BuzzerClass::Tone_Saved);

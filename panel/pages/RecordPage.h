@@ -42,7 +42,7 @@ private:
     void readPoint(double seconds);
     void toggle();
     void save();
-    void tellSaved(const SeriesFile::Result &result);
+    void showSaved(const SeriesFile::Result &result);
     void chooseClient(const std::function<void()> &then);
     void chooseInterval();
     void chooseCount();

@@ -48,7 +48,7 @@ SettingsPage::SettingsPage(Texts &texts, Session &session)
             [this](int choice) { preferences().setUsesScreenKeyboard(choice == 0); });
     connect(m_brightness, &PercentSlider::changed, &preferences(), &Preferences::setBrightness);
     connect(&session.recorder(), &Recorder::stateChanged, this, &SettingsPage::refresh);
-    texts.keep(this, [this] { refresh(); });
+    texts.applyNowAndOnChange(this, [this] { refresh(); });
 }
 
 void SettingsPage::layOut()

@@ -55,7 +55,7 @@ SoundPage::SoundPage(Texts &texts, Session &session)
             leave();
         refresh();
     });
-    texts.keep(this, [this] { refresh(); });
+    texts.applyNowAndOnChange(this, [this] { refresh(); });
 }
 
 void SoundPage::layOut()

@@ -46,16 +46,16 @@ UsbPage::UsbPage(Texts &texts, Session &session)
     column()->addWidget(m_note);
     column()->addWidget(caption(Text {"Panel", "usbBlocks", "Switching takes up to ten seconds."}));
     connect(m_choices, &TouchList::chosen, this, &UsbPage::switchTo);
-    connect(&session.usbPort(), &UsbPort::looked, this, &UsbPage::refresh);
-    connect(&session.usbPort(), &UsbPort::brought, this, &UsbPage::finish);
-    texts.keep(this, [this] { refresh(); });
+    connect(&session.usbPort(), &UsbPort::refreshed, this, &UsbPage::refresh);
+    connect(&session.usbPort(), &UsbPort::switched, this, &UsbPage::finish);
+    texts.applyNowAndOnChange(this, [this] { refresh(); });
 }
 
 void UsbPage::enter()
 {
     m_hasFailed = false;
     refresh();
-    session().usbPort().look();
+    session().usbPort().refresh();
 }
 
 void UsbPage::switchTo(int choice)
@@ -63,7 +63,7 @@ void UsbPage::switchTo(int choice)
     if (session().usbPort().isBusy())
         return;
     m_busy = new BusySheet(texts(), this, Text {"USB", "switching", "Switching the port"});
-    session().usbPort().bring(choices[choice].state);
+    session().usbPort().switchTo(choices[choice].state);
 }
 
 void UsbPage::finish(bool isWell)

@@ -33,7 +33,7 @@ WifiPage::WifiPage(Texts &texts, Session &session)
 {
     layOut();
     connect(&session.networks(), &Networks::changed, this, &WifiPage::refresh);
-    connect(&session.networks(), &Networks::joined, this, &WifiPage::tellJoined);
+    connect(&session.networks(), &Networks::joined, this, &WifiPage::showJoined);
     connect(m_list, &TouchList::chosen, this, &WifiPage::refreshButtons);
     connect(m_power, &QPushButton::clicked, this,
             [this] { networks().setOn(!networks().state().isOn); });
@@ -48,7 +48,7 @@ WifiPage::WifiPage(Texts &texts, Session &session)
             [this, name = chosenName()] { block([this, name] { networks().forget(name); }); },
             chosenName());
     });
-    texts.keep(this, [this] { refresh(); });
+    texts.applyNowAndOnChange(this, [this] { refresh(); });
 }
 
 void WifiPage::layOut()
@@ -86,13 +86,13 @@ void WifiPage::layOut()
 
 void WifiPage::enter()
 {
-    networks().look();
+    networks().startWatching();
     refresh();
 }
 
 void WifiPage::leave()
 {
-    networks().rest();
+    networks().stopWatching();
 }
 
 // --- showing
@@ -259,7 +259,7 @@ void WifiPage::join(const QString &name, const QString &key)
     });
 }
 
-void WifiPage::tellJoined(const QString &name, Networks::Outcome outcome)
+void WifiPage::showJoined(const QString &name, Networks::Outcome outcome)
 {
     if (outcome == Networks::Joined)
         return; // the page already shows the new state

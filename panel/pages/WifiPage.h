@@ -31,7 +31,7 @@ private:
     void askPassPhrase(const QString &name);
     void askHidden();
     void join(const QString &name, const QString &key);
-    void tellJoined(const QString &name, Networks::Outcome outcome);
+    void showJoined(const QString &name, Networks::Outcome outcome);
     /** Shows a StillSheet, and then runs work that blocks the interface's thread. */
     void block(std::function<void()> work);
 

@@ -69,20 +69,20 @@ private slots:
     void aMeasurementEndsAndIsCounted_data();
     void aMeasurementEndsAndIsCounted();
     void stoppedEarlyIsNotCounted();
-    void whatCannotBeShown_data();
-    void whatCannotBeShown();
-    void judgedByALimitWithATone_data();
-    void judgedByALimitWithATone();
+    void valuesThatCannotBeShown_data();
+    void valuesThatCannotBeShown();
+    void limitGivesVerdictAndTone_data();
+    void limitGivesVerdictAndTone();
     void objectIsChangedByTouches();
     void compensatedForAMaterial();
     void currentsAreThoseOfTheModel();
     void serialNumberChangesTheModelUnderWay();
     void lastSettingComesBack();
-    void startsAsAMeterThatMeasures();
-    void seriesIsSeenWhileItGrows();
+    void startsWithAModel();
+    void seriesIsShownWhileItGrows();
     void seriesIsSavedUnderASafeAndFreeName();
-    void limitThatIsNoNumber();
-    void verdictNeedsSoundLeads();
+    void limitThatIsNotANumber();
+    void verdictNeedsConnectedLeads();
     void objectOfTheLists();
     void figuresOfASeries();
     void pointIsReadByTouch();
@@ -91,7 +91,7 @@ private slots:
     void savingGoesOnAfterTheClient();
     void nothingStartsWhileASeriesIsSaved();
     void reasonWhereASeriesHasNoVerdict();
-    void seriesOutlivesItsMeter();
+    void seriesKeepsItsMeter();
     void seriesOnAFullCard();
     void seriesWithoutAFolder();
     void nameOfDotsStaysInItsDirectory();
@@ -146,7 +146,7 @@ void TstPanelMeasuring::stoppedEarlyIsNotCounted()
              0);
 }
 
-void TstPanelMeasuring::whatCannotBeShown_data()
+void TstPanelMeasuring::valuesThatCannotBeShown_data()
 {
     QTest::addColumn<float>("ohms");
     QTest::addColumn<int>("leads");
@@ -159,7 +159,7 @@ void TstPanelMeasuring::whatCannotBeShown_data()
                              << QStringLiteral("--- \u2126|Current lead is open");
 }
 
-void TstPanelMeasuring::whatCannotBeShown()
+void TstPanelMeasuring::valuesThatCannotBeShown()
 {
     QFETCH(float, ohms);
     QFETCH(int, leads);
@@ -170,7 +170,7 @@ void TstPanelMeasuring::whatCannotBeShown()
     QTEST(measured(panel), "result");
 }
 
-void TstPanelMeasuring::judgedByALimitWithATone_data()
+void TstPanelMeasuring::limitGivesVerdictAndTone_data()
 {
     QTest::addColumn<float>("ohms");
     QTest::addColumn<QString>("verdict");
@@ -185,7 +185,7 @@ void TstPanelMeasuring::judgedByALimitWithATone_data()
     QTest::newRow("above the range") << 0.25F << "Fail" << fail;
 }
 
-void TstPanelMeasuring::judgedByALimitWithATone()
+void TstPanelMeasuring::limitGivesVerdictAndTone()
 {
     QFETCH(float, ohms);
     QFETCH(QString, tone);
@@ -296,7 +296,7 @@ void TstPanelMeasuring::lastSettingComesBack()
     QCOMPARE(panel.session.setup().current(), ValueBox::testI_1A);
 }
 
-void TstPanelMeasuring::startsAsAMeterThatMeasures()
+void TstPanelMeasuring::startsWithAModel()
 {
     {
         PanelFixture panel;
@@ -310,7 +310,7 @@ void TstPanelMeasuring::startsAsAMeterThatMeasures()
     QCOMPARE(panel.fieldValue("measure.current"), QStringLiteral("10.0 A"));
 }
 
-void TstPanelMeasuring::seriesIsSeenWhileItGrows()
+void TstPanelMeasuring::seriesIsShownWhileItGrows()
 {
     PanelFixture panel;
     TAP(panel, "measure.kind.1", "nav.Record");
@@ -367,7 +367,7 @@ void TstPanelMeasuring::seriesIsSavedUnderASafeAndFreeName()
              1);
 }
 
-void TstPanelMeasuring::limitThatIsNoNumber()
+void TstPanelMeasuring::limitThatIsNotANumber()
 {
     PanelFixture panel;
     QVERIFY(panel.session.library().get_DataList()->AddLimit_R(QStringLiteral("words"),
@@ -379,7 +379,7 @@ void TstPanelMeasuring::limitThatIsNoNumber()
              QStringLiteral("The limit is not a number"));
 }
 
-void TstPanelMeasuring::verdictNeedsSoundLeads()
+void TstPanelMeasuring::verdictNeedsConnectedLeads()
 {
     PanelFixture panel;
     QVERIFY(panel.session.library().get_DataList()->AddLimit_R(
@@ -532,7 +532,7 @@ void TstPanelMeasuring::reasonWhereASeriesHasNoVerdict()
     QCOMPARE(panel.labelText("record.reason"), QStringLiteral("Current lead is open"));
 }
 
-void TstPanelMeasuring::seriesOutlivesItsMeter()
+void TstPanelMeasuring::seriesKeepsItsMeter()
 {
     PanelFixture panel;
     QVERIFY(panel.pick("measure.meter", QStringLiteral("DV42006")));

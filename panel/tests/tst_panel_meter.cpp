@@ -69,7 +69,7 @@ struct Bench : Stores
     {
         measurement.start();
         for (const float value : values)
-            hardware.hand(value);
+            hardware.deliver(value);
     }
 };
 
@@ -100,7 +100,7 @@ void record(Stores &stores, const QVector<float> &values)
     stores.recorder.setWanted(values.size());
     stores.recorder.start();
     for (const float value : values)
-        stores.hardware.hand(value);
+        stores.hardware.deliver(value);
 }
 
 /** Saves the series. @return the lines of the file; empty if it could not be saved */
@@ -140,7 +140,7 @@ private slots:
     void valuesThatAreRefused_data();
     void valuesThatAreRefused();
     void statistics();
-    void statisticsOfNothing();
+    void statisticsWithoutReadings();
     void outcomeOfASeries_data();
     void outcomeOfASeries();
     void nearestReading_data();
@@ -156,18 +156,18 @@ private slots:
     void seriesFollowsTheUnit();
     void recorderEndsByItself();
     void recorderKeepsItsConditions();
-    void wantedIsThatOfTheStart();
+    void countIsThatOfTheStart();
     void savedInTheUnitAtThatMoment();
-    void longSeriesIsSavedWhole();
+    void longSeriesIsSavedCompletely();
     void seriesKeepsItsTexts();
     void textsAreMadeAFewAtATime();
     void nothingStartsWhileASeriesIsSaved();
     void measurementIsTheMeanOfSix();
-    void measurementServedBeforeASeries();
+    void hardwareServesOneAtATime();
     void measurementIsForgottenWithItsSetup();
     void measurementIsJudged();
-    void settersTell();
-    void factorySettingsTell();
+    void settersEmitSignals();
+    void factorySettingsEmitSignals();
     void lastSettingComesBack();
     void currentFollowsTheCompensation();
     void namesOfNetworks_data();
@@ -386,7 +386,7 @@ void TstPanelMeter::statistics()
     QCOMPARE(series.standardDeviation(), float(std::sqrt(0.01953125 / 3)));
 }
 
-void TstPanelMeter::statisticsOfNothing()
+void TstPanelMeter::statisticsWithoutReadings()
 {
     Series series(circumstances());
     QVERIFY(std::isnan(series.minimum()));
@@ -579,7 +579,8 @@ void TstPanelMeter::namesInAFile()
     for (const char *line : {"object type", "object name", "material", "limit", "high limit"})
         QVERIFY2(head.contains(QStringLiteral("\n%1,%2\r\n").arg(QLatin1String(line), field)),
                  line);
-    QVERIFY(head.contains(QStringLiteral("\nlow limit,\"-5 m\u2126\"\r\n"))); // a number, which needs no apostrophe
+    QVERIFY(head.contains(
+        QStringLiteral("\nlow limit,\"-5 m\u2126\"\r\n"))); // a number, which needs no apostrophe
 }
 
 void TstPanelMeter::temperaturesInAFile()
@@ -610,7 +611,7 @@ void TstPanelMeter::seriesFollowsTheUnit()
     series.add(0, 20);
     QCOMPARE(series.text(0), QStringLiteral("20.0 \u00B0C"));
     useUnit(ValueBox::Temp_Fahrenheit);
-    series.takeUnit();
+    series.refreshTexts();
     QCOMPARE(series.text(0), QStringLiteral("68.0 \u00B0F"));
 }
 
@@ -643,7 +644,7 @@ void TstPanelMeter::recorderKeepsItsConditions()
     stores.setup.setQuantity(Quantity::Temperature);
     stores.setup.setObject(QString(), QString());
     useUnit(ValueBox::Temp_Kelvin);
-    stores.recorder.takeUnit();
+    stores.recorder.refreshTexts();
     const Series &series = stores.recorder.series();
     QCOMPARE(series.count(), 1);
     QCOMPARE(series.conditions().objectName, QStringLiteral("M1"));
@@ -651,17 +652,17 @@ void TstPanelMeter::recorderKeepsItsConditions()
     QVERIFY(stores.recorder.isUnsaved());
 }
 
-void TstPanelMeter::wantedIsThatOfTheStart()
+void TstPanelMeter::countIsThatOfTheStart()
 {
     Stores stores;
     stores.recorder.setInterval(1000000);
     stores.recorder.setWanted(3);
     stores.recorder.start();
     stores.recorder.setWanted(1); // as a factory reset does
-    stores.hardware.hand(0.001F);
+    stores.hardware.deliver(0.001F);
     QVERIFY(stores.recorder.isRunning());
-    stores.hardware.hand(0.001F);
-    stores.hardware.hand(0.001F);
+    stores.hardware.deliver(0.001F);
+    stores.hardware.deliver(0.001F);
     QVERIFY(!stores.recorder.isRunning());
     QCOMPARE(stores.recorder.series().conditions().wanted, 3);
 }
@@ -675,7 +676,7 @@ void TstPanelMeter::savedInTheUnitAtThatMoment()
     auto pool = std::make_unique<BusyPool>();
     stores.recorder.save();
     useUnit(ValueBox::Temp_Kelvin); // before a thread of the pool writes the file
-    stores.recorder.takeUnit();
+    stores.recorder.refreshTexts();
     pool.reset();
     const QStringList lines = saved(stores.recorder);
     QVERIFY2(lines.contains(QStringLiteral("high limit,\"30 \u00B0C\"")),
@@ -683,7 +684,7 @@ void TstPanelMeter::savedInTheUnitAtThatMoment()
     QVERIFY(lines.value(lines.size() - 2).contains(QStringLiteral("\"20.0 \u00B0C\"")));
 }
 
-void TstPanelMeter::longSeriesIsSavedWhole()
+void TstPanelMeter::longSeriesIsSavedCompletely()
 {
     Stores stores;
     stores.setup.setQuantity(Quantity::Temperature);
@@ -691,7 +692,7 @@ void TstPanelMeter::longSeriesIsSavedWhole()
     QCOMPARE(stores.recorder.series().count(), Series::capacity);
     QVERIFY(!stores.recorder.isRunning());
     useUnit(ValueBox::Temp_Fahrenheit); // every text has to be made again
-    stores.recorder.takeUnit();
+    stores.recorder.refreshTexts();
     const QStringList lines = saved(stores.recorder);
     QVERIFY(!stores.recorder.isUnsaved());
     const QString last = lines.value(lines.size() - 2);
@@ -714,7 +715,7 @@ void TstPanelMeter::seriesKeepsItsTexts()
     QVERIFY(!shown.startsWith(QLatin1Char('-')));
     NumericalValueBox::SetCurrentMeter(KTV_Configuration::KTV_420); // has no 150 A
     useUnit(ValueBox::Temp_Kelvin);
-    stores.recorder.takeUnit();
+    stores.recorder.refreshTexts();
     QCOMPARE(series.text(0).constData(), text); // not made a second time
     QCOMPARE(series.figures().mean, mean);
     QVERIFY(saved(stores.recorder).join(QString()).contains(shown));
@@ -729,7 +730,7 @@ void TstPanelMeter::textsAreMadeAFewAtATime()
         series.add(i, 20);
     QVERIFY(series.makeTexts(1)); // no text is missing
     useUnit(ValueBox::Temp_Kelvin);
-    series.takeUnit();
+    series.refreshTexts();
     QVERIFY(!series.makeTexts(2));
     QVERIFY(!series.makeTexts(2));
     series.add(5, 20);
@@ -773,7 +774,7 @@ void TstPanelMeter::measurementIsTheMeanOfSix()
     QCOMPARE(bench.measurement.reading().text, QStringLiteral("2.000 m\u2126"));
     QVERIFY(bench.measurement.lastResult().text.isEmpty());
     for (const float value : {0.001F, 0.003F, 0.001F, 0.0042F})
-        bench.hardware.hand(value);
+        bench.hardware.deliver(value);
     QVERIFY(!bench.measurement.isRunning());
     QVERIFY(bench.measurement.isDone());
     QCOMPARE(bench.measurement.reading().text, QStringLiteral("2.200 m\u2126"));
@@ -782,11 +783,11 @@ void TstPanelMeter::measurementIsTheMeanOfSix()
     QCOMPARE(int(bench.measurement.verdict().reason()), int(Verdict::NoLimit));
     QCOMPARE(bench.counters.get_dictionary(KTV_Liczniki::Licznik_PomiarObiektowRezystancyjnych), 1);
     QVERIFY(changed.size() >= 7);
-    bench.hardware.hand(1); // has no receiver any more
+    bench.hardware.deliver(1); // has no receiver any more
     QCOMPARE(bench.measurement.reading().text, QStringLiteral("2.200 m\u2126"));
 }
 
-void TstPanelMeter::measurementServedBeforeASeries()
+void TstPanelMeter::hardwareServesOneAtATime()
 {
     Bench bench;
     bench.measure({0.001F});
@@ -798,7 +799,7 @@ void TstPanelMeter::measurementServedBeforeASeries()
     QVERIFY(!bench.measurement.isRunning());
     bench.recorder.start();
     bench.measurement.start();
-    bench.hardware.hand(0.005F);
+    bench.hardware.deliver(0.005F);
     QVERIFY(!bench.measurement.isRunning());
     QCOMPARE(bench.recorder.series().count(), 1);
     QCOMPARE(bench.measurement.reading().text, QStringLiteral("1.0000 m\u2126"));
@@ -838,7 +839,7 @@ void TstPanelMeter::measurementIsJudged()
 
 // --- settings
 
-void TstPanelMeter::settersTell()
+void TstPanelMeter::settersEmitSignals()
 {
     Stores stores;
     QSignalSpy changed(&stores.setup, &Setup::changed);
@@ -874,7 +875,7 @@ void TstPanelMeter::settersTell()
     QCOMPARE(sound.size(), 2);
 }
 
-void TstPanelMeter::factorySettingsTell()
+void TstPanelMeter::factorySettingsEmitSignals()
 {
     Stores stores;
     Preferences preferences(stores.settings, stores.path + QStringLiteral("panel.ini"));

@@ -63,8 +63,8 @@ private slots:
     void init();
     void cleanup();
     void searchAsYouType();
-    void hitsAreSeenWhileTyping_data();
-    void hitsAreSeenWhileTyping();
+    void resultsAreVisibleWhileTyping_data();
+    void resultsAreVisibleWhileTyping();
     void entriesOfEachList_data();
     void entriesOfEachList();
     void sameEntryTwice();
@@ -78,16 +78,16 @@ private slots:
     void joinANetworkBeyondAscii();
     void namesOfNetworks_data();
     void namesOfNetworks();
-    void namesAreNoMarkup();
+    void namesAreShownAsPlainText();
     void wrongPassPhrase();
-    void networkThatIsNotJoinedUnseen();
+    void failureToJoinIsShownOnAnyPage();
     void hiddenNetwork();
     void everyPassPhraseCanBeTyped_data();
     void everyPassPhraseCanBeTyped();
     void preferANetwork();
     void networkThatCannotBeStored();
     void switchWifiOff();
-    void goneBeforeAScanIsTaken();
+    void destroyedBeforeAScanIsReceived();
     void shortPassPhrase();
     void withoutWifi();
     void switchThePort_data();
@@ -95,12 +95,12 @@ private slots:
     void lineIsTakenFromItsOwner();
     void portThatCannotBeSwitched();
     void tones();
-    void nobodyWaitsForATone();
+    void tonesDoNotBlock();
     void volume();
     void labelOfTheLastResult();
     void labelNamesTheObject();
     void labelThatCannotBePrinted();
-    void codeBeforeTheReader();
+    void codeInFrontOfTheReader();
     void stickAndUpdates();
 };
 
@@ -136,14 +136,14 @@ void TstPanelServices::searchAsYouType()
     QCOMPARE(panel.list("lists.list")->rowCount(), all);
 }
 
-void TstPanelServices::hitsAreSeenWhileTyping_data()
+void TstPanelServices::resultsAreVisibleWhileTyping_data()
 {
     QTest::addColumn<QSize>("size");
     for (const QSize &size : {QSize(800, 480), QSize(1024, 600), QSize(480, 320)})
         QTest::addRow("%d x %d", size.width(), size.height()) << size;
 }
 
-void TstPanelServices::hitsAreSeenWhileTyping()
+void TstPanelServices::resultsAreVisibleWhileTyping()
 {
     QFETCH(QSize, size);
     PanelFixture panel(size);
@@ -380,7 +380,7 @@ void TstPanelServices::namesOfNetworks()
     QCOMPARE(panel.titles("wifi.list"), QStringList(shown));
 }
 
-void TstPanelServices::namesAreNoMarkup()
+void TstPanelServices::namesAreShownAsPlainText()
 {
     const QString name = QStringLiteral("<b>x</b>");
     const QString radio = QStringLiteral("/run/meter/radio");
@@ -435,7 +435,7 @@ void TstPanelServices::wrongPassPhrase()
         [&] { return panel.labelText("wifi.state") == QLatin1String("Connected"); }));
 }
 
-void TstPanelServices::networkThatIsNotJoinedUnseen()
+void TstPanelServices::failureToJoinIsShownOnAnyPage()
 {
     const QString name = QStringLiteral("Substation North");
     PanelFixture panel;
@@ -567,7 +567,7 @@ void TstPanelServices::switchWifiOff()
     QVERIFY(offers("Switch WiFi off"));
 }
 
-void TstPanelServices::goneBeforeAScanIsTaken()
+void TstPanelServices::destroyedBeforeAScanIsReceived()
 {
     QPointer<WiFi::Network> network;
     {
@@ -721,7 +721,7 @@ void TstPanelServices::tones()
     QVERIFY(!Meter::journal().contains(decline));
 }
 
-void TstPanelServices::nobodyWaitsForATone()
+void TstPanelServices::tonesDoNotBlock()
 {
     Meter::setBehaviour(QStringLiteral("beep"), "delay=1");
     {
@@ -795,7 +795,7 @@ void TstPanelServices::labelThatCannotBePrinted()
     QFile::remove(platform.chopped(1));
 }
 
-void TstPanelServices::codeBeforeTheReader()
+void TstPanelServices::codeInFrontOfTheReader()
 {
     PanelFixture panel;
     TAP(panel, "nav.Accessories", "accessories.scan");

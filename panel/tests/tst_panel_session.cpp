@@ -33,7 +33,7 @@ struct Radio
 
     bool look()
     {
-        networks.look();
+        networks.startWatching();
         return QTest::qWaitFor([this] { return !networks.cells().isEmpty(); }, Meter::patience);
     }
     void sendScan(const QStringList &names)
@@ -62,21 +62,21 @@ class TstPanelSession : public QObject
     Q_OBJECT
 private slots:
     void initTestCase();
-    void lateScanIsBegunAnew();
+    void lateScanIsRepeated();
     void listStaysUntilTwoScansAreEmpty();
-    void stateIsReadBeforeItChanges();
+    void stateIsReadAtFirst();
     void passPhrases_data();
     void passPhrases();
-    void networkIsJoinedUnseen();
+    void joiningGoesOnWithoutWatching();
     void networkIsJoinedAgain();
     void networksThatAreNotJoined_data();
     void networksThatAreNotJoined();
-    void portIsBrought();
+    void portIsSwitched();
     void portWhoseLineIsHeld();
     void volumeWaitsForTones();
     void languageOfTheSession();
     void meterOfTheSession();
-    void settersReachTheMeter();
+    void preferencesReachTheMeter();
     void factoryReset();
 };
 
@@ -87,7 +87,7 @@ void TstPanelSession::initTestCase()
 
 // --- WiFi
 
-void TstPanelSession::lateScanIsBegunAnew()
+void TstPanelSession::lateScanIsRepeated()
 {
     Radio radio;
     QVERIFY(radio.look());
@@ -121,21 +121,21 @@ void TstPanelSession::listStaysUntilTwoScansAreEmpty()
     QVERIFY(radio.networks.isScanned());
 }
 
-void TstPanelSession::stateIsReadBeforeItChanges()
+void TstPanelSession::stateIsReadAtFirst()
 {
     const QTemporaryDir directory;
     KTV_Connection connection(directory.path() + QLatin1Char('/'));
     {
         Networks networks(connection);
         QVERIFY(!networks.state().isRead);
-        networks.look();
+        networks.startWatching();
         QTRY_VERIFY(networks.state().isRead);
         networks.setOn(false);
         QTRY_VERIFY(!networks.state().isOn);
     }
     // The library emits a state only once, so a second object has to read it.
     Networks later(connection);
-    later.look();
+    later.startWatching();
     QTRY_VERIFY(later.state().isRead);
     QVERIFY(!later.state().isOn);
     later.setOn(true);
@@ -159,7 +159,7 @@ void TstPanelSession::passPhrases()
     QTEST(Networks::isPassPhrase(QString(length, QLatin1Char(' '))), "isOne");
 }
 
-void TstPanelSession::networkIsJoinedUnseen()
+void TstPanelSession::joiningGoesOnWithoutWatching()
 {
     Radio radio;
     QVERIFY(radio.look());
@@ -168,7 +168,7 @@ void TstPanelSession::networkIsJoinedUnseen()
     QSignalSpy joined(&radio.networks, &Networks::joined);
     QVERIFY(radio.networks.join(QStringLiteral("Workshop Guest"), QString()));
     QCOMPARE(radio.networks.joining(), QStringLiteral("Workshop Guest"));
-    radio.networks.rest(); // as when another page is shown
+    radio.networks.stopWatching(); // as when another page is shown
     QTRY_COMPARE(joined.size(), 1);
     QCOMPARE(joined.first().at(0).toString(), QStringLiteral("Workshop Guest"));
     QCOMPARE(joined.first().at(1).value<Networks::Outcome>(), Networks::Joined);
@@ -181,7 +181,7 @@ void TstPanelSession::networkIsJoinedAgain()
     Radio radio;
     radio.networks.setPatience(std::numeric_limits<int>::max());
     QSignalSpy joined(&radio.networks, &Networks::joined);
-    radio.networks.look();
+    radio.networks.startWatching();
     for (int times = 1; times <= 2; ++times) {
         QVERIFY(radio.networks.join(QStringLiteral("Workshop Guest"), QString()));
         QTRY_COMPARE(joined.size(), times);
@@ -217,25 +217,25 @@ void TstPanelSession::networksThatAreNotJoined()
 
 // --- USB
 
-void TstPanelSession::portIsBrought()
+void TstPanelSession::portIsSwitched()
 {
     UsbPort port;
-    QSignalSpy looked(&port, &UsbPort::looked);
-    QSignalSpy brought(&port, &UsbPort::brought);
-    port.look();
+    QSignalSpy refreshed(&port, &UsbPort::refreshed);
+    QSignalSpy switched(&port, &UsbPort::switched);
+    port.refresh();
     QVERIFY(port.isBusy());
-    port.bring({Tools::USB_RS232, Tools::RS232_None}); // ignored, because the port is busy
-    QTRY_COMPARE(looked.size(), 1);
-    QCOMPARE(brought.size(), 0);
+    port.switchTo({Tools::USB_RS232, Tools::RS232_None}); // ignored, because the port is busy
+    QTRY_COMPARE(refreshed.size(), 1);
+    QCOMPARE(switched.size(), 0);
     const UsbPort::State console {Tools::USB_RS232, Tools::RS232_Console};
-    port.bring(console);
-    QTRY_COMPARE(brought.size(), 1);
-    QCOMPARE(brought.takeFirst().first().toBool(), true);
+    port.switchTo(console);
+    QTRY_COMPARE(switched.size(), 1);
+    QCOMPARE(switched.takeFirst().first().toBool(), true);
     QVERIFY(port.state() == console);
     QCOMPARE(port.holders(), QStringList());
-    port.bring({Tools::USB_RNDIS, Tools::RS232_None});
-    QTRY_COMPARE(brought.size(), 1);
-    QCOMPARE(brought.first().first().toBool(), true);
+    port.switchTo({Tools::USB_RNDIS, Tools::RS232_None});
+    QTRY_COMPARE(switched.size(), 1);
+    QCOMPARE(switched.first().first().toBool(), true);
 }
 
 void TstPanelSession::portWhoseLineIsHeld()
@@ -245,12 +245,12 @@ void TstPanelSession::portWhoseLineIsHeld()
     QVERIFY(line.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
     Meter::setBehaviour(QStringLiteral("modprobe-usb-gadget"), "stdout=busy");
     UsbPort port;
-    QSignalSpy brought(&port, &UsbPort::brought);
-    port.bring({Tools::USB_RNDIS, Tools::RS232_None});
-    const bool isEnded = brought.wait(Meter::patience);
+    QSignalSpy switched(&port, &UsbPort::switched);
+    port.switchTo({Tools::USB_RNDIS, Tools::RS232_None});
+    const bool isEnded = switched.wait(Meter::patience);
     Meter::setBehaviour(QStringLiteral("modprobe-usb-gadget"), QByteArray());
     QVERIFY(isEnded);
-    QCOMPARE(brought.first().first().toBool(), false);
+    QCOMPARE(switched.first().first().toBool(), false);
     const QString own = QString::fromLocal8Bit(Meter::readFile("/proc/self/comm")).trimmed();
     // The process that imitates the kernel's driver is in the list, too.
     QVERIFY2(port.holders().contains(
@@ -318,7 +318,7 @@ void TstPanelSession::meterOfTheSession()
     QVERIFY(session.setup().testCurrents().contains(session.setup().current()));
 }
 
-void TstPanelSession::settersReachTheMeter()
+void TstPanelSession::preferencesReachTheMeter()
 {
     Session session;
     session.preferences().setBrightness(30);

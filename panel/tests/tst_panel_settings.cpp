@@ -141,8 +141,8 @@ class TstPanelSettings : public QObject
     Q_OBJECT
 private slots:
     void init();
-    void everyTextStandsInEveryLanguage_data();
-    void everyTextStandsInEveryLanguage();
+    void everyTextIsInEveryLanguageFile_data();
+    void everyTextIsInEveryLanguageFile();
     void languageChangesEverythingAtOnce_data();
     void languageChangesEverythingAtOnce();
     void keyboardOfTheLanguage();
@@ -182,14 +182,14 @@ void TstPanelSettings::init()
 
 // --- texts
 
-void TstPanelSettings::everyTextStandsInEveryLanguage_data()
+void TstPanelSettings::everyTextIsInEveryLanguageFile_data()
 {
     QTest::addColumn<QString>("code");
     for (const char *code : {"EN", "US", "PL", "DE"})
         QTest::newRow(code) << code;
 }
 
-void TstPanelSettings::everyTextStandsInEveryLanguage()
+void TstPanelSettings::everyTextIsInEveryLanguageFile()
 {
     QFETCH(QString, code);
     LangSerwis language(QStringLiteral("/home/root/Langs/"), KTV_Configuration::KTV_420);
@@ -268,7 +268,7 @@ void TstPanelSettings::keyboardOfTheLanguage()
 
 void TstPanelSettings::everythingCanBeTouchedAndRead_data()
 {
-    everyTextStandsInEveryLanguage_data();
+    everyTextIsInEveryLanguageFile_data();
 }
 
 void TstPanelSettings::everythingCanBeTouchedAndRead()
@@ -401,8 +401,8 @@ void TstPanelSettings::onAnotherScreen()
     Recorder &recorder = panel.session.recorder();
     recorder.setWanted(2);
     recorder.start();
-    panel.session.hardware().hand(0.0012347F);
-    panel.session.hardware().hand(0.0012346F);
+    panel.session.hardware().deliver(0.0012347F);
+    panel.session.hardware().deliver(0.0012346F);
     QStringList problems;
     for (int page = 0; page < int(std::size(pages)); ++page) {
         panel.window.showPage(page);
@@ -688,7 +688,7 @@ void TstPanelSettings::help()
 
 void TstPanelSettings::helpOnEveryPage_data()
 {
-    everyTextStandsInEveryLanguage_data();
+    everyTextIsInEveryLanguageFile_data();
 }
 
 void TstPanelSettings::helpOnEveryPage()

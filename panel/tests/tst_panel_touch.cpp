@@ -89,7 +89,7 @@ private slots:
     void verdictIsAsLargeAsTheUnit();
     void statesDifferInTheirShape();
     void choiceStaysWithItsRow();
-    void rowsThatAReadingAsksFor();
+    void rowsAreRequestedWhenVisible();
 };
 
 void TstPanelTouch::init()
@@ -256,7 +256,7 @@ void TstPanelTouch::choiceStaysWithItsRow()
     QCOMPARE(list.currentRow(), 0);
 }
 
-void TstPanelTouch::rowsThatAReadingAsksFor()
+void TstPanelTouch::rowsAreRequestedWhenVisible()
 {
     constexpr int many = 10000;
     int asked = 0;

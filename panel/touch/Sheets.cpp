@@ -58,7 +58,7 @@ QLabel *Sheet::addTitle(const Text &title, const QString &subject)
     label->setTextFormat(Qt::PlainText); // a subject may look like HTML
     label->setProperty("role", QStringLiteral("title"));
     label->setWordWrap(true);
-    m_texts.keep(label, [this, label, title, subject] {
+    m_texts.applyNowAndOnChange(label, [this, label, title, subject] {
         label->setText(m_texts.text(title)
                        + (subject.isEmpty() ? QString() : QStringLiteral(" ") + subject));
     });

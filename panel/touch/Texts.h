@@ -14,7 +14,7 @@ public:
 
     virtual QString text(const Text &text) const = 0;
     /** Runs @p apply now and each time the texts change, until @p receiver is destroyed. */
-    template <typename Function> void keep(QObject *receiver, Function apply)
+    template <typename Function> void applyNowAndOnChange(QObject *receiver, Function apply)
     {
         apply();
         connect(this, &Texts::textsChanged, receiver, apply);
@@ -22,7 +22,7 @@ public:
     /** Sets a widget's text, and sets it again whenever the language changes. */
     template <typename Widget> void translate(Widget *widget, const Text &text)
     {
-        keep(widget, [this, widget, text] { widget->setText(this->text(text)); });
+        applyNowAndOnChange(widget, [this, widget, text] { widget->setText(this->text(text)); });
     }
 
 signals:

@@ -88,7 +88,7 @@ void scrollByFinger(QAbstractScrollArea *area)
     QScroller::grabGesture(area->viewport(), QScroller::LeftMouseButtonGesture);
 }
 
-class TouchList::Rows : public QAbstractListModel
+class TouchList::RowModel : public QAbstractListModel
 {
 public:
     using QAbstractListModel::QAbstractListModel;
@@ -124,7 +124,7 @@ private:
 
 TouchList::TouchList(const QString &name, QWidget *parent)
     : QListView(parent)
-    , m_rows(new Rows(this))
+    , m_rows(new RowModel(this))
 {
     setObjectName(name);
     setModel(m_rows);

@@ -52,7 +52,7 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
-    class Rows;
-    Rows *m_rows;
+    class RowModel;
+    RowModel *m_rows;
     bool m_isFollowing = false; ///< scrolls to the last row when rows are added
 };
