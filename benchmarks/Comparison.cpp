@@ -73,14 +73,14 @@ double median(std::vector<double> values)
 
 using Work = std::function<void(long)>; ///< calls a job this many times
 
-/** What one call took, averaged over a turn. */
-struct Turn
+/** Time and allocations of one call, averaged over a turn. */
+struct CallCost
 {
     double time; ///< seconds
     double allocations;
 };
 
-Turn takeTurn(const Comparison::Row &row, const Work &work, long calls)
+CallCost takeTurn(const Comparison::Row &row, const Work &work, long calls)
 {
     if (row.before)
         row.before();
@@ -213,10 +213,10 @@ void Comparison::measure(const Row &row, const Work &job, const Work &floor)
     std::vector<double> allocations;
     for (int i = 0; i < plan.turns; ++i) {
         const bool isFloorFirst = i % 2 == 0;
-        const Turn first = takeTurn(row, isFloorFirst ? floor : job, plan.calls);
-        const Turn second = takeTurn(row, isFloorFirst ? job : floor, plan.calls);
-        const Turn &ofJob = isFloorFirst ? second : first;
-        const Turn &ofFloor = isFloorFirst ? first : second;
+        const CallCost first = takeTurn(row, isFloorFirst ? floor : job, plan.calls);
+        const CallCost second = takeTurn(row, isFloorFirst ? job : floor, plan.calls);
+        const CallCost &ofJob = isFloorFirst ? second : first;
+        const CallCost &ofFloor = isFloorFirst ? first : second;
         jobTimes.push_back(ofJob.time);
         floorTimes.push_back(ofFloor.time);
         ratios.push_back(ofJob.time / ofFloor.time);
@@ -239,7 +239,7 @@ void Comparison::measure(const Row &row, const Work &job, const Work &floor)
 void Comparison::figure(const Figure &figure, double value)
 {
     if (RUNNING_ON_VALGRIND)
-        return; // the table is of instructions; time and memory are not themselves there
+        return; // the table shows instructions; under callgrind time and memory are not meaningful
     const bool hasFloor = figure.floor > 0;
     print(figure.name, figure.goal > 0 && value > figure.goal * tolerance,
           {figureText(value, figure.unit), hasFloor ? figureText(figure.floor, figure.unit) : "-",

@@ -28,8 +28,8 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 mark=ktv-selftest-$$
 
-# inside SCRIPT: runs a shell script in a fresh meter; stops at its first failure.
-# It comes in a file: its text must not show on the process list.
+# inside SCRIPT: runs a shell script in a fresh meter; stops at its first failure. The script is
+# passed in a file, because its text must not appear in the process list.
 inside() {
     printf '%s' "$helpers$1" >"$scratch/script"
     "$meter_run" --fresh --bind "$scratch/script:/tmp/script" -- sh -eu /tmp/script

@@ -142,7 +142,7 @@ public:
     void fillAll();
     void fill(const ListFamily &family);
     void addFactoryEntries(const ListFamily &family, QFile &file);
-    std::optional<int> countFactoryRows(const ListFamily &family); ///< no value: it cannot be read
+    std::optional<int> countFactoryRows(const ListFamily &family); ///< no value on a failure
 
     Added insert(const ListFamily &family, bool readOnly, const QVariantList &columns);
     Added insertUnlessRefused(const ListFamily &family, bool readOnly, const QVariantList &columns);
@@ -155,7 +155,7 @@ public:
     QList<Element *> *select(const ListFamily &family, RowKind kind, const QString &filter,
                              int limit);
 
-    /** SQL statements of a list, kept so that they are composed only once. */
+    /** The SQL statements of a list; each text is made only once. */
     struct Texts
     {
         QString countDuplicates;
@@ -226,8 +226,8 @@ void KTV_DataList::Private::fill(const ListFamily &family)
         log() << "Nie znaleziono lub nie otwarto pliku: " << file.fileName();
         return;
     }
-    // Without a count nothing is added: rows that could not be read, because of a lock for
-    // instance, would then be there twice.
+    // If the rows could not be counted, because of a lock for instance, nothing is added: rows that
+    // exist would be added a second time.
     if (count && file.open(QIODevice::ReadOnly | QIODevice::Text))
         guarded([&] { addFactoryEntries(family, file); });
 }

@@ -113,8 +113,8 @@ public:
      */
     bool SetUSBMode(QERNTools::Tools::USB_Mode mode,
                     QERNTools::Tools::RS232_Function function) const;
-    QERNTools::Tools::USB_Mode getUSB_Mode() const; ///< What the USB port is now.
-    /** Who owns the serial line now; blocks for up to three commands. */
+    QERNTools::Tools::USB_Mode getUSB_Mode() const; ///< Present mode of the USB port.
+    /** Present owner of the serial line; blocks for up to three commands. */
     QERNTools::Tools::RS232_Function getRS_Mode() const;
 
     /** Plays a signal tone with BuzzerClass::Beep(), and blocks for as long. */

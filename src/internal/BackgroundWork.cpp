@@ -149,7 +149,7 @@ void EndlessWork::start(const std::function<void()> &work)
     }
     stopBeforeExit(this, [this] { stop(); });
     const auto thread = std::make_shared<ExtraThread>();
-    // Locked until the future is stored: a run that calls handle() waits so long. Otherwise it
+    // Locked until the future is stored. A run that calls handle() waits until then; otherwise it
     // could get an empty future, which counts as cancelled.
     const std::lock_guard<std::mutex> gate(m_handOver);
     dropFinished(m_runs);

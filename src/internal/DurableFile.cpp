@@ -22,7 +22,7 @@ const QString newFileSuffix = QStringLiteral(".new-");
 QString targetOf(const QString &path)
 {
     const QFileInfo old(path);
-    return old.isFile() ? old.canonicalFilePath() : path; // a device is never followed
+    return old.isFile() ? old.canonicalFilePath() : path; // a link to a device is not followed
 }
 
 /**

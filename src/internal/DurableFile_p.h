@@ -8,19 +8,24 @@
 namespace Internal {
 
 /**
- * Opens the directory of @p path, of a link's target, to be flushed.
- * @return a descriptor, the caller's to be closed; -1 on failure, and errno has the reason
+ * Opens the directory that contains the file, so that it can be flushed; for a link, that of its
+ * target.
+ * @return a descriptor, which the caller closes; -1 on failure, and errno has the reason
  */
 int openDirectoryOf(const QString &path);
 
 /**
- * Flushes the directory of @p path (fsync), so that files created, renamed or deleted in it are so
- * on the card. Flushing a file does not flush its name, which is stored in the directory.
+ * Flushes the directory that contains the file (fsync), so that the creation, renaming or deletion
+ * of the file has reached the card. Flushing a file does not flush its name, which is stored in the
+ * directory.
  * @return success; otherwise errno has the reason
  */
 bool flushDirectoryOf(const QString &path);
 
-/** Flushes an open file, or directory, to the card. @return success, or see errno */
+/**
+ * Flushes an open file or directory to the card.
+ * @return success; otherwise errno has the reason
+ */
 bool flushFile(int descriptor);
 
 /**

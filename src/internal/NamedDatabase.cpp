@@ -202,8 +202,7 @@ void NamedDatabase::rollback()
     if (!m_inTransaction)
         return;
     m_inTransaction = false;
-    guarded(
-        [this] { m_db.rollback(); }); // what ends a transaction after an exception must not throw
+    guarded([this] { m_db.rollback(); }); // the caller may be handling an exception already
 }
 
 QSqlError NamedDatabase::noteChange()
@@ -278,8 +277,9 @@ bool Statement::run(NamedDatabase &database, const QString &text, const QVariant
 
 QSqlError Statement::failureOfFresh(const NamedDatabase &database, const QString &text)
 {
-    // The first statement to meet tables that another program has changed fails when it is run.
-    // Within a transaction those before it have met them: it fails when it is prepared.
+    // Another program has changed the tables. Outside a transaction, or as its first statement, a
+    // new statement would be prepared with the old tables and fail when it is run, as the kept one
+    // did. Later in a transaction the new tables are known, and it would fail when it is prepared.
     if (!database.m_inTransaction || !database.m_hasRun)
         return {};
     QSqlQuery fresh(database.m_db);

@@ -64,7 +64,7 @@ public:
 private:
     friend class Statement;
 
-    /** The kept statement of that text, or else a new one that is not prepared yet. */
+    /** The prepared statement that is kept for this text, or a new one that is not prepared yet. */
     QSqlQuery statement(const QString &text) const;
     void keep(const QString &text, const QSqlQuery &query);
 
@@ -81,11 +81,11 @@ private:
     /** Opened with the file, so that commits can be flushed even when no descriptor is left. */
     Descriptor m_directory;
     QSqlError m_lastError;
-    QHash<QString, QSqlQuery> m_kept; ///< prepared statements that are not running, by their text
+    QHash<QString, QSqlQuery> m_kept; ///< prepared statements, by their text
     bool m_isRegistered = false;
     bool m_inTransaction = false;
-    bool m_hasRun = false; ///< a statement, since the transaction began
-    bool m_hasChanges = false; ///< since the transaction began
+    bool m_hasRun = false; ///< a statement has run since the transaction began
+    bool m_hasChanges = false; ///< a statement has changed something since then
 };
 
 /**
@@ -147,7 +147,10 @@ public:
     QVariant value(const QString &column) const { return m_run.query.value(column); }
 
 private:
-    /** Ends the statement: a kept one that still runs would hold its lock on the file. */
+    /**
+     * Ends the statement when it is destroyed: a kept statement that is still running would keep
+     * its lock on the file.
+     */
     struct Run
     {
         QSqlQuery query;
@@ -157,7 +160,10 @@ private:
     };
 
     bool run(NamedDatabase &database, const QString &text, const QVariantList &values, Use use);
-    /** Why a fresh statement would have failed in a kept one's place; no error: as that one did. */
+    /**
+     * The error with which a new statement would have failed instead of a kept one; none if it is
+     * the same. Log lines must not depend on whether a statement was kept.
+     */
     static QSqlError failureOfFresh(const NamedDatabase &database, const QString &text);
 
     Run m_run;

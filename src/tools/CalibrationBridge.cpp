@@ -87,7 +87,8 @@ void Tools::socatProces_Avait()
     do {
         if (isCancelled() || bridge.isStopping() || !ConfigurePort())
             return;
-        const QDeadlineTimer nextStart(shortestRun); // no sooner, if the bridge fails at once
+        // A bridge that fails at once is not restarted before this.
+        const QDeadlineTimer nextStart(shortestRun);
         runDirect(bridgeCommand, {Waits::NoStartWait, Waits::Forever, &bridge.isStopping()});
         bridge.rest(nextStart, [&isCancelled] {
             return isCancelled() || !loadShared(isCalibrationModeActive);

@@ -151,7 +151,7 @@ bool Tools::SetUSBMode(USB_Mode mode, RS232_Function function)
         return true;
     const bool isNetwork = StartRNDIS();
     log() << "Tools::SetUSBMode:end: StartRNDIS = " << (isNetwork ? "true" : "false");
-    return true; // kept: the interface relies on true even after the fallback
+    return true; // kept: the interface relies on the result true, even after the fallback
 }
 
 Tools::USB_Mode Tools::getCurrentMode()

@@ -66,7 +66,7 @@ public:
     {
         constexpr double limit = 4294967296.; // 2^32
         return decimals >= 0 && decimals <= mostDecimals
-            && roundedUnits(value, decimals) < limit; // NaN is not
+            && roundedUnits(value, decimals) < limit; // false for NaN
     }
     /** The number, or nothing if it does not fit. */
     static std::optional<FixedPoint> of(float value, int decimals)

@@ -43,7 +43,8 @@ struct SetDefinition
 constexpr RoundItem commonTail[] = {
     {1999.9F, 1, 0}, {9990.F, 2, 3}, {99900.F, 1, 3}, {999000.F, 0, 3}, {10000000.F, 2, 6}};
 
-// The plain sets of resistance end half a digit above their range, further rows exactly at it.
+// The last maximum of "rows" is half a digit above the range, so that a value that is rounded to
+// the end of the range is still shown; the maxima of "further" are exactly the ends of ranges.
 constexpr SetDefinition resistance420[] = {
     {{testI_10A},
      {{0.0009999F, 1, -6}, {0.0019999F, 4, -3}, {0.019999F, 3, -3}, {0.199995F, 2, -3}},
@@ -58,9 +59,9 @@ constexpr SetDefinition resistance420[] = {
     {{testI_1mA}, {{1999.95F, 1, 0}}, Wider, {}},
 };
 
-// Kept, because the meters work like this: there are no compensated values from 190 A to 110 A;
-// from 200 A to 20 A they end at the plain range; and at 10 A there are no rows of their own
-// between 0.2 and 1999.9 ohms.
+// Kept, because the meters work like this: from 190 A to 110 A there are no compensated values;
+// from 200 A to 20 A their rows are the same as for measured values; and at 10 A one row covers
+// everything between 0.2 and 1999.9 ohms.
 constexpr SetDefinition resistance4200[] = {
     {{testI_200A}, {{0.0009999F, 1, -6}}, Copy, {}},
     {{testI_190A, testI_180A, testI_170A, testI_160A, testI_150A, testI_140A, testI_130A,

@@ -158,7 +158,7 @@ void KTV_Connection::findWifiInterfaceName()
 {
     const auto result = Internal::runShell(QStringLiteral("ls /sys/class/net | grep \"wlan0\""),
                                            {Waits::NoStartWait, Waits::Forever, d->stopping.get()});
-    // What prints without end is no listing.
+    // Output without end, which is cut off, is not a list of interfaces.
     d->interfaceName.set(ToolOutput::interfaceName(result.finished() ? result.output : QString()));
 }
 

@@ -30,7 +30,7 @@ public:
     bool add(const QString &essid, const QString &key);
     /** Removes the rows of that name, if any. @return success */
     bool remove(const QString &essid);
-    /** The same two, but for the row with this id. */
+    /** The same for the row with this id. */
     bool updateRow(int id, const QString &essid, const QString &key);
     bool removeRow(int id);
 

@@ -11,7 +11,7 @@ class TstKtvctlLists : public QObject
 private slots:
     void initTestCase();
 
-    // Each row continues with the state that the one before has left.
+    // Each row starts with the state that the previous row has left.
     void story_data();
     void story();
     void limitsThatCannotBeJudgedBy_data();
@@ -114,7 +114,7 @@ void TstKtvctlLists::limitsThatCannotBeJudgedBy_data()
 
 void TstKtvctlLists::limitsThatCannotBeJudgedBy()
 {
-    // Taken, as the store takes any text, but not in silence.
+    // The store accepts any text, but ktvctl prints a warning.
     QFETCH(QString, command);
     QFETCH(QString, remark);
     const Answer answer = ktvctl(QStringList("lists") + command.split('|'));

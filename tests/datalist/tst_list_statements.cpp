@@ -500,8 +500,8 @@ void TstListStatements::unknownCountSeedsNothing()
 
 void TstListStatements::fullCardWhileCreating()
 {
-    // The card then has space for the other tables; but a file with only these would be incomplete
-    // for ever.
+    // The card then has space for the other tables, but a file with only these would never be
+    // completed.
     SqliteWatch::fillCardOn("TABLE IF NOT EXISTS OBIECT_NAME");
     LogCapture log;
     SqliteWatch::clear();

@@ -38,7 +38,7 @@ std::atomic<bool> failed {false};
 bool isWatched(std::string_view path)
 {
     return std::any_of(std::begin(watched), std::end(watched), [path](std::string_view prefix) {
-        // The folder itself counts, too: it is opened to flush it.
+        // The folder itself is included, because it is opened to be flushed.
         return path.substr(0, prefix.size()) == prefix
             || path == prefix.substr(0, prefix.size() - 1);
     });

@@ -395,7 +395,9 @@ QString callWith(Fault fault, const Place &place)
     return answer;
 }
 
-/** On a busy machine a tool may be late that is in order: the right answer has three tries. */
+/**
+ * On a busy machine a tool that works may be late, so a wrong answer is tried up to three times.
+ */
 template <typename Call>
 QString answer(const Place &place, const Call &call, const QString &expected)
 {
@@ -409,8 +411,9 @@ QString answer(const Place &place, const Call &call, const QString &expected)
 
 int openDescriptors()
 {
-    endCalibration(); // a bridge has a thread without end
-    QThreadPool::globalInstance()->waitForDone(); // its threads have descriptors of their own
+    endCalibration(); // ends the thread of a bridge
+    QThreadPool::globalInstance()
+        ->waitForDone(); // ends the pool's threads, which have descriptors of their own
     return int(QDir("/proc/self/fd")
                    .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
                    .size());
@@ -476,7 +479,7 @@ void TstFailingTools::tryPlace(Fault fault)
     const QString expected = tried.answers.at(tried.expected[fault] - '0');
     const auto callFaulty = [&tried, fault] { return callWith(fault, tried); };
     QCOMPARE(answer(tried, callFaulty, expected), expected);
-    endCalibration(); // a bridge goes on until then, and so does a child that it does not wait for
+    endCalibration(); // until then a bridge goes on, and so does a child that nobody waits for
     if (fault == Forking) // a tool that has ended by itself may leave a child
         execute("/usr/bin/pkill", {"-KILL", "-x", "sleep"});
     for (const char *program : {"sleep", "yes", "aplay", "beep", "cat"})

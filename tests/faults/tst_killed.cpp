@@ -109,7 +109,7 @@ const Store stores[] = {
     {"lists", "dataList.db", entries<countWhole>, 60000},
     {"deleted entries", "dataList.db", entries<theOnly>, 60000, true},
     {"reset lists", "dataList.db", entries<theOnly>, 60000, true},
-    {"networks", "wifi.db", networksOfBoth, 300000}, // because its tools are slow
+    {"networks", "wifi.db", networksOfBoth, 300000}, // long, because the tools are slow
     {"deleted networks", "wifi.db", networks<theOnly>, 300000, true},
     {"reset networks", "wifi.db", networks<theOnly>, 300000, true},
     {"counters", nullptr, lastCount, 60000},
@@ -155,7 +155,7 @@ private:
 void TstKilled::initTestCase()
 {
     QLoggingCategory::setFilterRules("default.debug=false"); // there are too many lines
-    for (const char *program : {"ifconfig", "systemctl"}) // only cost time here
+    for (const char *program : {"ifconfig", "systemctl"}) // not needed here: they only take time
         Meter::hideProgram(program);
     QDir(languages).removeRecursively();
     for (const char *list : {"obiectTyp", "obiectName", "materials"})

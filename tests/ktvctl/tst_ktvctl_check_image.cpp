@@ -99,7 +99,7 @@ void TstKtvctlCheckImage::faults_data()
     const auto row = [](const char *name, const char *script, const char *lines) {
         QTest::newRow(name) << script << QString::fromUtf8(lines) + '\n';
     };
-    // clang-format off: a fault, how it comes about, what is said of it
+    // clang-format off: name of the fault, commands that cause it, expected findings
     row("no description", "rm home/root/globalInfo.xml",
         "/home/root/globalInfo.xml: warning: missing: every default applies, and without it the "
         "library knows no sound samples");

@@ -77,7 +77,7 @@ void TstKtvctlUsbSound::commands_data()
         "ktvctl: a serial line is owned by 'nobody', 'bridge', 'calibration' or 'console'\n";
     row("usb set serial somebody", 2, "", owner);
     row("usb set network console", 2, "", owner);
-    // The command line itself is taken for that program.
+    // The library would take the command line itself for that program.
     row("usb set serial mactool", 2, "", owner);
     const char *time = "ktvctl: a time is a number of seconds, 1 to 86400\n";
     row("usb set serial bridge --seconds 0", 2, "", time);

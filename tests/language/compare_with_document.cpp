@@ -2,8 +2,8 @@
 // texts, sections, and the message and place of an error. Run by hand in the simulated meter:
 //
 //     compare_with_document COUNT [SEED] [FILE...]
-// Without FILE, the meter's own languages and description are mutated. The program also has some
-// difficult files of its own. A file with different results is printed.
+// Without FILE, the meter's own languages and description are mutated. The program also contains
+// some difficult files. A file with different results is printed.
 
 #include "support/LogCapture.h"
 #include "support/Meter.h"

@@ -51,7 +51,7 @@ std::unique_ptr<WiFi::KTV_Connection> s_connection;
 std::unique_ptr<KTV_InterfaceConfig> s_config;
 std::unique_ptr<KTV_DataList> s_lists;
 
-/** Destroyed last: reads and writes stores that are closed already. */
+/** Destroyed last; its destructor uses stores that are closed already. */
 struct LateUser
 {
     ~LateUser()

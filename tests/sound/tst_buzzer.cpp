@@ -406,7 +406,7 @@ void TstBuzzer::manyThreadsAsk()
         callers.reserve(count);
         std::atomic<int> done {0};
         // The thread sanitizer blocks signals in threads that wait for a mutex, as these do. Qt
-        // learns of a child's end by a signal, so this thread has to receive it.
+        // learns of a child's end by a signal, so this thread must be able to receive it.
         sigset_t childEnds;
         sigset_t before;
         ::sigemptyset(&childEnds);

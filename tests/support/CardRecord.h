@@ -13,8 +13,8 @@
  *
  * Everything that has been flushed is on the card. Of the rest, each sector of a write, each change
  * of a size and each creation, renaming or deletion of a name may be on it or not, in any
- * combination: no file system keeps less, and some keep hardly more. Flushing a file does not flush
- * its name; that takes a flush of the directory.
+ * combination: no file system guarantees less, and some guarantee hardly more. Flushing a file does
+ * not flush its name; for that the directory must be flushed.
  *
  * The program's own functions replace those of the C library with the same name; for that it must
  * export its symbols.

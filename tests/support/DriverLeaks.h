@@ -1,6 +1,6 @@
 #pragma once
 
-// For one source file of a program that throws through Qt's driver.
+// To be included by one source file of a program in which exceptions pass through Qt's driver.
 
 #ifdef __SANITIZE_ADDRESS__
 // Qt's driver leaks the names of a statement's placeholders, and the statements that begin and end

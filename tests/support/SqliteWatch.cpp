@@ -105,7 +105,8 @@ int sqlite3_prepare16_v2(sqlite3 *database, const void *text, int bytes, sqlite3
                          const void **tail)
 {
     static const auto original = next<decltype(&sqlite3_prepare16_v2)>("sqlite3_prepare16_v2");
-    const QScopedValueRollback<bool> inner(s_isInner, true); // this reads the names of the tables
+    const QScopedValueRollback<bool> inner(
+        s_isInner, true); // reading the names of the tables must not count as a statement
     ++s_preparations;
     const int result = original(database, text, bytes, statement, tail);
     if (result != SQLITE_OK)

@@ -32,8 +32,8 @@ qint64 now(clockid_t clock)
 }
 
 /**
- * While such an object exists, time passes so slowly for the workers that a limit of one second is
- * reached only after the longest time that a test waits.
+ * While such an object exists, time passes slowly for the workers: a limit of one second expires
+ * only after Meter::patience, the longest time that a test waits.
  */
 class SlowClock
 {
@@ -200,7 +200,7 @@ void TstWifiEnd::poolIsBusy()
     wifi->onStatusTime();
     wifi->onStatusDetailTime();
     Meter::clearJournal();
-    wifi.reset(); // although no worker could start
+    wifi.reset(); // works although no worker could start
     QVERIFY(!task.isFinished());
     release.release();
     task.waitForFinished();

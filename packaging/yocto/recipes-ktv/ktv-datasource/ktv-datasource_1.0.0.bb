@@ -6,7 +6,7 @@ LICENSE = "CLOSED"
 
 DEPENDS = "qtbase"
 
-# The tree that this recipe stands in.
+# The source tree that contains this recipe.
 inherit externalsrc
 EXTERNALSRC = "${@os.path.realpath(os.path.join(d.getVar('THISDIR'), '../../../../..'))}"
 EXTERNALSRC_BUILD = "${WORKDIR}/build"
