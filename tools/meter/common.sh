@@ -115,3 +115,9 @@ prepare() {
     build "$1"
 }
 
+# --- tests
+
+# without_time_limit: Qt Test would stop a test function after five minutes; long forms take longer
+without_time_limit() {
+    export QTEST_FUNCTION_TIMEOUT=$((24 * 60 * 60 * 1000))
+}
