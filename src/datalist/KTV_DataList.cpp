@@ -123,7 +123,7 @@ RowKind wantedRows(bool readOnlyRows, bool userRows)
 enum class Added
 {
     Failed,
-    Refused, ///< the text is stored already
+    Refused, ///< the text is stored already, or the database does not take this row
     Done
 };
 
@@ -145,7 +145,7 @@ public:
     std::optional<int> countFactoryRows(const ListFamily &family); ///< no value on a failure
 
     Added insert(const ListFamily &family, bool readOnly, const QVariantList &columns);
-    Added insertUnlessRefused(const ListFamily &family, bool readOnly, const QVariantList &columns);
+    Added insertUnlessStored(const ListFamily &family, bool readOnly, const QVariantList &columns);
     Added testDuplicate(const ListFamily &family, const QVariant &name);
     bool add(const ListFamily &family, bool readOnly, const QVariantList &columns);
     bool update(const ListFamily &family, int id, const QVariantList &columns);
@@ -233,8 +233,9 @@ void KTV_DataList::Private::fill(const ListFamily &family)
 }
 
 /**
- * Adds all of the entries or none: at the next start a single factory row counts as the whole list,
- * so an incomplete list would never be completed.
+ * Adds all of the entries or, if the card or memory fails, none: at the next start a single factory
+ * row counts as the whole list, so an incomplete list would never be completed. Entries that the
+ * database refuses are left out.
  */
 void KTV_DataList::Private::addFactoryEntries(const ListFamily &family, QFile &file)
 {
@@ -274,22 +275,26 @@ Added KTV_DataList::Private::testDuplicate(const ListFamily &family, const QVari
     return count == 0 ? Added::Done : Added::Refused;
 }
 
-Added KTV_DataList::Private::insertUnlessRefused(const ListFamily &family, bool readOnly,
-                                                 const QVariantList &columns)
+Added KTV_DataList::Private::insertUnlessStored(const ListFamily &family, bool readOnly,
+                                                const QVariantList &columns)
 {
     QVariantList values {language};
     if (family.hasFactoryRows())
         values += readOnly;
     values += storedColumns(family, columns);
-    const auto isInserted = [&] {
-        return Statement(database, texts(family).insert, values, Statement::Often).isDone();
+    const auto insertRow = [&] {
+        const Statement statement(database, texts(family).insert, values, Statement::Often);
+        if (statement.isRefused())
+            return Added::Refused;
+        return statement.isDone() ? Added::Done : Added::Failed;
     };
     if (!family.isUnique)
-        return isInserted() ? Added::Done : Added::Failed;
+        return insertRow();
     Internal::Transaction transaction(database);
     if (const Added test = testDuplicate(family, columns.first()); test != Added::Done)
         return test;
-    return isInserted() && transaction.commit() ? Added::Done : Added::Failed;
+    const Added row = insertRow();
+    return row == Added::Done && !transaction.commit() ? Added::Failed : row;
 }
 
 Added KTV_DataList::Private::insert(const ListFamily &family, bool readOnly,
@@ -301,7 +306,7 @@ Added KTV_DataList::Private::insert(const ListFamily &family, bool readOnly,
         database.rollback();
         return Added::Failed;
     }
-    return guarded([&] { return insertUnlessRefused(family, readOnly, columns); });
+    return guarded([&] { return insertUnlessStored(family, readOnly, columns); });
 }
 
 bool KTV_DataList::Private::add(const ListFamily &family, bool readOnly,

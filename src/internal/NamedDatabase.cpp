@@ -251,6 +251,12 @@ Statement::Statement(NamedDatabase &database, const QString &text, const QVarian
     database.m_hasRun = true;
 }
 
+bool Statement::isRefused() const
+{
+    constexpr int constraint = 19; // SQLITE_CONSTRAINT; the higher bytes say which one
+    return !m_isDone && (lastError().nativeErrorCode().toInt() & 0xff) == constraint;
+}
+
 bool Statement::run(NamedDatabase &database, const QString &text, const QVariantList &values,
                     Use use)
 {

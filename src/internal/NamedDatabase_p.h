@@ -140,6 +140,8 @@ public:
     bool isDone() const { return m_isDone; }
     /** Why it failed, or why next() found no further row; invalid at the end of the rows. */
     QSqlError lastError() const { return m_error.isValid() ? m_error : m_run.query.lastError(); }
+    /** Whether it failed because a constraint or a trigger of the database refuses the row. */
+    bool isRefused() const;
 
     /** Moves to the next row; the first call to the first row. @return whether there is one */
     bool next() { return m_run.query.next(); }

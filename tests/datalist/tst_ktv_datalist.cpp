@@ -66,6 +66,7 @@ private slots:
     void factoryRowsOfManyLanguages();
     void missingDefaultsAreLogged();
     void unreadableDefaults();
+    void refusedFactoryRow();
     void someFactoryRowsAreEnough();
     void eachListOnItsOwn();
     void factoryReset();
@@ -434,6 +435,20 @@ void TstKtvDataList::unreadableDefaults()
     QCOMPARE(store->GetDefaultObiectTypCount(), 0);
     QCOMPARE(store->GetDefaultObiectNameCount(), 0);
     QCOMPARE(store->GetDefaultMaterialsCount(), 1);
+}
+
+void TstKtvDataList::refusedFactoryRow()
+{
+    {
+        const auto store = ListStore::open();
+    }
+    // RAISE(ABORT) stands for whatever a program that shares the file has added to the table.
+    ListStore::change("CREATE TRIGGER refusal BEFORE INSERT ON OBIECT_TYP "
+                      "WHEN NEW.OBT_Value='two' BEGIN SELECT RAISE(ABORT, 'no two'); END");
+    writeDefaults("EN", "obiectTyp", "one\ntwo\nthree\n");
+    const auto store = ListStore::open();
+    QCOMPARE(families().at(0).names(*store), QStringList({"one", "three"}));
+    QVERIFY(!store->AddObiectTyp("two"));
 }
 
 void TstKtvDataList::someFactoryRowsAreEnough()
