@@ -3,6 +3,13 @@ cmake=${CMAKE:-cmake}
 cxx=${CXX:-c++}
 failures=0
 
+# What has not changed since the last run is not compiled again.
+launcher=()
+if command -v ccache >/dev/null; then
+    launcher=(ccache)
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_NOHASHDIR=1 CCACHE_DEPEND=1
+fi
+
 fail() {
     echo "FAIL!  $*"
     failures=$((failures + 1))
