@@ -1,9 +1,12 @@
 # Commands ("questions") of the tools that the library uses. They are run with the stand-ins in the
-# simulated meter and with the real tools in the virtual machine. A script that sources this file
-# must define a function scene, which prepares a situation: scene apart          the interface is
-# up, networks are in reach, none is joined scene joined         "Substation North" is joined, with
-# an address scene down           the interface is down scene serial         the serial gadget is
-# loaded scene mixer          the codec's control is there
+# simulated meter and with the real tools in the virtual machine.
+#
+# A script that sources this file must define a function scene, which prepares a situation:
+#     scene apart   the interface is up, networks are in reach, none is joined
+#     scene joined  "Substation North" is joined, with an address
+#     scene down    the interface is down
+#     scene serial  the serial gadget is loaded
+#     scene mixer   the codec's control is there
 
 # Replaces what differs from run to run.
 masked() {

@@ -1,5 +1,8 @@
-# Runs the commands of simulator/answers with the real tools; their output is kept there, in
-# real.txt. include simulator/answers/questions.sh
+# Runs the commands of simulator/answers with the real tools; their output is kept there, in real.txt.
+# vm/vm replaces the lines that begin with "#include".
+
+#include simulator/answers/questions.sh
+
 recorded=$(
     cat <<'RECORDED'
 #include simulator/answers/real.txt
