@@ -3,7 +3,8 @@
 modprobe dummy_hcd
 modprobe cdc_acm
 modprobe cdc_ether
-# Through a file, because the calibration tool goes on running and would keep a pipe open.
+# usb WORD...: runs `ktvctl usb` and prints its answer. The answer goes through a file, because a
+# calibration tool that ktvctl has started goes on running and would keep a pipe open.
 usb() {
     ktvctl usb "$@" >/run/usb-answer 2>&1
     cat /run/usb-answer
@@ -13,7 +14,7 @@ usb() {
 equal "nothing is loaded" none "$(usb status)"
 equal "the network gadget is loaded" network "$(usb set network)"
 check "usb0 is up" sh -c 'ifconfig usb0 | grep -q UP'
-computer() { # the computer's end: the interface that the gadget's driver does not own
+computer() { # prints the network interface at the computer's end, which a driver for hosts has
     for interface in /sys/class/net/*; do
         case $(readlink "$interface/device/driver") in */cdc_ether | */cdc_subset | */rndis_host)
             basename "$interface" ;;
@@ -35,11 +36,11 @@ check "the computer has found a serial line" until_true 10 test -c /dev/ttyACM0
 equal "a gadget's line has one speed, whatever is asked for" 9600 "$(stty speed -F /dev/ttyGS0)"
 
 # --- console
-ask() { # ask DEVICE TEXT: writes a line, prints the answer of the next second
+ask() { # ask DEVICE TEXT: writes a line, prints what comes back within two seconds
     stty -F "$1" raw -echo 19200 parenb cs8
     exec 5<>"$1"
     printf '%s\r' "$2" >&5
-    timeout "${3-2}" cat <&5 | tr -d '\r'
+    timeout 2 cat <&5 | tr -d '\r'
     exec 5>&-
 }
 equal "the console gets it" "serial, owned by console" "$(usb set serial console)"
@@ -52,18 +53,15 @@ bridge=$!
 check "the bridge gets it" until_true 20 grep -q 'owned by bridge' /run/bridge
 stty -F /dev/hardware raw -echo
 stty -F /dev/ttyACM0 raw -echo
-timeout 4 cat /dev/hardware >/run/to-hardware &
-heard=$!
-sleep 0.5
-printf 'MEASURE?\n' >/dev/ttyACM0
-wait $heard
-equal "what the computer writes reaches the hardware" 'MEASURE?' "$(cat /run/to-hardware)"
-timeout 4 cat /dev/ttyACM0 >/run/to-computer &
-heard=$!
-sleep 0.5
-printf '1.2517E-3\n' >/dev/hardware
-wait $heard
-equal "and its answer the computer" '1.2517E-3' "$(cat /run/to-computer)"
+carried() { # carried FROM TO TEXT: writes a line at one end, prints the line that reaches the other
+    exec 5<>"$2"
+    printf '%s\n' "$3" >"$1"
+    timeout 4 head -n 1 <&5
+    exec 5>&-
+}
+equal "what the computer writes reaches the hardware" 'MEASURE?' \
+    "$(carried /dev/ttyACM0 /dev/hardware 'MEASURE?')"
+equal "and its answer the computer" '1.2517E-3' "$(carried /dev/hardware /dev/ttyACM0 '1.2517E-3')"
 killall socat
 check "a bridge that was killed comes back" until_true 5 sh -c 'ps | grep -q "[s]ocat /dev/ttyGS0"'
 kill -TERM $bridge
