@@ -1,7 +1,7 @@
-"""Power cuts. The machine writes to a card while every write and flush that reaches it is kept, in order.
-From that record the card of any moment is made: what was written before the last flush is there; of
-what came after it, each write is there or not, as dice will have it, since a card may keep writes in
-memory and in any order until it is told to flush.
+"""Power cuts. While the machine writes to a card, QEMU records every write and flush that reaches it, in
+order. From that record the card is made as it would be after a cut at any moment: it has everything
+that was written before the last flush. Each later write is kept or lost at random, because a card may
+keep writes in its own memory, and in any order, until it gets a flush.
 """
 
 import importlib.util
@@ -18,12 +18,14 @@ from machine import Failed
 
 SECTOR = 512
 MIB = 1 << 20
-PARTITIONS = [(1 * MIB, 36 * MIB), (37 * MIB, 16 * MIB), (53 * MIB, 2 * MIB)]  # offset, size
+# Offset and size of: the data, the device's own files, the marks (see writer.py).
+PARTITIONS = [(1 * MIB, 36 * MIB), (37 * MIB, 16 * MIB), (53 * MIB, 2 * MIB)]
 SIZE = 55 * MIB
+# Flags of an entry in the record. FUA, "force unit access": that write is not kept in memory.
 FLUSH, FUA, DISCARD = 1, 2, 4
 KINDS = ("settings", "lists", "networks", "counters", "reset", "factory reset", "first start",
          "full card")
-# Which stores a command may change; the others stay as the last mark has them.
+# The stores that a command may change. All others must stay as the last mark says.
 TOUCHES = {
     "settings": ("settings",),
     "lists": ("lists",),
@@ -33,7 +35,7 @@ TOUCHES = {
     "factory reset": ("settings", "lists", "networks", "supplicant"),
     "full card": ("counters",),
 }
-# What a user has entered, all of which a factory reset removes in one step.
+# Queries that count what a user has entered. A factory reset removes all of it in one step.
 OF_THE_USER = {
     "settings": ["SELECT COUNT(*) FROM CONFIG_STR WHERE CON_Key <> 'MAIN_MeterSN'"],
     "lists": ["SELECT COUNT(*) FROM OBIECT_TYP WHERE NOT OBT_ReadOnly",
@@ -42,7 +44,7 @@ OF_THE_USER = {
               "SELECT COUNT(*) FROM LIMITS_R", "SELECT COUNT(*) FROM LIMITS_T"],
     "networks": ["SELECT COUNT(*) FROM NETWORKS"],
 }
-FACTORY = {"OBIECT_TYP": "OBT", "OBIECT_NAME": "OBN", "MATERIALS": "MAT"}  # table: its prefix
+FACTORY = {"OBIECT_TYP": "OBT", "OBIECT_NAME": "OBN", "MATERIALS": "MAT"}  # table: prefix of its columns
 FILES = {
     "settings": "UserData/interfaceConfig.db",
     "lists": "UserData/dataList.db",
@@ -52,6 +54,7 @@ FILES = {
 
 
 def run(*command, allowed=(0,)):
+    """Runs a command on the host; an exit code other than the allowed ones is a failure."""
     done = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT, check=False)
     if done.returncode not in allowed:
@@ -60,7 +63,7 @@ def run(*command, allowed=(0,)):
 
 
 def make_card(file, kind):
-    """A card of three partitions: data (ext4 or vfat), the device's own ext4, marks."""
+    """Makes a card with three partitions: data (ext4 or vfat), the device's own files (ext4), marks."""
     card = bytearray(SIZE)
     for index, (offset, size) in enumerate(PARTITIONS):
         code = 0x0c if kind == "vfat" and index == 0 else 0x83
@@ -78,7 +81,7 @@ def make_card(file, kind):
 
 
 def read_log(file):
-    """The entries of the record: (offset, bytes or None, flags)."""
+    """Reads the record of QEMU's blklogwrites. Returns its entries: (offset, bytes or None, flags)."""
     entries = []
     with open(file, "rb") as log:
         magic, version, count, sector_size = struct.unpack("<QQQI", log.read(28))
@@ -106,7 +109,8 @@ def read_log(file):
 
 
 def record(system, kind, folder, rounds, seed):
-    """Has the machine write to a fresh card. Returns the card as it was, and the entries."""
+    """Runs writer.py in the machine, on a fresh card. Returns the card as it was before, and the entries
+    of the record."""
     state = system.booted()
     card, log = folder / "card", folder / "log"
     make_card(card, kind)
@@ -145,7 +149,7 @@ WRITER
 
 
 def read_marks(entries):
-    """The marks in their order: (index of the entry, mark)."""
+    """The marks among the entries, in order: (index of the entry, mark)."""
     begin, size = PARTITIONS[2]
     marks = []
     for index, (offset, data, _) in enumerate(entries):
@@ -155,7 +159,7 @@ def read_marks(entries):
 
 
 class Card:
-    """The card at a moment, made from the record; moments must come in rising order."""
+    """Makes the card as it is after a cut, from the record. The moments must be in rising order."""
 
     def __init__(self, fresh, entries):
         self.kept = bytearray(fresh)
@@ -163,7 +167,8 @@ class Card:
         self.flushed = 0  # entries that are in `kept`
 
     def at(self, moment, dice):
-        """Cut after `moment` entries."""
+        """The card after a cut at `moment`, the number of entries before the cut, and how many writes
+        were lost."""
         last_flush = self.flushed
         for index in range(self.flushed, moment):
             if self.entries[index][2] & FLUSH:
@@ -186,7 +191,8 @@ class Card:
 
 
 def database_state(path, digest):
-    """Opens a database as the library does, which rolls an unfinished change back."""
+    """Checks a database and returns its digest. Opening it rolls an unfinished change back, as at the
+    library's next start."""
     database = sqlite3.connect(path)
     answer = database.execute("PRAGMA integrity_check").fetchall()
     database.close()
@@ -196,7 +202,8 @@ def database_state(path, digest):
 
 
 def look(card, kind, work, digest):
-    """Repairs and reads a card. Returns the digest of each store, and the folder of its data."""
+    """Repairs the card's file systems and copies their files to `work`. Returns the digest of each
+    store."""
     for name in ("data", "device"):
         shutil.rmtree(work / name, ignore_errors=True)
         (work / name).mkdir()
@@ -226,7 +233,7 @@ def look(card, kind, work, digest):
 
 
 def is_anew(work, store):
-    """Has the store nothing that a user has entered?"""
+    """Does the store hold nothing that a user has entered?"""
     path = work / "data" / FILES[store]
     if not path.exists():
         return True
@@ -241,35 +248,35 @@ def is_anew(work, store):
 
 
 def judge(stores, mark, following, work):
-    """Complains when an answer is lost, or a store is neither before nor after the command that the
-    cut has met."""
+    """Fails unless every store is as the last finished command left it (`mark`), or as the command that
+    was interrupted would have left it (`following`, the mark after it)."""
     kind = following["kind"] if following else None
     for store, seen in stores.items():
         promised = mark["stores"][store]
         if seen == promised:
             continue
         if kind == "prepared":
-            continue  # the writer itself is removing everything
+            continue  # interrupted was no command: the writer was removing everything
         if store == "counters" and seen.endswith(" bytes"):
-            # FAT notes the size after the name: a file that is being made may be empty, and
-            # counts as none, as before.
+            # FAT writes the size of a new file after its name, so that the file may be empty. The
+            # library then starts with no counts, as before the file was made.
             if (promised, seen) == ("absent", "0 bytes") and kind in ("counters", "first start"):
                 continue
             raise Failed(f"the counters' file has {seen}")
         if kind == "first start" or (kind == "reset" and store == "settings"):
-            continue  # made anew: whatever is there is sound, and the next start goes on from it
+            continue  # anything sound will do: the next start adds what is missing
         if kind == "factory reset" and store in OF_THE_USER and is_anew(work, store):
-            continue  # begun anew; the next start enters what is missing
+            continue  # the user's data are gone; the next start adds what is missing
         if store in TOUCHES.get(kind, ()) and "absent" == promised:
-            continue  # a command that meets no store makes one first
+            continue  # a command first makes a store that is absent
         if store in TOUCHES.get(kind, ()) and seen == following["stores"][store]:
             continue
-        raise Failed(f"{store} is lost: {seen} instead of {promised}, "
-                     f"answered: {mark['kind']}, met: {kind}")
+        raise Failed(f"{store} is lost: {seen} instead of {promised}; "
+                     f"finished: {mark['kind']}, interrupted: {kind}")
 
 
 def factory_rows(path):
-    """How many factory rows the lists hold, by table and language."""
+    """Number of factory rows in the lists, by table and language."""
     database = sqlite3.connect(path)
     tables = {name for name, in database.execute("SELECT name FROM sqlite_master")}
     rows = {(table, language): count
@@ -281,7 +288,7 @@ def factory_rows(path):
 
 
 def starts_again(repository, work):
-    """Does the library start from this card, and go on writing?"""
+    """Fails unless the library starts with this card and can write to it."""
     (work / "data" / "UserData").mkdir(exist_ok=True)
     (work / "data" / "Log").mkdir(exist_ok=True)
     run(repository / "simulator/meter-run", "--bind", f"{work / 'data'}:/media/sdcard",
@@ -291,8 +298,8 @@ def starts_again(repository, work):
 
 
 def moments(entries, marks, number, dice):
-    """Moments to cut at, for each kind of command: while it is carried out, and right after its
-    answer. (moment, kind) in rising order."""
+    """Moments to cut at, `number` for each kind of command: half of them during the command, half right
+    after its end. Returns (moment, kind), in rising order."""
     chosen = []
     for kind in KINDS:
         spans = [(marks[i - 1][0] + 1, marks[i][0] + 1) for i in range(1, len(marks))
@@ -302,13 +309,14 @@ def moments(entries, marks, number, dice):
             if turn % 2:
                 chosen.append((dice.randint(begin, end - 1), kind))
             else:
-                # The answer is out; nothing, or little, has been written since.
+                # The command has ended; nothing, or little, has been written since.
                 chosen.append((min(end + dice.randint(0, 2), len(entries)), kind))
     return sorted(chosen)
 
 
 def campaign(system, number, repository, seed):
-    """Cuts each kind of command `number` times on each kind of card. Returns the failures."""
+    """Cuts the power `number` times for each kind of command and each kind of card. Returns the number
+    of failures."""
     spec = importlib.util.spec_from_file_location(
         "writer", pathlib.Path(__file__).resolve().parent / "writer.py")
     writer = importlib.util.module_from_spec(spec)

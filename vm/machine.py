@@ -1,5 +1,5 @@
-"""The virtual machine, from the host's side: its command line, its control socket (QMP), and the port
-through which it is told what to do."""
+"""The virtual machine, seen from the host: QEMU's command line, its control socket (QMP), and the port
+through which the machine gets scripts to run."""
 
 import json
 import os
@@ -17,7 +17,7 @@ class Failed(Exception):
 
 KERNEL_LINE = "quiet panic=-1 net.ifnames=0 systemd.show_status=0 mitigations=off"
 SCREEN = (800, 480)
-# "slot": where a disk can be plugged in while the machine runs.
+# "slot": the bus to which a disk can be added while the machine runs.
 ARCHITECTURES = {
     "amd64": {
         "program": "qemu-system-x86_64",
@@ -40,13 +40,15 @@ ARCHITECTURES = {
         "slot": {"bus": "plug"},
     },
 }
+# Emulates every instruction. The machine's clock counts them, 2 ns for each, and jumps ahead to the next
+# timeout when the machine idles.
 TCG = ["-accel", "tcg", "-icount", "shift=1,sleep=off"]
-# For people: while the machine idles, its time is theirs.
+# For people: while the machine idles, its clock goes as fast as theirs.
 TCG_FOR_PEOPLE = ["-accel", "tcg", "-icount", "shift=1,sleep=on"]
 
 
 class Machine:
-    """One machine. Its files (sockets, console's log) are in a folder of their own."""
+    """One machine. `folder` is emptied for its sockets and the logs of QEMU and of its console."""
 
     def __init__(self, architecture, images, folder, accelerator, memory=1024):
         self.kind = ARCHITECTURES[architecture]
@@ -90,7 +92,8 @@ class Machine:
         ]
 
     def start(self, *options, terminal=None):
-        """With `terminal`, options for the display, the console is this process's terminal."""
+        """Starts QEMU. `terminal` is for people: options for QEMU's display; the console is then on this
+        process's terminal instead of in a file."""
         console = ["-display", "none", "-chardev",
                    f"file,id=console,path={self.path('console')}", "-serial", "chardev:console"]
         if terminal is not None:
@@ -126,7 +129,8 @@ class Machine:
     def _read_line(self):
         """The next line from the port."""
         while b"\n" not in self.received:
-            # The emulator looks at what we have sent only when something wakes it; a question does.
+            # While the machine idles, QEMU may not notice what we have sent until something wakes it; a
+            # QMP command does.
             while not select.select([self.port], [], [], 0.3)[0]:
                 self.control("query-status")
             data = self.port.recv(65536)
@@ -137,7 +141,7 @@ class Machine:
         return line
 
     def control(self, command, **arguments):
-        """One QMP command; its answer. Events in between are dropped."""
+        """Carries out one QMP command and returns its answer. Events that come before it are dropped."""
         request = {"execute": command, "arguments": arguments}
         self.qmp.write(json.dumps(request).encode() + b"\n")
         while True:
@@ -158,9 +162,9 @@ class Machine:
             pass
 
     def run(self, script, on_line=None, on_request=None):
-        """Runs a script of bash inside. Returns its exit code; each line that it prints goes to
-        on_line, as bytes. A line that begins with \\2 asks for something that is done outside: its
-        words go to on_request, and it gets a line when that is done."""
+        """Runs a bash script in the machine and returns its exit code. on_line is called with each line
+        that it prints, as bytes. A line that begins with \\2 is a request to the host: on_request is
+        called with its words, and then the script can read the line "done"."""
         data = script.encode()
         self.port.sendall(b"%d\n" % len(data) + data)
         self.control("query-status")
@@ -188,7 +192,7 @@ class Machine:
             time.sleep(0.05)
 
     def save(self, file):
-        """Keeps memory and devices in a file, and halts."""
+        """Halts the machine and saves the state of its memory and devices in a file."""
         self.control("stop")
         self.control("migrate", uri="exec:cat >" + file + ".new")
         while True:
@@ -201,6 +205,7 @@ class Machine:
         os.rename(file + ".new", file)
 
     def resume(self, file, terminal=None):
+        """Starts QEMU with a saved state, which goes on where it was halted."""
         self.start("-incoming", "defer", terminal=terminal)
         self.control("migrate-incoming", uri="exec:cat " + file)
         while self.control("query-status")["status"] == "inmigrate":
@@ -209,17 +214,18 @@ class Machine:
             self.control("cont")
 
     def plug(self, name, **file):
-        """Plugs a disk in, by the options of its block driver; inside it is called `name`."""
+        """Adds a disk to the running machine. `file` are the options of QEMU's block driver; in the
+        machine it is /dev/disk/by-id/virtio-NAME."""
         self.control("blockdev-add", **{"node-name": name, **file})
         self.control("device_add", driver="virtio-blk-pci", id=name, drive=name, serial=name,
                      **self.kind["slot"])
 
     def picture(self, file):
-        """What the machine's screen shows, as a PNG file."""
+        """Writes a picture of the machine's screen to a PNG file."""
         self.control("screendump", filename=file, format="png")
 
     def touch(self, x, y):
-        """A finger at that point of the screen."""
+        """Touches the screen at that point, for a moment."""
         place = [{"type": "abs", "data": {"axis": axis, "value": value * 0x7fff // (size - 1)}}
                  for axis, value, size in zip("xy", (x, y), SCREEN)]
         for down in (True, False):
@@ -227,7 +233,7 @@ class Machine:
             self.control("input-send-event", events=[*place, button])
 
     def processor_time(self):
-        """Seconds that the emulator has computed."""
+        """Seconds of processor time that QEMU has used."""
         with open(f"/proc/{self.process.pid}/stat", encoding="ascii") as file:
             user, system = file.read().rpartition(")")[2].split()[11:13]
         return (int(user) + int(system)) / os.sysconf("SC_CLK_TCK")

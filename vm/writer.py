@@ -1,6 +1,6 @@
-"""Runs inside the machine: changes every store on the card, one command of ktvctl after the other, and
-marks each answer on the card's third partition, past all caches: what then reaches the first two
-before the next mark belongs to the next command.
+"""Runs in the machine: changes every store on the card by commands of ktvctl, one after the other. After
+each one it writes a mark to the card's third partition, bypassing all caches. So in the record of the
+card, every write between two marks belongs to the command of the second.
 
 A mark holds the number of the command, its kind and a digest of each store after it.
 """
@@ -27,7 +27,7 @@ STORES = {
 
 
 def digest(path):
-    """A short text for what a store holds; for a database its rows, not its bytes."""
+    """A short checksum of a store's contents: of a database's rows, or of a file's bytes."""
     if not os.path.exists(path):
         return "absent"
     result = hashlib.sha256()
@@ -69,7 +69,7 @@ def ktvctl(*words):
 
 
 def forget_everything():
-    """What an update of the system does before a first start."""
+    """Removes every store, for a first start."""
     for path in STORES.values():
         if os.path.exists(path):
             os.unlink(path)
@@ -77,7 +77,7 @@ def forget_everything():
 
 
 def fill():
-    """Writes until the card has no room left, not even for a short file."""
+    """Fills the card until there is no room even for a short file."""
     number = 0
     for size in (1 << 20, 4096, SECTOR):
         try:

@@ -1,8 +1,8 @@
-# Sound: aplay into a loop of the kernel, whose other end is recorded; beep on an input device whose
-# tones are read back.
+# Sound: aplay plays on the kernel's loopback card, whose other end is recorded; beep plays on an
+# input device whose tones are written to a file.
 sound_card
 
-record() { # record SECONDS: what sounds at the other end, in the background
+record() { # record SECONDS: starts to record at the other end, in the background
     rm -f /run/sound/heard.raw
     arecord -q -D hw:Loopback,1,0 -t raw -f S16_LE -r 44100 -c 1 -d "$1" /run/sound/heard.raw &
     recorder=$!
@@ -21,7 +21,7 @@ TEXT
     )
 }
 
-check "volume: a first sound makes its control" timeout 20 sh -c 'ktvctl sound play set_accept'
+check "volume: the first sound creates its control" timeout 20 sh -c 'ktvctl sound play set_accept'
 ktvctl sound volume 100
 check "volume: the codec is at 100 %" sh -c 'amixer get "DAC R&L" | grep -qF "[100%]"'
 for sample in meas_end_with_pass error; do
@@ -34,17 +34,17 @@ record 8
 ktvctl sound loop set_accept --seconds 5
 recorded SOUND_SET_ACCEPT
 check "a repeated sample is heard again and again ($times times)" test "$times" -gt 3
-check "and nothing of it stays behind" sh -c '! ps | grep -q "[a]play"'
+check "and no aplay goes on running" sh -c '! ps | grep -q "[a]play"'
 record 3
 ktvctl sound volume 40
 check "volume: the codec is at 40 %" sh -c 'amixer get "DAC R&L" | grep -qF "[40%]"'
 ktvctl sound play error
 recorded SOUND_ERROR
-equal "at 40 % it sounds otherwise" 0 "$times"
+equal "at 40 % the recording is not the sample" 0 "$times"
 
 # --- the buzzer, of a model without a codec
 buzzer
-tones() { # the tones since the last call: Hz/ms, in order
+tones() { # prints the tones since the last call, in order: HERTZ/MILLISECONDS
     sleep 1
     python3 - <<'TEXT'
 lines = [line.split() for line in open("/run/sound/tones", errors="replace")]

@@ -32,7 +32,8 @@ equal "two access points of one name are listed once" 1 "$(printf '%s\n' "$reach
 
 # --- joining
 ktvctl wifi add "Substation North" wrong-phrase
-# The name is there while the access point refuses, and gone until the next try.
+# The supplicant tries again and again. While the access point refuses, iwgetid prints the name of the
+# network; between two tries it prints only a line feed.
 watched=$(ktvctl wifi watch --seconds 12)
 has "a wrong pass phrase: on, without a name" "detail  ON" "$watched"
 lacks "and never connecting without a name" "detail  Connecting" "$watched"
