@@ -2,7 +2,6 @@
 
 #include <valuebox/NumericalValueBox.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 

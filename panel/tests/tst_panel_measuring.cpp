@@ -11,7 +11,6 @@
 
 #include <QDate>
 #include <QDir>
-#include <QFile>
 #include <QSemaphore>
 #include <QtConcurrent>
 

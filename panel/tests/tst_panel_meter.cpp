@@ -20,7 +20,6 @@
 #include <datalist/KTV_DataList.h>
 #include <valuebox/NumericalValueBox.h>
 
-#include <QDir>
 #include <QTemporaryDir>
 #include <QtConcurrent>
 #include <QtTest>

@@ -147,7 +147,7 @@ void TstPanelMonkey::touches()
     do {
         for (const char *language : {"EN", "PL", "DE", "US"}) {
             panel->session.setLanguage(language);
-            for (const QString &page : qAsConst(pages))
+            for (const QString &page : std::as_const(pages))
                 visit(*panel, page);
             disturb(card);
         }

@@ -7,7 +7,6 @@
 #include <wifi/Network.h>
 
 #include <QDir>
-#include <QLineEdit>
 #include <QPointer>
 #include <QRegularExpression>
 #include <QSemaphore>

@@ -1,5 +1,4 @@
 #include "PanelTestMain.h"
-#include "touch/Buttons.h"
 #include "touch/Indicators.h"
 #include "touch/Plot.h"
 #include "touch/Theme.h"

@@ -232,7 +232,7 @@ void TstPowerCut::knownNetworks()
             Internal::KnownNetworks networks(m_prefix);
             QString found = networks.open() ? "" : "closed";
             const auto all = networks.all();
-            for (const WiFi::Network *network : qAsConst(*all))
+            for (const WiFi::Network *network : std::as_const(*all))
                 found += network->ESSID + ':' + network->key + ',';
             return found;
         });

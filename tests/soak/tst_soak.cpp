@@ -80,7 +80,7 @@ bool lists(int turn)
     const std::unique_ptr<QList<MaterialList_Element *>> found(
         store.GetMaterials(false, true, name, 0));
     bool isDone = found && found->size() == 1;
-    for (const MaterialList_Element *element : qAsConst(*found))
+    for (const MaterialList_Element *element : std::as_const(*found))
         isDone = store.DeleteMaterial(element->ID) && isDone;
     qDeleteAll(*found);
     return isDone;

@@ -1,6 +1,5 @@
 #include "Texts.h"
 
-#include "support/LogCapture.h"
 #include "support/Meter.h"
 
 #include <valuebox/NumericalValueBox.h>
