@@ -102,14 +102,14 @@ private slots:
     void integerRules();
     void booleanRules_data();
     void booleanRules();
-    void producerLeadsTheFullName();
+    void fullNameBeginsWithTheProducer();
     void loadIsLogged();
     void fileIsReadOnce();
-    void manyEntriesBesideEachOther();
+    void manySiblingEntries();
 
     void modelOfSerialNumber_data();
     void modelOfSerialNumber();
-    void modelIsSharedNameIsNot();
+    void modelIsSharedButNotItsName();
     void modelNamesAreKnownToTheMetaObject();
 
     void versions_data();
@@ -342,7 +342,7 @@ void TstKtvConfiguration::booleanRules()
     }
 }
 
-void TstKtvConfiguration::producerLeadsTheFullName()
+void TstKtvConfiguration::fullNameBeginsWithTheProducer()
 {
     Meter::writeFile(descriptionFile, device(element("_meterProducer", "A &amp; B")));
     KTV_Configuration configuration;
@@ -367,7 +367,7 @@ void TstKtvConfiguration::fileIsReadOnce()
     QCOMPARE(Meter::readFile(descriptionFile), device(element("_logDirectory", "/two/")));
 }
 
-void TstKtvConfiguration::manyEntriesBesideEachOther()
+void TstKtvConfiguration::manySiblingEntries()
 {
     // Also what a stricter parser refuses: repeated attributes, undeclared prefixes.
     Meter::writeFile(descriptionFile,
@@ -419,7 +419,7 @@ void TstKtvConfiguration::modelOfSerialNumber()
              QStringList(QStringLiteral("KTV_Configuration::set_SerialNumber(") + serial + ')'));
 }
 
-void TstKtvConfiguration::modelIsSharedNameIsNot()
+void TstKtvConfiguration::modelIsSharedButNotItsName()
 {
     KTV_Configuration first;
     const KTV_Configuration second;

@@ -98,7 +98,7 @@ private slots:
     void rowWithoutValueIsEmpty();
     void deleteValue_data();
     void deleteValue();
-    void failedStatementStopsNoOther();
+    void otherStatementsRunAfterAFailure();
     void writesAreOneTransaction();
     void restore();
 
@@ -108,14 +108,14 @@ private slots:
     void garbage_data();
     void garbage();
     void socketIsReplaced();
-    void directoryIsKept();
+    void directoryInTheFilesPlaceIsKept();
     void closedStoreOpensOnIntegerRead();
     void readOnlyCard();
     void fullCard();
     void fullCardAtCreation();
     void lockedFile();
-    void tablesChangeUnderneath();
-    void leavesNothingRegistered();
+    void tablesChangedByAnotherProgram();
+    void connectionIsRemoved();
 
 private:
     QString path() const { return directory() + fileName; }
@@ -403,7 +403,7 @@ void TstKtvInterfaceConfig::deleteValue()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void TstKtvInterfaceConfig::failedStatementStopsNoOther()
+void TstKtvInterfaceConfig::otherStatementsRunAfterAFailure()
 {
     {
         Config config(directory());
@@ -576,7 +576,7 @@ void TstKtvInterfaceConfig::socketIsReplaced()
     QVERIFY(QFileInfo(path()).isFile());
 }
 
-void TstKtvInterfaceConfig::directoryIsKept()
+void TstKtvInterfaceConfig::directoryInTheFilesPlaceIsKept()
 {
     QDir().mkpath(path() + "/within");
     const LogCapture log;
@@ -724,7 +724,7 @@ void TstKtvInterfaceConfig::lockedFile()
     QCOMPARE(config.getValue(Config::MAIN_Lang, QStringLiteral("EN")), QStringLiteral("PL"));
 }
 
-void TstKtvInterfaceConfig::tablesChangeUnderneath()
+void TstKtvInterfaceConfig::tablesChangedByAnotherProgram()
 {
     Config config(directory());
     config.setValue(Config::MAIN_Lang, QStringLiteral("DE"));
@@ -760,7 +760,7 @@ void TstKtvInterfaceConfig::tablesChangeUnderneath()
     change("BEGIN EXCLUSIVE"); // no statement that is still running locks the file
 }
 
-void TstKtvInterfaceConfig::leavesNothingRegistered()
+void TstKtvInterfaceConfig::connectionIsRemoved()
 {
     const LogCapture log;
     {

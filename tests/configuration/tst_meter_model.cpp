@@ -15,7 +15,7 @@ class TstMeterModel : public QObject
     Q_OBJECT
 private slots:
     void everyModelHasARow();
-    void nothingStandsTwice();
+    void noDuplicates();
     void unknownModel();
 };
 
@@ -36,7 +36,7 @@ void TstMeterModel::everyModelHasARow()
     }
 }
 
-void TstMeterModel::nothingStandsTwice()
+void TstMeterModel::noDuplicates()
 {
     QSet<QString> seen;
     for (const Internal::MeterModel &row : meterModels) {

@@ -95,12 +95,12 @@ private slots:
     void eachCounterHasItsPlace_data();
     void eachCounterHasItsPlace();
     void roundTrip();
-    void onlyTheEndSaves();
+    void onlyTheDestructorSaves();
     void load_data();
     void load();
-    void loadAgainKeepsWhatADamagedFileLacks();
+    void loadingADamagedFileKeepsTheCounts();
     void streamPastItsEnd();
-    void copyIsTheCallers();
+    void copyBelongsToTheCaller();
     void printing();
     void highestCount();
 
@@ -109,13 +109,13 @@ private slots:
     void obstacle_data();
     void obstacle();
     void writeProtectedFileIsWritten();
-    void fullCardTakesTheCounts_data();
-    void fullCardTakesTheCounts();
+    void countsAreWrittenOnAFullCard_data();
+    void countsAreWrittenOnAFullCard();
     void fullCardWithoutFile_data();
     void fullCardWithoutFile();
     void mountPointIsOverwritten();
-    void whatIsNoFileIsReplaced_data();
-    void whatIsNoFileIsReplaced();
+    void otherKindsOfFilesAreReplaced_data();
+    void otherKindsOfFilesAreReplaced();
     void fileIsOverwrittenInPlace();
 
 private:
@@ -178,7 +178,7 @@ void TstKtvLiczniki::roundTrip()
     QCOMPARE(countsOf(KTV_Liczniki(directory())), some);
 }
 
-void TstKtvLiczniki::onlyTheEndSaves()
+void TstKtvLiczniki::onlyTheDestructorSaves()
 {
     Meter::writeFile(path(), fileOf(none));
     {
@@ -233,7 +233,7 @@ void TstKtvLiczniki::load()
     QCOMPARE(log.lines(), lines);
 }
 
-void TstKtvLiczniki::loadAgainKeepsWhatADamagedFileLacks()
+void TstKtvLiczniki::loadingADamagedFileKeepsTheCounts()
 {
     Meter::writeFile(path(), fileOf(some));
     KTV_Liczniki counters(directory());
@@ -256,7 +256,7 @@ void TstKtvLiczniki::streamPastItsEnd()
     QCOMPARE(counters.get_dictionary(KTV_Liczniki::Licznik_PomiarTemperaturySilnika), 0);
 }
 
-void TstKtvLiczniki::copyIsTheCallers()
+void TstKtvLiczniki::copyBelongsToTheCaller()
 {
     KTV_Liczniki counters(directory());
     counters.Up_Licznik_Demagnetyzacja();
@@ -384,7 +384,7 @@ void TstKtvLiczniki::writeProtectedFileIsWritten()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void TstKtvLiczniki::fullCardTakesTheCounts_data()
+void TstKtvLiczniki::countsAreWrittenOnAFullCard_data()
 {
     QTest::addColumn<QByteArray>("old");
     QTest::newRow("whole file") << fileOf(some);
@@ -392,7 +392,7 @@ void TstKtvLiczniki::fullCardTakesTheCounts_data()
     QTest::newRow("longer file") << fileOf(some) + QByteArray(5000, 'x');
 }
 
-void TstKtvLiczniki::fullCardTakesTheCounts()
+void TstKtvLiczniki::countsAreWrittenOnAFullCard()
 {
     QFETCH(QByteArray, old);
     Volume card(directory());
@@ -458,14 +458,14 @@ void TstKtvLiczniki::mountPointIsOverwritten()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void TstKtvLiczniki::whatIsNoFileIsReplaced_data()
+void TstKtvLiczniki::otherKindsOfFilesAreReplaced_data()
 {
     QTest::addColumn<bool>("isPipe");
     QTest::newRow("socket") << false;
     QTest::newRow("pipe") << true;
 }
 
-void TstKtvLiczniki::whatIsNoFileIsReplaced()
+void TstKtvLiczniki::otherKindsOfFilesAreReplaced()
 {
     QFETCH(bool, isPipe);
     std::unique_ptr<SocketFile> socket;

@@ -46,19 +46,19 @@ class TstKtvDataList : public QObject
 private slots:
     void init();
 
-    void nothingForTheMetaObject();
+    void metaObject();
     void newFile();
-    void newFileOnceOnly();
-    void pathsAreGlued();
-    void directoryIsCreatedOneLevel();
+    void newFileIsCreatedOnce();
+    void pathsAreConcatenated();
+    void oneLevelOfDirectoriesIsCreated();
     void emptyFileIsCreatedAnew();
-    void cutCreationIsRepeated();
+    void interruptedCreationIsRepeated();
     void openFailures_data();
     void openFailures();
     void closedStore();
     void reopening();
-    void connectionIsGivenBack();
-    void secondStoreTakesOver();
+    void connectionIsRemoved();
+    void secondStoreTakesTheConnection();
 
     void factoryTexts();
     void factoryMaterials_data();
@@ -67,8 +67,8 @@ private slots:
     void missingDefaultsAreLogged();
     void unreadableDefaults();
     void refusedFactoryRow();
-    void someFactoryRowsAreEnough();
-    void eachListOnItsOwn();
+    void oneFactoryRowIsEnough();
+    void eachListIsFilledSeparately();
     void factoryReset();
     void factoryResetWithoutDeletion();
     void hostileLanguages_data();
@@ -90,8 +90,8 @@ private slots:
     void filters();
     void limits_data();
     void limits();
-    void languagesAreApart_data() { familyRows(); }
-    void languagesAreApart();
+    void languagesAreSeparate_data() { familyRows(); }
+    void languagesAreSeparate();
     void hostileTexts_data();
     void hostileTexts();
     void coefficients();
@@ -101,7 +101,7 @@ private slots:
     void temperaturesOfAnotherUnit();
     void brokenTable_data() { familyRows(); }
     void brokenTable();
-    void handedOutListsOutliveTheStore();
+    void returnedListsOutliveTheStore();
     void throughTheFacade();
 
 private:
@@ -127,7 +127,7 @@ const Family &TstKtvDataList::family() const
     return families().at(size_t(*index));
 }
 
-void TstKtvDataList::nothingForTheMetaObject()
+void TstKtvDataList::metaObject()
 {
     const QMetaObject &plain = QObject::staticMetaObject;
     for (const QMetaObject *object :
@@ -163,7 +163,7 @@ void TstKtvDataList::newFile()
              QStringList());
 }
 
-void TstKtvDataList::newFileOnceOnly()
+void TstKtvDataList::newFileIsCreatedOnce()
 {
     ListStore::open()->AddObiectTyp("kept");
     ListStore::change("UPDATE Setting SET SET_Value=7"); // the version is never read
@@ -172,7 +172,7 @@ void TstKtvDataList::newFileOnceOnly()
     QCOMPARE(rows("SELECT SET_Key,SET_Value FROM Setting"), QStringList("Version|7"));
 }
 
-void TstKtvDataList::pathsAreGlued()
+void TstKtvDataList::pathsAreConcatenated()
 {
     Meter::writeFile(ListStore::languages + "preEN/default_obiectTyp.txt", "Motor\n");
     const KTV_DataList store(ListStore::userData + "pre", ListStore::languages + "pre", "EN");
@@ -181,7 +181,7 @@ void TstKtvDataList::pathsAreGlued()
         QStringList("EN|Motor"));
 }
 
-void TstKtvDataList::directoryIsCreatedOneLevel()
+void TstKtvDataList::oneLevelOfDirectoriesIsCreated()
 {
     QDir(ListStore::userData).removeRecursively();
     ListStore::open();
@@ -204,7 +204,7 @@ void TstKtvDataList::emptyFileIsCreatedAnew()
     QCOMPARE(rows("SELECT SET_Value FROM Setting"), QStringList("0"));
 }
 
-void TstKtvDataList::cutCreationIsRepeated()
+void TstKtvDataList::interruptedCreationIsRepeated()
 {
     // As left by a battery pulled during the first commit: pages, and a journal that says that
     // there were none before.
@@ -302,7 +302,7 @@ void TstKtvDataList::reopening()
     QCOMPARE(families().front().names(*store), QStringList());
 }
 
-void TstKtvDataList::connectionIsGivenBack()
+void TstKtvDataList::connectionIsRemoved()
 {
     LogCapture log;
     auto store = ListStore::open();
@@ -324,7 +324,7 @@ void TstKtvDataList::connectionIsGivenBack()
     QCOMPARE(log.lines().filter("QSqlDatabasePrivate"), QStringList());
 }
 
-void TstKtvDataList::secondStoreTakesOver()
+void TstKtvDataList::secondStoreTakesTheConnection()
 {
     auto first = ListStore::open();
     LogCapture log;
@@ -451,7 +451,7 @@ void TstKtvDataList::refusedFactoryRow()
     QVERIFY(!store->AddObiectTyp("two"));
 }
 
-void TstKtvDataList::someFactoryRowsAreEnough()
+void TstKtvDataList::oneFactoryRowIsEnough()
 {
     writeDefaults("EN", "obiectTyp", "one\ntwo\n");
     {
@@ -467,7 +467,7 @@ void TstKtvDataList::someFactoryRowsAreEnough()
     QCOMPARE(store->GetDefaultObiectNameCount(), 1); // not the user's
 }
 
-void TstKtvDataList::eachListOnItsOwn()
+void TstKtvDataList::eachListIsFilledSeparately()
 {
     const auto store = ListStore::open();
     ListStore::writeManyDefaults("EN", 1);
@@ -731,7 +731,7 @@ void TstKtvDataList::limits()
     }
 }
 
-void TstKtvDataList::languagesAreApart()
+void TstKtvDataList::languagesAreSeparate()
 {
     const auto store = ListStore::open();
     QVERIFY(family().add(*store, "English"));
@@ -960,7 +960,7 @@ void TstKtvDataList::brokenTable()
     }
 }
 
-void TstKtvDataList::handedOutListsOutliveTheStore()
+void TstKtvDataList::returnedListsOutliveTheStore()
 {
     auto store = ListStore::open();
     QVERIFY(store->AddObiectTyp("text"));

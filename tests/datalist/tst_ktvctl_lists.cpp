@@ -14,8 +14,8 @@ private slots:
     // Each row starts with the state that the previous row has left.
     void story_data();
     void story();
-    void limitsThatCannotBeJudgedBy_data();
-    void limitsThatCannotBeJudgedBy();
+    void limitsThatCannotBeComparedWith_data();
+    void limitsThatCannotBeComparedWith();
     void closedStore();
 };
 
@@ -85,7 +85,7 @@ void TstKtvctlLists::story()
     QCOMPARE(answer.error.isEmpty(), answer.code == 0);
 }
 
-void TstKtvctlLists::limitsThatCannotBeJudgedBy_data()
+void TstKtvctlLists::limitsThatCannotBeComparedWith_data()
 {
     QTest::addColumn<QString>("command");
     QTest::addColumn<QString>("remark");
@@ -112,7 +112,7 @@ void TstKtvctlLists::limitsThatCannotBeJudgedBy_data()
     row("two bounds", "limits-t|add|cold|80|5.5", "");
 }
 
-void TstKtvctlLists::limitsThatCannotBeJudgedBy()
+void TstKtvctlLists::limitsThatCannotBeComparedWith()
 {
     // The store accepts any text, but ktvctl prints a warning.
     QFETCH(QString, command);

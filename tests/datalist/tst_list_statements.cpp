@@ -4,8 +4,6 @@
 #include "support/Meter.h"
 #include "support/SqliteWatch.h"
 
-#include <valuebox/NumericalValueBox.h>
-
 #include <QtTest>
 
 #include <functional>
@@ -38,25 +36,25 @@ private slots:
     void creation();
     void statements_data();
     void statements();
-    void firstStartWaits_data();
-    void firstStartWaits();
-    void laterStartDoesNotWait();
-    void operationsWait();
-    void fewAreTheirPreparations();
+    void firstStartFlushes_data();
+    void firstStartFlushes();
+    void laterStartDoesNotFlush();
+    void operationsFlush();
+    void statementsArePreparedOnce();
     void moreTextsThanAreKept();
-    void preparedOnesHoldNoLock();
-    void preparedOnesMeetAnotherSchema();
+    void keptStatementsHoldNoLock();
+    void keptStatementsWithAnotherSchema();
     void exceptions_data();
     void exceptions();
     void exceptionWhileCreating();
-    void unknownCountSeedsNothing();
-    void exceptionWhileSeeding_data();
-    void exceptionWhileSeeding();
+    void nothingIsAddedWithoutACount();
+    void exceptionWhileFilling_data();
+    void exceptionWhileFilling();
     void exceptionWhileReading();
     void fullCardWhileCreating();
-    void fullCardWhileSeeding();
+    void fullCardWhileFilling();
     void fullCardAtTheCommit();
-    void readErrorWhileSeeding();
+    void readErrorWhileFilling();
 };
 
 void TstListStatements::init()
@@ -275,7 +273,7 @@ void TstListStatements::statements()
     QCOMPARE(SqliteWatch::statements(), expected);
 }
 
-void TstListStatements::firstStartWaits_data()
+void TstListStatements::firstStartFlushes_data()
 {
     QTest::addColumn<int>("lines");
     QTest::addColumn<int>("most");
@@ -285,7 +283,7 @@ void TstListStatements::firstStartWaits_data()
     QTest::newRow("1000 entries a list") << 1000 << 20;
 }
 
-void TstListStatements::firstStartWaits()
+void TstListStatements::firstStartFlushes()
 {
     QFETCH(int, lines);
     QFETCH(int, most);
@@ -301,7 +299,7 @@ void TstListStatements::firstStartWaits()
     QCOMPARE(store->GetDefaultMaterialsCount(), lines);
 }
 
-void TstListStatements::laterStartDoesNotWait()
+void TstListStatements::laterStartDoesNotFlush()
 {
     ListStore::open();
     SqliteWatch::clear();
@@ -311,7 +309,7 @@ void TstListStatements::laterStartDoesNotWait()
     QCOMPARE(SqliteWatch::changes(), 0);
 }
 
-void TstListStatements::operationsWait()
+void TstListStatements::operationsFlush()
 {
     const auto store = ListStore::open();
     for (const Family &family : families()) {
@@ -327,7 +325,7 @@ void TstListStatements::operationsWait()
     }
 }
 
-void TstListStatements::fewAreTheirPreparations()
+void TstListStatements::statementsArePreparedOnce()
 {
     ListStore::writeManyDefaults("PL", 100);
     const auto store = ListStore::open();
@@ -365,7 +363,7 @@ void TstListStatements::moreTextsThanAreKept()
     }
 }
 
-void TstListStatements::preparedOnesHoldNoLock()
+void TstListStatements::keptStatementsHoldNoLock()
 {
     const auto store = ListStore::open();
     for (const Family &family : families()) {
@@ -376,7 +374,7 @@ void TstListStatements::preparedOnesHoldNoLock()
     }
 }
 
-void TstListStatements::preparedOnesMeetAnotherSchema()
+void TstListStatements::keptStatementsWithAnotherSchema()
 {
     const auto store = ListStore::open();
     for (const Family &family : families()) {
@@ -438,7 +436,7 @@ void TstListStatements::exceptions()
     }
 }
 
-void TstListStatements::exceptionWhileSeeding_data()
+void TstListStatements::exceptionWhileFilling_data()
 {
     QTest::addColumn<QString>("part");
     QTest::newRow("count") << "SELECT COUNT(*) FROM OBIECT_NAME WHERE `OBN_ReadOnly`";
@@ -446,7 +444,7 @@ void TstListStatements::exceptionWhileSeeding_data()
     QTest::newRow("row") << "INSERT INTO OBIECT_NAME";
 }
 
-void TstListStatements::exceptionWhileSeeding()
+void TstListStatements::exceptionWhileFilling()
 {
     QFETCH(QString, part);
     ListStore::writeManyDefaults("EN", 3);
@@ -488,7 +486,7 @@ void TstListStatements::exceptionWhileCreating()
     QVERIFY(store->AddLimit_R("a", "1", "2"));
 }
 
-void TstListStatements::unknownCountSeedsNothing()
+void TstListStatements::nothingIsAddedWithoutACount()
 {
     const auto store = ListStore::open();
     SqliteWatch::fillCardOn("SELECT COUNT(*) FROM MATERIALS");
@@ -518,7 +516,7 @@ void TstListStatements::fullCardWhileCreating()
     QCOMPARE(store->GetDefaultObiectNameCount(), 1);
 }
 
-void TstListStatements::fullCardWhileSeeding()
+void TstListStatements::fullCardWhileFilling()
 {
     ListStore::writeManyDefaults("EN", 3);
     SqliteWatch::fillCardOn("INSERT INTO MATERIALS");
@@ -548,7 +546,7 @@ void TstListStatements::fullCardAtTheCommit()
     QVERIFY(store->AddObiectTyp("new"));
 }
 
-void TstListStatements::readErrorWhileSeeding()
+void TstListStatements::readErrorWhileFilling()
 {
     constexpr int lines = 2000; // more than are read at once
     ListStore::writeManyDefaults("XX", 0);

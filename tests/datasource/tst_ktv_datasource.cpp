@@ -109,7 +109,7 @@ private slots:
 
     void alertLevel_data();
     void alertLevel();
-    void alertLevelIsOneForAll();
+    void alertLevelIsSharedByTheProcess();
     void alertOfAVolumeWithoutSize();
     void diskIsCheckedOnceAMinute();
     void diskFigures();
@@ -119,7 +119,7 @@ private slots:
     void firstStart_data();
     void firstStart();
     void firstStartFromOddPlaces();
-    void touchScreenIsAFile();
+    void touchScreenIsDetectedByAFile();
 };
 
 void TstKtvDataSource::init()
@@ -440,7 +440,7 @@ void TstKtvDataSource::alertLevel()
     QCOMPARE(changes.count(), before == level ? 0 : 1);
 }
 
-void TstKtvDataSource::alertLevelIsOneForAll()
+void TstKtvDataSource::alertLevelIsSharedByTheProcess()
 {
     Volume card(clients);
     card.fill(75);
@@ -579,7 +579,7 @@ void TstKtvDataSource::firstStartFromOddPlaces()
     QVERIFY(QFile::remove(bootMarker));
 }
 
-void TstKtvDataSource::touchScreenIsAFile()
+void TstKtvDataSource::touchScreenIsDetectedByAFile()
 {
     QFile::remove(touchScreen);
     QVERIFY(!KTV_DataSource::TouchScreenEnable());

@@ -366,7 +366,7 @@ void TstOddFiles::linkOutOfTheFolder_data()
         QTest::addRow("%s", written.path) << written.path << written.use;
 }
 
-/** What is written goes to the file at the link's end, and the next start finds it there. */
+/** Changes are written to the file to which the link leads, and the next start reads them there. */
 void TstOddFiles::linkOutOfTheFolder()
 {
     QFETCH(QString, path);

@@ -111,7 +111,7 @@ QString stopConsole()
     return text(Tools::StopRS232Console());
 }
 
-/** With the bridge and the calibration tool as somebody else has started them. */
+/** With a bridge and a calibration tool that were started by somebody else. */
 void bridge()
 {
     serialLine();
@@ -429,7 +429,7 @@ class TstFailingTools : public QObject
 {
     Q_OBJECT
 private slots:
-    // A function for each fault, so that they can be dealt to several meters.
+    // A function for each fault, so that they can be distributed to several meters.
     void missing_data() { addPlaces(Missing); }
     void missing() { tryPlace(Missing); }
     void slow_data() { addPlaces(Slow); }

@@ -23,13 +23,13 @@ private slots:
     void cleanup();
 
     void knowsItsOwnFuture();
-    void takesNoThreadFromOthers();
+    void leavesThreadsToOthers();
     void startsThoughThePoolIsBusy();
     void stopEndsEveryRun();
-    void stopKeepsWaitingRunsFromBeginning();
-    void cancelledBeforeItBegins();
+    void waitingRunsDoNotStartAfterStop();
+    void cancelledBeforeItStarts();
     void stopWithoutRuns();
-    void restLastsItsTime();
+    void restLastsUntilItsEnd();
     void restEndsEarly_data();
     void restEndsEarly();
     void stopsAllAtOnce();
@@ -62,7 +62,7 @@ void TstBackgroundWork::knowsItsOwnFuture()
     }
 }
 
-void TstBackgroundWork::takesNoThreadFromOthers()
+void TstBackgroundWork::leavesThreadsToOthers()
 {
     EndlessWork work(handle);
     work.start([&work] { runUntilStopped(work); });
@@ -103,7 +103,7 @@ void TstBackgroundWork::stopEndsEveryRun()
     QVERIFY(!work.isStopping()); // ready for the next run
 }
 
-void TstBackgroundWork::stopKeepsWaitingRunsFromBeginning()
+void TstBackgroundWork::waitingRunsDoNotStartAfterStop()
 {
     QSemaphore release;
     QFuture<void> busy[2];
@@ -121,7 +121,7 @@ void TstBackgroundWork::stopKeepsWaitingRunsFromBeginning()
     QCOMPARE(begun.load(), 0);
 }
 
-void TstBackgroundWork::cancelledBeforeItBegins()
+void TstBackgroundWork::cancelledBeforeItStarts()
 {
     QSemaphore release;
     QtConcurrent::run([&release] { release.acquire(); });
@@ -144,7 +144,7 @@ void TstBackgroundWork::stopWithoutRuns()
     QCOMPARE(calls, 1);
 }
 
-void TstBackgroundWork::restLastsItsTime()
+void TstBackgroundWork::restLastsUntilItsEnd()
 {
     EndlessWork work(handle);
     qint64 rested = 0;

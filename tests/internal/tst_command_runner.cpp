@@ -29,24 +29,24 @@ class TstCommandRunner : public QObject
 private slots:
     void init();
 
-    void howFar_data();
-    void howFar();
-    void argumentsStandAsGiven();
+    void outcomes_data();
+    void outcomes();
+    void argumentsAreNotChanged();
     void lateCommandIsKilledWithItsChildren();
     void stopFlagEndsTheWait_data();
     void stopFlagEndsTheWait();
     void stopFlagSetBefore();
-    void stopReachesNoHandlerOfThisProcess();
+    void stopDoesNotCallHandlersOfThisProcess();
     void endsInTimeDespiteAFlag();
     void detached();
 
-    void toolReadsNothingAndComplainsToNobody();
+    void toolHasNoInputAndNoErrorOutput();
     void toolHasNoDescriptorsOfOurs();
-    void toolHasItsSignalsAsAShellGivesThem();
+    void toolHasTheSignalsThatAShellGives();
     void withoutStandardStreams();
-    void withoutNewsOfTheEnd();
+    void withoutPidfd();
     void withThreeDescriptorsLeft();
-    void whereChildrenAreNotWaitedFor();
+    void withSigchldIgnored();
     void printsTooMuch_data();
     void printsTooMuch();
     void killedWhileItStartsCommands();
@@ -73,7 +73,7 @@ void TstCommandRunner::init()
     QFile::remove(notePath());
 }
 
-void TstCommandRunner::howFar_data()
+void TstCommandRunner::outcomes_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<bool>("inShell");
@@ -108,7 +108,7 @@ void TstCommandRunner::howFar_data()
         << "printf %s| \"a b\" c" << false << 3000 << 5000 << CommandResult::Finished << "a b|c|";
 }
 
-void TstCommandRunner::howFar()
+void TstCommandRunner::outcomes()
 {
     QFETCH(QString, line);
     QFETCH(bool, inShell);
@@ -122,7 +122,7 @@ void TstCommandRunner::howFar()
     QCOMPARE(result.finished(), result.outcome == CommandResult::Finished);
 }
 
-void TstCommandRunner::argumentsStandAsGiven()
+void TstCommandRunner::argumentsAreNotChanged()
 {
     const QStringList arguments {"%s|", "a b", "", "\"", "$HOME", "*"};
     QCOMPARE(Internal::runProgram("printf", arguments, {3000, 5000}).output, "a b||\"|$HOME|*|");
@@ -176,7 +176,7 @@ void TstCommandRunner::stopFlagSetBefore()
              CommandResult::NotFinished);
 }
 
-void TstCommandRunner::stopReachesNoHandlerOfThisProcess()
+void TstCommandRunner::stopDoesNotCallHandlersOfThisProcess()
 {
     // A handler such as that of an interface that quits on SIGTERM: it writes into a pipe that a
     // forked child shares.
@@ -219,7 +219,7 @@ void TstCommandRunner::detached()
     QVERIFY(!Internal::startDetached(""));
 }
 
-void TstCommandRunner::toolReadsNothingAndComplainsToNobody()
+void TstCommandRunner::toolHasNoInputAndNoErrorOutput()
 {
     QCOMPARE(Internal::runDirect("cat", {3000, 5000}).outcome, CommandResult::Finished);
     // More errors than fit into a pipe.
@@ -248,7 +248,7 @@ void TstCommandRunner::toolHasNoDescriptorsOfOurs()
     neighbour.join();
 }
 
-void TstCommandRunner::toolHasItsSignalsAsAShellGivesThem()
+void TstCommandRunner::toolHasTheSignalsThatAShellGives()
 {
     const auto pipe = std::signal(SIGPIPE, SIG_IGN);
     const auto user = std::signal(SIGUSR1, SIG_IGN);
@@ -292,7 +292,7 @@ static bool hideCall(unsigned number)
         && ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
-void TstCommandRunner::withoutNewsOfTheEnd()
+void TstCommandRunner::withoutPidfd()
 {
     bool isHidden = false;
     CommandResult ends;
@@ -337,7 +337,7 @@ void TstCommandRunner::withThreeDescriptorsLeft()
     QCOMPARE(results[3].output, "a\n");
 }
 
-void TstCommandRunner::whereChildrenAreNotWaitedFor()
+void TstCommandRunner::withSigchldIgnored()
 {
     const auto before = std::signal(SIGCHLD, SIG_IGN); // the kernel reaps children by itself
     const CommandResult ends = Internal::runDirect("echo a", {3000, 5000});
@@ -403,7 +403,7 @@ void TstCommandRunner::toolsThatCannotBeKilled()
     QVERIFY(result.lacksResources); // no further one is started
     QProcess::execute("/usr/bin/pkill", {"-KILL", "-x", "unkillable"});
     QTRY_VERIFY(Internal::runDirect("true", Waits()).finished());
-    for (const QString &id : qAsConst(ids))
+    for (const QString &id : std::as_const(ids))
         QTRY_VERIFY(Internal::runDirect("true", Waits()).finished()
                     && !QFile::exists("/proc/" + id));
 }

@@ -21,14 +21,14 @@ private slots:
 
     void replaces_data();
     void replaces();
-    void isItsOwnersOnly();
-    void linkStays();
+    void isReadableByItsOwnerOnly();
+    void linkIsKept();
     void leftoversAreRemoved();
     void obstacle_data();
     void obstacle();
     void noDescriptorLeft();
     void directoryIsMadeOnce();
-    void directoryOfNothing();
+    void directoryOfAMissingFile();
 
 private:
     QString directory() const { return m_directory->path() + '/'; }
@@ -66,7 +66,7 @@ void TstDurableFile::replaces()
     QVERIFY(reason.isNull());
 }
 
-void TstDurableFile::isItsOwnersOnly()
+void TstDurableFile::isReadableByItsOwnerOnly()
 {
     Meter::writeFile(path(), "old");
     QVERIFY(QFile::setPermissions(path(), QFile::ReadOwner | QFile::ReadOther));
@@ -76,7 +76,7 @@ void TstDurableFile::isItsOwnersOnly()
     QCOMPARE(QFile::permissions(path()), expected);
 }
 
-void TstDurableFile::linkStays()
+void TstDurableFile::linkIsKept()
 {
     QDir().mkdir(directory() + "elsewhere");
     const QString target = directory() + "elsewhere/b.conf";
@@ -172,7 +172,7 @@ void TstDurableFile::directoryIsMadeOnce()
     QVERIFY(!Internal::makeDirectory(path()));
 }
 
-void TstDurableFile::directoryOfNothing()
+void TstDurableFile::directoryOfAMissingFile()
 {
     QVERIFY(Internal::flushDirectoryOf(path())); // the file itself need not exist
     QVERIFY(!Internal::flushDirectoryOf(directory() + "a/b"));

@@ -13,7 +13,7 @@ class TstGuarded : public QObject
     Q_OBJECT
 private slots:
     void resultOfTheOperation();
-    void whatIsThrownIsLogged();
+    void exceptionsAreLogged();
 };
 
 void TstGuarded::resultOfTheOperation()
@@ -27,7 +27,7 @@ void TstGuarded::resultOfTheOperation()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void TstGuarded::whatIsThrownIsLogged()
+void TstGuarded::exceptionsAreLogged()
 {
     const auto fail = []() -> int { throw std::runtime_error("full"); };
     const LogCapture log;

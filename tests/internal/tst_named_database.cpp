@@ -24,9 +24,9 @@ class TstNamedDatabase : public QObject
 private slots:
     void init();
 
-    void releaseLeavesNothing();
+    void releaseRemovesTheConnection();
     void openAgainTakesAnotherFile();
-    void failedOpenTellsWhy();
+    void failedOpenHasAReason();
     void transactionRollsBackUnlessCommitted();
     void innerTransactionIsPartOfTheOuter();
     void closeEndsTheTransaction();
@@ -59,7 +59,7 @@ void TstNamedDatabase::init()
     m_directory = std::make_unique<QTemporaryDir>();
 }
 
-void TstNamedDatabase::releaseLeavesNothing()
+void TstNamedDatabase::releaseRemovesTheConnection()
 {
     const LogCapture log;
     NamedDatabase database(QStringLiteral("one"));
@@ -86,7 +86,7 @@ void TstNamedDatabase::openAgainTakesAnotherFile()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void TstNamedDatabase::failedOpenTellsWhy()
+void TstNamedDatabase::failedOpenHasAReason()
 {
     NamedDatabase database(QStringLiteral("one"));
     QVERIFY(!database.open(path("missing/a.db")));

@@ -113,10 +113,10 @@ private slots:
     void depth();
     void declarations_data();
     void declarations();
-    void weight_data();
-    void weight();
+    void numberOfNodes_data();
+    void numberOfNodes();
     void size();
-    void takesMemoryForWhatThereIs();
+    void allocatesOnlyWhatIsRead();
     void failureKeepsTheDocument();
     void closedDevice();
 };
@@ -322,7 +322,7 @@ void TstXmlFile::declarations()
     QCOMPARE(errorOf(text).message, message);
 }
 
-void TstXmlFile::weight_data()
+void TstXmlFile::numberOfNodes_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<bool>("ok");
@@ -342,7 +342,7 @@ void TstXmlFile::weight_data()
                                            << false;
 }
 
-void TstXmlFile::weight()
+void TstXmlFile::numberOfNodes()
 {
     QFETCH(QByteArray, text);
     QFETCH(bool, ok);
@@ -358,7 +358,7 @@ void TstXmlFile::size()
     }
 }
 
-void TstXmlFile::takesMemoryForWhatThereIs()
+void TstXmlFile::allocatesOnlyWhatIsRead()
 {
     QDomDocument document;
     XmlError error;

@@ -112,14 +112,14 @@ private slots:
     void verboseShowsTheLog();
     void answerThatCannotBeWritten();
 
-    void settingsLast();
+    void settingsAreStored();
     void settingsOfADamagedFile();
     void settingsWithoutACard();
-    void settingsThatAreNoFile();
+    void settingsFileIsAPipe();
     void languageIsStoredOnlyWhenItLoads();
-    void countersLast();
+    void countersAreStored();
     void countersWithoutACard();
-    void firstStartIsConsumed();
+    void firstStartIsReportedOnce();
     void readersLeaveOtherServicesAlone_data();
     void readersLeaveOtherServicesAlone();
 
@@ -332,7 +332,7 @@ void TstKtvctl::answerThatCannotBeWritten()
     QCOMPARE(process.readAllStandardError(), QByteArray("ktvctl: the answer cannot be written\n"));
 }
 
-void TstKtvctl::settingsLast()
+void TstKtvctl::settingsAreStored()
 {
     const auto text = QStringLiteral(" '); DROP TABLE x;--\"%1 żółć\n日本 ");
     QCOMPARE(ktvctl({"settings", "set", "PRINT_Customer_Label", text}).code, 0);
@@ -399,7 +399,7 @@ void TstKtvctl::settingsWithoutACard()
     QFile::remove("/media/sdcard/UserData");
 }
 
-void TstKtvctl::settingsThatAreNoFile()
+void TstKtvctl::settingsFileIsAPipe()
 {
     // The library would replace it by an empty file.
     QProcess::execute("mkfifo", {settingsFile});
@@ -420,7 +420,7 @@ void TstKtvctl::languageIsStoredOnlyWhenItLoads()
     QCOMPARE(ktvctl({"settings", "get", "MAIN_Lang"}).out, QStringLiteral("PL\n"));
 }
 
-void TstKtvctl::countersLast()
+void TstKtvctl::countersAreStored()
 {
     QCOMPARE(ktvctl({"counters", "up", "Demagnetyzacja"}).out, QStringLiteral("1\n"));
     QCOMPARE(ktvctl({"counters", "up", "Demagnetyzacja"}).out, QStringLiteral("2\n"));
@@ -445,7 +445,7 @@ void TstKtvctl::countersWithoutACard()
     QFile::remove("/media/sdcard/Log");
 }
 
-void TstKtvctl::firstStartIsConsumed()
+void TstKtvctl::firstStartIsReportedOnce()
 {
     Meter::writeFile("/etc/korva/system-boot.status", "1\n");
     QCOMPARE(ktvctl({"first-start"}).out, QStringLiteral("yes\n"));

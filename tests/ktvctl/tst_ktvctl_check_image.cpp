@@ -51,7 +51,7 @@ private slots:
     void imageIsClean();
     void faults_data();
     void faults();
-    void warningsAloneEndWell();
+    void warningsAloneAreNoFailure();
     void json();
     void noFolder();
 };
@@ -257,7 +257,7 @@ void TstKtvctlCheckImage::faults()
     QCOMPARE(answer.code, answer.out.contains(": error: ") ? 1 : 0);
 }
 
-void TstKtvctlCheckImage::warningsAloneEndWell()
+void TstKtvctlCheckImage::warningsAloneAreNoFailure()
 {
     run("rm usr/bin/beep etc/version", image);
     const Answer answer = ktvctl({"check-image", image});

@@ -16,8 +16,8 @@ private slots:
     void commands_data();
     void commands();
     void json();
-    void portThatDoesNotObey();
-    void lineHeldByAStranger();
+    void portThatCannotBeSwitched();
+    void lineHeldByAnotherProgram();
     void bridgeRunsUntilASignal_data();
     void bridgeRunsUntilASignal();
     void sampleIsHeard();
@@ -118,7 +118,7 @@ void TstKtvctlUsbSound::json()
     QVERIFY(typed("sound list --json").out.startsWith("[\"SOUND_DELETED_BANK\",\"SOUND_ERROR\""));
 }
 
-void TstKtvctlUsbSound::portThatDoesNotObey()
+void TstKtvctlUsbSound::portThatCannotBeSwitched()
 {
     Meter::setBehaviour("modprobe-usb-gadget", "noise=careful");
     const Answer answer = typed("usb set serial");
@@ -126,7 +126,7 @@ void TstKtvctlUsbSound::portThatDoesNotObey()
     QVERIFY(answer.error.contains("ktvctl: the port is not as it should be"));
 }
 
-void TstKtvctlUsbSound::lineHeldByAStranger()
+void TstKtvctlUsbSound::lineHeldByAnotherProgram()
 {
     QCOMPARE(typed("usb set serial").code, 0);
     QProcess stranger;

@@ -18,13 +18,13 @@ private slots:
     void withoutInterface_data();
     void withoutInterface();
     void scanToolThatDoesNotAnswer();
-    void scanThatHearsNothing_data();
-    void scanThatHearsNothing();
+    void scanThatFindsNothing_data();
+    void scanThatFindsNothing();
 
     void networksAreKept();
     void passPhraseFromInput();
     void statusWaitsForAConnection();
-    void statusWaitsInVain();
+    void statusTimesOut();
     void power();
     void powerOffStays();
     void readingLeavesAnAdapterOff_data();
@@ -158,19 +158,20 @@ void TstKtvctlWifi::scanToolThatDoesNotAnswer()
     QCOMPARE(answer.code, 1);
 }
 
-void TstKtvctlWifi::scanThatHearsNothing_data()
+void TstKtvctlWifi::scanThatFindsNothing_data()
 {
     QTest::addColumn<QByteArray>("calls"); // what the tool does at its first, second ... call
     QTest::addColumn<QString>("remarks");
     const QString nothing = "ktvctl: no network was heard; scanning again\n";
     const QString slow = "ktvctl: the scan took longer than 5 s; scanning again\n";
     QTest::newRow("meets a scan of the supplicant's") << QByteArray("exit") << nothing;
-    // The adapter goes on when the tool has been ended, and is busy for some more seconds.
+    // The adapter goes on scanning after the tool has been ended, and is busy for some more
+    // seconds.
     QTest::newRow("is slow, then meets itself")
         << QByteArray("exec sleep 60;exit;exit") << slow + nothing + nothing;
 }
 
-void TstKtvctlWifi::scanThatHearsNothing()
+void TstKtvctlWifi::scanThatFindsNothing()
 {
     QFETCH(QByteArray, calls);
     QFETCH(QString, remarks);
@@ -223,7 +224,7 @@ void TstKtvctlWifi::statusWaitsForAConnection()
              "Mask:      255.255.255.0\nBroadcast: 10.9.8.255\n");
 }
 
-void TstKtvctlWifi::statusWaitsInVain()
+void TstKtvctlWifi::statusTimesOut()
 {
     const Answer answer = wifi({"status", "--wait", "1"});
     QCOMPARE(answer.out, "Interface: wlan0\nState:     ON\n");

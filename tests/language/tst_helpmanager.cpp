@@ -39,8 +39,8 @@ private slots:
     void languageSwitch();
     void missingTopic_data();
     void missingTopic();
-    void topicThatCannotBe();
-    void listsAreTheCallers();
+    void invalidTopic();
+    void listsBelongToTheCaller();
 
 private:
     QString directory() const { return m_directory->path() + '/'; }
@@ -194,7 +194,7 @@ void TstHelpManager::missingTopic()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void TstHelpManager::topicThatCannotBe()
+void TstHelpManager::invalidTopic()
 {
     const helpManager help(directory(), KTV_Configuration::KTV_420, "EN");
     page("KTV_420/File");
@@ -212,7 +212,7 @@ void TstHelpManager::topicThatCannotBe()
     QCOMPARE(log.lines(), (QStringList {failed + "File/", failed + "a/b/"}));
 }
 
-void TstHelpManager::listsAreTheCallers()
+void TstHelpManager::listsBelongToTheCaller()
 {
     page("KTV_420/Main/a_EN.html");
     const helpManager help(directory(), KTV_Configuration::KTV_420, "EN");

@@ -80,7 +80,7 @@ private slots:
 
     void offeredLanguages_data();
     void offeredLanguages();
-    void listsAreTheCallers();
+    void listsBelongToTheCaller();
 
 private:
     QString directory() const { return m_directory->path() + '/'; }
@@ -448,7 +448,7 @@ void TstLangSerwis::offeredLanguages()
     QCOMPARE(View(texts).values, newborn); // the model changes nothing else
 }
 
-void TstLangSerwis::listsAreTheCallers()
+void TstLangSerwis::listsBelongToTheCaller()
 {
     QVERIFY(QDir(directory()).removeRecursively());
     const LangSerwis texts(directory(), KTV_Configuration::MeterModels_NaN);

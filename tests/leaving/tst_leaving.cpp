@@ -19,8 +19,8 @@ private slots:
     void leavesWifi();
     void leavesStores_data();
     void leavesStores();
-    void dies();
-    void isFreeToStartAgain();
+    void isKilled();
+    void canStartAgain();
 
 private:
     static std::unique_ptr<QProcess> start(const QString &what, const QString &how);
@@ -121,7 +121,7 @@ void TstLeaving::leavesStores()
     QCOMPARE(config.getValue(KTV_InterfaceConfig::MAIN_Pin, 0), 4711);
 }
 
-void TstLeaving::dies()
+void TstLeaving::isKilled()
 {
     for (const char *what : {"bridge", "tone"}) {
         const auto leaver = start(what, "killed");
@@ -131,7 +131,7 @@ void TstLeaving::dies()
     QTRY_COMPARE(leftBehind(), QStringList());
 }
 
-void TstLeaving::isFreeToStartAgain()
+void TstLeaving::canStartAgain()
 {
     const auto leaver = start("bridge", "application deleted");
     QVERIFY(leaver->waitForFinished(Meter::patience));

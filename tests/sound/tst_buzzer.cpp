@@ -89,7 +89,7 @@ private slots:
     void singleTone();
     void everyStepInItsOrder();
     void singleToneIsDroppedWhileAnotherSounds();
-    void repeatedToneReplacesWhatPlays();
+    void repeatedToneReplacesTheCurrentOne();
     void silence();
     void silenceEndsATuneBetweenItsSteps_data();
     void silenceEndsATuneBetweenItsSteps();
@@ -99,16 +99,16 @@ private slots:
     void failingBeep();
     void clearInterface();
     void onOneCore();
-    void manyThreadsAsk();
+    void requestsFromManyThreads();
     void fewDescriptorsLeft_data();
     void fewDescriptorsLeft();
 
     void samplesOnSamplingModels_data();
     void samplesOnSamplingModels();
-    void silenceSparesARepeatedSample();
+    void silenceDoesNotEndARepeatedSample();
     void unknownToneBeepsOnSamplingModels();
 
-    void freeEndsWhatSounds();
+    void freeEndsATone();
     void freeEndsASample();
     void facade();
 
@@ -277,7 +277,7 @@ void TstBuzzer::singleToneIsDroppedWhileAnotherSounds()
     QTRY_COMPARE(beeps(), QStringList({longBeep, shortBeep}));
 }
 
-void TstBuzzer::repeatedToneReplacesWhatPlays()
+void TstBuzzer::repeatedToneReplacesTheCurrentOne()
 {
     const LogCapture log;
     BuzzerClass::Beep(tone(4), false);
@@ -397,7 +397,7 @@ void TstBuzzer::onOneCore()
     pool->setMaxThreadCount(threads);
 }
 
-void TstBuzzer::manyThreadsAsk()
+void TstBuzzer::requestsFromManyThreads()
 {
     for (const auto model : {KTV_Configuration::KTV_420, KTV_Configuration::KTV_4400}) {
         BuzzerClass::BuzzerClass_Initialiser(model, samples, false);
@@ -484,7 +484,7 @@ void TstBuzzer::samplesOnSamplingModels()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void TstBuzzer::silenceSparesARepeatedSample()
+void TstBuzzer::silenceDoesNotEndARepeatedSample()
 {
     BuzzerClass::BuzzerClass_Initialiser(KTV_Configuration::KTV_4200, samples, false);
     BuzzerClass::Beep(tone(2), true);
@@ -506,7 +506,7 @@ void TstBuzzer::unknownToneBeepsOnSamplingModels()
     QCOMPARE(Meter::journal(), QStringList());
 }
 
-void TstBuzzer::freeEndsWhatSounds()
+void TstBuzzer::freeEndsATone()
 {
     Meter::setBehaviour("beep", "hang=1");
     BuzzerClass::Beep(tone(9), true);

@@ -28,13 +28,13 @@ private slots:
     void names();
     void playsOnce();
     void playsOverAndOver();
-    void remarksOfThePlayerHaltNothing();
-    void whatThePlayerPrintsFillsNoMemory_data();
-    void whatThePlayerPrintsFillsNoMemory();
-    void silenceSparesALoop();
+    void errorsOfThePlayerDoNotHaltTheLoop();
+    void outputOfThePlayerIsLimited_data();
+    void outputOfThePlayerIsLimited();
+    void silenceDoesNotEndALoop();
     void silenceEndsASingleSample();
-    void newSoundEndsTheFormer_data();
-    void newSoundEndsTheFormer();
+    void newSoundEndsThePrevious_data();
+    void newSoundEndsThePrevious();
     void switches_data();
     void switches();
     void pathIsOneArgument();
@@ -42,8 +42,8 @@ private slots:
     void missingShell();
     void missingPkill();
     void hangingPkill();
-    void loopThatCannotSoundStandsStill_data();
-    void loopThatCannotSoundStandsStill();
+    void loopThatCannotBePlayedIsHalted_data();
+    void loopThatCannotBePlayedIsHalted();
     void nothingToKill();
     void killsLoopsOfOthers();
     void indentedIdsAreNotFound();
@@ -199,7 +199,7 @@ void TstSound::playsOverAndOver()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void TstSound::remarksOfThePlayerHaltNothing()
+void TstSound::errorsOfThePlayerDoNotHaltTheLoop()
 {
     Meter::replaceProgram("aplay",
                           "for i in $(seq 100); do echo 'underrun!!!' >&2; done\n"
@@ -209,7 +209,7 @@ void TstSound::remarksOfThePlayerHaltNothing()
     QTRY_VERIFY(heard().size() > 2 * size);
 }
 
-void TstSound::whatThePlayerPrintsFillsNoMemory_data()
+void TstSound::outputOfThePlayerIsLimited_data()
 {
     QTest::addColumn<QByteArray>("player");
     QTest::addColumn<bool>("loop");
@@ -220,7 +220,7 @@ void TstSound::whatThePlayerPrintsFillsNoMemory_data()
     }
 }
 
-void TstSound::whatThePlayerPrintsFillsNoMemory()
+void TstSound::outputOfThePlayerIsLimited()
 {
     QFETCH(QByteArray, player);
     QFETCH(bool, loop);
@@ -244,7 +244,7 @@ void TstSound::whatThePlayerPrintsFillsNoMemory()
     QTRY_COMPARE(Meter::processes("yes"), QStringList());
 }
 
-void TstSound::silenceSparesALoop()
+void TstSound::silenceDoesNotEndALoop()
 {
     Sound::Play(Sound::SOUND_ERROR, true, false, samples);
     Sound::Play(Sound::SOUND_Empty, false, false, samples);
@@ -272,7 +272,7 @@ void TstSound::silenceEndsASingleSample()
     QCOMPARE(calls("pkill"), QStringList("pkill -P " + id));
 }
 
-void TstSound::newSoundEndsTheFormer_data()
+void TstSound::newSoundEndsThePrevious_data()
 {
     QTest::addColumn<bool>("formerLoops");
     QTest::addColumn<bool>("loops");
@@ -282,7 +282,7 @@ void TstSound::newSoundEndsTheFormer_data()
     QTest::newRow("loop, loop") << true << true;
 }
 
-void TstSound::newSoundEndsTheFormer()
+void TstSound::newSoundEndsThePrevious()
 {
     QFETCH(bool, formerLoops);
     QFETCH(bool, loops);
@@ -387,7 +387,7 @@ void TstSound::hangingPkill()
     QVERIFY(!Sound::process);
 }
 
-void TstSound::loopThatCannotSoundStandsStill_data()
+void TstSound::loopThatCannotBePlayedIsHalted_data()
 {
     QTest::addColumn<QByteArray>("player");
     QTest::addColumn<QString>("file");
@@ -405,7 +405,7 @@ void TstSound::loopThatCannotSoundStandsStill_data()
         << QByteArray("/usr/bin/head -c 200000 >/dev/null") << intro << true;
 }
 
-void TstSound::loopThatCannotSoundStandsStill()
+void TstSound::loopThatCannotBePlayedIsHalted()
 {
     QFETCH(QByteArray, player);
     QFETCH(QString, file);

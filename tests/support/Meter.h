@@ -20,7 +20,7 @@ bool isInside();
 QStringList journal();
 void clearJournal();
 
-/** Sets the behaviour of a stand-in program: lines such as "hang=1"; empty for the usual one. */
+/** Sets the behaviour of a stand-in program: lines such as "hang=1"; empty for the normal one. */
 void setBehaviour(const QString &program, const QByteArray &lines);
 
 /** Removes a program from the PATH, and puts it back. */

@@ -77,18 +77,18 @@ private slots:
     void init();
     void cleanup();
 
-    void carriesDataAndComesBack();
+    void passesDataAndIsRestarted();
     void onOneCore();
     void endsWithTheLine();
     void endsWithTheFacade();
     void doesNotStart_data();
     void doesNotStart();
-    void isTriedAgainOnceASecond();
+    void isRestartedOnceASecond();
     void isNotListedInTime();
-    void workerThatIsNotWanted();
+    void workerWithoutARequest();
     void doesNotEnd();
     void cannotBeKilled();
-    void bridgeThatStaysComesBackNoMore();
+    void bridgeThatStaysIsNotRestarted();
     void cancelledAndStartedAgain();
     void unreadableListIsReadAgain();
     void switchesBetweenBridgeAndNetwork();
@@ -142,7 +142,7 @@ bool TstCalibrationBridge::carries(const QByteArray &data)
         && computer.receives(data.toUpper());
 }
 
-void TstCalibrationBridge::carriesDataAndComesBack()
+void TstCalibrationBridge::passesDataAndIsRestarted()
 {
     const LogCapture log;
     QVERIFY(Tools::StartHardwareCalibrationMode());
@@ -235,7 +235,7 @@ void TstCalibrationBridge::doesNotStart()
     QVERIFY(Tools::asyncSocatRuner.isCanceled());
 }
 
-void TstCalibrationBridge::isTriedAgainOnceASecond()
+void TstCalibrationBridge::isRestartedOnceASecond()
 {
     QVERIFY(Tools::StartHardwareCalibrationMode());
     Meter::replaceProgram("socat", "exit 1");
@@ -263,7 +263,7 @@ void TstCalibrationBridge::isNotListedInTime()
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
 }
 
-void TstCalibrationBridge::workerThatIsNotWanted()
+void TstCalibrationBridge::workerWithoutARequest()
 {
     Meter::replaceProgram("socat", "exit 1");
     Tools::asyncSocatRuner = QtConcurrent::run([] {});
@@ -305,7 +305,7 @@ void TstCalibrationBridge::cannotBeKilled()
     QCOMPARE(log.lines(), QStringList({line, line}));
 }
 
-void TstCalibrationBridge::bridgeThatStaysComesBackNoMore()
+void TstCalibrationBridge::bridgeThatStaysIsNotRestarted()
 {
     Meter::replaceProgram("socat", "trap '' TERM; while :; do sleep 0.05; done");
     const LogCapture log;

@@ -79,7 +79,7 @@ private slots:
     void networkGadgetFails_data();
     void networkGadgetFails();
     void lineSettings();
-    void lineIsNoControllingTerminal();
+    void lineDoesNotBecomeTheControllingTerminal();
     void lineSettingsWithoutLine();
 
     void console();
@@ -90,16 +90,16 @@ private slots:
     void calibrationToolDoesNotStart();
     void calibrationToolIsNotListedInTime();
     void calibrationToolDoesNotEnd();
-    void calibrationToolListIsTakenAsFarAsItCame();
+    void incompleteListOfCalibrationToolsDecides();
     void calibrationToolWithoutKillall();
 
     void nothingToSwitch();
     void switchMode_data();
     void switchMode();
-    void switchThatEndsInNothing();
+    void switchWithoutAnyGadget();
     void switchOwner();
     void ownerThatStaysKeepsTheLine();
-    void stopAllNamesWhatItCouldNotStop();
+    void stopAllLogsWhatItCouldNotStop();
 
 private:
     /** Sets the mode of the port without the library, and without entries in the journal. */
@@ -406,7 +406,7 @@ void TstUsbPort::lineSettings()
     QCOMPARE(present.c_lflag, tcflag_t(0));
 }
 
-void TstUsbPort::lineIsNoControllingTerminal()
+void TstUsbPort::lineDoesNotBecomeTheControllingTerminal()
 {
     setUp(Tools::USB_RS232);
     const pid_t child = ::fork();
@@ -540,7 +540,7 @@ void TstUsbPort::calibrationToolDoesNotEnd()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void TstUsbPort::calibrationToolListIsTakenAsFarAsItCame()
+void TstUsbPort::incompleteListOfCalibrationToolsDecides()
 {
     // At first the tool is in the list, although that is incomplete; then nothing is printed within
     // a second, which counts as the end of the tool.
@@ -652,7 +652,7 @@ void TstUsbPort::switchMode()
     QTEST(Tools::getCurrentMode(), "after");
 }
 
-void TstUsbPort::switchThatEndsInNothing()
+void TstUsbPort::switchWithoutAnyGadget()
 {
     Meter::hideProgram("modprobe-usb-gadget");
     const LogCapture log;
@@ -699,7 +699,7 @@ void TstUsbPort::ownerThatStaysKeepsTheLine()
     QCOMPARE(log.lines().last(), "Tools::StopAllRS232Function():StopSystemsCalibrationMode false");
 }
 
-void TstUsbPort::stopAllNamesWhatItCouldNotStop()
+void TstUsbPort::stopAllLogsWhatItCouldNotStop()
 {
     setUp(Tools::USB_RS232);
     QVERIFY(Tools::StartRS232Console());

@@ -47,10 +47,10 @@ private slots:
     void floatsOfAMeter();
     void ties();
     void edges();
-    void whatDoesNotFit();
+    void numbersThatDoNotFit();
     void quotientsAsProducts();
-    void nudgeReachesNoEighthDecimal();
-    void nudgeReachesTheNinthDecimal();
+    void tenthDecimalNeverChangesTheEighth();
+    void tenthDecimalMayChangeTheNinth();
     void whiteSpaceIsThatOfQt();
 };
 
@@ -113,7 +113,7 @@ void TstFixedPoint::edges()
         QVERIFY(isTextOfQt(1.2345F, decimals));
 }
 
-void TstFixedPoint::whatDoesNotFit()
+void TstFixedPoint::numbersThatDoNotFit()
 {
     QVERIFY(!FixedPoint::of(NaN, 2));
     QVERIFY(!FixedPoint::of(infinity, 2));
@@ -157,7 +157,7 @@ void TstFixedPoint::quotientsAsProducts()
         QVERIFY(isQuotient(1.2345F, prefix));
 }
 
-void TstFixedPoint::nudgeReachesNoEighthDecimal()
+void TstFixedPoint::tenthDecimalNeverChangesTheEighth()
 {
     QRandomGenerator random(14);
     int nudged = 0;
@@ -179,7 +179,7 @@ void TstFixedPoint::nudgeReachesNoEighthDecimal()
     QVERIFY(nudged > 20000);
 }
 
-void TstFixedPoint::nudgeReachesTheNinthDecimal()
+void TstFixedPoint::tenthDecimalMayChangeTheNinth()
 {
     // So texts with nine decimals and more have to be made by QString.
     QRandomGenerator random(15);

@@ -27,7 +27,7 @@ private slots:
     void newObjects();
     void fixedPrefixAndDecimals();
     void fixedRowStaysUntilReplaced();
-    void ownRowMadeAnew();
+    void ownRowIsReset();
     void objectOfText_data();
     void objectOfText();
 
@@ -56,8 +56,8 @@ private slots:
     void noRowsAtAll();
     void rowIndexOutOfRange();
 
-    void roundNudgesTheTenthDecimal_data();
-    void roundNudgesTheTenthDecimal();
+    void roundRaisesTheTenthDecimal_data();
+    void roundRaisesTheTenthDecimal();
 
     void debugLines();
     void silentWithoutTheFlag();
@@ -143,7 +143,7 @@ void TstNumericalValueBox::fixedRowStaysUntilReplaced()
     QCOMPARE(other.toString(), "0.001 " + ohm); // its own row again
 }
 
-void TstNumericalValueBox::ownRowMadeAnew()
+void TstNumericalValueBox::ownRowIsReset()
 {
     NumericalValueBox box(0.0123F, Unit_V, Prefix_m, 1);
     box.prepareRound_Static();
@@ -624,7 +624,7 @@ void TstNumericalValueBox::rowIndexOutOfRange()
     QCOMPARE(box._calculatePrefixValue(0.1F), 0.001F);
 }
 
-void TstNumericalValueBox::roundNudgesTheTenthDecimal_data()
+void TstNumericalValueBox::roundRaisesTheTenthDecimal_data()
 {
     QTest::addColumn<double>("value");
     QTest::addColumn<uint>("digits");
@@ -642,7 +642,7 @@ void TstNumericalValueBox::roundNudgesTheTenthDecimal_data()
     QTest::newRow("rounds to zero") << -0.001 << 2U << "-0.00";
 }
 
-void TstNumericalValueBox::roundNudgesTheTenthDecimal()
+void TstNumericalValueBox::roundRaisesTheTenthDecimal()
 {
     QFETCH(double, value);
     QFETCH(uint, digits);

@@ -36,14 +36,14 @@ private slots:
     void inductionCurrent();
     void voltageDrop_data();
     void voltageDrop();
-    void voltageDropTakesTheTexts();
+    void voltageDropUsesTheTexts();
 
     void temperature_data();
     void temperature();
     void temperatureInManySteps_data();
     void temperatureInManySteps();
     void temperatureResetsTheTexts();
-    void missingTemperatureLeavesTheTexts();
+    void missingTemperatureKeepsTheTexts();
 };
 
 void TstValueFormats::textsBeforeTheyAreFilled()
@@ -342,7 +342,7 @@ void TstValueFormats::voltageDrop()
     QCOMPARE(NumericalValueBox::formatDeltaU(volts, testI(current), limited), text);
 }
 
-void TstValueFormats::voltageDropTakesTheTexts()
+void TstValueFormats::voltageDropUsesTheTexts()
 {
     NumericalValueBox::unitString[Unit_V] = "Volt";
     NumericalValueBox::prefixString[Prefix_m] = "milli";
@@ -467,7 +467,7 @@ void TstValueFormats::temperatureResetsTheTexts()
     QCOMPARE(NumericalValueBox::formatTemperature(10), QStringLiteral("283.0 K"));
 }
 
-void TstValueFormats::missingTemperatureLeavesTheTexts()
+void TstValueFormats::missingTemperatureKeepsTheTexts()
 {
     NumericalValueBox::unitString[Unit_Temperature] = "deg";
     for (const float missing : {NaN, infinity, -infinity})

@@ -81,7 +81,7 @@ private slots:
     void powerRequestIsCarriedOut();
     void inAReceiver_data();
     void inAReceiver();
-    void failedScanOfAManagerThatIsGone();
+    void failedScanOfADestroyedManager();
     void fewDescriptorsLeft_data();
     void fewDescriptorsLeft();
 
@@ -250,7 +250,7 @@ void TstWifiEnd::inAReceiver()
     QCOMPARE(details, 0);
 }
 
-void TstWifiEnd::failedScanOfAManagerThatIsGone()
+void TstWifiEnd::failedScanOfADestroyedManager()
 {
     auto wifi = manager();
     const Inbox inbox(*wifi);

@@ -117,7 +117,7 @@ private slots:
     void cleanup();
 
     void newFileHasItsTables();
-    void fileThatHoldsNothingIsCreated();
+    void emptyFileIsCreatedAgain();
     void existingFileIsOpenedAsItIs();
     void directoryWithoutSeparator();
     void missingDirectoryIsCreated();
@@ -131,13 +131,13 @@ private slots:
     void everyRowOfAName();
     void missingTable();
     void connectionOfTheDriver();
-    void listIsTheCallers();
+    void listBelongsToTheCaller();
     void closedDatabase();
     void failedWriteChangesNothing();
     void factoryReset();
 
     void emptyListGivesHeader();
-    void supplicantFileToTheByte();
+    void supplicantFileIsExact();
     void preference_data();
     void preference();
     void hostileNames_data();
@@ -149,7 +149,7 @@ private slots:
     void fewDescriptorsLoseNoNetwork();
     void withoutInterfaceNothingIsRestarted();
     void neighbouringInterfaceNames();
-    void secretsAreTheOwners();
+    void secretsAreReadableByTheOwnerOnly();
     void noKeyInTheLog();
 
 private:
@@ -193,7 +193,7 @@ void TstWifiNetworks::newFileHasItsTables()
                             "NET_ESSID VARCHAR(255),NET_Encrypton int,NET_Key VARCHAR(255))")}));
 }
 
-void TstWifiNetworks::fileThatHoldsNothingIsCreated()
+void TstWifiNetworks::emptyFileIsCreatedAgain()
 {
     Meter::writeFile(database(), QByteArray());
     QVERIFY(manager()->AddNetwork(QStringLiteral("Lab"), QString()));
@@ -363,7 +363,7 @@ void TstWifiNetworks::connectionOfTheDriver()
     QCOMPARE(log.lines(), QStringList()); // no warning about a connection in use
 }
 
-void TstWifiNetworks::listIsTheCallers()
+void TstWifiNetworks::listBelongsToTheCaller()
 {
     const auto wifi = manager();
     QVERIFY(wifi->AddNetwork(QStringLiteral("Lab"), QStringLiteral("12345678")));
@@ -447,7 +447,7 @@ void TstWifiNetworks::emptyListGivesHeader()
     QCOMPARE(Meter::readFile(fileAtRestart), header); // written before the restart
 }
 
-void TstWifiNetworks::supplicantFileToTheByte()
+void TstWifiNetworks::supplicantFileIsExact()
 {
     const QString office = QStringLiteral("Office");
     const QString key = QStringLiteral("12345678");
@@ -636,7 +636,7 @@ void TstWifiNetworks::neighbouringInterfaceNames()
     QCOMPARE(Meter::journal().filter(QStringLiteral("systemctl")), QStringList(restart));
 }
 
-void TstWifiNetworks::secretsAreTheOwners()
+void TstWifiNetworks::secretsAreReadableByTheOwnerOnly()
 {
     auto wifi = manager();
     QVERIFY(wifi->AddNetwork(QStringLiteral("Office"), QStringLiteral("12345678")));

@@ -44,7 +44,7 @@ private slots:
     void validateNetwork();
     void addToList_data();
     void addToList();
-    void addedCopyIsWhole();
+    void addedCopyIsComplete();
     void sortOrder();
     void newRecord();
 
@@ -130,7 +130,7 @@ void TstWifiToolOutput::addToList()
     qDeleteAll(list);
 }
 
-void TstWifiToolOutput::addedCopyIsWhole()
+void TstWifiToolOutput::addedCopyIsComplete()
 {
     auto network = makeNetwork(QStringLiteral("Lab"), 7);
     network->encryption = true;
