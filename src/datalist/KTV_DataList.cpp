@@ -46,7 +46,7 @@ public:
     QList<Element *> *release() { return m_list.release(); }
 
 private:
-    static constexpr int screenful = 32; ///< reserved at the start; most clients ask for no more
+    static constexpr int screenful = 32; ///< reserved at the start; most clients request no more
 
     std::unique_ptr<QList<Element *>> m_list = std::make_unique<QList<Element *>>();
 };

@@ -93,8 +93,8 @@ struct ChildSetup
     int error = 0; ///< errno, set by the child in the shared memory
 };
 
-// The child shares this process's memory but has its own stack, which sanitizers do not know; the
-// calling thread is suspended until the program is loaded. Therefore these functions make plain
+// The child shares this process's memory but has its own stack, of which sanitizers are not aware;
+// the calling thread is suspended until the program is loaded. Therefore these functions make plain
 // system calls only, are not instrumented, and change nothing in memory except ChildSetup::error.
 #define IN_CHILD __attribute__((no_sanitize("address", "thread", "undefined")))
 

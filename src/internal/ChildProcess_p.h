@@ -68,7 +68,7 @@ private:
     bool waitForOutput(int milliseconds);
 
     pid_t m_id = -1;
-    int m_startError = 0; ///< errno, unless it was started
+    int m_startError = 0; ///< errno if it could not be started
     Descriptor m_pipe; ///< its standard output; closed when every writer has closed it
     Descriptor m_pidfd; ///< pidfd: readable when the child has ended; not open if the kernel does
                         ///< not support it

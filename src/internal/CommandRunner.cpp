@@ -29,7 +29,7 @@ bool waitForFinished(ChildProcess &process, const Waits &waits)
         if (process.hasPrintedTooMuch() || deadline.hasExpired())
             return false;
     }
-    process.signalGroup(SIGTERM); // lets it silence the speaker or close its serial line
+    process.signalGroup(SIGTERM); // so that it can silence the speaker or close its serial line
     process.waitForFinished(QDeadlineTimer(tidyUpTime));
     return false;
 }

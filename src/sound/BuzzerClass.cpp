@@ -44,8 +44,8 @@ constexpr Waits killallWaits {Waits::NoStartWait, 30000};
 const QString killBeep = QStringLiteral("killall beep");
 
 /**
- * Locks the mutex of the requests, and reports that to the thread sanitizer, which does not know
- * QMutex.
+ * Locks the mutex of the requests, and reports that to the thread sanitizer, which does not
+ * recognise QMutex.
  */
 class RequestLock
 {

@@ -162,8 +162,9 @@ public:
     /** Whether the bridge shall run. Clients must not change it. */
     static bool isCalibrationModeActive;
     /**
-     * The latest run of the bridge. Cancelling it keeps the running bridge from being restarted,
-     * until the next start, after which bridges that still run are restarted again, too.
+     * The latest run of the bridge. After it has been cancelled, the running bridge is not
+     * restarted when it ends. After the next start of a bridge, earlier ones that still run are
+     * restarted again, too.
      */
     static QFuture<void> asyncSocatRuner;
 };

@@ -148,7 +148,8 @@ public:
 
     /**
      * Reads a text as toString() writes it; the first of three parts is a marker such as ">". If
-     * the texts of several units fit, the longest is taken, of equal ones the smallest code.
+     * the texts of several units match, the longest one decides, and of equal ones that with the
+     * smallest code.
      * @param value in the base unit; NaN when there is no number
      * @param precision characters after the number's decimal point
      * @param unit,prefix set if the text has a unit part, otherwise unchanged; the unit is also

@@ -303,7 +303,7 @@ void KTV_Connection::_set_wifi_Enable_Avait(KTV_Connection *connection, bool on)
     const auto result = Internal::runDirect(
         QStringLiteral("ifconfig ") + name + (on ? QStringLiteral(" up") : QStringLiteral(" down")),
         {Waits::NoStartWait, powerLimit});
-    // kept: the two texts are swapped, but service engineers know them like this
+    // kept: the two texts are swapped, but service engineers are used to them
     if (!result.finished())
         log() << (on ? "ifconfig down - not respond!" : "ifconfig up - not respond!");
     if (!result.output.isEmpty())

@@ -10,7 +10,7 @@
 namespace WiFi {
 
 /**
- * One wireless network: a known one, one in reach, or the one that the meter is in.
+ * One wireless network: a known one, one in reach, or the one that the meter has joined.
  *
  * A plain record without a parent. Whoever receives it owns it; it belongs to the thread of its
  * receiver.

@@ -13,7 +13,7 @@
 
 namespace {
 
-/** The facade does not tell whether its reset has worked. */
+/** The facade does not report whether its reset has succeeded. */
 bool isReset(const KTV_DataSource &meter)
 {
     const QString directory = meter.getMainConfig()->get_mainInterfaceUserDataDirectory();
@@ -37,7 +37,7 @@ int factoryReset(const Call &call)
 {
     const QString serialNumber = serialNumberOf(call);
     KTV_DataSource meter;
-    if (!serialNumber.isNull()) // the end stores it, or else that of no meter
+    if (!serialNumber.isNull()) // otherwise the destructor would store the default one
         meter.setMeterSerialName(serialNumber);
     meter.ClearToDefault();
     return isReset(meter)

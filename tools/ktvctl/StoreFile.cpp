@@ -18,7 +18,8 @@ StoreFile StoreFile::lookAt(const QString &path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return refused(file.errorString());
-    static const QByteArray header("SQLite format 3", sizeof "SQLite format 3"); // and its zero
+    static const QByteArray header("SQLite format 3",
+                                   sizeof "SQLite format 3"); // including the zero byte at its end
     if (file.read(header.size()) != header)
         return refused(QStringLiteral("it is no database"));
     return {};

@@ -193,7 +193,7 @@ int status(const Call &call)
     return limit == 0 || isConnected(*network) ? Success : TimedOut;
 }
 
-/** How often, and after which pause, an adapter is asked again. */
+/** How often a scan is repeated, and after which pause. */
 constexpr int mostRepeats = 3;
 constexpr int pauseMs = 2000;
 

@@ -69,7 +69,8 @@ install_packages() {
         sudo -v || die "as root, run: apt-get install ${missing[*]}"
     fi
     echo "      apt-get update"
-    # An index without these packages may be out of reach, so only the installation must succeed.
+    # The update may fail for a source that has none of these packages, so only the installation
+    # must succeed.
     (logged packages-update "${root[@]}" apt-get update) ||
         echo "      goes on with the package lists that are there"
     echo "      apt-get install"

@@ -12,7 +12,7 @@ struct Places
 {
     QString languages = QStringLiteral("/home/root/Langs/");
     QString help = QStringLiteral("/home/root/Help/");
-    /** Null if there is no description, because the library then knows no directory of samples. */
+    /** Null if there is no description, because the library then has no directory of samples. */
     QString samples;
 };
 
