@@ -93,7 +93,7 @@ void Measurement::refresh()
 
 void Measurement::setValue(float value)
 {
-    m_reading = Reading(value, m_setup.form());
+    m_reading = Reading(value, m_setup.format());
     m_verdict = m_setup.canJudge() ? Verdict(m_reading, m_setup.quantity(), m_setup.limit())
                                    : Verdict(m_reading, m_setup.quantity(), Limit());
 }

@@ -33,20 +33,21 @@ QString testCurrentText(ValueBox::testI current)
     return NumericalValueBox::formatIinduction(NumericalValueBox::ConvertTestI_ToFlota(current));
 }
 
-QString Form::currentText() const
+QString ReadingFormat::currentText() const
 {
     return quantity == Quantity::Temperature ? QString() : testCurrentText(current);
 }
 
-Reading::Reading(float measured, const Form &form) : value(measured)
+Reading::Reading(float measured, const ReadingFormat &format) : value(measured)
 {
-    if (form.quantity == Quantity::Temperature) {
+    if (format.quantity == Quantity::Temperature) {
         text = NumericalValueBox::formatTemperature(value);
         shown = NumericalValueBox::getValue(text);
     } else {
-        const bool isResistance = form.quantity == Quantity::Resistance;
-        NumericalValueBox box(isResistance ? ValueBox::Unit_Ohm : ValueBox::Unit_None, form.method);
-        box.setRealValue(value, form.current);
+        const bool isResistance = format.quantity == Quantity::Resistance;
+        NumericalValueBox box(isResistance ? ValueBox::Unit_Ohm : ValueBox::Unit_None,
+                              format.method);
+        box.setRealValue(value, format.current);
         text = box.toString();
         shown = box.getRealFormatedValue();
         if (!isResistance)

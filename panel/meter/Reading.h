@@ -9,7 +9,7 @@
 #include <limits>
 
 /** What decides how a reading is shown. */
-struct Form
+struct ReadingFormat
 {
     Quantity quantity = Quantity::Resistance;
     ValueBox::RoundMetods method = ValueBox::Round_R;
@@ -35,7 +35,7 @@ struct Reading
 
     Reading() = default;
     /** @param value in ohms, henries or degrees Celsius; NaN for none */
-    Reading(float measured, const Form &form);
+    Reading(float measured, const ReadingFormat &format);
 
     float value = std::numeric_limits<float>::quiet_NaN(); ///< as it was measured
     QString text; ///< "1.2347 mΩ"

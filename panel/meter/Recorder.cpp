@@ -90,7 +90,7 @@ void Recorder::start()
     if (isSaving() || !m_hardware.start(m_interval, *this))
         return;
     SeriesConditions conditions;
-    conditions.form = m_setup.form();
+    conditions.format = m_setup.format();
     conditions.meterName = m_meter.get_MeterFullName();
     conditions.serialNumber = m_meter.get_SerialNumber();
     if (m_setup.isCompensated()) {

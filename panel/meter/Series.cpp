@@ -25,8 +25,8 @@ void Series::add(qint64 msSinceStart, float value)
     m_figures.reset();
     if (m_firstMissing == count())
         ++m_firstMissing; // the new reading has its text
-    const Reading reading(value, m_conditions.form);
-    const Verdict verdict(reading, m_conditions.form.quantity, m_conditions.limit);
+    const Reading reading(value, m_conditions.format);
+    const Verdict verdict(reading, m_conditions.format.quantity, m_conditions.limit);
     if (isEmpty() || weight(verdict) > weight(m_verdict))
         m_verdict = verdict;
     m_values += value;
@@ -48,14 +48,14 @@ void Series::add(qint64 msSinceStart, float value)
 double Series::shown(int index) const
 {
     const auto value = double(m_values.at(index));
-    return m_conditions.form.quantity == Quantity::Temperature ? Degrees::fromCelsius(value)
-                                                               : value;
+    return m_conditions.format.quantity == Quantity::Temperature ? Degrees::fromCelsius(value)
+                                                                 : value;
 }
 
 const QString &Series::text(int index) const
 {
     if (m_texts.at(index).isNull())
-        m_texts[index] = Reading(m_values.at(index), m_conditions.form).text;
+        m_texts[index] = Reading(m_values.at(index), m_conditions.format).text;
     return m_texts.at(index);
 }
 
@@ -73,7 +73,7 @@ float Series::standardDeviation() const
 AxisScale Series::valueScale() const
 {
     const float magnitude = std::fmax(std::abs(m_minimum), std::abs(m_maximum));
-    return AxisScale::ofValues(m_conditions.form.quantity, double(magnitude));
+    return AxisScale::ofValues(m_conditions.format.quantity, double(magnitude));
 }
 
 TimeScale Series::timeScale() const
@@ -100,7 +100,7 @@ const SeriesFigures &Series::figures() const
     m_figures.emplace();
     if (isEmpty())
         return *m_figures;
-    const auto textOf = [this](float value) { return Reading(value, m_conditions.form).text; };
+    const auto textOf = [this](float value) { return Reading(value, m_conditions.format).text; };
     *m_figures = {QString::number(m_present), textOf(m_minimum), textOf(m_maximum), textOf(mean()),
                   deviationText()};
     return *m_figures;
@@ -110,7 +110,7 @@ QString Series::deviationText() const
 {
     if (std::isnan(standardDeviation()))
         return {};
-    const Quantity quantity = m_conditions.form.quantity;
+    const Quantity quantity = m_conditions.format.quantity;
     auto deviation = double(standardDeviation());
     if (quantity == Quantity::Temperature)
         deviation = Degrees::fromCelsius(deviation) - Degrees::fromCelsius(0);
@@ -120,7 +120,7 @@ QString Series::deviationText() const
 
 void Series::refreshTexts()
 {
-    if (m_conditions.form.quantity != Quantity::Temperature)
+    if (m_conditions.format.quantity != Quantity::Temperature)
         return;
     m_texts.fill(QString());
     m_firstMissing = 0;

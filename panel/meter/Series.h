@@ -14,7 +14,7 @@
 /** The object, meter and settings with which a series was recorded. */
 struct SeriesConditions
 {
-    Form form;
+    ReadingFormat format;
     QString meterName;
     QString serialNumber;
     QString material; ///< empty: not compensated

@@ -76,8 +76,8 @@ QString folderOf(const QString &client)
 QByteArray SeriesFile::head(const Series &series)
 {
     const SeriesConditions &conditions = series.conditions();
-    const Form &form = conditions.form;
-    const QuantityRow &quantity = quantities[int(form.quantity)];
+    const ReadingFormat &format = conditions.format;
+    const QuantityRow &quantity = quantities[int(format.quantity)];
     const bool isCompensated = !conditions.material.isEmpty();
     const struct
     {
@@ -88,15 +88,15 @@ QByteArray SeriesFile::head(const Series &series)
         {"serial number", quoted(conditions.serialNumber)},
         {"quantity", QLatin1String(quantity.name)},
         {"unit", QLatin1String(quantity.unit)},
-        {"test current", form.currentText()},
+        {"test current", format.currentText()},
         {"object type", name(conditions.objectType)},
         {"object name", name(conditions.objectName)},
         {"material", name(conditions.material)},
         {"temperature coefficient in 1/K",
          isCompensated ? QString::number(conditions.alpha) : QString()},
         {"limit", name(conditions.limit.name)},
-        {"low limit", bound(form.quantity, conditions.limit.low)},
-        {"high limit", bound(form.quantity, conditions.limit.high)},
+        {"low limit", bound(format.quantity, conditions.limit.low)},
+        {"high limit", bound(format.quantity, conditions.limit.high)},
         {"verdict", QLatin1String(outcomes[series.verdict().outcome()])},
         {"reason", QLatin1String(reasons[series.verdict().reason()])},
         {"start", conditions.start.toString(Qt::ISODate)},

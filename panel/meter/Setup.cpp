@@ -169,7 +169,7 @@ bool Setup::isCompensated() const
     return !m_material.isEmpty() && m_quantity != Quantity::Temperature;
 }
 
-Form Setup::form() const
+ReadingFormat Setup::format() const
 {
     const QuantityRow &row = rowOf(m_quantity);
     return {m_quantity, isCompensated() ? row.compensated : row.plain, m_current};
@@ -178,7 +178,7 @@ Form Setup::form() const
 QList<ValueBox::testI> Setup::testCurrents() const
 {
     QList<ValueBox::testI> currents;
-    for (const ValueBox::DynamicRounding::Round_Current_I *rows : tableOf(form().method))
+    for (const ValueBox::DynamicRounding::Round_Current_I *rows : tableOf(format().method))
         currents += rows->current;
     std::sort(currents.begin(), currents.end());
     return currents;

@@ -50,7 +50,7 @@ public:
      * temperature.
      */
     bool canJudge() const { return m_quantity != Quantity::Inductance; }
-    Form form() const;
+    ReadingFormat format() const;
     /** Test currents for which the meter's model has rounding rows with this setup's method. */
     QList<ValueBox::testI> testCurrents() const;
 

@@ -161,10 +161,10 @@ void RecordPage::refresh()
     const Setup &setup = session().setup();
     const SeriesConditions &conditions = recorder().series().conditions();
     const bool isThere = this->isThere();
-    const Form form = isThere ? conditions.form : setup.form();
+    const ReadingFormat format = isThere ? conditions.format : setup.format();
     QStringList what {isThere ? conditions.meterName
                               : library().getMainConfig()->get_MeterFullName()};
-    what += form.currentText();
+    what += format.currentText();
     what += isThere ? conditions.material : setup.isCompensated() ? setup.material() : QString();
     what += isThere ? Setup::objectText(conditions.objectType, conditions.objectName)
                     : Setup::objectText(setup.objectType(), setup.objectName());
@@ -224,7 +224,7 @@ void RecordPage::plot(int index)
 void RecordPage::plotAnew()
 {
     const Series &series = recorder().series();
-    const Form &form = series.conditions().form;
+    const ReadingFormat &format = series.conditions().format;
     m_plot->clear();
     m_plotted = 0;
     while (m_plotted < series.count())
@@ -238,10 +238,11 @@ void RecordPage::plotAnew()
     } lines[] = {{Text {"Lists", "low", "Low"}, limit.low},
                  {Text {"Lists", "high", "High"}, limit.high}};
     for (const auto &line : lines) {
-        const float number = Limit::number(form.quantity, line.bound);
+        const float number = Limit::number(format.quantity, line.bound);
         if (!std::isnan(number) && !series.isEmpty())
-            bounds += {double(number),
-                       text(line.name) + QLatin1Char(' ') + Limit::text(form.quantity, line.bound)};
+            bounds +=
+                {double(number),
+                 text(line.name) + QLatin1Char(' ') + Limit::text(format.quantity, line.bound)};
     }
     m_plot->setBounds(bounds);
     refreshAxes();

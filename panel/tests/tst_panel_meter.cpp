@@ -261,10 +261,10 @@ void TstPanelMeter::verdictOfAReading()
     QFETCH(Quantity, quantity);
     QFETCH(float, value);
     QFETCH(Limit, limit);
-    const Form form {quantity,
-                     quantity == Quantity::Temperature ? ValueBox::Round_Static : ValueBox::Round_R,
-                     ValueBox::testI_10A};
-    const Verdict verdict(Reading(value, form), quantity, limit);
+    const ReadingFormat format {
+        quantity, quantity == Quantity::Temperature ? ValueBox::Round_Static : ValueBox::Round_R,
+        ValueBox::testI_10A};
+    const Verdict verdict(Reading(value, format), quantity, limit);
     QTEST(int(verdict.reason()), "reason");
     QTEST(int(verdict.outcome()), "outcome");
 }
@@ -504,7 +504,7 @@ void TstPanelMeter::seriesAsAFile()
         circumstances({QStringLiteral("busbar, \"new\""), QString(), QStringLiteral("2 m\u2126")});
     conditions.meterName = QStringLiteral("QERN KTV-420");
     conditions.serialNumber = QStringLiteral("CH20417");
-    conditions.form.method = ValueBox::Round_R_TempCompensation;
+    conditions.format.method = ValueBox::Round_R_TempCompensation;
     conditions.material = QStringLiteral("Copper");
     conditions.alpha = 0.00393;
     conditions.objectType = QStringLiteral("Transformer");
@@ -586,7 +586,7 @@ void TstPanelMeter::temperaturesInAFile()
 {
     SeriesConditions conditions =
         circumstances({QStringLiteral("winding"), QString(), QStringLiteral("26.67")});
-    conditions.form = {Quantity::Temperature, ValueBox::Round_Static, ValueBox::testI_None};
+    conditions.format = {Quantity::Temperature, ValueBox::Round_Static, ValueBox::testI_None};
     useUnit(ValueBox::Temp_Fahrenheit);
     Series series(conditions);
     series.add(0, 20);
@@ -605,7 +605,7 @@ void TstPanelMeter::temperaturesInAFile()
 void TstPanelMeter::seriesFollowsTheUnit()
 {
     SeriesConditions conditions = circumstances();
-    conditions.form = {Quantity::Temperature, ValueBox::Round_Static, ValueBox::testI_None};
+    conditions.format = {Quantity::Temperature, ValueBox::Round_Static, ValueBox::testI_None};
     Series series(conditions);
     series.add(0, 20);
     QCOMPARE(series.text(0), QStringLiteral("20.0 \u00B0C"));
@@ -723,7 +723,7 @@ void TstPanelMeter::seriesKeepsItsTexts()
 void TstPanelMeter::textsAreMadeAFewAtATime()
 {
     SeriesConditions conditions = circumstances();
-    conditions.form = {Quantity::Temperature, ValueBox::Round_Static, ValueBox::testI_None};
+    conditions.format = {Quantity::Temperature, ValueBox::Round_Static, ValueBox::testI_None};
     Series series(conditions);
     for (int i = 0; i < 5; ++i)
         series.add(i, 20);
