@@ -156,7 +156,7 @@ public:
                              int limit);
 
     /** The SQL statements of a list; each text is made only once. */
-    struct Texts
+    struct SqlTexts
     {
         QString countDuplicates;
         QString insert;
@@ -166,14 +166,14 @@ public:
         bool selectHasFilter = false;
         int selectLimit = 0;
     };
-    Texts &texts(const ListFamily &family);
+    SqlTexts &sqlTexts(const ListFamily &family);
     const QString &selectText(const ListFamily &family, RowKind kind, bool hasFilter, int limit);
 
     const QString directory;
     const QString path;
     const QString languagesDirectory;
     QString language;
-    QHash<const ListFamily *, Texts> textsOfLists;
+    QHash<const ListFamily *, SqlTexts> sqlTextsOfLists;
     Internal::NamedDatabase database {QStringLiteral("dataList")};
 };
 
@@ -183,9 +183,9 @@ void KTV_DataList::Private::setLanguage(const QString &code)
     language = code.isNull() ? QLatin1String("") : code;
 }
 
-KTV_DataList::Private::Texts &KTV_DataList::Private::texts(const ListFamily &family)
+KTV_DataList::Private::SqlTexts &KTV_DataList::Private::sqlTexts(const ListFamily &family)
 {
-    Texts &texts = textsOfLists[&family];
+    SqlTexts &texts = sqlTextsOfLists[&family];
     if (texts.insert.isNull()) {
         texts.countDuplicates = family.countDuplicates();
         texts.insert = family.insert();
@@ -196,7 +196,7 @@ KTV_DataList::Private::Texts &KTV_DataList::Private::texts(const ListFamily &fam
 const QString &KTV_DataList::Private::selectText(const ListFamily &family, RowKind kind,
                                                  bool hasFilter, int limit)
 {
-    Texts &last = texts(family);
+    SqlTexts &last = sqlTexts(family);
     if (last.select.isNull() || last.selectLanguage != language || last.selectKind != kind
         || last.selectHasFilter != hasFilter || last.selectLimit != limit) {
         last.select = family.select(language, kind, hasFilter, limit);
@@ -265,7 +265,7 @@ std::optional<int> KTV_DataList::Private::countFactoryRows(const ListFamily &fam
 
 Added KTV_DataList::Private::testDuplicate(const ListFamily &family, const QVariant &name)
 {
-    Statement query(database, texts(family).countDuplicates, {name}, Statement::Often);
+    Statement query(database, sqlTexts(family).countDuplicates, {name}, Statement::Often);
     if (!query.isDone() || !query.next())
         return Added::Failed;
     bool ok = false;
@@ -283,7 +283,7 @@ Added KTV_DataList::Private::insertUnlessStored(const ListFamily &family, bool r
         values += readOnly;
     values += storedColumns(family, columns);
     const auto insertRow = [&] {
-        const Statement statement(database, texts(family).insert, values, Statement::Often);
+        const Statement statement(database, sqlTexts(family).insert, values, Statement::Often);
         if (statement.isRefused())
             return Added::Refused;
         return statement.isDone() ? Added::Done : Added::Failed;

@@ -119,7 +119,7 @@ void stopBackgroundWork()
     StopRegistry::instance().stopAll();
 }
 
-bool canBeginThread()
+bool canStartThread()
 {
     // Enough also for threads that are starting at this moment, and for a command in each.
     constexpr std::size_t enough = 16;
@@ -143,7 +143,7 @@ EndlessWork::~EndlessWork()
 
 void EndlessWork::start(const std::function<void()> &work)
 {
-    if (!canBeginThread()) {
+    if (!canStartThread()) {
         log() << "EndlessWork::start: too few file descriptors are left";
         return;
     }

@@ -28,7 +28,7 @@ void stopBackgroundWork();
  * Whether the global pool may start another thread. Each thread of Qt first creates its own event
  * dispatcher; when no file descriptor is left for that, Qt ends the whole process.
  */
-bool canBeginThread();
+bool canStartThread();
 
 /** Removes finished futures from a container. */
 template <typename Futures> void dropFinished(Futures &futures)
@@ -57,7 +57,7 @@ public:
     ~EndlessWork();
     Q_DISABLE_COPY_MOVE(EndlessWork)
 
-    /** Starts a run, unless canBeginThread() is false, which is logged. One thread at a time. */
+    /** Starts a run, unless canStartThread() is false, which is logged. One thread at a time. */
     void start(const std::function<void()> &work);
     /**
      * The future of the latest run. May be called on any thread; waits while start() stores a

@@ -35,13 +35,13 @@ Workers::~Workers()
 
 void Workers::poll(Kind kind, Work work)
 {
-    if (m_outstanding.at(kind) < mostOutstanding && canBeginThread())
+    if (m_outstanding.at(kind) < mostOutstanding && canStartThread())
         run(kind, work);
 }
 
 void Workers::start(Kind kind, Work work)
 {
-    if (canBeginThread()) {
+    if (canStartThread()) {
         run(kind, work);
         return;
     }

@@ -61,7 +61,7 @@ private:
     static QFileInfoList recordings();
     static int openDescriptors();
     /** The latest recording. */
-    static QByteArray heard();
+    static QByteArray latestRecording();
 
     const QByteArray searchPath = qgetenv("PATH");
 };
@@ -121,7 +121,7 @@ QFileInfoList TstSound::recordings()
     return QDir("/run/meter/audio").entryInfoList(QDir::Files, QDir::Name);
 }
 
-QByteArray TstSound::heard()
+QByteArray TstSound::latestRecording()
 {
     const QFileInfoList files = recordings();
     return files.isEmpty() ? QByteArray() : Meter::readFile(files.last().filePath());
@@ -169,7 +169,7 @@ void TstSound::playsOnce()
     QCOMPARE(Meter::journal(), QStringList(once + "/etc/wav/SOUND_ERROR_SHORT.raw"));
     const QByteArray sample = Meter::readFile("/etc/wav/SOUND_ERROR_SHORT.raw");
     QVERIFY(sample.size() > 1000);
-    QCOMPARE(heard().left(sample.size()), sample);
+    QCOMPARE(latestRecording().left(sample.size()), sample);
 
     Sound::KillProcess(); // pkill finds no process
     QVERIFY(!Sound::process);
@@ -184,8 +184,8 @@ void TstSound::playsOverAndOver()
     QVERIFY(Sound::process);
     QVERIFY(Sound::_isLoop);
     const QByteArray sample = Meter::readFile("/etc/wav/SOUND_ERROR_SHORT.raw");
-    QTRY_VERIFY(heard().size() > 2 * sample.size());
-    QVERIFY(heard().startsWith(sample + sample));
+    QTRY_VERIFY(latestRecording().size() > 2 * sample.size());
+    QVERIFY(latestRecording().startsWith(sample + sample));
     QCOMPARE(calls("sh"),
              QStringList("sh -c while true; do cat /etc/wav/SOUND_ERROR_SHORT.raw; done  | aplay "
                          "-t raw -f S16_LE -r 44100"));
@@ -206,7 +206,7 @@ void TstSound::errorsOfThePlayerDoNotHaltTheLoop()
                           "exec /usr/bin/aplay \"$@\"");
     Sound::Play(Sound::SOUND_ERROR_SHORT, true, false, samples);
     const int size = Meter::readFile("/etc/wav/SOUND_ERROR_SHORT.raw").size();
-    QTRY_VERIFY(heard().size() > 2 * size);
+    QTRY_VERIFY(latestRecording().size() > 2 * size);
 }
 
 void TstSound::outputOfThePlayerIsLimited_data()
@@ -367,7 +367,7 @@ void TstSound::missingShell()
 void TstSound::missingPkill()
 {
     Sound::Play(Sound::intro, true, false, samples);
-    QTRY_VERIFY(!heard().isEmpty());
+    QTRY_VERIFY(!latestRecording().isEmpty());
     Meter::hideProgram("pkill");
     const LogCapture log;
     Sound::KillProcess();
@@ -448,7 +448,7 @@ void TstSound::killsLoopsOfOthers()
                                     {"-c",
                                      "while true; do cat /etc/wav/intro.raw; done | "
                                      "/usr/bin/aplay -t raw -f S16_LE -r 44100 -q"}));
-    QTRY_VERIFY(!heard().isEmpty());
+    QTRY_VERIFY(!latestRecording().isEmpty());
     // Unlike that of busybox, this list has the ids at the start of the line: the shell's and the
     // loop's.
     Meter::replaceProgram("ps", "exec /usr/bin/pgrep -a -f '/etc/wav/[i]ntro'");
@@ -591,7 +591,7 @@ void TstSound::endsWithTheFacade()
     {
         const KTV_DataSource facade;
         Sound::Play(Sound::intro, true, false, samples);
-        QTRY_VERIFY(!heard().isEmpty());
+        QTRY_VERIFY(!latestRecording().isEmpty());
     }
     QVERIFY(!Sound::process);
     QTRY_COMPARE(Meter::processes("aplay"), QStringList());
