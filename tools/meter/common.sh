@@ -83,7 +83,9 @@ install_packages() {
 configure() {
     local preset=$1
     begin "configure ($preset)"
-    ! command -v ccache >/dev/null || export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    # What is compiled with precompiled headers is stored only with these two permissions.
+    ! command -v ccache >/dev/null ||
+        export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_SLOPPINESS=pch_defines,time_macros
     # ninja configures again by itself when a CMake file changes, but not for the presets.
     [ "build/$preset/build.ninja" -nt CMakePresets.json ] || logged "configure-$preset" cmake --preset "$preset"
 }
