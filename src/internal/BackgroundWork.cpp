@@ -180,7 +180,7 @@ void EndlessWork::stop()
     m_isStopping = false;
 }
 
-void EndlessWork::rest(const QDeadlineTimer &end, const std::function<bool()> &isOver) const
+void EndlessWork::sleepUntil(const QDeadlineTimer &end, const std::function<bool()> &isOver) const
 {
     constexpr int step = 20; // ms
     while (!end.hasExpired() && !m_isStopping && !isOver())

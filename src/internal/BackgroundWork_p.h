@@ -67,14 +67,14 @@ public:
 
     /** True while stop() waits: a run must then end as soon as it can. */
     const std::atomic<bool> &isStopping() const { return m_isStopping; }
-    /** Ends every run and waits for it; a run that has not started yet never does. */
+    /** Ends every run and waits for it; a run that has not started yet never starts. */
     void stop();
 
     /**
-     * Sleeps until @p end, but no longer than until @p isOver returns true or stop() is called. For
-     * a run whose work has failed and is not to be repeated at once.
+     * Sleeps until @p end, but ends early when @p isOver returns true or stop() is called. For a
+     * run whose work has failed and is not to be repeated at once.
      */
-    void rest(const QDeadlineTimer &end, const std::function<bool()> &isOver) const;
+    void sleepUntil(const QDeadlineTimer &end, const std::function<bool()> &isOver) const;
 
 private:
     QFuture<void> &m_handle;

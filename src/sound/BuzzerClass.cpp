@@ -188,7 +188,7 @@ void BuzzerClass::_loopBeep(Tone tone)
         const QDeadlineTimer nextRound(std::max(sounding, shortestRepeat));
         play(steps, self);
         if (sounding == 0 || !whole.hasExpired()) // it cannot have been played
-            worker.rest(nextRound, [&self] { return isOver(self); });
+            worker.sleepUntil(nextRound, [&self] { return isOver(self); });
     }
 }
 

@@ -90,7 +90,7 @@ void Tools::socatProces_Avait()
         // A bridge that fails at once is not restarted before this.
         const QDeadlineTimer nextStart(shortestRun);
         runDirect(bridgeCommand, {Waits::NoStartWait, Waits::Forever, &bridge.isStopping()});
-        bridge.rest(nextStart, [&isCancelled] {
+        bridge.sleepUntil(nextStart, [&isCancelled] {
             return isCancelled() || !loadShared(isCalibrationModeActive);
         });
     } while (loadShared(isCalibrationModeActive));

@@ -59,8 +59,8 @@ using DynamicRounding::RoundItem;
 
 QString NumericalValueBox::round(double value, unsigned int digits)
 {
-    constexpr int nudgedDecimals = 10;
-    const QString longText = QString::number(value, 'f', nudgedDecimals);
+    constexpr int tenthDecimal = 10;
+    const QString longText = QString::number(value, 'f', tenthDecimal);
     if (longText.endsWith(QLatin1Char('5')) && longText.contains(QLatin1Char('.')))
         value = double((longText + QLatin1Char('1')).toFloat());
     return QString::number(value, 'f', int(digits));

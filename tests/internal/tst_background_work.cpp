@@ -29,9 +29,9 @@ private slots:
     void waitingRunsDoNotStartAfterStop();
     void cancelledBeforeItStarts();
     void stopWithoutRuns();
-    void restLastsUntilItsEnd();
-    void restEndsEarly_data();
-    void restEndsEarly();
+    void sleepLastsUntilItsEnd();
+    void sleepEndsEarly_data();
+    void sleepEndsEarly();
     void stopsAllAtOnce();
 
 private:
@@ -144,35 +144,35 @@ void TstBackgroundWork::stopWithoutRuns()
     QCOMPARE(calls, 1);
 }
 
-void TstBackgroundWork::restLastsUntilItsEnd()
+void TstBackgroundWork::sleepLastsUntilItsEnd()
 {
     EndlessWork work(handle);
     qint64 rested = 0;
     work.start([&work, &rested] {
         QElapsedTimer timer;
         timer.start();
-        work.rest(QDeadlineTimer(100), [] { return false; });
+        work.sleepUntil(QDeadlineTimer(100), [] { return false; });
         rested = timer.elapsed();
     });
     handle.waitForFinished();
     QVERIFY2(rested >= 100, QByteArray::number(rested));
 }
 
-void TstBackgroundWork::restEndsEarly_data()
+void TstBackgroundWork::sleepEndsEarly_data()
 {
     QTest::addColumn<bool>("isStopped");
     QTest::newRow("when it is over") << false;
     QTest::newRow("when it is stopped") << true;
 }
 
-void TstBackgroundWork::restEndsEarly()
+void TstBackgroundWork::sleepEndsEarly()
 {
     QFETCH(bool, isStopped);
     std::atomic<int> askings {0};
     std::atomic<bool> isOver {false};
     EndlessWork work(handle);
     work.start([&work, &askings, &isOver] {
-        work.rest(QDeadlineTimer(QDeadlineTimer::Forever), [&askings, &isOver] {
+        work.sleepUntil(QDeadlineTimer(QDeadlineTimer::Forever), [&askings, &isOver] {
             ++askings;
             return isOver.load();
         });

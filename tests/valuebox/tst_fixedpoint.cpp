@@ -160,7 +160,7 @@ void TstFixedPoint::quotientsAsProducts()
 void TstFixedPoint::tenthDecimalNeverChangesTheEighth()
 {
     QRandomGenerator random(14);
-    int nudged = 0;
+    int raised = 0;
     for (int i = 0; i < 300000; ++i) {
         // Around numbers whose tenth decimal is a 5, small enough for a float to have it.
         const quint64 units = random.generate64() % (quint64(1) << (4 + i % 32));
@@ -169,14 +169,14 @@ void TstFixedPoint::tenthDecimalNeverChangesTheEighth()
         if (i % 2 == 0)
             value = -value;
         if (QString::number(double(value), 'f', 10).endsWith('5'))
-            ++nudged;
+            ++raised;
         for (int decimals = 6; decimals <= 8; ++decimals) {
             const QString text = Internal::roundedText(value, {0, decimals, 0});
             if (text != PlainSteps::rounded(double(value), decimals))
                 QFAIL(qPrintable(text));
         }
     }
-    QVERIFY(nudged > 20000);
+    QVERIFY(raised > 20000);
 }
 
 void TstFixedPoint::tenthDecimalMayChangeTheNinth()
