@@ -154,7 +154,7 @@ void TstKtvConfiguration::unusableFile_data()
     row("cut off", content("<a>\n <_logDirectory Value=\"/log/\"/>\n"),
         unloaded.arg("unexpected end of file").arg(3).arg(1));
     row("crossed tags", content("<a><b></a></b>"), unloaded.arg("tag mismatch").arg(1).arg(10));
-    row("behind lone carriage returns", content("<a>\r\r<b>\r</a>"),
+    row("after lone carriage returns", content("<a>\r\r<b>\r</a>"),
         unloaded.arg("tag mismatch").arg(4).arg(4));
     row("two roots", content("<a/><b/>"), unloaded.arg("unexpected character").arg(1).arg(6));
     row("only NUL bytes", content(QByteArray(4096, '\0')),
@@ -455,7 +455,7 @@ void TstKtvConfiguration::versions_data()
     QTest::newRow("empty beta is none")
         << plain + element("_betaVersion", "") << QByteArray("2.0.1") << "1.2.3 - 2.0.1"
         << "2.0.1";
-    QTest::newRow("white space around goes, within stays")
+    QTest::newRow("white space around is removed, within is kept")
         << plain << QByteArray("\r\n \t2.0.1\nbuild 5 \r\n\n") << "1.2.3 - 2.0.1\nbuild 5"
         << "2.0.1\nbuild 5";
     QTest::newRow("UTF-8") << plain << QByteArray("ż") << QStringLiteral("1.2.3 - ż")

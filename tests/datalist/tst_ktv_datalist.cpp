@@ -363,7 +363,7 @@ void TstKtvDataList::factoryMaterials_data()
     QTest::newRow("negative") << QByteArray("Carbon?-0.0005") << QStringList("Carbon|-0.0005");
     QTest::newRow("blanks at the number")
         << QByteArray("Lead? 0.004 ") << QStringList("Lead|0.004");
-    QTest::newRow("a number that is none is kept as none")
+    QTest::newRow("nan is stored as no number")
         << QByteArray("Copper?nan") << QStringList("Copper|");
     QTest::newRow("no question mark") << QByteArray("Copper 0.00393") << QStringList();
     QTest::newRow("two question marks") << QByteArray("Copper?0.00393?") << QStringList();
@@ -442,7 +442,7 @@ void TstKtvDataList::refusedFactoryRow()
     {
         const auto store = ListStore::open();
     }
-    // RAISE(ABORT) stands for whatever a program that shares the file has added to the table.
+    // A trigger such as another program may have added to the table.
     ListStore::change("CREATE TRIGGER refusal BEFORE INSERT ON OBIECT_TYP "
                       "WHEN NEW.OBT_Value='two' BEGIN SELECT RAISE(ABORT, 'no two'); END");
     writeDefaults("EN", "obiectTyp", "one\ntwo\nthree\n");
@@ -828,15 +828,15 @@ void TstKtvDataList::temperatures_data()
     const auto degF = [](const char *number) {
         return QString(number) + QStringLiteral(" \u00b0F");
     };
-    QTest::newRow("Celsius as it stands") << int(ValueBox::Temp_Celsius) << "20.000 grad"
-                                          << "20.000 grad"
-                                          << "20.000 grad";
+    QTest::newRow("Celsius unchanged") << int(ValueBox::Temp_Celsius) << "20.000 grad"
+                                       << "20.000 grad"
+                                       << "20.000 grad";
     QTest::newRow("Celsius, no number") << int(ValueBox::Temp_Celsius) << "warm"
                                         << "warm"
                                         << "warm";
-    QTest::newRow("a unit that nobody knows, as it stands") << 7 << "20.000"
-                                                            << "20.000"
-                                                            << "20.000";
+    QTest::newRow("an unknown unit, unchanged") << 7 << "20.000"
+                                                << "20.000"
+                                                << "20.000";
     QTest::newRow("boiling") << int(ValueBox::Temp_Fahrenheit) << "212" << degF("100")
                              << degF("212");
     QTest::newRow("with its sign")

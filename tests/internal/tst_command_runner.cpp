@@ -154,11 +154,11 @@ void TstCommandRunner::stopFlagEndsTheWait_data()
 {
     QTest::addColumn<QString>("script");
     QTest::addColumn<QByteArray>("note");
-    QTest::newRow("asked first, so that it can tidy up")
+    QTest::newRow("SIGTERM first, so that it can clean up")
         << "trap 'echo tidy >/tmp/note; exit' TERM; echo run >/tmp/note; while :; do sleep 0.01; "
            "done"
         << QByteArray("tidy\n");
-    QTest::newRow("killed when it does not listen")
+    QTest::newRow("killed when it ignores SIGTERM")
         << "trap '' TERM; echo run >/tmp/note; while :; do sleep 0.01; done" << QByteArray("run\n");
 }
 
@@ -352,7 +352,7 @@ void TstCommandRunner::printsTooMuch_data()
 {
     QTest::addColumn<QString>("script");
     QTest::addColumn<CommandResult::Outcome>("outcome");
-    QTest::newRow("as much as is taken")
+    QTest::newRow("exactly the limit")
         << "head -c 1048576 /dev/zero | tr '\\0' x" << CommandResult::Finished;
     QTest::newRow("one byte more")
         << "head -c 1048577 /dev/zero | tr '\\0' x" << CommandResult::NotFinished;

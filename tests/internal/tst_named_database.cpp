@@ -219,7 +219,7 @@ void TstNamedDatabase::missing_data()
     QTest::newRow("one byte") << QByteArray("x") << QByteArray() << false;
     QTest::newRow("file") << QByteArray(4096, 'x') << QByteArray() << false;
     QTest::newRow("its creation was cut short") << QByteArray(4096, 'x') << wasEmpty << true;
-    QTest::newRow("so, with pages in the journal")
+    QTest::newRow("its creation was cut short, with pages in the journal")
         << QByteArray(4096, 'x') << wasEmpty + QByteArray(512, '\0') << true;
     QTest::newRow("a change was cut short")
         << QByteArray(4096, 'x') << head + QByteArray::fromHex("00000001") << false;

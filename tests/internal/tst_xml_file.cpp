@@ -277,25 +277,25 @@ void TstXmlFile::declarations_data()
     };
     const QString tooMany = QStringLiteral("too many declarations");
     QTest::newRow("brackets of a declaration") << declared(brackets(1000)) << QString();
-    QTest::newRow("too many of them") << declared(brackets(1001)) << tooMany;
+    QTest::newRow("too many brackets of a declaration") << declared(brackets(1001)) << tooMany;
     QTest::newRow("far too many") << declared(brackets(1000000)) << tooMany;
     QTest::newRow("in UTF-16") << inUtf16(declared(brackets(100000))) << tooMany;
     QTest::newRow("brackets of a text") << "<a>" + QByteArray(2000, '(') + "</a>" << QString();
-    QTest::newRow("so, with a document type")
+    QTest::newRow("brackets of a text, with a document type")
         << "<!DOCTYPE a><a>" + QByteArray(2000, '(') + "</a>" << QString();
     QTest::newRow("entities") << declared(text4k, QByteArray("&e;").repeated(999)) << QString();
     QTest::newRow("too many entities")
         << declared(text4k, QByteArray("&e;").repeated(1100)) << tooMany;
     QTest::newRow("a short entity, often")
         << declared("<!ENTITY e 'x'>", QByteArray("&e;").repeated(10000)) << QString();
-    QTest::newRow("one made of a character's number, often")
+    QTest::newRow("an entity for a character by its number, often")
         << declared("<!ENTITY ohm '&#937;'>", QByteArray("&ohm;").repeated(10000)) << QString();
     for (const char *ampersand : {"&#38;", "&#038;", "&#x26;"})
-        QTest::addRow("one made of %s, as often", ampersand)
+        QTest::addRow("an entity made of %s, as often", ampersand)
             << declared(QByteArray("<!ENTITY d 'x'><!ENTITY e '") + ampersand + "d;'>",
                         QByteArray("&e;").repeated(10000))
             << tooMany;
-    QTest::newRow("one that may stand for more, as often")
+    QTest::newRow("an entity that may expand, as often")
         << declared("<!ENTITY d 'x'><!ENTITY e '&d;'>", QByteArray("&e;").repeated(10000))
         << tooMany;
     QTest::newRow("texts with brackets, a percent sign and references")
@@ -303,7 +303,7 @@ void TstXmlFile::declarations_data()
         << QString();
     QTest::newRow("a document type that only a comment names")
         << "<!--<!DOCTYPE a>-->" + declared(brackets(1001)) << tooMany;
-    QTest::newRow("an end that only a text, a comment and an instruction hold")
+    QTest::newRow("ends of the document type within a text, a comment and an instruction")
         << declared("<!ENTITY e ']>'><!-- ]> --><?p ]> ?>" + brackets(1001)) << tooMany;
     QTest::newRow("entities of an attribute")
         << "<!DOCTYPE a [" + text4k + "]><a b='" + QByteArray("&e;").repeated(900000) + "'/>"
@@ -332,7 +332,7 @@ void TstXmlFile::numberOfNodes_data()
     row("elements", "<b/>", 119999, true);
     row("too many", "<b/>", 120000, false);
     row("elements with attributes", "<b c='' d=''/>", 39999, true);
-    row("too many of them", "<b c='' d=''/>", 40000, false);
+    row("too many elements with attributes", "<b c='' d=''/>", 40000, false);
     row("too many comments", "<!---->", 120000, false);
     row("too many instructions", "<?b?>", 120000, false);
     row("too many texts", "t<b/>", 60000, false);

@@ -164,10 +164,10 @@ void TstKtvctlWifi::scanThatFindsNothing_data()
     QTest::addColumn<QString>("remarks");
     const QString nothing = "ktvctl: no network was heard; scanning again\n";
     const QString slow = "ktvctl: the scan took longer than 5 s; scanning again\n";
-    QTest::newRow("meets a scan of the supplicant's") << QByteArray("exit") << nothing;
+    QTest::newRow("coincides with a scan of the supplicant") << QByteArray("exit") << nothing;
     // The adapter goes on scanning after the tool has been ended, and is busy for some more
     // seconds.
-    QTest::newRow("is slow, then meets itself")
+    QTest::newRow("is slow, then finds the adapter busy")
         << QByteArray("exec sleep 60;exit;exit") << slow + nothing + nothing;
 }
 

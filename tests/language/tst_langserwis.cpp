@@ -360,7 +360,7 @@ void TstLangSerwis::formats_data()
     QTest::newRow("no date under its right name")
         << QByteArray("<dateFormat value='d'/>")
         << QStringList {"", "", "", "", "hh:mm", "yyyy.MM.dd"};
-    QTest::newRow("keyboards as they stand")
+    QTest::newRow("keyboards unchanged")
         << QByteArray("<smallKeyboard value=' q;w\\n '/><bigKeyboard value='Q'/>"
                       "<regionalSmallKeyboard value='ą'/><regionalBigKeyboard value='Ą'/>")
         << QStringList {" q;w\\n ",          "Q",     QStringLiteral("ą"),

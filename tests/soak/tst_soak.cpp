@@ -162,9 +162,10 @@ const Work works[] = {
 
 /**
  * Everything that an interface does, in turns, much faster than an interface: every result is
- * right, and nothing that the process uses grows. Runs for KTV_SOAK_MINUTES, or for as many turns
- * as CI has time for. With KTV_SOAK_CLOCK the clock is set forward and back by years meanwhile;
- * with KTV_SOAK_ONLY only the named kinds of work are done, to find out which one grows.
+ * right, and nothing that the process uses grows. Runs for KTV_SOAK_MINUTES; without
+ * this variable only for some turns, for CI. With KTV_SOAK_CLOCK the clock is set forward and back
+ * by years meanwhile; with KTV_SOAK_ONLY only the named kinds of work are done, to find out which
+ * one grows.
  */
 class TstSoak : public QObject
 {

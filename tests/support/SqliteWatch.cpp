@@ -105,8 +105,8 @@ int sqlite3_prepare16_v2(sqlite3 *database, const void *text, int bytes, sqlite3
                          const void **tail)
 {
     static const auto original = next<decltype(&sqlite3_prepare16_v2)>("sqlite3_prepare16_v2");
-    const QScopedValueRollback<bool> inner(
-        s_isInner, true); // reading the names of the tables must not count as a statement
+    // SQLite reads the names of the tables here; that must not count as a statement.
+    const QScopedValueRollback<bool> inner(s_isInner, true);
     ++s_preparations;
     const int result = original(database, text, bytes, statement, tail);
     if (result != SQLITE_OK)

@@ -234,7 +234,7 @@ void TstUsbPort::ownerIsFound_data()
         << none << QByteArray("stdout= Active: active (exited)") << Tools::RS232_None << 3;
     QTest::newRow("case counts") << none << QByteArray("stdout= Active: Active (running)")
                                  << Tools::RS232_None << 3;
-    QTest::newRow("all say nothing")
+    QTest::newRow("no program prints anything")
         << QByteArray("silent=1") << QByteArray("silent=1") << Tools::RS232_None << 3;
 }
 

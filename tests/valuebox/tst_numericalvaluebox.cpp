@@ -631,11 +631,12 @@ void TstNumericalValueBox::roundRaisesTheTenthDecimal_data()
     QTest::addColumn<QString>("text");
     QTest::newRow("plain") << 1.25 << 1U << "1.3";
     QTest::newRow("half away from zero") << -0.5 << 0U << "-1";
-    QTest::newRow("nudged, through single precision") << 0.1234567885 << 9U << "0.123456791";
+    QTest::newRow("tenth decimal raised, through single precision")
+        << 0.1234567885 << 9U << "0.123456791";
     QTest::newRow("the same without a 5") << 0.1234567884 << 9U << "0.123456788";
-    QTest::newRow("nudged upwards") << 0.00000000045 << 9U << "0.000000000";
-    QTest::newRow("nudged below zero") << -0.1234567885 << 9U << "-0.123456791";
-    QTest::newRow("large, nudged") << 16777217.0000000005 << 1U << "16777217.0";
+    QTest::newRow("tenth decimal raised") << 0.00000000045 << 9U << "0.000000000";
+    QTest::newRow("tenth decimal raised below zero") << -0.1234567885 << 9U << "-0.123456791";
+    QTest::newRow("large, tenth decimal raised") << 16777217.0000000005 << 1U << "16777217.0";
     QTest::newRow("not a number") << double(NaN) << 2U << "nan";
     QTest::newRow("infinite") << -double(infinity) << 2U << "-inf";
     QTest::newRow("minus zero") << -0. << 2U << "0.00";

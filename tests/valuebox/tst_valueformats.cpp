@@ -215,7 +215,7 @@ void TstValueFormats::fixedFormat_data()
     QTest::newRow("minus zero") << -0.F << Unit_V << Prefix_None << 2 << false << "0.00 V";
     QTest::newRow("half away from zero")
         << 0.125F << Unit_V << Prefix_None << 2 << false << "0.13 V";
-    QTest::newRow("no nudge of the tenth decimal")
+    QTest::newRow("the tenth decimal is not raised")
         << 0.1234567F << Unit_V << Prefix_None << 11 << false << "0.12345670164 V";
     QTest::newRow("negative decimals are six")
         << 1.5F << Unit_V << Prefix_None << -1 << false << "1.500000 V";

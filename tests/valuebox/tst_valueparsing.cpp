@@ -77,7 +77,7 @@ void TstValueParsing::texts_data()
     QTest::newRow("only endings count")
         << "12 V/m" << true << 0.012F << 0 << untouchedUnit << Prefix_m;
     QTest::newRow("case counts") << "12 v" << true << 12.F << 0 << untouchedUnit << Prefix_None;
-    QTest::newRow("every unit text goes, wherever it is")
+    QTest::newRow("every unit text is removed, wherever it is")
         << "12 VmV" << true << 0.012F << 0 << Unit_V << Prefix_m;
     QTest::newRow("nothing is left of the unit")
         << "12 VV" << true << 12.F << 0 << Unit_V << Prefix_None;

@@ -106,7 +106,7 @@ void TstWifiToolOutput::addToList_data()
     QTest::addColumn<int>("mask"); // index of the one in the list
     QTest::newRow("stronger replaces weaker") << QList<int> {5, 8} << 8 << 1;
     QTest::newRow("weaker is dropped") << QList<int> {8, 5} << 8 << 0;
-    QTest::newRow("of equals the later") << QList<int> {6, 6} << 6 << 1;
+    QTest::newRow("of two equal ones the later") << QList<int> {6, 6} << 6 << 1;
     QTest::newRow("three") << QList<int> {4, 7, 6} << 7 << 1;
 }
 
@@ -294,7 +294,7 @@ void TstWifiToolOutput::scan_data()
         << "Cell 01\nQuality=1/70  Signal level=-40 dBm  Noise level=-92 dBm\nESSID:\"Lab\""
         << QStringList("Lab 4");
     QTest::newRow("no equals sign") << "Cell 01\nQuality 5\nESSID:\"Lab\"" << QStringList("Lab 1");
-    QTest::newRow("quotation marks go, escapes stay")
+    QTest::newRow("quotation marks are removed, escapes are kept")
         << one("-60", "off", "a\"b\\x00\\xC5\\\\") << QStringList("ab\\x00\\xC5\\\\ 6");
     QTest::newRow("marker within the name")
         << one("-60", "off", "ESSID:ESSID:x") << QStringList("x 6");
