@@ -301,8 +301,7 @@ void TstPanelMeasuring::startsWithAModel()
         PanelFixture panel;
         QVERIFY(panel.pick("measure.meter", QStringLiteral("DV42006")));
         QVERIFY(panel.pick("measure.current", QStringLiteral("150 A")));
-        panel.session.setSerialNumber(
-            QStringLiteral("AA0000")); // stored, and it belongs to no model
+        panel.session.setSerialNumber(QStringLiteral("AA0000")); // stored, but of no model
     }
     PanelFixture panel;
     QCOMPARE(panel.labelText("header.meter"), QStringLiteral("QERN KTV-420   CH20417"));

@@ -578,8 +578,8 @@ void TstPanelMeter::namesInAFile()
     for (const char *line : {"object type", "object name", "material", "limit", "high limit"})
         QVERIFY2(head.contains(QStringLiteral("\n%1,%2\r\n").arg(QLatin1String(line), field)),
                  line);
-    QVERIFY(head.contains(
-        QStringLiteral("\nlow limit,\"-5 m\u2126\"\r\n"))); // a number, which needs no apostrophe
+    // A number needs no apostrophe.
+    QVERIFY(head.contains(QStringLiteral("\nlow limit,\"-5 m\u2126\"\r\n")));
 }
 
 void TstPanelMeter::temperaturesInAFile()

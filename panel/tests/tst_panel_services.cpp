@@ -581,8 +581,8 @@ void TstPanelServices::destroyedBeforeAScanIsReceived()
             },
             Qt::DirectConnection);
         TAP(panel, "nav.WiFi");
-        QVERIFY(
-            sent.tryAcquire(1, 15000)); // blocks the event loop, so the signal stays in the queue
+        // Blocks the event loop, so the signal stays in the queue.
+        QVERIFY(sent.tryAcquire(1, 15000));
         QVERIFY(network);
     }
     QVERIFY(network.isNull());

@@ -111,8 +111,8 @@ QStringList problemsOf(const PanelFixture &panel, const QString &where)
         };
         const QPoint corner = widget->mapTo(&panel.window, QPoint());
         QRect place(corner, widget->size());
-        if (isScrolled(
-                widget)) // such a widget may be outside the window, but only above or below it
+        // A scrolled widget may be outside the window, but only above or below it.
+        if (isScrolled(widget))
             place.setCoords(place.left(), 0, place.right(), 0);
         if (!panel.window.rect().contains(place))
             report(QStringLiteral("leaves the screen"));

@@ -169,8 +169,8 @@ void TouchList::grow(int count)
     if (isVisible())
         m_isFollowing = bar->value() == bar->maximum();
     m_rows->grow(count);
-    if (m_isFollowing && isVisible()) // a hidden list does this in showEvent(), because all rows
-                                      // would be laid out for it
+    // A hidden list scrolls in showEvent(), because all rows are laid out for it.
+    if (m_isFollowing && isVisible())
         scrollToBottom();
 }
 

@@ -34,7 +34,8 @@ public:
     /** Shows @p count rows. Each is requested from @p rowAt when it comes into view. */
     void setSource(std::function<TouchRow(int index)> rowAt, int count);
     /**
-     * To be called when there are more rows. If the last one is in view, the new last one is then.
+     * To be called when there are more rows. If the last row is in view, scrolls to the new last
+     * row.
      */
     void grow(int count);
     int rowCount() const;
