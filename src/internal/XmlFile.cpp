@@ -95,7 +95,6 @@ public:
         return true;
     }
 
-    bool hasRefused() const { return m_refused; }
     const XmlError &failure() const { return m_error; }
 
 protected:
@@ -122,23 +121,94 @@ private:
     XmlError m_error;
 };
 
-/** Passes on the nodes that a QDomDocument would have; must match parseXml(). */
+/** The text of a file, of which it knows how much has been parsed. */
+class Source : public QXmlInputSource
+{
+public:
+    explicit Source(QString text) : m_text(std::move(text)) { }
+
+    QChar next() override
+    {
+        // The first of the two would only have the reader ask once more.
+        const bool isEnd = m_position == m_text.size() || m_text.at(m_position++) == EndOfData;
+        return isEnd ? QChar(EndOfDocument) : m_text.at(m_position - 1);
+    }
+    QString data() const override { return m_text; }
+
+    int position() const { return m_position; }
+    /** Whether a tag begins behind that position, in what has been parsed. */
+    bool hasTagBehind(int position) const
+    {
+        return QStringView(m_text).mid(position, m_position - position).contains(QLatin1Char('<'));
+    }
+
+private:
+    const QString m_text;
+    int m_position = 0;
+};
+
+/** Builds a document of the elements and their attributes; leaves out all other nodes. */
+class ElementBuilder : public Limiter
+{
+public:
+    /** @param lineAttribute gets each element's line; empty for none */
+    explicit ElementBuilder(QString lineAttribute) : m_lineAttribute(std::move(lineAttribute)) { }
+
+    void setDocumentLocator(QXmlLocator *locator) override { m_locator = locator; }
+    bool startElement(const QString &uri, const QString &localName, const QString &name,
+                      const QXmlAttributes &attributes) override
+    {
+        QDomElement element = m_document.createElement(name);
+        for (int i = 0; i < attributes.count(); ++i)
+            element.setAttribute(attributes.qName(i), attributes.value(i));
+        if (!m_lineAttribute.isEmpty())
+            element.setAttribute(m_lineAttribute, m_locator->lineNumber());
+        if (depth() == 0)
+            m_document.appendChild(element);
+        else
+            m_parent.appendChild(element);
+        m_parent = element;
+        return Limiter::startElement(uri, localName, name, attributes);
+    }
+    bool endElement(const QString &uri, const QString &localName, const QString &name) override
+    {
+        m_parent = m_parent.parentNode();
+        return Limiter::endElement(uri, localName, name);
+    }
+
+    const QDomDocument &document() const { return m_document; }
+
+private:
+    const QString m_lineAttribute;
+    QXmlLocator *m_locator = nullptr;
+    QDomDocument m_document;
+    QDomNode m_parent;
+};
+
+/** Passes on the nodes of the two levels below the root. */
 class SectionReader : public Limiter
 {
 public:
-    SectionReader(QString attribute, XmlSections &sections)
-        : m_attribute(std::move(attribute))
+    SectionReader(const Source &source, QString attribute, XmlSections &sections)
+        : m_source(source)
+        , m_attribute(std::move(attribute))
         , m_sections(sections)
     { }
 
     bool startElement(const QString &uri, const QString &localName, const QString &name,
                       const QXmlAttributes &attributes) override
     {
+        m_markupEnd = m_source.position();
         if (depth() == 1)
             m_sections.addSection(name);
         else if (depth() == 2)
             m_sections.addEntry(name, textOf(attributes));
         return Limiter::startElement(uri, localName, name, attributes);
+    }
+    bool endElement(const QString &uri, const QString &localName, const QString &name) override
+    {
+        m_markupEnd = m_source.position();
+        return Limiter::endElement(uri, localName, name);
     }
     bool startCDATA() override
     {
@@ -147,6 +217,7 @@ public:
     }
     bool endCDATA() override
     {
+        m_markupEnd = m_source.position();
         m_inCdata = false;
         return true;
     }
@@ -157,22 +228,26 @@ public:
     }
     bool comment(const QString &text) override
     {
+        m_markupEnd = m_source.position();
         addOther(QStringLiteral("#comment"));
         return Limiter::comment(text);
     }
     bool processingInstruction(const QString &target, const QString &data) override
     {
+        m_markupEnd = m_source.position();
         addOther(target);
         return Limiter::processingInstruction(target, data);
     }
-    /** Cannot know whether the entity is in the content, where it is a node, or in an attribute. */
-    bool skippedEntity(const QString &) override
+    /**
+     * An undeclared entity is a node in the content, and nothing in an attribute; where it is in
+     * the text of a declared entity, that entity's place counts.
+     */
+    bool skippedEntity(const QString &name) override
     {
-        m_needsDocument = true;
-        return false;
+        if (!m_source.hasTagBehind(m_markupEnd))
+            addOther(name);
+        return Limiter::skippedEntity(name);
     }
-
-    bool needsDocument() const { return m_needsDocument; }
 
 private:
     QString textOf(const QXmlAttributes &attributes) const
@@ -190,17 +265,16 @@ private:
             m_sections.addOther(name);
     }
 
+    const Source &m_source;
     const QString m_attribute;
     XmlSections &m_sections;
+    int m_markupEnd = 0; ///< of the last tag, comment, instruction or CDATA section
     bool m_inCdata = false;
-    bool m_needsDocument = false;
 };
 
-/** Parses with the settings that QDomDocument uses. */
-bool parse(const QString &text, Limiter &handler)
+/** Parses with the settings that the QDomDocument of Qt 5 uses. */
+bool parse(const Source &source, Limiter &handler)
 {
-    QXmlInputSource source;
-    source.setData(text);
     QXmlSimpleReader reader;
     reader.setFeature(QStringLiteral("http://xml.org/sax/features/namespaces"), false);
     reader.setFeature(QStringLiteral("http://xml.org/sax/features/namespace-prefixes"), true);
@@ -214,49 +288,23 @@ bool parse(const QString &text, Limiter &handler)
 
 QT_WARNING_POP
 
-bool parseDocument(const QString &text, QDomDocument &document, XmlError &error)
-{
-    Limiter limiter;
-    parse(text, limiter);
-    if (limiter.hasRefused()) {
-        error = limiter.failure();
-        return false;
-    }
-    QDomDocument parsed;
-    if (!parsed.setContent(text, &error.message, &error.line, &error.column))
-        return false;
-    document = parsed;
-    return true;
-}
-
-void addSections(const QDomElement &root, const QString &attribute, XmlSections &sections)
-{
-    for (auto section = root.firstChildElement(); !section.isNull();
-         section = section.nextSiblingElement()) {
-        sections.addSection(section.tagName());
-        for (auto node = section.firstChild(); !node.isNull(); node = node.nextSibling()) {
-            const QDomElement entry = node.toElement();
-            if (entry.isNull())
-                sections.addOther(node.nodeName());
-            else
-                sections.addEntry(entry.tagName(),
-                                  entry.hasAttribute(attribute)
-                                      ? entry.attribute(attribute, QLatin1String(""))
-                                      : QString());
-        }
-    }
-}
-
 } // namespace
 
-bool parseXml(QIODevice &device, QDomDocument &document, XmlError &error)
+bool parseXml(QIODevice &device, QDomDocument &document, XmlError &error,
+              const QString &lineAttribute)
 {
     QString text;
     if (const auto refused = read(device, text)) {
         error = *refused;
         return false;
     }
-    return parseDocument(text, document, error);
+    ElementBuilder builder(lineAttribute);
+    if (!parse(Source(text), builder)) {
+        error = builder.failure();
+        return false;
+    }
+    document = builder.document();
+    return true;
 }
 
 bool readSections(QIODevice &device, const QString &attribute, XmlSections &sections,
@@ -267,19 +315,12 @@ bool readSections(QIODevice &device, const QString &attribute, XmlSections &sect
         error = *refused;
         return false;
     }
-    SectionReader reader(attribute, sections);
-    if (parse(text, reader))
+    const Source source(text);
+    SectionReader reader(source, attribute, sections);
+    if (parse(source, reader))
         return true;
-    if (!reader.needsDocument()) {
-        error = reader.failure();
-        return false;
-    }
-    sections.clear();
-    QDomDocument document;
-    if (!parseDocument(text, document, error))
-        return false;
-    addSections(document.firstChildElement(), attribute, sections);
-    return true;
+    error = reader.failure();
+    return false;
 }
 
 } // namespace Internal

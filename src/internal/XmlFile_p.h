@@ -15,11 +15,15 @@ struct XmlError
 };
 
 /**
- * Parses the content of @p device as QDomDocument does. What would take too much memory or time is
+ * Parses the content of @p device as the QDomDocument of Qt 5 does, whichever Qt this is; of the
+ * nodes only elements with their attributes are kept. What would take too much memory or time is
  * refused as a parse error: a file too large, too many or too deep elements, too many declarations.
+ * @param lineAttribute if not empty, every element gets an attribute of this name with the number
+ * of its line
  * @return success; on failure @p document is untouched.
  */
-bool parseXml(QIODevice &device, QDomDocument &document, XmlError &error);
+bool parseXml(QIODevice &device, QDomDocument &document, XmlError &error,
+              const QString &lineAttribute = QString());
 
 /** Receives the two levels below the root of a document, node by node. */
 class XmlSections
@@ -27,8 +31,6 @@ class XmlSections
 public:
     virtual ~XmlSections() = default;
 
-    /** Drops everything received so far. */
-    virtual void clear() = 0;
     /** An element directly below the root; the following calls belong to it. */
     virtual void addSection(const QString &name) = 0;
     /** An element of the section; @p text is null if it has none. */

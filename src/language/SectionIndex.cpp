@@ -2,11 +2,6 @@
 
 namespace Internal {
 
-void SectionIndex::clear()
-{
-    *this = {};
-}
-
 void SectionIndex::addSection(const QString &name)
 {
     m_open = m_sections.contains(name) ? nullptr : &m_sections[name];

@@ -12,7 +12,6 @@ class SectionIndex : public XmlSections
 public:
     using Texts = QHash<QString, QString>;
 
-    void clear() override;
     void addSection(const QString &name) override;
     void addEntry(const QString &name, const QString &text) override;
     void addOther(const QString &name) override;

@@ -1,10 +1,12 @@
-// Mutates language files and compares the library's result for each with that of QDomDocument:
-// texts, sections, and the message and place of an error. Run by hand in the simulated meter:
+// Mutates language files and compares the library's result for each with that of the QDomDocument
+// of Qt 5: texts, sections, elements, and the message and place of an error. Run by hand in the
+// simulated meter:
 //
 //     compare_with_document COUNT [SEED] [FILE...]
 // Without FILE, the meter's own languages and description are mutated. The program also contains
 // some difficult files. A file with different results is printed.
 
+#include "support/Elements.h"
 #include "support/LogCapture.h"
 #include "support/Meter.h"
 
@@ -162,7 +164,7 @@ public:
         file.open(QIODevice::ReadOnly | QIODevice::Text);
         return m_document.setContent(&file, &error.message, &error.line, &error.column);
     }
-    QByteArray bytes() const { return m_document.toByteArray(); }
+    QString elements() const { return elementsOf(m_document); }
     QDomElement root() const { return m_document.firstChildElement(); }
 
     QString text(const QString &section, const QString &key) const
@@ -242,7 +244,7 @@ Verdict compare(const QString &directory, const QString &path)
     if (isLoaded != ok || lines != expected || (ok && !sameTexts(texts, document))
         || Internal::parseXml(file, parsed, parsedError) != ok
         || parsedError.message != error.message || parsedError.line != error.line
-        || parsedError.column != error.column || (ok && parsed.toByteArray() != document.bytes()))
+        || parsedError.column != error.column || (ok && elementsOf(parsed) != document.elements()))
         return Different;
     return ok ? Same : SameFailure;
 }

@@ -16,10 +16,12 @@ struct Places
     QString samples;
 };
 
-/** The document in a file; if it is not valid, no value, and an error is reported. */
+/** The elements in a file, as the library reads them; if it refuses them, no value, and an error.
+ */
 std::optional<QDomDocument> readDocument(const Image &image, const QString &path, Report &report);
 /** Its root: the first element, whatever its name. */
 QDomElement rootOf(const QDomDocument &document);
+int lineOf(const QDomElement &element);
 /** Whether the bytes are UTF-8; an error names the first line that is not. */
 bool isUtf8(const QByteArray &bytes, const QString &path, Report &report);
 

@@ -83,7 +83,7 @@ void findSettings(const QDomElement &parent, const QString &path, Elements &foun
     for (auto element = parent.firstChildElement(); !element.isNull();
          element = element.nextSiblingElement()) {
         const QString name = element.tagName();
-        const int line = element.lineNumber();
+        const int line = lineOf(element);
         if (!settingOf(name)) {
             if (element.hasAttribute(valueName))
                 report.warning(path, line, QStringLiteral("there is no setting '%1'").arg(name));
@@ -121,13 +121,13 @@ Places checkDescription(const Image &image, Report &report)
         if (element.isNull())
             continue;
         if (!element.hasAttribute(valueName)) {
-            report.error(path, element.lineNumber(),
+            report.error(path, lineOf(element),
                          QStringLiteral("'%1' has no attribute 'Value'").arg(name));
             continue;
         }
         const QString problem = problemOf(setting, values.value(name));
         if (!problem.isNull())
-            report.error(path, element.lineNumber(), name + QStringLiteral(": ") + problem);
+            report.error(path, lineOf(element), name + QStringLiteral(": ") + problem);
     }
     places.languages = values.value(QStringLiteral("_mainInterfaceLangsDirectory"));
     places.help = values.value(QStringLiteral("_mainInterfaceUserHelpDirectory"));

@@ -1,14 +1,19 @@
 #include "Checks.h"
 
+#include "internal/XmlFile_p.h"
+
+#include <QBuffer>
+
 namespace {
 
+const QString lineAttribute = QStringLiteral("#line"); // no name that a file can have
 constexpr int largestFile = 4 * 1024 * 1024; // the library refuses more
 
 } // namespace
 
 std::optional<QDomDocument> readDocument(const Image &image, const QString &path, Report &report)
 {
-    const auto bytes = image.read(path);
+    auto bytes = image.read(path);
     if (!bytes) {
         report.error(path, QStringLiteral("cannot be read"));
         return std::nullopt;
@@ -17,11 +22,12 @@ std::optional<QDomDocument> readDocument(const Image &image, const QString &path
         report.error(path, QStringLiteral("larger than 4 MiB"));
         return std::nullopt;
     }
+    QBuffer buffer(&*bytes);
+    buffer.open(QIODevice::ReadOnly);
     QDomDocument document;
-    QString message;
-    int line = 0;
-    if (!document.setContent(*bytes, &message, &line)) {
-        report.error(path, line, message);
+    Internal::XmlError error;
+    if (!Internal::parseXml(buffer, document, error, lineAttribute)) {
+        report.error(path, error.line, error.message);
         return std::nullopt;
     }
     return document;
@@ -30,6 +36,11 @@ std::optional<QDomDocument> readDocument(const Image &image, const QString &path
 QDomElement rootOf(const QDomDocument &document)
 {
     return document.firstChildElement();
+}
+
+int lineOf(const QDomElement &element)
+{
+    return element.attribute(lineAttribute).toInt();
 }
 
 bool isUtf8(const QByteArray &bytes, const QString &path, Report &report)

@@ -30,26 +30,26 @@ Texts readTexts(const QDomElement &root, const QString &path, Report &report)
          section = section.nextSiblingElement()) {
         const QString name = section.tagName();
         if (texts.sections.contains(name)) {
-            report.error(path, section.lineNumber(),
+            report.error(path, lineOf(section),
                          QStringLiteral("the section '%1' stands above already: only that one is "
                                         "read")
                              .arg(name));
             continue;
         }
-        texts.sections.insert(name, section.lineNumber());
+        texts.sections.insert(name, lineOf(section));
         for (auto entry = section.firstChildElement(); !entry.isNull();
              entry = entry.nextSiblingElement()) {
             const auto key = qMakePair(name, entry.tagName());
             const QString place = name + QLatin1Char('/') + entry.tagName();
             if (texts.keys.contains(key))
-                report.error(path, entry.lineNumber(),
+                report.error(path, lineOf(entry),
                              QStringLiteral("'%1' stands above already").arg(place));
             else if (!entry.hasAttribute(QStringLiteral("value")))
-                report.error(path, entry.lineNumber(),
+                report.error(path, lineOf(entry),
                              QStringLiteral("'%1' has no attribute 'value'").arg(place));
             if (texts.keys.contains(key))
                 continue;
-            texts.keys.insert(key, entry.lineNumber());
+            texts.keys.insert(key, lineOf(entry));
             texts.values.insert(key, entry.attribute(QStringLiteral("value")));
         }
     }
