@@ -62,6 +62,16 @@ void TstKtvctlLists::story_data()
     row("materials", "materials|list|--json", 0,
         "[{\"alpha\":0.00393,\"factory\":true,\"id\":1,\"name\":\"Copper\"},"
         "{\"alpha\":-0.004,\"factory\":false,\"id\":2,\"name\":\"Foo\"}]\n");
+    for (const char *number : {"0.0001", "-0.00025", "0.00005", "1", "1e17", "1.5e20"})
+        row(number, QByteArray("materials|add|--|") + number + '|' + number, 0, "");
+    row("all kinds of numbers", "materials|list|--json|--user", 0,
+        "[{\"alpha\":-0.004,\"factory\":false,\"id\":2,\"name\":\"Foo\"},"
+        "{\"alpha\":0.0001,\"factory\":false,\"id\":3,\"name\":\"0.0001\"},"
+        "{\"alpha\":-0.00025,\"factory\":false,\"id\":4,\"name\":\"-0.00025\"},"
+        "{\"alpha\":5e-05,\"factory\":false,\"id\":5,\"name\":\"0.00005\"},"
+        "{\"alpha\":1,\"factory\":false,\"id\":6,\"name\":\"1\"},"
+        "{\"alpha\":100000000000000000,\"factory\":false,\"id\":7,\"name\":\"1e17\"},"
+        "{\"alpha\":1.5e+20,\"factory\":false,\"id\":8,\"name\":\"1.5e20\"}]\n");
     row("resistance limits", "limits-r|add|pair|2|", 0, "");
     row("resistance limits changed", "limits-r|update|1|pair|3|1", 0, "");
     row("resistance limits listed", "limits-r|list|--json", 0,

@@ -4,10 +4,12 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLocale>
 #include <QRegularExpression>
 #include <QTextStream>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 namespace {
@@ -33,12 +35,32 @@ void showLog(QtMsgType, const QMessageLogContext &, const QString &line)
         QTextStream(stderr) << line << '\n';
 }
 
+/** As Qt 5 writes it; Qt 6 has an exponent wherever that is shorter, as in 1e-04. */
+QByteArray toJson(double number)
+{
+    constexpr double mostWhole = 18446744073709551616.; // 2^64
+    const double size = std::abs(number);
+    const bool isWhole = size < mostWhole && number == std::floor(number);
+    const bool isPlain = isWhole || (size >= 1e-4 && size < 1e-3);
+    return QByteArray::number(number, isPlain ? 'f' : 'g', QLocale::FloatingPointShortest);
+}
+
 QByteArray toJson(const QJsonValue &value)
 {
-    if (value.isArray())
-        return QJsonDocument(value.toArray()).toJson(QJsonDocument::Compact);
-    if (value.isObject())
-        return QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact);
+    if (value.isDouble())
+        return toJson(value.toDouble());
+    QByteArrayList parts;
+    if (value.isArray()) {
+        for (const QJsonValue part : value.toArray())
+            parts += toJson(part);
+        return '[' + parts.join(',') + ']';
+    }
+    if (value.isObject()) {
+        const QJsonObject object = value.toObject();
+        for (auto part = object.begin(); part != object.end(); ++part)
+            parts += toJson(QJsonValue(part.key())) + ':' + toJson(part.value());
+        return '{' + parts.join(',') + '}';
+    }
     const QByteArray inArray = QJsonDocument(QJsonArray {value}).toJson(QJsonDocument::Compact);
     return inArray.mid(1, inArray.size() - 2);
 }
