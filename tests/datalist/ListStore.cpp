@@ -27,6 +27,13 @@ template <typename Work> void onOwnConnection(const QString &path, Work work)
     QSqlDatabase::removeDatabase(connection);
 }
 
+/** The same with either Qt, of which each has a way of its own with numbers that are not whole. */
+QString text(const QVariant &value)
+{
+    return value.userType() == QMetaType::Double ? QString::number(value.toDouble())
+                                                 : value.toString();
+}
+
 Row rowOf(const DataList_Element &element)
 {
     return {element.ID, element.ReadOnly, {element.Value}};
@@ -103,7 +110,7 @@ QStringList rows(const QString &statement, const QString &path)
         while (query.next()) {
             QStringList columns;
             for (int i = 0; query.value(i).isValid(); ++i)
-                columns += query.value(i).toString();
+                columns += text(query.value(i));
             result += columns.join(QLatin1Char('|'));
         }
     });

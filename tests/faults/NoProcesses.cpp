@@ -40,14 +40,22 @@ pid_t fork() noexcept
     return refuses() ? -1 : real();
 }
 
+/** Qt 6 starts children with this, and has the descriptor of the child written to the first of the
+ * rest. */
 int clone(int (*function)(void *), void *stack, int flags, void *argument, ...) noexcept
 {
-    using Clone = int (*)(int (*)(void *), void *, int, void *);
+    using Clone = int (*)(int (*)(void *), void *, int, void *, void *, void *, void *);
     static const auto real = next<Clone>("clone");
-    return refuses() ? -1 : real(function, stack, flags, argument);
+    va_list rest;
+    va_start(rest, argument);
+    void *words[3];
+    for (void *&word : words)
+        word = va_arg(rest, void *);
+    va_end(rest);
+    return refuses() ? -1 : real(function, stack, flags, argument, words[0], words[1], words[2]);
 }
 
-/** Qt starts children with this. */
+/** Qt 5 starts children with this. */
 long syscall(long number, ...) noexcept
 {
     using Call = long (*)(long, long, long, long, long, long, long);
