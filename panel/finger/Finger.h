@@ -6,8 +6,12 @@
 
 #include <functional>
 
-class QTouchDevice;
 class TouchList;
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+using TouchDevice = class QTouchDevice;
+#else
+using TouchDevice = class QPointingDevice;
+#endif
 
 /**
  * Operates the panel's window as a user does: finds a widget by its object name, and sends touch
@@ -43,5 +47,5 @@ private:
     bool typeKey(QChar key);
 
     QWidget &m_window;
-    QTouchDevice *m_device;
+    TouchDevice *m_device;
 };

@@ -1,7 +1,6 @@
 #include "meter/NetworkName.h"
 
 #include <QRegularExpression>
-#include <QTextCodec>
 #include <QVector>
 
 #include <algorithm>
@@ -13,14 +12,14 @@ QByteArray unescaped(const QString &printed)
 {
     static const QRegularExpression escape(QStringLiteral("\\\\x([0-9A-Fa-f]{2})"));
     QByteArray bytes;
-    int end = 0;
+    decltype(printed.size()) end = 0;
     for (auto escapes = escape.globalMatch(printed); escapes.hasNext();) {
         const QRegularExpressionMatch match = escapes.next();
-        bytes += printed.midRef(end, match.capturedStart() - end).toUtf8();
-        bytes += char(match.capturedRef(1).toInt(nullptr, 16));
+        bytes += printed.mid(end, match.capturedStart() - end).toUtf8();
+        bytes += char(match.captured(1).toInt(nullptr, 16));
         end = match.capturedEnd();
     }
-    return bytes + printed.midRef(end).toUtf8();
+    return bytes + printed.mid(end).toUtf8();
 }
 
 } // namespace
@@ -28,11 +27,10 @@ QByteArray unescaped(const QString &printed)
 QString NetworkName::readable(const QString &printed)
 {
     const QByteArray bytes = unescaped(printed);
-    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    const QString name =
-        QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
+    const QString name = QString::fromUtf8(bytes);
     const QVector<uint> characters = name.toUcs4();
-    const bool isText = state.invalidChars == 0 && state.remainingChars == 0
-        && std::all_of(characters.begin(), characters.end(), qOverload<uint>(&QChar::isPrint));
+    const bool isText = name.toUtf8() == bytes
+        && std::all_of(characters.begin(), characters.end(),
+                       [](uint character) { return QChar::isPrint(character); });
     return isText ? name : printed;
 }

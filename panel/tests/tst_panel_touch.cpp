@@ -8,11 +8,6 @@
 #include <QScrollBar>
 #include <QtTest>
 
-#include <qwt_plot.h>
-#include <qwt_plot_canvas.h>
-#include <qwt_plot_marker.h>
-#include <qwt_scale_draw.h>
-
 #include <cmath>
 
 namespace {
@@ -25,15 +20,32 @@ const Theme &colourless()
     return theme;
 }
 
-QStringList labels(const QwtPlot &plot, int axis)
+QStringList labels(const QVector<PlotPicture::Tick> &ticks)
 {
-    const QwtScaleDraw *draw = plot.axisScaleDraw(axis);
-    const QwtScaleDiv &ticks = plot.axisScaleDiv(axis);
     QStringList labels;
-    for (const double tick : ticks.ticks(QwtScaleDiv::MajorTick))
-        if (ticks.contains(tick))
-            labels += draw->label(tick).text();
+    for (const PlotPicture::Tick &tick : ticks)
+        labels += tick.label;
     return labels;
+}
+
+/** Position of the tick with this label, in pixels. */
+double placeOf(const QString &label, const QVector<PlotPicture::Tick> &ticks)
+{
+    for (const PlotPicture::Tick &tick : ticks)
+        if (tick.label == label)
+            return tick.position;
+    return qQNaN();
+}
+
+/** Number of pixels of the plot that have this colour. */
+int count(const QColor &colour, Plot &plot)
+{
+    const QImage image = plot.grab().toImage();
+    int pixels = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            pixels += image.pixelColor(x, y) == colour ? 1 : 0;
+    return pixels;
 }
 
 /** A visible plot of readings, one per second, that alternate between two values. */
@@ -47,18 +59,6 @@ struct ShownPlot
         plot.setAxes(x, y);
         plot.show();
     }
-
-    QVector<const QwtPlotMarker *> markers(QwtPlotMarker::LineStyle style) const
-    {
-        QVector<const QwtPlotMarker *> found;
-        for (QwtPlotItem *item : qwt().itemList(QwtPlotItem::Rtti_PlotMarker)) {
-            const auto *marker = static_cast<const QwtPlotMarker *>(item);
-            if (marker->lineStyle() == style && marker->isVisible())
-                found += marker;
-        }
-        return found;
-    }
-    const QwtPlot &qwt() const { return *plot.findChild<QwtPlot *>(); }
 
     Plot plot {QStringLiteral("plot")};
 };
@@ -80,6 +80,9 @@ private slots:
     void init();
     void ticksAreRound_data();
     void ticksAreRound();
+    void scalesFit_data();
+    void scalesFit();
+    void gapsStayOpen();
     void touchAsksForATime();
     void pointIsMarked();
     void boundsAreDrawn_data();
@@ -115,17 +118,60 @@ void TstPanelTouch::ticksAreRound()
     QFETCH(Plot::Axis, axis);
     QFETCH(int, length);
     const ShownPlot shown(axis, milliohms, length, 0.001, 0.002);
-    QTEST(labels(shown.qwt(), QwtPlot::xBottom), "labels");
-    QCOMPARE(shown.qwt().axisTitle(QwtPlot::xBottom).text(), axis.unit);
-    QVERIFY(labels(shown.qwt(), QwtPlot::yLeft).contains(QStringLiteral("1.5")));
+    const PlotPicture picture = shown.plot.picture();
+    QTEST(labels(picture.xTicks), "labels");
+    QCOMPARE(labels(picture.yTicks), QStringList({"1.0", "1.5", "2.0"}));
+}
+
+void TstPanelTouch::scalesFit_data()
+{
+    QTest::addColumn<double>("low");
+    QTest::addColumn<double>("high");
+    QTest::addColumn<QStringList>("labels");
+    QTest::newRow("zeros") << 0. << 0. << QStringList({"-1.0", "-0.5", "0.0", "0.5", "1.0"});
+    QTest::newRow("on both sides of zero")
+        << -0.001 << 0.001 << QStringList({"-1.0", "-0.5", "0.0", "0.5", "1.0"});
+    QTest::newRow("nearly alike") << 1. << 1.0000001
+                                  << QStringList({"999.990", "999.995", "1000.000", "1000.005",
+                                                  "1000.010"});
+    QTest::newRow("large") << 1000. << 9000.
+                           << QStringList({"2000000", "4000000", "6000000", "8000000"});
+}
+
+void TstPanelTouch::scalesFit()
+{
+    QFETCH(double, low);
+    QFETCH(double, high);
+    ShownPlot shown(seconds, milliohms, 100, low, high);
+    const PlotPicture picture = shown.plot.picture();
+    QTEST(labels(picture.yTicks), "labels");
+    QVERIFY(QRectF(shown.plot.rect()).contains(picture.canvas));
+    QVERIFY(count(Theme::current().accent, shown.plot) > 100);
+}
+
+void TstPanelTouch::gapsStayOpen()
+{
+    Plot plot(QStringLiteral("plot"));
+    plot.resize(500, 300);
+    QVERIFY(plot.picture().xTicks.isEmpty()); // no axes without points
+    double time = 0;
+    for (const double y : {1., 2., qQNaN(), 2., 1., 1.})
+        plot.add(time++, y);
+    const QVector<QPolygonF> curves = plot.picture().curves;
+    QCOMPARE(curves.size(), 2);
+    QCOMPARE(curves.first().size(), 2);
+    QCOMPARE(curves.last().size(), 3);
 }
 
 void TstPanelTouch::touchAsksForATime()
 {
     ShownPlot shown(minutes, milliohms, 301, 0.001, 0.002);
     QSignalSpy touched(&shown.plot, &Plot::touched);
-    const int x = int(shown.qwt().transform(QwtPlot::xBottom, 2.5));
-    QTest::mouseClick(const_cast<QWidget *>(shown.qwt().canvas()), Qt::LeftButton, {}, {x, 20});
+    const QVector<PlotPicture::Tick> ticks = shown.plot.picture().xTicks;
+    const int x = int((placeOf("2", ticks) + placeOf("3", ticks)) / 2);
+    QTest::mouseClick(&shown.plot, Qt::LeftButton, {}, {1, 20}); // beside the axis
+    QCOMPARE(touched.size(), 0);
+    QTest::mouseClick(&shown.plot, Qt::LeftButton, {}, {x, 20});
     QCOMPARE(touched.size(), 1);
     const double time = touched.first().first().toDouble();
     QVERIFY2(std::abs(time - 150) < 2, qPrintable(QString::number(time)));
@@ -134,12 +180,17 @@ void TstPanelTouch::touchAsksForATime()
 void TstPanelTouch::pointIsMarked()
 {
     ShownPlot shown(minutes, milliohms, 301, 0.001, 0.002);
-    QVERIFY(shown.markers(QwtPlotMarker::VLine).isEmpty());
+    const QImage before = shown.plot.grab().toImage();
+    QCOMPARE(shown.plot.markedText(), QString());
     shown.plot.mark({120, 0.001}, QStringLiteral("1.0000 m\u2126"));
-    const auto marks = shown.markers(QwtPlotMarker::VLine);
-    QCOMPARE(marks.size(), 1);
-    QCOMPARE(marks.first()->label().text(), QStringLiteral("1.0000 m\u2126"));
-    QCOMPARE(marks.first()->value(), QPointF(2, 1));
+    QCOMPARE(shown.plot.markedText(), QStringLiteral("1.0000 m\u2126"));
+    const PlotPicture picture = shown.plot.picture();
+    QCOMPARE(picture.mark.x(), placeOf("2", picture.xTicks));
+    QCOMPARE(picture.mark.y(), placeOf("1.0", picture.yTicks));
+    QCOMPARE(shown.plot.grab().toImage().pixelColor(picture.mark.toPoint()),
+             Theme::current().surface); // the middle of the ring
+    shown.plot.unmark();
+    QCOMPARE(shown.plot.grab().toImage(), before);
 }
 
 void TstPanelTouch::boundsAreDrawn_data()
@@ -158,18 +209,22 @@ void TstPanelTouch::boundsAreDrawn()
     QFETCH(double, bound);
     QFETCH(bool, hasLine);
     ShownPlot shown(seconds, milliohms, 10, 0.001, 0.002);
+    QCOMPARE(count(Theme::current().alarm, shown.plot), 0);
     shown.plot.setBounds({{bound, QStringLiteral("High")}});
-    shown.plot.refresh();
-    const auto lines = shown.markers(QwtPlotMarker::HLine);
-    QCOMPARE(lines.size(), 1);
-    QTEST(lines.first()->label().text(), "label");
-    QCOMPARE(lines.first()->linePen().style() != Qt::NoPen, hasLine);
-    const QwtScaleDiv &axis = shown.qwt().axisScaleDiv(QwtPlot::yLeft);
+    const PlotPicture picture = shown.plot.picture();
+    QCOMPARE(picture.bounds.size(), 1);
+    const PlotPicture::BoundLine &line = picture.bounds.first();
+    QTEST(line.text, "label");
+    QCOMPARE(line.isInView, hasLine);
+    const double one = placeOf("1.0", picture.yTicks);
+    const double two = placeOf("2.0", picture.yTicks);
     if (hasLine)
-        QCOMPARE(lines.first()->yValue(), bound / milliohms.divisor);
+        QCOMPARE(line.y, one + (bound / 0.001 - 1) * (two - one));
     else
-        QCOMPARE(lines.first()->yValue(), bound > 0 ? axis.upperBound() : axis.lowerBound());
-    QVERIFY(axis.contains(1) && axis.contains(2)); // the curve stays in view
+        QCOMPARE(line.y, bound > 0 ? picture.canvas.top() : picture.canvas.bottom());
+    QVERIFY(picture.canvas.top() < two && one < picture.canvas.bottom()); // the curve stays in view
+    // Half of the dashed line, and more than the letters have.
+    QCOMPARE(count(Theme::current().alarm, shown.plot) > picture.canvas.width() / 2, hasLine);
 }
 
 // --- the value

@@ -1,99 +1,49 @@
 #include "touch/Plot.h"
 
 #include "touch/Theme.h"
+#include "touch/Ticks.h"
 
-#include <QEvent>
 #include <QMouseEvent>
-#include <QVBoxLayout>
-
-#include <qwt_plot.h>
-#include <qwt_plot_canvas.h>
-#include <qwt_plot_curve.h>
-#include <qwt_plot_grid.h>
-#include <qwt_plot_layout.h>
-#include <qwt_plot_marker.h>
-#include <qwt_scale_draw.h>
-#include <qwt_scale_widget.h>
-#include <qwt_symbol.h>
-#include <qwt_text.h>
+#include <QPainter>
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-/** A curve with gaps where values are missing. */
-class Curve : public QwtPlotCurve
-{
-public:
-    void drawSeries(QPainter *painter, const QwtScaleMap &xMap, const QwtScaleMap &yMap,
-                    const QRectF &canvas, int from, int to) const override
-    {
-        const int last = to < 0 ? int(dataSize()) - 1 : to;
-        const auto isGap = [this](int i) { return std::isnan(sample(i).y()); };
-        for (int begin = from; begin <= last;) {
-            int end = begin;
-            while (end <= last && !isGap(end))
-                ++end;
-            if (end > begin)
-                QwtPlotCurve::drawSeries(painter, xMap, yMap, canvas, begin, end - 1);
-            begin = end + 1;
-        }
-    }
-};
+constexpr int mostSteps = 5; // along an axis
 
-/** Numbers with as many decimals as are needed to tell the ticks apart. */
-class Numbers : public QwtScaleDraw
+// In pixels of a window of 800 x 480.
+constexpr int labelSize = 12;
+constexpr int titleSize = 13;
+constexpr int markSize = 15;
+constexpr int tickLength = 4;
+constexpr int titleGap = 2;
+
+QFont letters(const QFont &font, int size, bool bold = false)
 {
-public:
-    QwtText label(double value) const override
-    {
-        const QList<double> ticks = scaleDiv().ticks(QwtScaleDiv::MajorTick);
-        const double step = ticks.size() > 1 ? ticks.at(1) - ticks.at(0) : 1;
-        // A step of 0.25 needs one more decimal than its magnitude suggests.
-        const double digits = std::ceil(-std::log10(std::abs(step)) - 1e-9);
-        int decimals = std::clamp(int(digits), 0, 9);
-        const double scaled = std::abs(step) * std::pow(10, decimals);
-        if (std::abs(scaled - std::round(scaled)) > 1e-6)
-            ++decimals;
-        const bool isZero = std::abs(value) < std::abs(step) / 1000;
-        return QString::number(isZero ? 0 : value, 'f', decimals);
-    }
-};
+    QFont sized = font;
+    sized.setPixelSize(Theme::px(size));
+    sized.setBold(bold);
+    return sized;
+}
+
+template <typename Map>
+QVector<PlotPicture::Tick> placed(const Ticks &ticks, double divisor, const Map &map)
+{
+    QVector<PlotPicture::Tick> placed;
+    for (int i = 0; i < ticks.values.size(); ++i)
+        placed.append({map(ticks.values.at(i) * divisor), ticks.labels.at(i)});
+    return placed;
+}
 
 } // namespace
 
-Plot::Plot(const QString &name, QWidget *parent)
-    : QWidget(parent)
-    , m_plot(new QwtPlot)
-    , m_curve(new Curve)
-    , m_mark(new QwtPlotMarker)
+Plot::Plot(const QString &name, QWidget *parent) : QWidget(parent)
 {
     setObjectName(name);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_plot);
-    auto *grid = new QwtPlotGrid;
-    grid->attach(m_plot);
-    m_curve->attach(m_plot);
-    m_mark->setLineStyle(QwtPlotMarker::VLine);
-    m_mark->attach(m_plot);
-    m_mark->hide();
-    m_plot->plotLayout()->setAlignCanvasToScales(true);
-    m_plot->setMinimumSize(Theme::px(120), Theme::px(100));
-    m_plot->canvas()->installEventFilter(this);
-    m_plot->canvas()->setCursor(Qt::ArrowCursor);
-    for (const int axis : {int(QwtPlot::xBottom), int(QwtPlot::yLeft)}) {
-        auto *numbers = new Numbers; // owned by the axis
-        numbers->enableComponent(QwtAbstractScaleDraw::Backbone, false);
-        numbers->setTickLength(QwtScaleDiv::MinorTick, 0);
-        numbers->setTickLength(QwtScaleDiv::MediumTick, 0);
-        numbers->setTickLength(QwtScaleDiv::MajorTick, Theme::px(4));
-        m_plot->setAxisScaleDraw(axis, numbers);
-        m_plot->setAxisMaxMajor(axis, 5);
-    }
-    dress();
+    setMinimumSize(Theme::px(120), Theme::px(100));
 }
 
 // --- what is shown
@@ -113,93 +63,29 @@ void Plot::setAxes(const Axis &x, const Axis &y)
 {
     m_x = x;
     m_y = y;
-    const struct
-    {
-        int axis;
-        const QString &unit;
-    } titles[] = {{QwtPlot::xBottom, x.unit}, {QwtPlot::yLeft, y.unit}};
-    for (const auto &named : titles) {
-        QwtText title(named.unit);
-        QFont font = this->font();
-        font.setPixelSize(Theme::px(13));
-        title.setFont(font);
-        title.setColor(Theme::current().quiet);
-        m_plot->setAxisTitle(named.axis, title);
-    }
 }
 
 void Plot::setBounds(const QVector<Bound> &bounds)
 {
-    for (QwtPlotMarker *line : std::as_const(m_lines)) {
-        line->detach();
-        delete line;
-    }
-    m_lines.clear();
     m_bounds = bounds;
-    for (int i = 0; i < bounds.size(); ++i) {
-        auto *line = new QwtPlotMarker;
-        line->setLineStyle(QwtPlotMarker::HLine);
-        line->attach(m_plot);
-        m_lines += line;
-    }
 }
 
 void Plot::mark(const QPointF &point, const QString &text)
 {
     m_marked = point;
-    QwtText label(text);
-    QFont font = this->font();
-    font.setPixelSize(Theme::px(15));
-    font.setBold(true);
-    label.setFont(font);
-    label.setColor(Theme::current().text);
-    label.setBackgroundBrush(Theme::current().surface);
-    m_mark->setLabel(label);
-    const bool isRight = point.x() > m_envelope.lastX() / 2;
-    m_mark->setLabelAlignment((isRight ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignTop);
-    m_mark->setSpacing(Theme::px(6));
-    m_mark->show();
+    m_markedText = text;
     refresh();
 }
 
 void Plot::unmark()
 {
-    m_mark->hide();
+    m_markedText.clear();
+    refresh();
 }
 
-QString Plot::markedText() const
+Plot::Range Plot::timeRange() const
 {
-    return m_mark->isVisible() ? m_mark->label().text() : QString();
-}
-
-void Plot::refresh()
-{
-    if (!isVisible())
-        return;
-    // In the units of the axes, so that the ticks are at round numbers.
-    QVector<QPointF> points = m_envelope.points();
-    for (QPointF &point : points)
-        point = divided(point);
-    m_curve->setSamples(points);
-    m_mark->setValue(divided(m_marked));
-    scale();
-    m_plot->replot();
-}
-
-QPointF Plot::divided(const QPointF &point) const
-{
-    return {point.x() / m_x.divisor, point.y() / m_y.divisor};
-}
-
-void Plot::scale()
-{
-    for (const int axis : {int(QwtPlot::xBottom), int(QwtPlot::yLeft)})
-        m_plot->enableAxis(axis, !m_envelope.isEmpty());
-    m_plot->setAxisScale(QwtPlot::xBottom, 0, std::max(m_envelope.lastX(), 1.) / m_x.divisor);
-    const Range range = valueRange();
-    m_plot->setAxisScale(QwtPlot::yLeft, range.low / m_y.divisor, range.high / m_y.divisor);
-    for (int i = 0; i < m_lines.size(); ++i)
-        draw(m_bounds.at(i), m_lines.at(i), range);
+    return {0, std::max(m_envelope.lastX(), 1.)};
 }
 
 Plot::Range Plot::valueRange() const
@@ -209,7 +95,7 @@ Plot::Range Plot::valueRange() const
         hasValues ? Range {m_envelope.minimum(), m_envelope.maximum()} : Range {0, 1};
     const double span = std::max(values.high - values.low, std::abs(values.high) * 1e-4);
     Range reached = values;
-    for (const Bound &bound : std::as_const(m_bounds)) {
+    for (const Bound &bound : m_bounds) {
         reached.low = std::min(reached.low, bound.value);
         reached.high = std::max(reached.high, bound.value);
     }
@@ -217,82 +103,167 @@ Plot::Range Plot::valueRange() const
     // line.
     constexpr double flattest = 20;
     const Range range = reached.high - reached.low <= flattest * span ? reached : values;
-    const double margin = std::max((range.high - range.low) / 10, span / 10);
+    double margin = std::max((range.high - range.low) / 10, span / 10);
+    if (margin == 0)
+        margin = m_y.divisor; // all values are 0
     return {range.low - margin, range.high + margin};
 }
 
-void Plot::draw(const Bound &bound, QwtPlotMarker *line, const Range &range) const
+QRectF Plot::canvas(const QStringList &yLabels) const
 {
-    // A bound that is out of view is shown at the edge, with an arrow.
-    const bool isAbove = bound.value > range.high;
-    const bool isBelow = bound.value < range.low;
-    const char16_t *const arrow = isAbove ? u" \u2191" : isBelow ? u" \u2193" : u"";
-    QwtText text(bound.text + QString::fromUtf16(arrow));
-    QFont font = this->font();
-    font.setPixelSize(Theme::px(12));
-    text.setFont(font);
-    text.setColor(Theme::current().alarm);
-    line->setYValue(std::clamp(bound.value, range.low, range.high) / m_y.divisor);
-    line->setLinePen(Theme::current().alarm, 1, isAbove || isBelow ? Qt::NoPen : Qt::DashLine);
-    const bool isInUpperHalf = bound.value > (range.low + range.high) / 2;
-    line->setLabel(text);
-    line->setLabelAlignment(Qt::AlignRight | (isInUpperHalf ? Qt::AlignBottom : Qt::AlignTop));
+    const QFontMetricsF label(letters(font(), labelSize));
+    const QFontMetricsF title(letters(font(), titleSize));
+    double widest = 0;
+    for (const QString &text : yLabels)
+        widest = std::max(widest, label.horizontalAdvance(text));
+    const double beside = 2 * Theme::px(tickLength) + title.height() + Theme::px(titleGap);
+    return QRectF(rect()).adjusted(beside + widest, label.height() / 2, -label.height(),
+                                   -beside - label.height());
+}
+
+PlotPicture Plot::picture() const
+{
+    PlotPicture picture;
+    picture.canvas = rect();
+    if (m_envelope.isEmpty())
+        return picture;
+    const Range times = timeRange();
+    const Range values = valueRange();
+    const auto ticksOf = [](const Range &range, double divisor) {
+        return Ticks::between(range.low / divisor, range.high / divisor, mostSteps);
+    };
+    const Ticks yTicks = ticksOf(values, m_y.divisor);
+    picture.canvas = canvas(yTicks.labels);
+    const Map x {times, picture.canvas.left(), picture.canvas.right()};
+    const Map y {values, picture.canvas.bottom(), picture.canvas.top()};
+    picture.xTicks = placed(ticksOf(times, m_x.divisor), m_x.divisor, x);
+    picture.yTicks = placed(yTicks, m_y.divisor, y);
+    picture.curves.resize(1);
+    for (const QPointF &point : m_envelope.points()) {
+        if (std::isnan(point.y()))
+            picture.curves.append(QPolygonF());
+        else
+            picture.curves.last().append({x(point.x()), y(point.y())});
+    }
+    for (const Bound &bound : m_bounds) {
+        const bool isAbove = bound.value > values.high;
+        const bool isBelow = bound.value < values.low;
+        const char16_t *const arrow = isAbove ? u" \u2191" : isBelow ? u" \u2193" : u"";
+        picture.bounds.append({y(std::clamp(bound.value, values.low, values.high)),
+                               bound.text + QString::fromUtf16(arrow), !isAbove && !isBelow,
+                               bound.value > (values.low + values.high) / 2});
+    }
+    picture.mark = {x(m_marked.x()), y(m_marked.y())};
+    return picture;
 }
 
 // --- how it looks
 
-void Plot::dress()
+void Plot::paintEvent(QPaintEvent *)
 {
     const Theme &theme = Theme::current();
-    m_plot->setCanvasBackground(theme.surface);
-    if (auto *canvas = qobject_cast<QwtPlotCanvas *>(m_plot->canvas())) {
-        canvas->setFrameStyle(QFrame::NoFrame);
-        canvas->setStyleSheet(QStringLiteral("QwtPlotCanvas { background: %1; border: none; }")
-                                  .arg(theme.surface.name()));
-    }
-    for (QwtPlotItem *item : m_plot->itemList(QwtPlotItem::Rtti_PlotGrid))
-        static_cast<QwtPlotGrid *>(item)->setPen(theme.line, 0);
-    m_curve->setPen(theme.accent, std::max(1, Theme::px(2)));
-    m_mark->setLinePen(theme.quiet, 1, Qt::DashLine);
-    m_mark->setSymbol(new QwtSymbol(QwtSymbol::Ellipse, theme.surface, QPen(theme.accent, 2),
-                                    QSize(Theme::px(10), Theme::px(10))));
-    QFont font = this->font();
-    font.setPixelSize(Theme::px(12));
-    for (const int axis : {int(QwtPlot::xBottom), int(QwtPlot::yLeft)}) {
-        m_plot->setAxisFont(axis, font);
-        QPalette palette = m_plot->axisWidget(axis)->palette();
-        palette.setColor(QPalette::Text, theme.quiet);
-        palette.setColor(QPalette::WindowText, theme.line);
-        m_plot->axisWidget(axis)->setPalette(palette);
-        QwtText title = m_plot->axisTitle(axis);
-        title.setColor(theme.quiet);
-        m_plot->setAxisTitle(axis, title);
-    }
+    const PlotPicture picture = this->picture();
+    QPainter painter(this);
+    painter.fillRect(picture.canvas, theme.surface);
+    paintAxes(painter, picture);
+    painter.setClipRect(picture.canvas);
+    painter.setPen(QPen(theme.accent, std::max(1, Theme::px(2))));
+    for (const QPolygonF &curve : picture.curves)
+        painter.drawPolyline(curve);
+    paintBounds(painter, picture);
+    if (!m_markedText.isEmpty())
+        paintMark(painter, picture);
 }
 
-void Plot::changeEvent(QEvent *event)
+void Plot::paintAxes(QPainter &painter, const PlotPicture &picture) const
 {
-    QWidget::changeEvent(event);
-    if (event->type() != QEvent::StyleChange && event->type() != QEvent::PaletteChange)
+    const Theme &theme = Theme::current();
+    const QRectF &canvas = picture.canvas;
+    const double length = Theme::px(tickLength);
+    painter.setFont(letters(font(), labelSize));
+    const double height = painter.fontMetrics().height();
+    for (const PlotPicture::Tick &tick : picture.xTicks) {
+        painter.setPen(theme.line);
+        painter.drawLine(QPointF(tick.position, canvas.top()),
+                         QPointF(tick.position, canvas.bottom() + length));
+        painter.setPen(theme.quiet);
+        painter.drawText(QRectF(tick.position - canvas.width() / 2, canvas.bottom() + 2 * length,
+                                canvas.width(), height),
+                         Qt::AlignCenter, tick.label);
+    }
+    for (const PlotPicture::Tick &tick : picture.yTicks) {
+        painter.setPen(theme.line);
+        painter.drawLine(QPointF(canvas.left() - length, tick.position),
+                         QPointF(canvas.right(), tick.position));
+        painter.setPen(theme.quiet);
+        painter.drawText(QRectF(0, tick.position - height, canvas.left() - 2 * length, 2 * height),
+                         Qt::AlignRight | Qt::AlignVCenter, tick.label);
+    }
+    if (picture.xTicks.isEmpty())
         return;
-    dress();
-    refresh();
+    painter.setFont(letters(font(), titleSize));
+    painter.drawText(
+        QRectF(canvas.left(), canvas.bottom(), canvas.width(), this->height() - canvas.bottom()),
+        Qt::AlignHCenter | Qt::AlignBottom, m_x.unit);
+    painter.save();
+    painter.rotate(-90);
+    painter.drawText(QRectF(-canvas.bottom(), 0, canvas.height(), canvas.left()),
+                     Qt::AlignHCenter | Qt::AlignTop, m_y.unit);
+    painter.restore();
 }
 
-void Plot::showEvent(QShowEvent *event)
+void Plot::paintBounds(QPainter &painter, const PlotPicture &picture)
 {
-    QWidget::showEvent(event);
-    refresh();
-}
-
-bool Plot::eventFilter(QObject *watched, QEvent *event)
-{
-    const bool isTouch =
-        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseMove;
-    if (watched == m_plot->canvas() && isTouch && !m_envelope.isEmpty()) {
-        const int x = static_cast<QMouseEvent *>(event)->pos().x();
-        emit touched(m_plot->invTransform(QwtPlot::xBottom, x) * m_x.divisor);
-        return true;
+    const QRectF &canvas = picture.canvas;
+    painter.setFont(letters(painter.font(), labelSize));
+    painter.setPen(QPen(Theme::current().alarm, 1, Qt::DashLine));
+    const double height = painter.fontMetrics().height() + 2 * Theme::px(titleGap);
+    for (const PlotPicture::BoundLine &bound : picture.bounds) {
+        if (bound.isInView)
+            painter.drawLine(QPointF(canvas.left(), bound.y), QPointF(canvas.right(), bound.y));
+        painter.drawText(QRectF(canvas.left(), bound.isInUpperHalf ? bound.y : bound.y - height,
+                                canvas.width() - Theme::px(titleGap), height),
+                         Qt::AlignRight | Qt::AlignVCenter, bound.text);
     }
-    return QWidget::eventFilter(watched, event);
+}
+
+void Plot::paintMark(QPainter &painter, const PlotPicture &picture) const
+{
+    const Theme &theme = Theme::current();
+    const QRectF &canvas = picture.canvas;
+    const QPointF &at = picture.mark;
+    painter.setPen(QPen(theme.quiet, 1, Qt::DashLine));
+    painter.drawLine(QPointF(at.x(), canvas.top()), QPointF(at.x(), canvas.bottom()));
+    painter.setFont(letters(font(), markSize, true));
+    QRectF label(QPointF(), painter.fontMetrics().size(0, m_markedText));
+    const double space = Theme::px(6);
+    const bool isInRightHalf = at.x() > canvas.center().x();
+    label.moveTopLeft(
+        {isInRightHalf ? at.x() - space - label.width() : at.x() + space, canvas.top() + space});
+    painter.fillRect(label, theme.surface);
+    painter.setPen(theme.text);
+    painter.drawText(label, Qt::AlignCenter, m_markedText);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(theme.accent, 2));
+    painter.setBrush(theme.surface);
+    painter.drawEllipse(at, Theme::px(5), Theme::px(5));
+}
+
+// --- touches
+
+void Plot::mousePressEvent(QMouseEvent *event)
+{
+    ask(event->pos());
+}
+
+void Plot::mouseMoveEvent(QMouseEvent *event)
+{
+    ask(event->pos());
+}
+
+void Plot::ask(const QPoint &finger)
+{
+    const QRectF area = picture().canvas;
+    if (!m_envelope.isEmpty() && area.contains(finger))
+        emit touched((finger.x() - area.left()) / area.width() * timeRange().high);
 }

@@ -2,12 +2,33 @@
 
 #include "touch/Envelope.h"
 
+#include <QPolygonF>
 #include <QVector>
 #include <QWidget>
 
-class QwtPlot;
-class QwtPlotCurve;
-class QwtPlotMarker;
+/** What a plot draws, in pixels of its widget. */
+struct PlotPicture
+{
+    struct Tick
+    {
+        double position;
+        QString label;
+    };
+    struct BoundLine
+    {
+        double y;
+        QString text;
+        bool isInView; ///< if not, only the text is drawn, at the edge
+        bool isInUpperHalf;
+    };
+
+    QRectF canvas;
+    QVector<Tick> xTicks;
+    QVector<Tick> yTicks;
+    QVector<QPolygonF> curves; ///< the parts of the curve between gaps
+    QVector<BoundLine> bounds;
+    QPointF mark;
+};
 
 /**
  * Plots a curve over time to which points are added at the right. A touch emits the time at that
@@ -40,40 +61,51 @@ public:
     /** Marks a point of the curve and shows the text beside it. */
     void mark(const QPointF &point, const QString &text);
     void unmark();
-    QString markedText() const; ///< empty if no point is marked
-    /** Draws the points added so far; does nothing while the plot is hidden. */
-    void refresh();
+    QString markedText() const { return m_markedText; } ///< empty if no point is marked
+    /** Draws the points added so far. */
+    void refresh() { update(); }
+    PlotPicture picture() const;
 
 signals:
     /** The plot was touched at this time. */
     void touched(double x);
 
 protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
-    void changeEvent(QEvent *event) override;
-    void showEvent(QShowEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
 
 private:
-    /** Range of the value axis, in the unit of the values. */
+    /** Range of an axis, in the unit of the added points. */
     struct Range
     {
         double low;
         double high;
     };
+    /** Maps a range to pixels of the canvas. */
+    struct Map
+    {
+        Range range;
+        double low; ///< the pixel of the range's low end
+        double high;
+        double operator()(double value) const
+        {
+            return low + (value - range.low) / (range.high - range.low) * (high - low);
+        }
+    };
 
-    void dress();
-    void scale();
+    Range timeRange() const;
     Range valueRange() const;
-    void draw(const Bound &bound, QwtPlotMarker *line, const Range &range) const;
-    QPointF divided(const QPointF &point) const;
+    QRectF canvas(const QStringList &yLabels) const;
+    void ask(const QPoint &finger);
+    void paintAxes(QPainter &painter, const PlotPicture &picture) const;
+    static void paintBounds(QPainter &painter, const PlotPicture &picture);
+    void paintMark(QPainter &painter, const PlotPicture &picture) const;
 
     Envelope m_envelope;
     Axis m_x;
     Axis m_y;
     QPointF m_marked;
+    QString m_markedText;
     QVector<Bound> m_bounds;
-    QwtPlot *m_plot;
-    QwtPlotCurve *m_curve; ///< owned by the plot, as are the markers
-    QVector<QwtPlotMarker *> m_lines;
-    QwtPlotMarker *m_mark;
 };

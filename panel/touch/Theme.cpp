@@ -150,13 +150,13 @@ QString Theme::scaled(const QString &unscaled)
 {
     static const QRegularExpression length(QStringLiteral("(\\d+)px"));
     QString text = unscaled;
-    int from = 0;
+    decltype(text.size()) from = 0;
     for (;;) {
         const QRegularExpressionMatch match = length.match(text, from);
         if (!match.hasMatch())
             return text;
         const QString replaced =
-            QString::number(px(match.capturedRef(1).toInt())) + QLatin1String("px");
+            QString::number(px(match.captured(1).toInt())) + QLatin1String("px");
         text.replace(match.capturedStart(), match.capturedLength(), replaced);
         from = match.capturedStart() + replaced.size();
     }

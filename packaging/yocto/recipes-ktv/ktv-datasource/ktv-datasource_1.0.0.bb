@@ -15,7 +15,7 @@ inherit cmake_qt5 pkgconfig
 
 PACKAGECONFIG ??= "tools"
 PACKAGECONFIG[tools] = "-DKTV_BUILD_TOOLS=ON,-DKTV_BUILD_TOOLS=OFF"
-PACKAGECONFIG[panel] = "-DKTV_BUILD_PANEL=ON,-DKTV_BUILD_PANEL=OFF,qwt-qt5"
+PACKAGECONFIG[panel] = "-DKTV_BUILD_PANEL=ON,-DKTV_BUILD_PANEL=OFF"
 # The maker's own parts, from a recipe that provides ktv-platform with its CMake package; without
 # this the workstation's stand-in is built.
 PACKAGECONFIG[platform] = "-DKTV_PLATFORM_PACKAGE=ON,-DKTV_PLATFORM_PACKAGE=OFF,ktv-platform"

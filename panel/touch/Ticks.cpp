@@ -1,0 +1,42 @@
+#include "touch/Ticks.h"
+
+#include <cmath>
+
+namespace {
+
+struct Step
+{
+    double length;
+    int decimals;
+};
+
+/** The smallest of ... 1, 2, 5, 10, 20 ... that divides the span into at most that many steps. */
+Step roundStep(double span, int most)
+{
+    const double shortest = span / most;
+    const double decade = std::floor(std::log10(shortest));
+    const int decimals = std::max(0, -int(decade));
+    const double unit = std::pow(10, decade);
+    for (const int factor : {1, 2, 5}) {
+        if (factor * unit >= shortest * (1 - 1e-9))
+            return {factor * unit, decimals};
+    }
+    return {10 * unit, std::max(0, decimals - 1)};
+}
+
+} // namespace
+
+Ticks Ticks::between(double low, double high, int most)
+{
+    Ticks ticks;
+    const Step step = roundStep(high - low, most);
+    // The tolerance keeps ticks at the ends in spite of rounding.
+    const double first = std::ceil(low / step.length - 1e-9);
+    const double last = std::floor(high / step.length + 1e-9);
+    for (double i = first; i <= last; ++i) {
+        const double value = i * step.length + 0.; // never a negative zero
+        ticks.values += value;
+        ticks.labels += QString::number(value, 'f', step.decimals);
+    }
+    return ticks;
+}
