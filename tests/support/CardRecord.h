@@ -37,6 +37,8 @@ public:
     /**
      * Calls @p check with each different content that a power cut may leave, created in @p
      * directory, and with the number of calls that had returned by then. @return number of contents
+     *
+     * Under the address sanitizer only with every fourth content.
      */
     int forEachCut(const QString &directory, const std::function<void(int answers)> &check) const;
 
@@ -63,8 +65,6 @@ public:
     };
 
 private:
-    std::vector<Files> cutsAfter(size_t steps) const;
-
     QMap<QString, int> m_namesAtFirst;
     QMap<int, QByteArray> m_filesAtFirst;
     std::vector<Step> m_steps;
