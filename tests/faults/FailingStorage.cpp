@@ -4,9 +4,7 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <climits>
 #include <cstdarg>
-#include <cstdio>
 #include <iterator>
 #include <string_view>
 
@@ -34,6 +32,8 @@ struct Plan
 Plan plan;
 std::array<std::atomic<int>, callCount> counts {};
 std::atomic<bool> failed {false};
+/** Whether the file of each descriptor is watched. */
+std::array<std::atomic<bool>, 1024> watchedFiles {};
 
 bool isWatched(std::string_view path)
 {
@@ -44,11 +44,9 @@ bool isWatched(std::string_view path)
     });
 }
 
-/** Whether this call must fail; sets errno then. */
-bool fails(Call call, const char *path)
+/** Whether this call on a file of the meter must fail; sets errno then. */
+bool fails(Call call)
 {
-    if (!path || !isWatched(path))
-        return false;
     const int number = ++counts.at(size_t(call));
     if (plan.call != call || number < plan.number || (number > plan.number && !plan.lasting))
         return false;
@@ -57,14 +55,15 @@ bool fails(Call call, const char *path)
     return true;
 }
 
+bool fails(Call call, const char *path)
+{
+    return path && isWatched(path) && fails(call);
+}
+
 bool fails(Call call, int descriptor)
 {
-    std::array<char, 64> link {};
-    std::array<char, PATH_MAX> path {};
-    std::snprintf(link.data(), link.size(), "/proc/self/fd/%d", descriptor);
-    const auto length =
-        ::syscall(SYS_readlinkat, AT_FDCWD, link.data(), path.data(), path.size() - 1);
-    return length > 0 && fails(call, path.data());
+    return descriptor >= 0 && size_t(descriptor) < watchedFiles.size()
+        && watchedFiles.at(size_t(descriptor)) && fails(call);
 }
 
 } // namespace
@@ -104,7 +103,12 @@ namespace {
 
 int openAt(int folder, const char *path, int flags, mode_t mode)
 {
-    return fails(Open, path) ? -1 : int(::syscall(SYS_openat, folder, path, flags, mode));
+    if (fails(Open, path))
+        return -1;
+    const auto file = int(::syscall(SYS_openat, folder, path, flags, mode));
+    if (file >= 0 && size_t(file) < watchedFiles.size())
+        watchedFiles.at(size_t(file)) = isWatched(path);
+    return file;
 }
 
 /** The mode among the last arguments of a call, if there is one. */
@@ -143,6 +147,13 @@ int openat64(int folder, const char *path, int flags, ...)
 {
     MODE_OF(flags)
     return openAt(folder, path, flags, mode);
+}
+
+int close(int descriptor)
+{
+    if (descriptor >= 0 && size_t(descriptor) < watchedFiles.size())
+        watchedFiles.at(size_t(descriptor)) = false;
+    return int(::syscall(SYS_close, descriptor));
 }
 
 ssize_t write(int descriptor, const void *bytes, size_t size)

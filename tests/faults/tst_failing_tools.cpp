@@ -127,7 +127,8 @@ void calibrationTool()
 void endCalibration()
 {
     __atomic_store_n(&Tools::isCalibrationModeActive, false, __ATOMIC_RELEASE);
-    execute("/usr/bin/pkill", {"-KILL", "-x", "socat|mactool"});
+    for (const char *program : {"socat", "mactool"})
+        Meter::killProcesses(program);
     Tools::asyncSocatRuner.waitForFinished();
 }
 
@@ -447,7 +448,7 @@ private slots:
     void cleanup()
     {
         endCalibration();
-        execute("/usr/bin/pkill", {"-KILL", "-x", "sleep"});
+        Meter::killProcesses("sleep");
     }
     void cleanupTestCase() { connection.reset(); }
 
@@ -481,7 +482,7 @@ void TstFailingTools::tryPlace(Fault fault)
     QCOMPARE(answer(tried, callFaulty, expected), expected);
     endCalibration(); // until then a bridge goes on, and so does a child that nobody waits for
     if (fault == Forking) // a tool that has ended by itself may leave a child
-        execute("/usr/bin/pkill", {"-KILL", "-x", "sleep"});
+        Meter::killProcesses("sleep");
     for (const char *program : {"sleep", "yes", "aplay", "beep", "cat"})
         QTRY_COMPARE(Meter::processes(program), QStringList());
     if (fault == NoDescriptors)

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QProcess>
 
+#include <csignal>
 #include <cstdio>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -72,10 +73,19 @@ void replaceProgram(const QString &program, const QByteArray &script)
 
 QStringList processes(const QString &name)
 {
-    QProcess list;
-    list.start(QStringLiteral("/usr/bin/pgrep"), {QStringLiteral("-x"), name});
-    list.waitForFinished();
-    return QString::fromLatin1(list.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    // Not with pgrep, because tests ask often, and starting a program takes longer than this.
+    QStringList ids;
+    for (const QString &id : QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")})) {
+        if (readFile(QStringLiteral("/proc/%1/comm").arg(id)).trimmed() == name.toUtf8())
+            ids += id;
+    }
+    return ids;
+}
+
+void killProcesses(const QString &name)
+{
+    for (const QString &id : processes(name))
+        ::kill(id.toInt(), SIGKILL);
 }
 
 QByteArray readFile(const QString &path)

@@ -34,6 +34,7 @@ void replaceProgram(const QString &program, const QByteArray &script);
 
 /** Ids of the running processes of that name. */
 QStringList processes(const QString &name);
+void killProcesses(const QString &name);
 
 QByteArray readFile(const QString &path);
 /** Writes a whole file and creates its directories. */
