@@ -38,7 +38,6 @@ namespace {
 
 constexpr int longestCheckInterval = 20; // ms, if the kernel has no pidfd to report a child's end
 constexpr int failedStart = 127; // exit code
-constexpr int killTime = 500; // ms within which a killed child has to end
 
 /** The words of a command line in the form that exec needs. */
 class CommandWords
@@ -209,44 +208,42 @@ pid_t start(ChildFunction function, ChildSetup &setup)
     return id;
 }
 
-/** Children that could not be killed and may still run. */
-class AbandonedChildren
+/** Never deleted: a client's static objects may still use the library after main(). */
+struct AbandonedIds
 {
-public:
-    /** Never deleted: a client's static objects may still use the library after main(). */
-    static AbandonedChildren &instance()
-    {
-        static auto *const children = new AbandonedChildren;
-        return *children;
-    }
-
-    void add(pid_t id)
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_ids.push_back(id);
-    }
-
-    /** Reaps those that have ended. @return whether too many are left */
-    bool areTooMany()
-    {
-        constexpr std::size_t most = 4;
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_ids.erase(std::remove_if(m_ids.begin(), m_ids.end(),
-                                   [](pid_t id) { return ::waitpid(id, nullptr, WNOHANG) != 0; }),
-                    m_ids.end());
-        return m_ids.size() >= most;
-    }
-
-private:
-    std::mutex m_mutex;
-    std::vector<pid_t> m_ids;
+    std::mutex mutex;
+    std::vector<pid_t> ids;
 };
+
+AbandonedIds &abandoned()
+{
+    static auto *const instance = new AbandonedIds;
+    return *instance;
+}
 
 } // namespace
 
+void AbandonedChildren::add(pid_t id)
+{
+    AbandonedIds &all = abandoned();
+    const std::lock_guard<std::mutex> lock(all.mutex);
+    all.ids.push_back(id);
+}
+
+bool AbandonedChildren::areTooMany()
+{
+    constexpr std::size_t most = 4;
+    AbandonedIds &all = abandoned();
+    const std::lock_guard<std::mutex> lock(all.mutex);
+    all.ids.erase(std::remove_if(all.ids.begin(), all.ids.end(),
+                                 [](pid_t id) { return ::waitpid(id, nullptr, WNOHANG) != 0; }),
+                  all.ids.end());
+    return all.ids.size() >= most;
+}
+
 ChildProcess::ChildProcess(const QString &program, const QStringList &arguments, Lifetime lifetime)
 {
-    if (AbandonedChildren::instance().areTooMany()) {
+    if (AbandonedChildren::areTooMany()) {
         m_startError = EAGAIN;
         return;
     }
@@ -275,8 +272,8 @@ ChildProcess::~ChildProcess()
         return;
     if (!m_isFinished)
         signalGroup(SIGKILL);
-    if (!reap(QDeadlineTimer(killTime)))
-        AbandonedChildren::instance().add(m_id);
+    if (!reap(QDeadlineTimer(AbandonedChildren::killTime)))
+        AbandonedChildren::add(m_id);
 }
 
 bool ChildProcess::lacksResources() const

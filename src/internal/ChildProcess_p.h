@@ -11,6 +11,19 @@
 
 namespace Internal {
 
+/** Children that were killed but have not ended, because they wait in the kernel. */
+namespace AbandonedChildren {
+
+/** How long a killed child has to end before it is abandoned, in milliseconds. */
+constexpr int killTime = 500;
+
+/** Adds a child that nobody waits for any more; it is reaped later. From any thread. */
+void add(pid_t id);
+/** Reaps those that have ended. @return whether so many are left that no child must be started */
+bool areTooMany();
+
+} // namespace AbandonedChildren
+
 /**
  * A child process with its own process group, so that it can be ended together with everything that
  * it has started; its standard output is collected here.

@@ -1,5 +1,7 @@
 #include "sound/Player_p.h"
 
+#include "internal/ChildProcess_p.h"
+
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QPointer>
@@ -82,12 +84,18 @@ Player::~Player()
         return;
     signalGroup(SIGKILL);
     kill(); // in case the child has changed to its own group after signalGroup()
-    waitForFinished(-1); // here, while slots of this class can still be called
+    // Here, while slots of this class can still be called.
+    if (waitForFinished(AbandonedChildren::killTime) || state() == NotRunning)
+        return;
+    AbandonedChildren::add(pid_t(processId()));
+    setProcessState(NotRunning); // or else ~QProcess would wait for it
 }
 
 bool Player::launch(const QString &program, const QStringList &arguments)
 {
     deleteEnded();
+    if (AbandonedChildren::areTooMany())
+        return false;
     start(program, arguments, ReadWrite);
     const bool isStarted = waitForStarted(startWait);
     m_id = pid_t(processId());

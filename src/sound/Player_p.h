@@ -15,10 +15,13 @@ class Player : public QProcess
 {
 public:
     Player();
-    /** Ends the player. */
+    /** Ends the player. Blocks until it has ended, 500 ms at most. */
     ~Player() override;
 
-    /** Starts a program and waits until it has started, 3 s at most. */
+    /**
+     * Starts a program and waits until it has started, 3 s at most. While four children exist that
+     * could not be killed, none is started.
+     */
     bool launch(const QString &program, const QStringList &arguments);
     /** Process id; 0 when the player has ended. From any thread. */
     pid_t id() const;

@@ -401,7 +401,7 @@ void TstCommandRunner::toolsThatCannotBeKilled()
     result = Internal::runDirect("true", Waits());
     QCOMPARE(result.outcome, CommandResult::NotFinished);
     QVERIFY(result.lacksResources); // no further one is started
-    QProcess::execute("/usr/bin/pkill", {"-KILL", "-x", "unkillable"});
+    Meter::killProcesses("unkillable");
     QTRY_VERIFY(Internal::runDirect("true", Waits()).finished());
     for (const QString &id : std::as_const(ids))
         QTRY_VERIFY(Internal::runDirect("true", Waits()).finished()

@@ -6,8 +6,8 @@
 #include <unistd.h>
 
 /**
- * unkillable FILE: writes its id into the file and then cannot be killed, as far as its parent can
- * see: after SIGKILL the kernel reports its end first to its tracer, which never waits for it.
+ * unkillable FILE: writes its id into the file and then cannot be killed: after SIGKILL it stops in
+ * the kernel, because its tracer wants to know of its end and never lets it go on.
  */
 int main(int, char *argv[])
 {
@@ -15,8 +15,10 @@ int main(int, char *argv[])
     ::prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY);
     if (::fork() == 0) {
         ::setsid(); // not in the process group that is killed
+        if (::fork() != 0) // no child of what is to be killed, either
+            ::_exit(0);
         const std::string text = std::to_string(id) + '\n';
-        const bool isTraced = ::ptrace(PTRACE_SEIZE, id, nullptr, nullptr) == 0;
+        const bool isTraced = ::ptrace(PTRACE_SEIZE, id, nullptr, PTRACE_O_TRACEEXIT) == 0;
         const int file = ::open(argv[1], O_WRONLY | O_CREAT, 0600);
         if (!isTraced || ::write(file, text.data(), text.size()) < 0)
             std::perror("unkillable");

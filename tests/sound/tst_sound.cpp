@@ -42,6 +42,7 @@ private slots:
     void missingShell();
     void missingPkill();
     void hangingPkill();
+    void playersThatCannotBeKilled();
     void loopThatCannotBePlayedIsHalted_data();
     void loopThatCannotBePlayedIsHalted();
     void nothingToKill();
@@ -385,6 +386,32 @@ void TstSound::hangingPkill()
     Sound::KillProcess();
     QCOMPARE(log.lines(), QStringList("Sound::KillProcess(): stop pkill no at 1s"));
     QVERIFY(!Sound::process);
+}
+
+void TstSound::playersThatCannotBeKilled()
+{
+    Meter::replaceProgram("aplay", "exec " UNKILLABLE " /tmp/note");
+    QStringList ids;
+    for (int i = 0; i < 4; ++i) {
+        QFile::remove("/tmp/note");
+        Sound::Play(Sound::intro, false, false, samples);
+        QTRY_VERIFY(Meter::readFile("/tmp/note").endsWith('\n'));
+        ids += QString::fromLatin1(Meter::readFile("/tmp/note")).trimmed();
+        Sound::KillProcess();
+        // The player still runs although the call has returned.
+        QVERIFY(!Sound::process);
+        QVERIFY(QFile::exists("/proc/" + ids.last()));
+    }
+    Sound::Play(Sound::intro, false, false, samples);
+    QVERIFY(!Sound::process); // no further one is started
+    Meter::killProcesses("unkillable");
+    Meter::recordProgram("aplay");
+    const auto playsAgain = [] {
+        Sound::Play(Sound::intro, false, false, samples);
+        return Sound::process != nullptr;
+    };
+    for (const QString &id : qAsConst(ids))
+        QTRY_VERIFY(playsAgain() && !QFile::exists("/proc/" + id));
 }
 
 void TstSound::loopThatCannotBePlayedIsHalted_data()
