@@ -57,7 +57,7 @@ public:
 
     /**
      * Opens the file, closing it first when it is open. A missing file is created; one that
-     * cannot be opened is deleted and created anew, so all its settings are lost.
+     * cannot be opened is deleted and created again, so all its settings are lost.
      * @return whether the store is open
      */
     bool Open();

@@ -151,7 +151,7 @@ public:
     static void check_wifiDetailState_Avait(KTV_Connection *connection);
     /** @copydoc check_wifiState_Avait */
     static void check_wifiScan_Avait(KTV_Connection *connection);
-    /** Switches the interface within 3000 ms, then reads the state anew. See the other workers. */
+    /** Switches the interface within 3000 ms, then reads the state again. See the other workers. */
     static void _set_wifi_Enable_Avait(KTV_Connection *connection, bool on);
 
 public Q_SLOTS:
