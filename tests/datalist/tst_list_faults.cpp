@@ -18,15 +18,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#ifdef __SANITIZE_ADDRESS__
-// This program forks a thousand times, and each fork copies the tables of all memory; most of it
-// would be what the sanitizer keeps of freed memory.
-extern "C" const char *__asan_default_options()
-{
-    return "quarantine_size_mb=1";
-}
-#endif
-
 using ListStore::families;
 using ListStore::Family;
 using ListStore::rows;
