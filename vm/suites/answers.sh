@@ -16,9 +16,9 @@ scene() {
         access_points
         until_true 10 test -e /sys/class/net/wlan0
         ifconfig wlan0 up
-        # The list of networks is complete, and always in the same order, only after a scan of all
-        # channels.
-        iwlist wlan0 scan >/dev/null
+        # iwlist prints the networks in the order in which they were heard first, and some of them only
+        # after a scan of all channels. A passive scan hears only beacons, whose order is fixed.
+        iw dev wlan0 scan passive >/dev/null
         ;;
     joined)
         {
