@@ -4,6 +4,8 @@
 #include "touch/Theme.h"
 #include "touch/TouchList.h"
 
+#include "support/LogCapture.h"
+
 #include <QPainter>
 #include <QScrollBar>
 #include <QtTest>
@@ -191,6 +193,10 @@ void TstPanelTouch::pointIsMarked()
              Theme::current().surface); // the middle of the ring
     shown.plot.unmark();
     QCOMPARE(shown.plot.grab().toImage(), before);
+    const LogCapture log;
+    shown.plot.mark({120, std::nan("")}, QStringLiteral("open"));
+    QVERIFY(shown.plot.grab().toImage() != before);
+    QCOMPARE(log.lines(), QStringList()); // nothing that Qt cannot draw
 }
 
 void TstPanelTouch::boundsAreDrawn_data()

@@ -243,6 +243,8 @@ void Plot::paintMark(QPainter &painter, const PlotPicture &picture) const
     painter.fillRect(label, theme.surface);
     painter.setPen(theme.text);
     painter.drawText(label, Qt::AlignCenter, m_markedText);
+    if (std::isnan(at.y()))
+        return; // a reading without a value is nowhere on the curve
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(theme.accent, 2));
     painter.setBrush(theme.surface);
