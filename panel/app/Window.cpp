@@ -240,7 +240,7 @@ QWidget *Window::makeRail()
         button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
         m_context.texts().translate(button, page.title);
         connect(button, &QPushButton::clicked, this,
-                [this, index = m_buttons.size()] { showPage(index); });
+                [this, index = int(m_buttons.size())] { showPage(index); });
         column->addWidget(button, 1);
         m_buttons += button;
     }

@@ -9,7 +9,7 @@
 
 LanguageSheet::LanguageSheet(Texts &texts, Session &session, QWidget *somewhere, const Text &title)
     : PickSheet(texts, somewhere, title, rows(session),
-                codes(session).indexOf(session.library().get_Lang()->getCurrentLang()),
+                int(codes(session).indexOf(session.library().get_Lang()->getCurrentLang())),
                 [&texts, &session, window = somewhere->window()](int index) {
                     // The first use of a language writes its factory lists, which takes time.
                     new StillSheet(texts, window, Text {"Settings", "language", "Language"},

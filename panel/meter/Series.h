@@ -52,7 +52,7 @@ public:
 
     const SeriesConditions &conditions() const { return m_conditions; }
     void add(qint64 msSinceStart, float value);
-    int count() const { return m_values.size(); }
+    int count() const { return int(m_values.size()); }
     bool isEmpty() const { return m_values.isEmpty(); }
 
     float value(int index) const { return m_values.at(index); } ///< NaN for a missing one

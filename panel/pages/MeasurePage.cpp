@@ -31,7 +31,7 @@ struct PickRows
     void add(const TouchRow &row, bool isChosen)
     {
         if (isChosen)
-            chosen = rows.size();
+            chosen = int(rows.size());
         rows += row;
     }
 };
@@ -201,7 +201,7 @@ void MeasurePage::chooseCurrent()
     for (const ValueBox::testI current : currents)
         rows += TouchRow::of(testCurrentText(current));
     new PickSheet(texts(), this, Text {"Measure", "testCurrent", "Test current"}, rows,
-                  currents.indexOf(setup().current()),
+                  int(currents.indexOf(setup().current())),
                   [this, currents](int index) { setup().setCurrent(currents.at(index)); });
 }
 

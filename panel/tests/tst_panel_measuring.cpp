@@ -508,7 +508,7 @@ void TstPanelMeasuring::nothingStartsWhileASeriesIsSaved()
     TAP(panel, "record.save");
     QCOMPARE(panel.labelText("record.status"), QStringLiteral("Saving the series"));
     const bool canStart = panel.finger.find(QStringLiteral("record.start"))->isEnabled();
-    end.release(work.size());
+    end.release(int(work.size()));
     QVERIFY(!canStart);
     QVERIFY(panel.message().startsWith(QLatin1String(clients)));
     TAP(panel, "sheet.ok", "record.start");

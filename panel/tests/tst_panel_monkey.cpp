@@ -92,7 +92,7 @@ void TstPanelMonkey::touch(PanelFixture &panel)
         return !widget->isVisible() || widget->objectName().isEmpty();
     };
     widgets.erase(std::remove_if(widgets.begin(), widgets.end(), isOutOfReach), widgets.end());
-    const int chosen = m_random.bounded(widgets.size() + 1);
+    const int chosen = m_random.bounded(int(widgets.size()) + 1);
     QPoint point(m_random.bounded(panel.window.width()), m_random.bounded(panel.window.height()));
     QString name = QStringLiteral("anything");
     if (chosen < widgets.size()) {

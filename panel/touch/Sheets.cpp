@@ -98,7 +98,8 @@ PickSheet::PickSheet(Texts &texts, QWidget *somewhere, const Text &title,
     list->setRows(rows);
     list->choose(chosen);
     const int fitting = (parentWidget()->height() - Theme::px(160)) / Theme::target();
-    list->setFixedHeight(qBound(2, rows.size(), qMin(fitting, tallestList)) * Theme::target() + 2);
+    list->setFixedHeight(qBound(2, int(rows.size()), qMin(fitting, tallestList)) * Theme::target()
+                         + 2);
     card()->addWidget(list);
     auto *buttons = new QHBoxLayout;
     connect(addButton(buttons, texts, "sheet.cancel", cancelText), &QPushButton::clicked, this,

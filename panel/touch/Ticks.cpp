@@ -31,10 +31,10 @@ Ticks Ticks::between(double low, double high, int most)
     Ticks ticks;
     const Step step = roundStep(high - low, most);
     // The tolerance keeps ticks at the ends in spite of rounding.
-    const double first = std::ceil(low / step.length - 1e-9);
-    const double last = std::floor(high / step.length + 1e-9);
-    for (double i = first; i <= last; ++i) {
-        const double value = i * step.length + 0.; // never a negative zero
+    const auto first = qint64(std::ceil(low / step.length - 1e-9));
+    const auto last = qint64(std::floor(high / step.length + 1e-9));
+    for (qint64 i = first; i <= last; ++i) {
+        const double value = double(i) * step.length;
         ticks.values += value;
         ticks.labels += QString::number(value, 'f', step.decimals);
     }

@@ -144,7 +144,7 @@ void TouchList::setRows(const QVector<TouchRow> &rows)
 {
     const std::optional<TouchRow> before = chosenRow();
     const int place = verticalScrollBar()->value();
-    m_rows->reset([rows](int index) { return rows.at(index); }, rows.size());
+    m_rows->reset([rows](int index) { return rows.at(index); }, int(rows.size()));
     if (before) {
         const auto same = std::find_if(rows.begin(), rows.end(), [&before](const TouchRow &row) {
             return row.id == before->id && (row.id != 0 || row.title == before->title);

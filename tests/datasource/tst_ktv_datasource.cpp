@@ -72,7 +72,7 @@ QStringList ofInterest(const QStringList &lines, const QStringList &texts)
 int knownNetworks(const KTV_DataSource &facade)
 {
     const std::unique_ptr<QList<WiFi::Network *>> networks(facade.getConnection()->GetMyNetwork());
-    const int count = networks->size();
+    const int count = int(networks->size());
     qDeleteAll(*networks);
     return count;
 }

@@ -44,7 +44,7 @@ int countWhole(const QStringList &found)
         if (found.at(i) != QString::number(i + 1))
             return unreadable;
     }
-    return found.size();
+    return int(found.size());
 }
 
 /** @return the only one; 0 if there is none; unreadable if there are several */
@@ -64,7 +64,7 @@ template <int (*number)(const QStringList &)> int entries()
 /** Whether the supplicant's file is complete, or does not exist yet. */
 bool isSupplicantFileWhole(const QString &file)
 {
-    const int networks = file.count(QStringLiteral("network={"));
+    const auto networks = file.count(QStringLiteral("network={"));
     return networks == file.count(QStringLiteral("}\n"))
         && (networks == 0 || file.startsWith(QStringLiteral("ctrl_interface=")));
 }
@@ -80,7 +80,7 @@ template <int (*number)(const QStringList &)> int networks()
 /** Each network whose call has returned is in the supplicant's file, too. */
 int networksOfBoth()
 {
-    const int written = QString::fromUtf8(Meter::readFile(supplicantFile)).count("network={");
+    const int written = int(QString::fromUtf8(Meter::readFile(supplicantFile)).count("network={"));
     const int known = networks<countWhole>();
     return written <= known ? std::min(written, known) : unreadable;
 }

@@ -124,8 +124,8 @@ void TstBackgroundWork::waitingRunsDoNotStartAfterStop()
 void TstBackgroundWork::cancelledBeforeItStarts()
 {
     QSemaphore release;
-    QtConcurrent::run([&release] { release.acquire(); });
-    QtConcurrent::run([&release] { release.acquire(); });
+    QThreadPool::globalInstance()->start([&release] { release.acquire(); });
+    QThreadPool::globalInstance()->start([&release] { release.acquire(); });
     EndlessWork work(handle);
     std::atomic<int> begun {0};
     work.start([&begun] { ++begun; });

@@ -54,7 +54,7 @@ QByteArray TstKtvctlWifi::preferred()
 {
     const QList<QByteArray> lines =
         Meter::readFile("/etc/wpa_supplicant/wpa_supplicant-wlan0.conf").split('\n');
-    const int line = lines.indexOf("\tpriority=100");
+    const auto line = lines.indexOf("\tpriority=100");
     return line < 0 ? QByteArray() : lines.at(line - 1);
 }
 

@@ -118,7 +118,7 @@ QByteArray mutated(QByteArray text, const QList<QByteArray> &seeds, std::mt19937
         return std::uniform_int_distribution<int>(0, std::max(0, bound - 1))(random);
     };
     for (int i = below(4); i >= 0; --i) {
-        const int at = below(text.size() + 1);
+        const int at = below(int(text.size()) + 1);
         switch (below(7)) {
         case 0:
             text.insert(at, pieces[below(int(std::size(pieces)))]);
@@ -127,7 +127,7 @@ QByteArray mutated(QByteArray text, const QList<QByteArray> &seeds, std::mt19937
             text.remove(at, 1 + below(8));
             break;
         case 2:
-            text.insert(at, text.mid(below(text.size()), 1 + below(60)));
+            text.insert(at, text.mid(below(int(text.size())), 1 + below(60)));
             break;
         case 3:
             if (at < text.size())
@@ -137,8 +137,8 @@ QByteArray mutated(QByteArray text, const QList<QByteArray> &seeds, std::mt19937
             text.insert(0, pieces[below(int(std::size(pieces)))]);
             break;
         case 5: {
-            const QByteArray &other = seeds.at(below(seeds.size()));
-            text.insert(at, other.mid(below(other.size()), 1 + below(200)));
+            const QByteArray &other = seeds.at(below(int(seeds.size())));
+            text.insert(at, other.mid(below(int(other.size())), 1 + below(200)));
             break;
         }
         default:
@@ -150,7 +150,7 @@ QByteArray mutated(QByteArray text, const QList<QByteArray> &seeds, std::mt19937
     if (below(6) == 0)
         text = QTextCodec::codecForName(codecs[below(5)])->fromUnicode(QString::fromUtf8(text));
     if (below(12) == 0)
-        text.insert(below(text.size()), '\0');
+        text.insert(below(int(text.size())), '\0');
     return text;
 }
 

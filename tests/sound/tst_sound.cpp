@@ -206,7 +206,7 @@ void TstSound::errorsOfThePlayerDoNotHaltTheLoop()
                           "for i in $(seq 100); do echo 'underrun!!!' >&2; done\n"
                           "exec /usr/bin/aplay \"$@\"");
     Sound::Play(Sound::SOUND_ERROR_SHORT, true, false, samples);
-    const int size = Meter::readFile("/etc/wav/SOUND_ERROR_SHORT.raw").size();
+    const int size = int(Meter::readFile("/etc/wav/SOUND_ERROR_SHORT.raw").size());
     QTRY_VERIFY(latestRecording().size() > 2 * size);
 }
 
@@ -451,7 +451,7 @@ void TstSound::loopThatCannotBePlayedIsHalted()
     int before = 0;
     int unchanged = 0;
     const auto standsStill = [&] {
-        const int now = calls("cat").size();
+        const int now = int(calls("cat").size());
         unchanged = now == before && now >= fewest ? unchanged + 1 : 0;
         before = now;
         return unchanged >= 5;
@@ -562,7 +562,7 @@ void TstSound::fromTwoThreads()
 
 int TstSound::openDescriptors()
 {
-    return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size();
+    return int(QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size());
 }
 
 void TstSound::playersOfThreadsWithoutEventLoop()
@@ -591,7 +591,7 @@ void TstSound::playersOfThreadsWithoutEventLoop()
     int before = 0;
     for (const int round : {1, 2}) {
         for (int i = 0; i < threads; ++i)
-            QtConcurrent::run(&pool, play);
+            pool.start(play);
         QTRY_COMPARE(done.load(), round * threads); // waiting for the pool would end its threads
         Sound::KillProcess();
         if (round == 1) // each thread has its own descriptors by now

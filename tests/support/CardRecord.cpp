@@ -38,7 +38,7 @@ public:
         : m_steps(steps)
         , m_directory(QDir::cleanPath(directory))
         , m_names(names)
-        , m_nextFile(names.size())
+        , m_nextFile(int(names.size()))
     { }
 
     void opened(int descriptor, const char *path, int flags)
@@ -153,7 +153,7 @@ Recorder *s_recorder = nullptr;
 CardRecord::CardRecord(const QString &directory)
 {
     for (const QString &name : QDir(directory).entryList(QDir::Files | QDir::Hidden)) {
-        m_namesAtFirst[name] = m_filesAtFirst.size();
+        m_namesAtFirst[name] = int(m_filesAtFirst.size());
         m_filesAtFirst[m_namesAtFirst[name]] = Meter::readFile(directory + '/' + name);
     }
     s_recorder = new Recorder(m_steps, directory, m_namesAtFirst);
@@ -186,7 +186,7 @@ struct Card
     void apply(const Step &step)
     {
         QByteArray &bytes = files[step.file];
-        const int end = int(step.position) + step.bytes.size();
+        const int end = int(step.position) + int(step.bytes.size());
         switch (step.kind) {
         case Step::Create:
             names[step.name] = step.file;
@@ -270,8 +270,8 @@ size_t hashOf(const CardRecord::Files &files)
     constexpr size_t factor = 0x9e3779b97f4a7c15U;
     size_t all = 0;
     for (auto file = files.begin(); file != files.end(); ++file) {
-        all = all * factor + hash(file.key().constData(), 2 * file.key().size());
-        all = all * factor + hash(file.value().constData(), file.value().size());
+        all = all * factor + hash(file.key().constData(), 2 * int(file.key().size()));
+        all = all * factor + hash(file.value().constData(), int(file.value().size()));
     }
     return all;
 }

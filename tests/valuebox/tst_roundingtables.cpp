@@ -276,10 +276,10 @@ void TstRoundingTables::everyFunctionFillsItsOwnPair()
     NumericalValueBox::tableRound_R_TempCompensation.clear();
     NumericalValueBox::tableRound_L_TempCompensation.clear();
     const auto sizes = [] {
-        return QVector<int> {NumericalValueBox::tableRound_R.size(),
-                             NumericalValueBox::tableRound_R_TempCompensation.size(),
-                             NumericalValueBox::tableRound_L.size(),
-                             NumericalValueBox::tableRound_L_TempCompensation.size()};
+        return QVector<int> {int(NumericalValueBox::tableRound_R.size()),
+                             int(NumericalValueBox::tableRound_R_TempCompensation.size()),
+                             int(NumericalValueBox::tableRound_L.size()),
+                             int(NumericalValueBox::tableRound_L_TempCompensation.size())};
     };
     NumericalValueBox::prepareRound_R_KTV420();
     QCOMPARE(sizes(), (QVector<int> {5, 5, 0, 0}));

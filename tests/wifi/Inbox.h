@@ -69,7 +69,7 @@ public:
     QVector<Scan> scans() const { return get(m_scans); }
     /** The signals in order: s for a state, d for details, n for a scan. */
     QByteArray order() const { return get(m_order); }
-    int count() const { return order().size(); }
+    int count() const { return int(order().size()); }
     /** Threads that have emitted signals, in the order of the signals. */
     QVector<QThread *> threads() const { return get(m_threads); }
 

@@ -143,7 +143,7 @@ void TstWifiRadio::throughTheFacade()
     QVERIFY(meter.getConnection()->AddNetwork(QStringLiteral("Guest"), QString()));
     const auto count = [&meter] {
         const std::unique_ptr<QList<Network *>> networks(meter.getConnection()->GetMyNetwork());
-        const int size = networks->size();
+        const int size = int(networks->size());
         qDeleteAll(*networks);
         return size;
     };

@@ -547,7 +547,7 @@ void TstWifiState::oldestPowerRequestsAreDropped()
     const int threads = pool.maxThreadCount();
     pool.setMaxThreadCount(1);
     QSemaphore release;
-    QtConcurrent::run(&pool, [&release] { release.acquire(); });
+    pool.start([&release] { release.acquire(); });
     Meter::clearJournal();
     for (int i = 0; i < 100; ++i)
         wifi->set_wifi_Enable(i >= 98);
@@ -666,7 +666,7 @@ void TstWifiState::scanSwitchedOnByItsReceiver()
             QVERIFY(wifi->ScanNetwork(true));
             return;
         }
-        scanned = networks->size();
+        scanned = int(networks->size());
         qDeleteAll(*networks);
         delete networks;
     });
@@ -787,7 +787,7 @@ void TstWifiState::queuedReceiverOwnsRecords()
             });
     connect(wifi.get(), &KTV_Connection::WiFi_Scan, &receiver,
             [&scanned](QList<Network *> *networks) {
-                scanned = networks->size();
+                scanned = int(networks->size());
                 qDeleteAll(*networks);
                 delete networks;
             });
