@@ -266,7 +266,7 @@ QString loop()
 QString sample()
 {
     Sound::Play(Sound::SOUND_ERROR, false, true, "/etc/wav/");
-    const QString result = Sound::process ? "sounds" : "silent";
+    QString result = Sound::process ? "sounds" : "silent";
     Sound::KillProcess();
     return result;
 }
@@ -385,12 +385,12 @@ QString callWith(Fault fault, const Place &place)
     }
     case NoMoreProcesses: {
         NoProcesses::set(true);
-        const QString answer = place.call();
+        QString answer = place.call();
         NoProcesses::set(false);
         return answer;
     }
     }
-    const QString answer = place.call();
+    QString answer = place.call();
     Meter::showProgram(tool);
     Meter::setBehaviour(tool, {});
     return answer;
