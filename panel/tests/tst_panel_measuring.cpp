@@ -356,8 +356,8 @@ void TstPanelMeasuring::seriesIsSavedUnderASafeAndFreeName()
     QCOMPARE(directory.entryList(QDir::Files), QStringList({date + ".csv", date + "_1.csv"}));
     const QList<QByteArray> lines = Meter::readFile(directory.filePath(date + ".csv")).split('\n');
     QCOMPARE(lines.first(), QByteArray("meter,\"QERN KTV-420\"\r"));
-    const QByteArray tenth =
-        lines.at(lines.size() - 2); // the last element is the empty text after the last line feed
+    // The last element is the empty text after the last line feed.
+    const QByteArray &tenth = lines.at(lines.size() - 2);
     QVERIFY(tenth.startsWith("10,"));
     QVERIFY(tenth.endsWith(QStringLiteral(",0.0012347,\"1.2347 m\u2126\",\r").toUtf8()));
     QCOMPARE(panel.session.library().getLiczniki()->get_dictionary(
