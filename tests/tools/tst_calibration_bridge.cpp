@@ -19,7 +19,7 @@ using QERNTools::Tools;
 
 namespace {
 
-std::atomic<int> lineSettings {0}; ///< how often the line has been configured
+std::atomic<size_t> lineSettings {0}; ///< how often the line has been configured
 std::array<std::atomic<qint64>, 5> settingTimes; ///< when it first was, in ms
 
 const QByteArray bridgeCommand = "socat /dev/ttyGS0 /dev/ttycommunication";
@@ -62,7 +62,7 @@ private:
 extern "C" int tcsetattr(int, int, const termios *)
 {
     // Not needed: the line of the simulated meter is in raw mode already.
-    if (lineSettings < int(settingTimes.size()))
+    if (lineSettings < settingTimes.size())
         settingTimes.at(lineSettings) = QDeadlineTimer::current().deadline();
     ++lineSettings;
     return 0;
@@ -154,7 +154,7 @@ void TstCalibrationBridge::passesDataAndIsRestarted()
 
     const QStringList before = bridges();
     QCOMPARE(before.size(), 1);
-    const int settings = lineSettings;
+    const size_t settings = lineSettings;
     kill();
     QTRY_VERIFY(bridges().size() == 1 && bridges() != before);
     QCOMPARE(lineSettings.load(), settings + 1);
@@ -244,7 +244,7 @@ void TstCalibrationBridge::isRestartedOnceASecond()
     QVERIFY(Tools::StopHardwareCalibrationMode());
     QTRY_VERIFY(Tools::asyncSocatRuner.isFinished());
     // The first of these has run until it was killed.
-    for (int i = 2; i < 5; ++i) {
+    for (size_t i = 2; i < 5; ++i) {
         const qint64 pause = settingTimes.at(i) - settingTimes.at(i - 1);
         QVERIFY2(pause >= 1000, QByteArray::number(pause));
     }
@@ -270,12 +270,12 @@ void TstCalibrationBridge::workerWithoutARequest()
     Tools::asyncSocatRuner.waitForFinished();
     QVERIFY(!Tools::asyncSocatRuner.isCanceled());
     Tools::socatProces_Avait(); // the flag is false
-    QCOMPARE(lineSettings.load(), 0);
+    QCOMPARE(lineSettings.load(), size_t(0));
     setActive(true);
     Tools::asyncSocatRuner = QFuture<void>();
     Tools::socatProces_Avait(); // the flag is true, but an empty future counts as cancelled
     setActive(false);
-    QCOMPARE(lineSettings.load(), 0);
+    QCOMPARE(lineSettings.load(), size_t(0));
 }
 
 void TstCalibrationBridge::doesNotEnd()
