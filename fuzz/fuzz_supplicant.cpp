@@ -149,11 +149,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         // supplicant's file (docs/wifi.md): with a line feed, which ends the line, and with a '#'
         // after a quotation mark, which begins a comment.
         QString name = consumeText(input, 32).remove(QLatin1Char('\n')).remove(QChar());
+        for (const QChar replaced : {QChar(0xFFFE), QChar(0xFFFF)}) // by SQLite, with U+FFFD
+            name.remove(replaced);
         const int quote = name.indexOf(QLatin1Char('"'));
         if (quote >= 0 && name.lastIndexOf(QLatin1Char('#')) > quote)
             name.remove(QLatin1Char('#'));
         while (name.toUtf8().size() > 32)
-            name.chop(1);
+            name.chop(name.at(name.size() - 1).isLowSurrogate() ? 2 : 1);
         QString key;
         // Seldom, because deriving a key takes longer than everything else here.
         if (input.ConsumeIntegralInRange(0, 7) == 1) { // a pass phrase is printable ASCII
