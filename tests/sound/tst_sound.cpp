@@ -490,10 +490,12 @@ void TstSound::killsLoopsOfOthers()
     QVERIFY(!Sound::process);
     QVERIFY(!Sound::_isLoop);
 
-    QCOMPARE(log.lines().size(), 3);
-    QCOMPARE(log.lines().last(), "KILL2: PID:"); // from the empty text after the last line feed
-    QTRY_COMPARE(calls("kill").size(), 3);
-    for (const QString &line : log.lines().mid(0, 2)) {
+    // There is a third id if the loop was just starting cat.
+    const QStringList lines = log.lines();
+    QVERIFY2(lines.size() >= 3, qPrintable(lines.join('\n')));
+    QCOMPARE(lines.last(), "KILL2: PID:"); // from the empty text after the last line feed
+    QTRY_COMPARE(calls("kill").size(), lines.size());
+    for (const QString &line : lines.mid(0, lines.size() - 1)) {
         const QString id = line.mid(QStringLiteral("KILL2: PID:").size());
         QVERIFY(id.toInt() > 0);
         QVERIFY(calls("kill").contains("kill " + id));
