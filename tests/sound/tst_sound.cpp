@@ -590,10 +590,11 @@ void TstSound::playersOfThreadsWithoutEventLoop()
         }
         ++done;
     };
+    QVector<QFuture<void>> tasks; // not waited for
     int before = 0;
     for (const int round : {1, 2}) {
         for (int i = 0; i < threads; ++i)
-            pool.start(play);
+            tasks += QtConcurrent::run(&pool, play);
         QTRY_COMPARE(done.load(), round * threads); // waiting for the pool would end its threads
         Sound::KillProcess();
         if (round == 1) // each thread has its own descriptors by now
