@@ -33,6 +33,13 @@ journal() {
     printf '%s\n' "$line" >>$meter/journal
 }
 
+# Sets $padded: NUMBER with zeros in front, WIDTH digits at least. Without a child process, which
+# would carry the stand-in's name for a moment: killall would find it, and miss it when it kills.
+pad() {
+    padded=$2
+    while [ ${#padded} -lt "$1" ]; do padded=0$padded; done
+}
+
 # Sleeps without a child process; a fraction of a second is fine.
 pause() {
     case $1 in
