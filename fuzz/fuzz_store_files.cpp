@@ -76,8 +76,8 @@ constexpr const char *schemaChanges[] = {
     "CREATE TRIGGER t BEFORE INSERT ON OBIECT_NAME BEGIN SELECT RAISE(ROLLBACK, 'no'); END",
     "CREATE TRIGGER t BEFORE DELETE ON NETWORKS BEGIN SELECT RAISE(FAIL, 'no'); END",
     "CREATE UNIQUE INDEX i ON NETWORKS (NET_Encrypton)",
-    "INSERT INTO MATERIALS (MAT_Lang, MAT_ReadOnly, MAT_Name, MAT_Alpha) "
-    "VALUES ('EN', 'x', x'00ff', 'much')",
+    ("INSERT INTO MATERIALS (MAT_Lang, MAT_ReadOnly, MAT_Name, MAT_Alpha) "
+     "VALUES ('EN', 'x', x'00ff', 'much')"),
     "INSERT INTO CONFIG_STR (CON_Key, CON_Value) VALUES ('MAIN_Lang', NULL)",
     "PRAGMA journal_mode = WAL",
     "PRAGMA user_version = 7",

@@ -5,7 +5,6 @@
 #include <wifi/KTV_Connection.h>
 
 #include <QProcess>
-#include <QThread>
 
 #include <cstring>
 #include <sys/socket.h>
@@ -42,6 +41,7 @@ public:
         // One of an earlier process of the fuzzer would keep the socket.
         Meter::killProcesses(QStringLiteral("wpa_supplicant"));
         m_process.setStandardOutputFile(QProcess::nullDevice());
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_process.start(QStringLiteral("/usr/bin/unshare"),
                         {QStringLiteral("--user"), QStringLiteral("--keep-caps"),
                          QStringLiteral("--net"), QStringLiteral("/usr/sbin/wpa_supplicant"),
@@ -53,8 +53,14 @@ public:
         FUZZ_EXPECT(::bind(m_socket, reinterpret_cast<const sockaddr *>(&own), sizeof(own)) == 0);
         const sockaddr_un control = address("/tmp/supplicant/lo");
         while (::connect(m_socket, reinterpret_cast<const sockaddr *>(&control), sizeof(control))
-               != 0)
-            QThread::msleep(1);
+               != 0) {
+            if (m_process.waitForFinished(1)) {
+                std::fputs("The supplicant has not started: it needs a user namespace of its own, "
+                           "which this system may forbid.\n",
+                           stderr);
+                ::_exit(1); // without libFuzzer's report, because no input is to blame
+            }
+        }
     }
 
     void read(const QByteArray &networks) const
@@ -69,7 +75,8 @@ public:
         char answer[4096];
         FUZZ_EXPECT(::send(m_socket, request.constData(), size_t(request.size()), 0)
                     == request.size());
-        const ssize_t size = ::recv(m_socket, answer, sizeof(answer), 0);
+        // The timers of the fuzzer may interrupt it.
+        const ssize_t size = TEMP_FAILURE_RETRY(::recv(m_socket, answer, sizeof(answer), 0));
         FUZZ_EXPECT(size > 0);
         return QByteArray(answer, int(size)).trimmed();
     }
