@@ -46,6 +46,11 @@ void deleteEnded()
                 ended.end());
 }
 
+bool isInstalled(const QString &program)
+{
+    return !QStandardPaths::findExecutable(program).isEmpty();
+}
+
 /**
  * Whether the file can be played, as far as that can be known beforehand; nothing prints an error
  * about an empty file.
@@ -53,7 +58,7 @@ void deleteEnded()
 bool canPlay(const QFileInfo &file)
 {
     return file.exists() && (!file.isFile() || file.size() > 0)
-        && !QStandardPaths::findExecutable(QStringLiteral("aplay")).isEmpty();
+        && isInstalled(QStringLiteral("aplay"));
 }
 
 /**
@@ -95,6 +100,9 @@ bool Player::launch(const QString &program, const QStringList &arguments)
 {
     deleteEnded();
     if (AbandonedChildren::areTooMany())
+        return false;
+    // Qt 6.4 leaks a descriptor for every program that it cannot start.
+    if (!isInstalled(program))
         return false;
     start(program, arguments, ReadWrite);
     const bool isStarted = waitForStarted(startWait);

@@ -94,11 +94,13 @@ void Sound::_loopBeep(const QString &file)
     player->expectRepeats(file);
     const QString line = QStringLiteral("while true; do cat ") + file
         + QStringLiteral("; done  | aplay -t raw -f S16_LE -r 44100");
-    if (player->launch(QStringLiteral("sh"), {QStringLiteral("-c"), line}))
+    if (player->launch(QStringLiteral("sh"), {QStringLiteral("-c"), line})) {
         _isLoop = true;
-    else
-        log() << "Sound::_loopBeep: waitForStarted error:"
-              << QString::fromLocal8Bit(player->readAllStandardError());
+        return;
+    }
+    // Qt would complain if a closed device were read.
+    const QByteArray errors = player->isOpen() ? player->readAllStandardError() : QByteArray();
+    log() << "Sound::_loopBeep: waitForStarted error:" << QString::fromLocal8Bit(errors);
 }
 
 void Sound::KillProcess()
