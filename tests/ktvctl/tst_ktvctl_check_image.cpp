@@ -128,6 +128,12 @@ void TstKtvctlCheckImage::faults_data()
         "counts "
         "as 'false'");
 
+    row("no English",
+        "cd home/root; mv Langs/EN Langs/FR; mv Langs/FR/EN.xml Langs/FR/FR.xml; rm -r Help/*",
+        "/home/root/Langs/EN: error: missing: it is what every language falls back to\n"
+        "/home/root/Help/KTV_410: warning: the model has no help page\n"
+        "/home/root/Help/KTV_420: warning: the model has no help page\n"
+        "/home/root/Help/KTV_4200: warning: the model has no help page");
     row("language without a file", "rm home/root/Langs/DE/DE.xml",
         "/home/root/Langs/DE/DE.xml: error: cannot be read");
     row("language does not parse", "echo '<l><Lang></l>' >home/root/Langs/DE/DE.xml",
@@ -169,6 +175,9 @@ void TstKtvctlCheckImage::faults_data()
     row("no default list", "rm home/root/Langs/DE/default_obiectTyp.txt",
         "/home/root/Langs/DE/default_obiectTyp.txt: warning: missing: the list of this language is "
         "empty");
+    row("default list that is a folder",
+        "cd home/root/Langs/DE; rm default_obiectTyp.txt; mkdir default_obiectTyp.txt",
+        "/home/root/Langs/DE/default_obiectTyp.txt: error: cannot be read");
     row("empty line", "printf 'A\\n\\nB\\n' >home/root/Langs/DE/default_obiectTyp.txt",
         "/home/root/Langs/DE/default_obiectTyp.txt:2: warning: an empty line is skipped");
     row("line twice", "printf 'A\\r\\nB\\r\\nA\\r\\n' >home/root/Langs/DE/default_obiectName.txt",
@@ -230,6 +239,10 @@ void TstKtvctlCheckImage::faults_data()
         "ifconfig: warning: is not busybox's: addresses must read 'inet addr:… Bcast:… Mask:…'");
     row("no console", "rm etc/systemd/system/busybox.getty@.service",
         "busybox.getty@ttyGS0.service: error: no such unit: the console on the USB serial line");
+    row("console that ignores its end",
+        "sed -i /SendSIGHUP/d etc/systemd/system/busybox.getty@.service",
+        "busybox.getty@ttyGS0.service: warning: has no SendSIGHUP=yes: it cannot be stopped within "
+        "5 s while somebody is logged in");
     row("no supplicant", "rm usr/lib/systemd/system/wpa_supplicant@.service",
         "wpa_supplicant@wlan0.service: error: no such unit: joins WiFi networks");
     row("supplicant with a start limit", "rm -r etc/systemd/system/wpa_supplicant@.service.d",

@@ -128,12 +128,13 @@ std::optional<QByteArray> readUnit(const Image &image, const Unit &unit)
     return text;
 }
 
-bool hasNoStartLimit(const QByteArray &unit)
+/** Whether a unit has one of the lines; blanks in them do not count. */
+bool hasLine(const QByteArray &unit, const QList<QByteArray> &wanted)
 {
     const QList<QByteArray> lines = unit.split('\n');
-    return std::any_of(lines.begin(), lines.end(), [](QByteArray line) {
+    return std::any_of(lines.begin(), lines.end(), [&wanted](QByteArray line) {
         line.replace(' ', "");
-        return line == "StartLimitIntervalSec=0" || line == "StartLimitInterval=0";
+        return wanted.contains(line);
     });
 }
 
@@ -148,9 +149,13 @@ std::optional<QByteArray> checkUnit(const Image &image, const Unit &unit, Report
 
 void checkUnits(const Image &image, Report &report)
 {
-    checkUnit(image, console, report);
+    const auto consoleText = checkUnit(image, console, report);
+    if (consoleText && !hasLine(*consoleText, {"SendSIGHUP=yes", "SendSIGHUP=true"}))
+        report.warning(nameOf(console),
+                       QStringLiteral("has no SendSIGHUP=yes: it cannot be stopped within 5 s "
+                                      "while somebody is logged in"));
     const auto text = checkUnit(image, supplicant, report);
-    if (text && !hasNoStartLimit(*text))
+    if (text && !hasLine(*text, {"StartLimitIntervalSec=0", "StartLimitInterval=0"}))
         report.warning(nameOf(supplicant),
                        QStringLiteral("no drop-in sets StartLimitIntervalSec=0: the sixth restart "
                                       "within 10 s is refused, and WiFi stays off"));
