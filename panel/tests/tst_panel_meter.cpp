@@ -96,7 +96,7 @@ private:
 void record(Stores &stores, const QVector<float> &values)
 {
     stores.recorder.setInterval(1000000); // so long that the simulated hardware adds no reading
-    stores.recorder.setWanted(values.size());
+    stores.recorder.setWanted(int(values.size()));
     stores.recorder.start();
     for (const float value : values)
         stores.hardware.deliver(value);
@@ -697,8 +697,8 @@ void TstPanelMeter::longSeriesIsSavedCompletely()
     const QString last = lines.value(lines.size() - 2);
     QVERIFY2(last.startsWith(QStringLiteral("%1,").arg(Series::capacity)), qPrintable(last));
     QVERIFY2(last.endsWith(QStringLiteral(",20,\"68.0 \u00B0F\",")), qPrintable(last));
-    const int first = lines.indexOf(QStringLiteral("number,time,seconds,value,shown,verdict")) + 1;
-    QCOMPARE(lines.size() - 1 - first, Series::capacity);
+    const auto first = lines.indexOf(QStringLiteral("number,time,seconds,value,shown,verdict")) + 1;
+    QCOMPARE(int(lines.size() - 1 - first), Series::capacity);
 }
 
 void TstPanelMeter::seriesKeepsItsTexts()
