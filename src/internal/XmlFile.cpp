@@ -228,13 +228,13 @@ public:
     }
     bool comment(const QString &text) override
     {
-        m_markupEnd = m_source.position();
+        m_markupEnd = m_source.position() - 1; // the parser has read one character more
         addOther(QStringLiteral("#comment"));
         return Limiter::comment(text);
     }
     bool processingInstruction(const QString &target, const QString &data) override
     {
-        m_markupEnd = m_source.position();
+        m_markupEnd = m_source.position() - 1; // as behind a comment
         addOther(target);
         return Limiter::processingInstruction(target, data);
     }

@@ -207,6 +207,12 @@ void TstXmlFile::files_data()
     good("prefixes", section("<n:k n:value='1' xmlns='u' value='2'/>"), found({" n:k=2"}));
     good("undeclared entity in a section", section("&u;<k value='1'/>"), found({" (u)", " k=1"}));
     good("undeclared entity in an attribute", section("<k value='1&u;2'/>"), found({" k=12"}));
+    good("undeclared entity in an attribute, behind a comment",
+         section("<!--c--><k value='1&u;2'/>"), found({" (#comment)", " k=12"}));
+    good("undeclared entity in an attribute, behind an instruction",
+         section("<?p i?><k value='1&u;2'/>"), found({" (p)", " k=12"}));
+    good("undeclared entity in an attribute, behind character data",
+         section("<![CDATA[c]]><k value='1&u;2'/>"), found({" (#cdata-section)", " k=12"}));
     good("undeclared entities behind every kind of node",
          section("t>&t;t<k value='>&no;2'>&no;</k>&k;<!--<-->&c;<?p <?>&p;<![CDATA[<]]>&d;"),
          found({" (#text)", " (t)", " (#text)", " k=>2", " (k)", " (#comment)", " (c)", " (p)",

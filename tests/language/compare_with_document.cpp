@@ -1,10 +1,12 @@
-// Mutates language files and compares the library's result for each with that of the QDomDocument
-// of Qt 5: texts, sections, elements, and the message and place of an error. Run by hand in the
-// simulated meter:
+// Mutates language files, makes documents up, and compares the library's result for each with that
+// of the QDomDocument of Qt 5: texts, sections, elements, and the message and place of an error.
+// More than the tests do is run by hand in the simulated meter:
 //
 //     compare_with_document COUNT [SEED] [FILE...]
 // Without FILE, the meter's own languages and description are mutated. The program also contains
 // some difficult files. A file with different results is printed.
+
+#include "RandomDocument.h"
 
 #include "support/Elements.h"
 #include "support/LogCapture.h"
@@ -276,7 +278,8 @@ int main(int argc, char *argv[])
     const QString path = directory.path() + "/XX/XX.xml";
     int verdicts[4] = {};
     for (int i = 0; i < count; ++i) {
-        const QByteArray text = mutated(seeds.at(i % seeds.size()), seeds, random);
+        const QByteArray text = i % 2 == 0 ? RandomDocument(random).text()
+                                           : mutated(seeds.at(i / 2 % seeds.size()), seeds, random);
         Meter::writeFile(path, text);
         const Verdict verdict = compare(directory.path() + '/', path);
         ++verdicts[verdict];
