@@ -8,6 +8,7 @@
 #include "sound/ToneTables_p.h"
 
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QThread>
 
 #include <algorithm>
@@ -77,18 +78,24 @@ bool isOver(const QFuture<void> &self)
     return worker.isStopping() || (self.isRunning() && self.isCanceled());
 }
 
-void play(const QList<BeepParameter> &steps, const QFuture<void> &self)
+/** How long `beep` ran, in ms. */
+qint64 play(const QList<BeepParameter> &steps, const QFuture<void> &self)
 {
+    qint64 time = 0;
     for (const BeepParameter &step : steps) {
         if (isOver(self))
-            return;
+            break;
+        QElapsedTimer beeping;
+        beeping.start();
         runProgram(QStringLiteral("beep"),
                    {QStringLiteral("-f"), QString::number(step.frequency), QStringLiteral("-l"),
                     QString::number(step.length), QStringLiteral("-d"), QString::number(step.delay),
                     QStringLiteral("-r"), QString::number(step.repeats)},
                    withoutLimit());
+        time += beeping.elapsed();
         runProgram(QStringLiteral("killall"), {QStringLiteral("beep")}, withoutLimit());
     }
+    return time;
 }
 
 /** How long a tone sounds, in ms, without its pauses. If it ends sooner, it has not been played. */
@@ -184,10 +191,9 @@ void BuzzerClass::_loopBeep(Tone tone)
     const QList<BeepParameter> steps = toneDefinition.value(tone);
     const qint64 sounding = soundingTime(steps);
     while (!isOver(self)) {
-        const QDeadlineTimer whole(sounding);
         const QDeadlineTimer nextRound(std::max(sounding, shortestRepeat));
-        play(steps, self);
-        if (sounding == 0 || !whole.hasExpired()) // it cannot have been played
+        const qint64 beeping = play(steps, self);
+        if (sounding == 0 || beeping < sounding) // it cannot have been played
             worker.sleepUntil(nextRound, [&self] { return isOver(self); });
     }
 }
