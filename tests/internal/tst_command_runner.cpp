@@ -103,7 +103,7 @@ void TstCommandRunner::outcomes_data()
     QTest::newRow("no words at all")
         << " " << false << 3000 << 5000 << CommandResult::NotStarted << "";
     QTest::newRow("late, output kept")
-        << "echo a; exec sleep 1000" << true << 3000 << 200 << CommandResult::NotFinished << "a\n";
+        << "echo a; exec sleep 1000" << true << 3000 << 3000 << CommandResult::NotFinished << "a\n";
     QTest::newRow("quotation marks group words")
         << "printf %s| \"a b\" c" << false << 3000 << 5000 << CommandResult::Finished << "a b|c|";
 }
@@ -130,7 +130,7 @@ void TstCommandRunner::argumentsAreNotChanged()
 
 void TstCommandRunner::lateCommandIsKilledWithItsChildren()
 {
-    const CommandResult result = Internal::runShell("sleep 1000 & echo $!; wait", {3000, 300});
+    const CommandResult result = Internal::runShell("sleep 1000 & echo $!; wait", {3000, 3000});
     QCOMPARE(result.outcome, CommandResult::NotFinished);
     const auto child = result.output.toInt();
     QVERIFY(child > 0);
@@ -165,8 +165,15 @@ void TstCommandRunner::stopFlagEndsTheWait_data()
 void TstCommandRunner::stopFlagEndsTheWait()
 {
     QFETCH(QString, script);
-    QCOMPARE(runAndStop(script).outcome, CommandResult::NotFinished);
-    QTEST(note(), "note");
+    QFETCH(QByteArray, note);
+    // The shell has 300 ms for its trap, which a busy machine may not give it at the first try.
+    QByteArray written;
+    for (int left = 3; left > 0 && written != note; --left) {
+        QFile::remove(notePath());
+        QCOMPARE(runAndStop(script).outcome, CommandResult::NotFinished);
+        written = TstCommandRunner::note();
+    }
+    QCOMPARE(written, note);
 }
 
 void TstCommandRunner::stopFlagSetBefore()
@@ -301,8 +308,8 @@ void TstCommandRunner::withoutPidfd()
     std::thread([&] {
         isHidden = hideCall(SYS_pidfd_open) && ::syscall(SYS_pidfd_open, ::getpid(), 0) < 0;
         ends = Internal::runShell("echo a; exec >/dev/null; sleep 0.1", {3000, 5000});
-        isLate = Internal::runShell("echo b; exec sleep 1000", {3000, 200});
-        leavesSomebodyBehind = Internal::runShell("sleep 2 & echo c", {3000, 1000});
+        isLate = Internal::runShell("echo b; exec sleep 1000", {3000, 3000});
+        leavesSomebodyBehind = Internal::runShell("sleep 1000 & echo c", {3000, 3000});
     }).join();
     QVERIFY(isHidden);
     QCOMPARE(ends.outcome, CommandResult::Finished);

@@ -11,6 +11,7 @@ find . -type f -exec cat {} + >/dev/null
 
 while IFS=$'\t' read -r name limit command; do
     SECONDS=0
+    export QTEST_FUNCTION_TIMEOUT=$((limit * 1000)) # Qt's own limit is five minutes
     if timeout --kill-after=5 "$limit" bash -c "$command" >/run/tests/log 2>&1 </dev/null; then
         report ok "$name ($(grep -hoE '[0-9]+ passed' /run/tests/log | tail -n 1), $SECONDS s)"
     else
