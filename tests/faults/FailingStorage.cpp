@@ -193,6 +193,13 @@ int renameat2(int fromFolder, const char *from, int toFolder, const char *to,
                              : int(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
 }
 
+/** Qt gives a name to a temporary file with this. */
+int linkat(int fromFolder, const char *from, int toFolder, const char *to, int flags) noexcept
+{
+    return fails(Rename, to) ? -1
+                             : int(::syscall(SYS_linkat, fromFolder, from, toFolder, to, flags));
+}
+
 int unlink(const char *path) noexcept
 {
     return fails(Unlink, path) ? -1 : int(::syscall(SYS_unlinkat, AT_FDCWD, path, 0));

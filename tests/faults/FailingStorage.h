@@ -12,7 +12,7 @@ enum Call
     Open,
     Write,
     Flush, ///< fsync, fdatasync
-    Rename,
+    Rename, ///< and the naming of a file that has had no name
     Unlink,
     Truncate
 };

@@ -337,10 +337,10 @@ struct Fault
 
 const Fault faults[] = {
     {FailingStorage::Open, "open", {EMFILE, EIO, ENOSPC, EROFS}},
-    {FailingStorage::Write, "write", {ENOSPC, EIO}},
-    {FailingStorage::Flush, "flush", {EIO, ENOSPC}},
+    {FailingStorage::Write, "write", {ENOSPC, EIO, EROFS}},
+    {FailingStorage::Flush, "flush", {EIO, ENOSPC, EROFS}},
     {FailingStorage::Rename, "rename", {EIO, ENOSPC, EROFS}},
-    {FailingStorage::Unlink, "unlink", {EIO, EROFS}},
+    {FailingStorage::Unlink, "unlink", {EIO, ENOSPC, EROFS}},
     {FailingStorage::Truncate, "truncate", {EIO, ENOSPC}},
 };
 
