@@ -4,6 +4,8 @@
 
 #include <csignal>
 #include <ctime>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -12,20 +14,39 @@ void dropLine(QtMsgType, const QMessageLogContext &, const QString &)
     // Log lines are made as usual but not printed: they would hide the output of libFuzzer.
 }
 
+double seconds(int who)
+{
+    rusage used {};
+    ::getrusage(who, &used);
+    return double(used.ru_utime.tv_sec + used.ru_stime.tv_sec)
+        + double(used.ru_utime.tv_usec + used.ru_stime.tv_usec) / 1e6;
+}
+
+/** Ends the run when it and its children have used up their processor time. */
+void checkProcessorTime(sigval limit)
+{
+    if (seconds(RUSAGE_SELF) + seconds(RUSAGE_CHILDREN) >= limit.sival_int)
+        ::kill(::getpid(), SIGUSR1); // libFuzzer ends after the current input
+}
+
 /**
- * Ends the run after KTV_FUZZ_SECONDS of the processor time of this process. libFuzzer itself can
- * only limit the wall-clock time, of which a busy machine leaves a part to each process.
+ * Limits the run to KTV_FUZZ_SECONDS of processor time. libFuzzer itself can only limit the
+ * wall-clock time, of which a busy machine leaves a part to each process.
  */
 void limitProcessorTime()
 {
-    itimerspec limit {};
-    limit.it_value.tv_sec = qEnvironmentVariableIntValue("KTV_FUZZ_SECONDS");
+    const int limit = qEnvironmentVariableIntValue("KTV_FUZZ_SECONDS");
+    if (limit <= 0)
+        return;
     sigevent event {};
-    event.sigev_notify = SIGEV_SIGNAL;
-    event.sigev_signo = SIGUSR1; // libFuzzer ends after the current input
+    event.sigev_notify = SIGEV_THREAD;
+    event.sigev_notify_function = checkProcessorTime;
+    event.sigev_value.sival_int = limit;
+    constexpr timespec interval {0, 200000000}; // ns
+    const itimerspec times {interval, interval};
     timer_t timer = nullptr;
-    FUZZ_EXPECT(::timer_create(CLOCK_PROCESS_CPUTIME_ID, &event, &timer) == 0);
-    FUZZ_EXPECT(::timer_settime(timer, 0, &limit, nullptr) == 0); // 0 s: no limit
+    FUZZ_EXPECT(::timer_create(CLOCK_MONOTONIC, &event, &timer) == 0);
+    FUZZ_EXPECT(::timer_settime(timer, 0, &times, nullptr) == 0);
 }
 
 } // namespace
