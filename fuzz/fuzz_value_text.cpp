@@ -21,6 +21,12 @@ bool isSame(float a, float b)
     return a == b || (std::isnan(a) && std::isnan(b));
 }
 
+/** Apart from the last digits of a float; also if both are NaN. */
+bool isClose(float a, float b)
+{
+    return isSame(a, b) || std::abs(a - b) <= 1e-6F * std::abs(a);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -38,7 +44,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     NumericalValueBox box(unit, Round_R);
     for (const auto *set : NumericalValueBox::tableRound_R) {
         box.setRealValue(value, set->current);
-        FUZZ_EXPECT(!box.toString().isEmpty());
+        const QString shown = box.toString();
+        FUZZ_EXPECT(!shown.isEmpty());
+        // What is shown can be read and shown again, and then it no longer changes.
+        box.setRealValue(NumericalValueBox::getValue(shown), set->current);
+        const float again = NumericalValueBox::getValue(box.toString());
+        FUZZ_EXPECT(isClose(again, NumericalValueBox::getValue(shown)));
     }
     NumericalValueBox::testI_parse(text);
     return 0;
