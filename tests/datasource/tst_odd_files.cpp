@@ -224,6 +224,15 @@ void cardMarker(const QString &)
     QVERIFY(!QERNTools::Tools::SD_Card_is_OK());
 }
 
+/** Whatever can be opened like a line gets its settings, which only a line takes. */
+void serialLine(const QString &path)
+{
+    struct stat file = {};
+    QVERIFY(::stat(QFile::encodeName(path).constData(), &file) == 0);
+    const bool canBeOpened = !S_ISDIR(file.st_mode) && !S_ISSOCK(file.st_mode);
+    QCOMPARE(QERNTools::Tools::ConfigurePort(), canBeOpened);
+}
+
 struct PlaceOf
 {
     const char *path;
@@ -248,6 +257,7 @@ const PlaceOf places[] = {
     {"/tmp/SOUND_ERROR.raw", sample},
     {"/etc/korva/system-boot.status", firstStartMarker},
     {"/etc/korva/sdcard.error", cardMarker},
+    {"/dev/ttyGS0", serialLine},
 };
 
 // Each adds to a store and returns how much is then in it.
