@@ -89,7 +89,7 @@ bool KnownNetworks::createNew()
               << (m_database.handle().isOpenError() ? "true" : "false");
         return false;
     }
-    createSchema(m_database, schema());
+    guarded([this] { createSchema(m_database, schema()); });
     return true;
 }
 
@@ -106,11 +106,13 @@ bool KnownNetworks::add(const QString &essid, const QString &key)
         return false;
     if (!isOpenOrLog(QLatin1String("KTV_Connection::DB is CLOSE!")))
         return false;
-    Transaction transaction(m_database);
-    if (!removeName(essid, QLatin1String("_AddWifiToDataBase: ")) || !insert(essid, key))
-        return false;
-    return transaction.commit()
-        || failed(QLatin1String("KTV_Connection::_AddWifiToDataBase: "), m_database.lastError());
+    const QLatin1String failure("KTV_Connection::_AddWifiToDataBase: ");
+    return change(failure, [&] {
+        return removeName(essid, QLatin1String("_AddWifiToDataBase: "))
+            && run(QStringLiteral("INSERT INTO NETWORKS (`NET_ESSID`,`NET_Encrypton`,`NET_Key`)"
+                                  "VALUES (:NET_ESSID,:NET_Encrypton,:NET_Key)"),
+                   columns(essid, key), failure);
+    });
 }
 
 bool KnownNetworks::remove(const QString &essid)
@@ -118,10 +120,7 @@ bool KnownNetworks::remove(const QString &essid)
     if (!isOpenOrLog(QLatin1String("DB is CLOSE!")))
         return false;
     const QLatin1String failure("_AddWifiToDataBase: "); // kept: the text names another operation
-    Transaction transaction(m_database);
-    if (!removeName(essid, failure))
-        return false;
-    return transaction.commit() || failed(failure, m_database.lastError());
+    return change(failure, [&] { return removeName(essid, failure); });
 }
 
 bool KnownNetworks::updateRow(int id, const QString &essid, const QString &key)
@@ -129,15 +128,13 @@ bool KnownNetworks::updateRow(int id, const QString &essid, const QString &key)
     if (!isOpenOrLog(QLatin1String("DB is CLOSE!")))
         return false;
     const QLatin1String failure("_AddWifiToDataBase: ");
-    Transaction transaction(m_database);
-    // Kept: the last backtick is never closed, so the statement is refused.
-    const QString update =
-        QStringLiteral("UPDATE NETWORKS SET`NET_ESSID`=:NET_ESSID,`NET_Encrypton`="
-                       ":NET_Encrypton,`NET_Key`=:NET_Key WHERE `NETk_1_ID=")
-        + QString::number(id);
-    if (!run(update, columns(essid, key), failure))
-        return false;
-    return transaction.commit() || failed(failure, m_database.lastError());
+    return change(failure, [&] {
+        // Kept: the last backtick is never closed, so the statement is refused.
+        return run(QStringLiteral("UPDATE NETWORKS SET`NET_ESSID`=:NET_ESSID,`NET_Encrypton`="
+                                  ":NET_Encrypton,`NET_Key`=:NET_Key WHERE `NETk_1_ID=")
+                       + QString::number(id),
+                   columns(essid, key), failure);
+    });
 }
 
 bool KnownNetworks::removeRow(int id)
@@ -145,12 +142,11 @@ bool KnownNetworks::removeRow(int id)
     if (!isOpenOrLog(QLatin1String("DB is CLOSE!")))
         return false;
     const QLatin1String failure("_DeleteWifiInDataBase:");
-    Transaction transaction(m_database);
-    const QString deletion = QStringLiteral("DELETE FROM NETWORKS WHERE `NETk_1_ID` = '")
-        + QString::number(id) + QLatin1Char('\'');
-    if (!run(deletion, {}, failure))
-        return false;
-    return transaction.commit() || failed(failure, m_database.lastError());
+    return change(failure, [&] {
+        return run(QStringLiteral("DELETE FROM NETWORKS WHERE `NETk_1_ID` = '")
+                       + QString::number(id) + QLatin1Char('\''),
+                   {}, failure);
+    });
 }
 
 NetworkList KnownNetworks::all()
@@ -179,6 +175,14 @@ bool KnownNetworks::isOpenOrLog(QLatin1String text) const
     return m_database.isOpen();
 }
 
+template <typename Steps> bool KnownNetworks::change(QLatin1String failure, Steps steps)
+{
+    return guarded(failure, [&] {
+        Transaction transaction(m_database);
+        return steps() && (transaction.commit() || failed(failure, m_database.lastError()));
+    });
+}
+
 bool KnownNetworks::run(const QString &text, const QVariantList &values, QLatin1String failure)
 {
     const Statement statement(m_database, text, values);
@@ -189,13 +193,6 @@ bool KnownNetworks::removeName(const QString &essid, QLatin1String failure)
 {
     return run(QStringLiteral("DELETE FROM NETWORKS WHERE `NET_ESSID`=:NET_ESSID"), {essid},
                failure);
-}
-
-bool KnownNetworks::insert(const QString &essid, const QString &key)
-{
-    return run(QStringLiteral("INSERT INTO NETWORKS (`NET_ESSID`,`NET_Encrypton`,`NET_Key`)"
-                              "VALUES (:NET_ESSID,:NET_Encrypton,:NET_Key)"),
-               columns(essid, key), QLatin1String("KTV_Connection::_AddWifiToDataBase: "));
 }
 
 } // namespace Internal

@@ -39,9 +39,13 @@ public:
 
 private:
     bool isOpenOrLog(QLatin1String text) const;
+    /**
+     * Runs the steps in a transaction, which is committed if all of them succeed. @param failure
+     * begins the log line if they throw or the commit fails
+     */
+    template <typename Steps> bool change(QLatin1String failure, Steps steps);
     bool run(const QString &text, const QVariantList &values, QLatin1String failure);
     bool removeName(const QString &essid, QLatin1String failure);
-    bool insert(const QString &essid, const QString &key);
 
     const QString m_directory;
     const QString m_path;
