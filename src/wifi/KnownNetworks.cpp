@@ -95,8 +95,10 @@ bool KnownNetworks::createNew()
 
 void KnownNetworks::release()
 {
+    // False if another manager has registered the same name since.
+    const bool isOurs = !areDatabasesClosed() && m_database.handle().isValid();
     m_database.release();
-    if (!areDatabasesClosed())
+    if (isOurs)
         QSqlDatabase::removeDatabase(connectionName()); // a second time, which is harmless
 }
 

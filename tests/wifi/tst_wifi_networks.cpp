@@ -131,6 +131,7 @@ private slots:
     void everyRowOfAName();
     void missingTable();
     void connectionOfTheDriver();
+    void secondManagerTakesTheConnection();
     void listBelongsToTheCaller();
     void closedDatabase();
     void failedWriteChangesNothing();
@@ -361,6 +362,16 @@ void TstWifiNetworks::connectionOfTheDriver()
     wifi = manager();
     QVERIFY(QSqlDatabase::contains(name));
     QCOMPARE(log.lines(), QStringList()); // no warning about a connection in use
+}
+
+void TstWifiNetworks::secondManagerTakesTheConnection()
+{
+    auto first = manager();
+    const auto second = manager();
+    QVERIFY(!first->AddNetwork(QStringLiteral("Lost"), QString()));
+    first.reset();
+    QVERIFY(second->AddNetwork(QStringLiteral("Lab"), QString()));
+    QCOMPARE(known(*second), QStringList(QStringLiteral("Lab|0|")));
 }
 
 void TstWifiNetworks::listBelongsToTheCaller()
