@@ -102,6 +102,11 @@ KTV_Liczniki::~KTV_Liczniki()
 void KTV_Liczniki::LoadLiczniki()
 {
     guarded("Liczniki load error: ", [&] {
+        // First, so that none is missing whatever happens to the file.
+        for (const Licznik counter : fileOrder) {
+            if (!d->counters.contains(counter))
+                d->counters.insert(counter, 0);
+        }
         Internal::RegularFile file(d->path);
         if (file.exists()) {
             if (file.open(QIODevice::ReadOnly)) {
@@ -118,10 +123,6 @@ void KTV_Liczniki::LoadLiczniki()
             } else {
                 log() << "Liczniki open file error!!!";
             }
-        }
-        for (const Licznik counter : fileOrder) {
-            if (!d->counters.contains(counter))
-                d->counters.insert(counter, 0);
         }
     });
 }

@@ -28,7 +28,8 @@
  * returns after it has been flushed to the card (tens of milliseconds on an SD card). While another
  * process holds a lock on the file, an operation fails after 5 s, the SQLite driver's own limit;
  * Open(), SetLang() and the constructor, which read three lists, after 15 s. A failed operation
- * leaves the rows as they were. Nothing throws.
+ * leaves the rows as they were, except that what is written but cannot be flushed stays. Nothing
+ * throws.
  */
 class KTV_DATASOURCE_EXPORT KTV_DataList : public QObject
 {

@@ -71,7 +71,7 @@ public:
      * @param essid name; letter case counts
      * @param key pass phrase of 8 to 63 characters; empty for an open network
      * @return false, with nothing changed, for an empty name, a key of another length, or when
-     *         the database cannot be written
+     *         the database cannot be written; also when it is written but cannot be flushed
      */
     bool AddNetwork(const QString &essid, const QString &key);
     /**

@@ -1,5 +1,6 @@
 #include "support/LogCapture.h"
 #include "support/Meter.h"
+#include "support/SqliteWatch.h"
 #include "support/Volume.h"
 
 #include <counters/KTV_Liczniki.h>
@@ -99,6 +100,7 @@ private slots:
     void load_data();
     void load();
     void loadingADamagedFileKeepsTheCounts();
+    void loadingThrows();
     void streamPastItsEnd();
     void copyBelongsToTheCaller();
     void printing();
@@ -242,6 +244,19 @@ void TstKtvLiczniki::loadingADamagedFileKeepsTheCounts()
     QCOMPARE(countsOf(counters), some);
     Meter::writeFile(path(), fileOf(none));
     counters.LoadLiczniki();
+    QCOMPARE(countsOf(counters), none);
+}
+
+void TstKtvLiczniki::loadingThrows()
+{
+    Meter::writeFile(path(), fileOf(some));
+    const LogCapture log;
+    SqliteWatch::throwOnReads(true);
+    const KTV_Liczniki counters(directory());
+    SqliteWatch::throwOnReads(false);
+    QCOMPARE(log.lines(), QStringList("Liczniki load error: thrown by a read"));
+    const std::unique_ptr<QHash<KTV_Liczniki::Licznik, qint64>> all(counters.getLiczniki());
+    QCOMPARE(all->size(), counterCount);
     QCOMPARE(countsOf(counters), none);
 }
 
