@@ -9,7 +9,6 @@
 #include <QTemporaryDir>
 
 #include <chrono>
-#include <cstdio>
 #include <memory>
 #include <sqlite3.h>
 #include <vector>

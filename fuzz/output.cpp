@@ -13,7 +13,7 @@ int main(int, char *argv[])
     const int file = ::open(source.c_str(), O_RDONLY);
     char part[4096];
     for (ssize_t size = 0; (size = ::read(file, part, sizeof(part))) > 0;) {
-        if (::write(STDOUT_FILENO, part, static_cast<size_t>(size)) != size)
+        if (::write(STDOUT_FILENO, part, size_t(size)) != size)
             return 1;
     }
     return 0;

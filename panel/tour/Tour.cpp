@@ -464,7 +464,7 @@ void Tour::pick(const QString &button, const QString &title)
 void Tour::waitForSheet()
 {
     check(Finger::waitFor([this] { return !m_finger.find(QStringLiteral("sheet")); }),
-          QStringLiteral("a sheet that stands still goes"));
+          QStringLiteral("an open sheet closes"));
 }
 
 void Tour::picture(const QString &name)

@@ -292,7 +292,7 @@ void TstListStatements::firstStartFlushes()
     SqliteWatch::clear();
     const auto store = ListStore::open();
     QVERIFY2(SqliteWatch::syncs() <= most,
-             qPrintable(QString("%1 waits for the card").arg(SqliteWatch::syncs())));
+             qPrintable(QString("%1 calls of fsync").arg(SqliteWatch::syncs())));
     QVERIFY(SqliteWatch::syncs() > 0);
     QCOMPARE(store->GetDefaultObiectTypCount(), lines);
     QCOMPARE(store->GetDefaultObiectNameCount(), lines);

@@ -14,6 +14,7 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -225,7 +226,7 @@ public:
         qDeleteAll(*known);
         m_isFileWhole = file.count('{') == file.count('}') && file.contains("ap_scan=1\n\n");
         m_isFileCurrent = file.count("network={") == names.size();
-        for (const QString &name : qAsConst(names))
+        for (const QString &name : std::as_const(names))
             m_isFileCurrent = m_isFileCurrent && file.contains("\tssid=\"" + name + "\"\n");
         return names.join(' ');
     }

@@ -204,7 +204,7 @@ QString state()
 QString scan()
 {
     QString result;
-    const auto told =
+    const auto connected =
         QObject::connect(connection.get(), &KTV_Connection::WiFi_Scan, [&](QList<Network *> *list) {
             result = !list ? "no answer" : list->isEmpty() ? "none" : "networks";
             if (list)
@@ -214,7 +214,7 @@ QString scan()
     connection->ScanNetwork(true);
     QThreadPool::globalInstance()->waitForDone();
     connection->ScanNetwork(false);
-    QObject::disconnect(told);
+    QObject::disconnect(connected);
     return result;
 }
 

@@ -11,6 +11,8 @@
 #include <QSqlQuery>
 #include <QtTest>
 
+#include <utility>
+
 namespace {
 
 const QString directory = QStringLiteral("/media/sdcard/UserData/");
@@ -30,7 +32,7 @@ template <typename Element> QStringList texts(QList<Element *> *list, QString El
     if (!list)
         return {QStringLiteral("unreadable")};
     QStringList found;
-    for (const Element *element : qAsConst(*list))
+    for (const Element *element : std::as_const(*list))
         found += element->*text;
     qDeleteAll(*list);
     delete list;

@@ -12,6 +12,7 @@
 #include <chrono>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 using SoundNamespace::Sound;
 
@@ -410,7 +411,7 @@ void TstSound::playersThatCannotBeKilled()
         Sound::Play(Sound::intro, false, false, samples);
         return Sound::process != nullptr;
     };
-    for (const QString &id : qAsConst(ids))
+    for (const QString &id : std::as_const(ids))
         QTRY_VERIFY(playsAgain() && !QFile::exists("/proc/" + id));
 }
 

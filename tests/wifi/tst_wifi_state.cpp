@@ -79,9 +79,9 @@ private:
     {
         return std::make_unique<KTV_Connection>(m_directory->path() + QLatin1Char('/'));
     }
-    /** All workers have ended. */
     /** Calls that have switched the interface: "u" for up, "d" for down. */
     static QString powerCalls();
+    /** Waits until all workers have ended. @return false after 20 s */
     static bool poolIsIdle() { return QThreadPool::globalInstance()->waitForDone(20000); }
 
     std::unique_ptr<QTemporaryDir> m_directory;
