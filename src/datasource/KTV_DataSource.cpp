@@ -82,6 +82,7 @@ KTV_DataSource::KTV_DataSource(QObject *parent) : QObject(parent), d(std::make_u
         new KTV_InterfaceConfig(d->config->get_mainInterfaceUserDataDirectory(), this);
     d->lang = new LangSerwis(d->config->get_mainInterfaceLangsDirectory(),
                              d->config->get_MeterModel(), this);
+    // The KTV-420 for America; in everything else it is the same model as the others.
     const QString defaultLanguage = d->config->get_SerialNumber().startsWith(QLatin1String("EL"))
         ? QStringLiteral("US")
         : QStringLiteral("EN");

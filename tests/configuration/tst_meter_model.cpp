@@ -16,6 +16,7 @@ class TstMeterModel : public QObject
 private slots:
     void everyModelHasARow();
     void noDuplicates();
+    void helpFoldersHaveTheSameLanguages();
     void unknownModel();
 };
 
@@ -29,6 +30,7 @@ void TstMeterModel::everyModelHasARow()
         QCOMPARE(row.model, model);
         QCOMPARE(Internal::meterModelOfName(row.name).model, model);
         const bool isKnown = model != KTV_Configuration::MeterModels_NaN;
+        QCOMPARE(row.shortName.isEmpty(), !isKnown);
         QCOMPARE(row.serialPrefixes.isEmpty(), !isKnown);
         QCOMPARE(row.rounding == Internal::RoundingFamily::None, !isKnown);
         for (const QString &prefix : Internal::wordsOf(row.serialPrefixes))
@@ -42,11 +44,24 @@ void TstMeterModel::noDuplicates()
     for (const Internal::MeterModel &row : meterModels) {
         QVERIFY2(!seen.contains(row.name), row.name.data());
         seen += row.name;
+        QVERIFY2(!seen.contains(row.shortName), row.shortName.data());
+        seen += row.shortName;
         for (const QString &prefix : Internal::wordsOf(row.serialPrefixes)) {
             QCOMPARE(prefix.size(), 2);
             QVERIFY2(!seen.contains(prefix), qPrintable(prefix));
             seen += prefix;
         }
+    }
+}
+
+/** The checker of images relies on it. */
+void TstMeterModel::helpFoldersHaveTheSameLanguages()
+{
+    QHash<QString, QString> languages;
+    for (const Internal::MeterModel &row : meterModels) {
+        if (!languages.contains(row.helpFolder))
+            languages.insert(row.helpFolder, row.languages);
+        QCOMPARE(languages.value(row.helpFolder), QString(row.languages));
     }
 }
 

@@ -1,3 +1,4 @@
+#include "Models.h"
 #include "Settings.h"
 #include "ValueOptions.h"
 #include "meter/LimitText.h"
@@ -262,7 +263,7 @@ QCommandLineOption modelOption()
 {
     return {QStringLiteral("model"),
             QStringLiteral("Model: %1. Default: that of the stored serial number.")
-                .arg(wordList(modelWords)),
+                .arg(modelWords().join(QLatin1String(", "))),
             QStringLiteral("MODEL")};
 }
 
@@ -299,10 +300,10 @@ QString currentName(testI current)
 
 QString prepareTables(const Call &call)
 {
-    auto model = call.isSet("model") ? valueOf(modelWords, call.option("model"))
-                                     : std::optional(modelOf(call));
+    auto model =
+        call.isSet("model") ? modelOfWord(call.option("model")) : std::optional(modelOf(call));
     if (!model)
-        return QStringLiteral("--model knows %1").arg(wordList(modelWords));
+        return QStringLiteral("--model knows %1").arg(modelWords().join(QLatin1String(", ")));
     if (*model == KTV_Configuration::MeterModels_NaN)
         return QStringLiteral("the meter has no serial number yet; give --model");
     NumericalValueBox::prepareStaticDefaultValue(Temp_Celsius);

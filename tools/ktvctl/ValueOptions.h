@@ -5,12 +5,6 @@
 
 #include <valuebox/NumericalValueBox.h>
 
-inline constexpr Word<KTV_Configuration::MeterModels> modelWords[] = {
-    {"410", KTV_Configuration::KTV_410},   {"420", KTV_Configuration::KTV_420},
-    {"4200", KTV_Configuration::KTV_4200}, {"4400", KTV_Configuration::KTV_4400},
-    {"PLX", KTV_Configuration::PLX_420},
-};
-
 inline constexpr Word<ValueBox::RoundMetods> methodWords[] = {
     {"R", ValueBox::Round_R},
     {"L", ValueBox::Round_L},

@@ -35,5 +35,3 @@ void checkSystem(const Image &image, Report &report);
 
 /** Codes of the languages in the folder: two capital letters each. */
 QStringList languageCodes(const Image &image, const Places &places);
-/** Codes of the languages that models with an audio codec offer, even if the folder lacks them. */
-QStringList fixedLanguages();

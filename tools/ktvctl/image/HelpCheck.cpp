@@ -1,20 +1,9 @@
+#include "../Models.h"
 #include "Checks.h"
 
 #include <algorithm>
 
 namespace {
-
-struct ModelFolder
-{
-    const char *name;
-    bool hasFixedLanguages;
-};
-
-constexpr ModelFolder modelFolders[] = {
-    {"KTV_410", false},
-    {"KTV_420", false},
-    {"KTV_4200", true},
-};
 
 bool isPageOf(const QString &file, const QString &language)
 {
@@ -51,15 +40,19 @@ void checkTopic(const QString &path, const QStringList &pages, const QStringList
 void checkHelpPages(const Image &image, const Places &places, Report &report)
 {
     const QStringList known = languageCodes(image, places);
-    for (const ModelFolder &model : modelFolders) {
-        const QString folder = places.help + QLatin1String(model.name);
+    QStringList checked; // some models share a folder
+    for (const Internal::MeterModel &model : Internal::meterModels) {
+        if (model.helpFolder.isEmpty() || checked.contains(model.helpFolder))
+            continue;
+        checked += model.helpFolder;
+        const QStringList fixed = Internal::wordsOf(model.languages);
+        const QString folder = places.help + model.helpFolder;
         const QStringList topics = image.folders(folder);
         if (topics.isEmpty())
             report.warning(folder, QStringLiteral("the model has no help page"));
         for (const QString &topic : topics) {
             const QString path = folder + QLatin1Char('/') + topic;
-            checkTopic(path, image.files(path), model.hasFixedLanguages ? fixedLanguages() : known,
-                       known, report);
+            checkTopic(path, image.files(path), fixed.isEmpty() ? known : fixed, known, report);
         }
     }
 }

@@ -1,3 +1,4 @@
+#include "../Models.h"
 #include "Checks.h"
 
 #include <QDate>
@@ -137,6 +138,21 @@ void checkWhatOthersHave(const QString &code, const LanguageTexts &languages, Re
                            .arg(key.key().first, key.key().second, key.value()));
 }
 
+/** Whether the model offers this language even if its folder is missing. */
+bool alwaysOffers(const Internal::MeterModel &model, const QString &code)
+{
+    return Internal::wordsOf(model.languages).contains(code);
+}
+
+QStringList fixedLanguages()
+{
+    QStringList codes;
+    for (const Internal::MeterModel &model : Internal::meterModels)
+        codes += Internal::wordsOf(model.languages);
+    codes.removeDuplicates();
+    return codes;
+}
+
 bool isCode(const QString &name)
 {
     static const QRegularExpression twoCapitals(QStringLiteral("^[A-Z]{2}$"));
@@ -154,11 +170,6 @@ QStringList languageCodes(const Image &image, const Places &places)
     return codes;
 }
 
-QStringList fixedLanguages()
-{
-    return {QStringLiteral("PL"), QStringLiteral("EN"), QStringLiteral("US")};
-}
-
 void checkLanguages(const Image &image, const Places &places, Report &report)
 {
     const QStringList codes = image.folders(places.languages);
@@ -170,7 +181,11 @@ void checkLanguages(const Image &image, const Places &places, Report &report)
         if (code == QLatin1String("EN"))
             report.error(path, QStringLiteral("missing: it is what every language falls back to"));
         else
-            report.warning(path, QStringLiteral("missing, but KTV-4200 and KTV-4400 offer it"));
+            report.warning(path,
+                           QStringLiteral("missing, but %1 offer it")
+                               .arg(modelsThat([&code](const Internal::MeterModel &model) {
+                                   return alwaysOffers(model, code);
+                               })));
     }
     LanguageTexts languages;
     for (const QString &code : codes) {

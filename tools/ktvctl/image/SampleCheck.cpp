@@ -1,3 +1,4 @@
+#include "../Models.h"
 #include "Checks.h"
 
 #include <sound/Sound.h>
@@ -20,7 +21,8 @@ void checkSamples(const Image &image, const Places &places, Report &report)
             places.samples + QLatin1String(samples.key(i)) + QStringLiteral(".raw");
         const QString place = image.locate(path);
         if (place.isNull()) {
-            report.warning(path, QStringLiteral("missing: KTV-4200 and KTV-4400 play it"));
+            report.warning(path,
+                           QStringLiteral("missing: %1 play it").arg(modelsThatPlaySamples()));
             continue;
         }
         const QFileInfo file(place);

@@ -1,3 +1,4 @@
+#include "../Models.h"
 #include "Checks.h"
 
 #include <QFileInfo>
@@ -17,7 +18,7 @@ struct Program
 {
     const char *name;
     Need need;
-    const char *purpose;
+    const char *purpose; ///< %1: the models that play samples
 };
 
 constexpr Program programs[] = {
@@ -38,7 +39,7 @@ constexpr Program programs[] = {
     {"iwgetid", Always, "WiFi"},
     {"iwconfig", Always, "WiFi"},
     {"iwlist", Always, "WiFi"},
-    {"aplay", SomeModels, "tones of KTV-4200 and KTV-4400"},
+    {"aplay", SomeModels, "tones of %1"},
     {"amixer", SomeModels, "the volume"},
     {"beep", SomeModels, "tones of the other models"},
 };
@@ -67,7 +68,8 @@ void checkPrograms(const Image &image, Report &report)
     const QStringList folders = programFolders(image.isRunning());
     for (const Program &program : programs) {
         const QString name = QLatin1String(program.name);
-        const QString purpose = QString::fromUtf8(program.purpose);
+        const QString purpose = QString::fromUtf8(program.purpose)
+                                    .replace(QLatin1String("%1"), modelsThatPlaySamples());
         const QString place = findProgram(image, folders, name);
         if (place.isNull() && program.need == SomeModels)
             report.warning(name, QStringLiteral("no such program: ") + purpose);
