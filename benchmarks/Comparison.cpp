@@ -29,8 +29,8 @@ namespace {
 constexpr double tolerance = 1.1;
 constexpr double shortestTurn = 2e-3; // seconds; a turn has enough calls to last this long
 constexpr double timeOfRow = 3; // seconds, about
-constexpr int fewestTurns = 7;
-constexpr int mostTurns = 101;
+constexpr int minTurns = 7;
+constexpr int maxTurns = 101;
 
 double seconds(clockid_t clock)
 {
@@ -107,8 +107,8 @@ Plan planFor(const Comparison::Row &row, const Work &job, const Work &floor)
         const double floorTime = takeTurn(row, floor, calls).time * double(calls);
         takeTurn(row, job, calls);
         const double both = now(Comparison::WallTime) - start;
-        if (row.before || floorTime >= shortestTurn || both >= timeOfRow / fewestTurns)
-            return {calls, qBound(fewestTurns, int(timeOfRow / both), mostTurns)};
+        if (row.before || floorTime >= shortestTurn || both >= timeOfRow / minTurns)
+            return {calls, qBound(minTurns, int(timeOfRow / both), maxTurns)};
     }
 }
 
@@ -116,12 +116,12 @@ Plan planFor(const Comparison::Row &row, const Work &job, const Work &floor)
 double instructions(const Comparison::Row &row, const Work &work)
 {
     constexpr double timeOfCalls = 1; // seconds, about
-    constexpr long mostCalls = 4096;
+    constexpr long maxCalls = 4096;
     takeTurn(row, work, 1); // loads what is loaded once
     const double start = now(Comparison::WallTime);
     takeTurn(row, work, 1);
     const double time = now(Comparison::WallTime) - start;
-    const long calls = row.before ? 1 : qBound(1L, long(timeOfCalls / time), mostCalls);
+    const long calls = row.before ? 1 : qBound(1L, long(timeOfCalls / time), maxCalls);
 
     static int dumps = 0;
     if (row.before)

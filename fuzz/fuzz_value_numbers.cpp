@@ -35,7 +35,7 @@ template <typename Code> Code consumeCode(FuzzInput &input)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    constexpr int mostDigits = 400; // more would only add zeros
+    constexpr int maxDigits = 400; // more would only add zeros
     FuzzInput input(data, size);
     NumericalValueBox::SetCurrentMeter(consumeCode<KTV_Configuration::MeterModels>(input));
     while (input.remaining_bytes() > 0) {
@@ -45,7 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         const auto prefix = consumeCode<UnitPrefixs>(input);
         const auto method = consumeCode<RoundMetods>(input);
         const auto current = consumeCode<testI>(input);
-        const int digits = input.ConsumeIntegralInRange<int>(-2, mostDigits);
+        const int digits = input.ConsumeIntegralInRange<int>(-2, maxDigits);
         NumericalValueBox box(unit, method);
         box.setNegativeAllowed(input.ConsumeBool());
         FUZZ_EXPECT(!box.toString().isEmpty());

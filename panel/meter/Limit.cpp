@@ -32,15 +32,15 @@ QString degreesText(double celsius)
 {
     if (NumericalValueBox::getTempUnit() == ValueBox::Temp_Celsius)
         return QString::number(celsius, 'g', 7);
-    constexpr int mostDigits = 2;
+    constexpr int maxDigits = 2;
     const double degrees = Degrees::fromCelsius(celsius);
-    for (int digits = 0; digits < mostDigits; ++digits) {
+    for (int digits = 0; digits < maxDigits; ++digits) {
         const double scale = std::pow(10, digits);
         const double shorter = std::round(degrees * scale) / scale + 0.; // adding 0 turns -0 into 0
         if (std::abs(Degrees::toCelsius(shorter) - rounded(celsius)) < 0.001)
             return QString::number(shorter, 'f', digits);
     }
-    return trimmedZeros(QString::number(degrees, 'f', mostDigits));
+    return trimmedZeros(QString::number(degrees, 'f', maxDigits));
 }
 
 float read(Quantity quantity, const QString &text)

@@ -477,7 +477,7 @@ void TstPanelMeter::curveOfAnyLength()
     for (int i = 0; i < Series::capacity; ++i)
         curve.add({double(i), i == 54321 ? 99. : std::sin(i)});
     const QVector<QPointF> points = curve.points();
-    QVERIFY(points.size() <= 2 * Envelope::mostBuckets);
+    QVERIFY(points.size() <= 2 * Envelope::maxBuckets);
     QVERIFY(std::is_sorted(points.begin(), points.end(),
                            [](const QPointF &a, const QPointF &b) { return a.x() < b.x(); }));
     QVERIFY(points.contains(QPointF(54321, 99))); // no peak is lost

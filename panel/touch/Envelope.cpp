@@ -21,7 +21,7 @@ void Envelope::add(const QPointF &point)
     m_minimum = std::fmin(m_minimum, point.y());
     m_maximum = std::fmax(m_maximum, point.y());
     if (m_buckets.isEmpty() || m_inLast == m_bucketSize) {
-        if (m_buckets.size() == mostBuckets)
+        if (m_buckets.size() == maxBuckets)
             halve();
         m_buckets += Bucket {point, point};
         m_inLast = 1;

@@ -11,7 +11,7 @@
 class Envelope
 {
 public:
-    static constexpr int mostBuckets = 1000;
+    static constexpr int maxBuckets = 1000;
 
     void clear();
     /** @param point to the right of all earlier ones; a y of NaN leaves a gap */

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int mostSteps = 5; // along an axis
+constexpr int maxSteps = 5; // along an axis
 
 // In pixels of a window of 800 x 480.
 constexpr int labelSize = 12;
@@ -130,7 +130,7 @@ PlotPicture Plot::picture() const
     const Range times = timeRange();
     const Range values = valueRange();
     const auto ticksOf = [](const Range &range, double divisor) {
-        return Ticks::between(range.low / divisor, range.high / divisor, mostSteps);
+        return Ticks::between(range.low / divisor, range.high / divisor, maxSteps);
     };
     const Ticks yTicks = ticksOf(values, m_y.divisor);
     picture.canvas = canvas(yTicks.labels);

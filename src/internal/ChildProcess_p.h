@@ -45,7 +45,7 @@ public:
      * In bytes. No tool of a device prints this much; one that does is treated as if it never
      * ended.
      */
-    static constexpr int mostOutput = 1024 * 1024;
+    static constexpr int maxOutput = 1024 * 1024;
 
     /**
      * Starts @p program, found through PATH, and waits until it is loaded. There is no time limit
@@ -66,12 +66,12 @@ public:
     bool lacksResources() const;
     /**
      * Collects the output until the child ends. @return whether it has ended; false at once when it
-     * has printed more than mostOutput
+     * has printed more than maxOutput
      */
     bool waitForFinished(const QDeadlineTimer &deadline);
-    bool hasPrintedTooMuch() const { return m_output.size() > mostOutput; }
-    /** The output so far, mostOutput at most. */
-    QByteArray output() const { return m_output.left(mostOutput); }
+    bool hasPrintedTooMuch() const { return m_output.size() > maxOutput; }
+    /** The output so far, maxOutput at most. */
+    QByteArray output() const { return m_output.left(maxOutput); }
     /** Sends @p signal to the child and to everything that it has started. */
     void signalGroup(int signal) const;
 

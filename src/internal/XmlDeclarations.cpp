@@ -12,10 +12,10 @@ namespace {
 
 // The parser recurses at each parenthesis of a declaration and compares each entity with all
 // others. Real files have far fewer.
-constexpr qsizetype mostDeclared = 1000;
+constexpr qsizetype maxDeclared = 1000;
 // The parser itself refuses an entity that expands to more characters.
 constexpr qsizetype longestEntity = 4096;
-constexpr qsizetype mostExpanded = mostDeclared * longestEntity;
+constexpr qsizetype maxExpanded = maxDeclared * longestEntity;
 
 /** Position after the next @p end at or after @p from; the end of the text if there is none. */
 qsizetype positionAfter(QStringView text, qsizetype from, QStringView end)
@@ -114,13 +114,13 @@ bool declaresTooMuch(const QString &text)
     const qsizetype entities = countOf(declarations, u"<!ENTITY");
     if (countOf(declarations, u"(") + countOf(declarations, u"%") + countOf(declarations, u"&")
             + entities
-        > mostDeclared)
+        > maxDeclared)
         return true;
     if (entities == 0)
         return false;
     const qsizetype longest =
         mayGrow(declarations) ? longestEntity : std::min(declarations.size(), longestEntity);
-    return referencesIn(content) * longest > mostExpanded;
+    return referencesIn(content) * longest > maxExpanded;
 }
 
 } // namespace Internal

@@ -16,11 +16,11 @@ namespace {
 // The files of a device have 10 to 100 kB, with some thousand texts.
 constexpr qint64 largestFile = Q_INT64_C(4) * 1024 * 1024;
 // A QDomDocument takes up to 500 bytes per node; attributes count as nodes.
-constexpr int mostNodes = 120000;
+constexpr int maxNodes = 120000;
 // A QDomDocument with some tens of thousands of levels overflows the stack when it is destroyed.
 constexpr int deepestNesting = 10000;
 // For each new node, QDomDocument walks up to the root.
-constexpr qint64 mostSteps = Q_INT64_C(200) * 1000 * 1000;
+constexpr qint64 maxSteps = Q_INT64_C(200) * 1000 * 1000;
 
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
@@ -105,7 +105,7 @@ private:
     {
         m_nodes += count;
         m_steps += m_depth;
-        return (m_nodes <= mostNodes && m_steps <= mostSteps) || refuse("too many elements");
+        return (m_nodes <= maxNodes && m_steps <= maxSteps) || refuse("too many elements");
     }
     bool refuse(const char *reason)
     {

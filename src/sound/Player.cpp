@@ -21,8 +21,8 @@ namespace {
 
 constexpr int startWait = 3000; // ms
 constexpr int emptyTime = 300; // ms that an empty file is played over and over
-constexpr int mostErrors = 20;
-constexpr qint64 mostUnread = 65536; // bytes of output that are kept
+constexpr int maxErrors = 20;
+constexpr qint64 maxUnread = 65536; // bytes of output that are kept
 
 /** A player that another thread has ended and that its own thread still has to delete. */
 struct Ended
@@ -176,7 +176,7 @@ void Player::dropSurplus()
 {
     for (const ProcessChannel channel : {StandardError, StandardOutput}) {
         setReadChannel(channel);
-        if (bytesAvailable() > mostUnread)
+        if (bytesAvailable() > maxUnread)
             readAll();
     }
 }
@@ -185,7 +185,7 @@ void Player::countErrors()
 {
     // The player also prints notes about the file; cat prints only errors.
     m_errors += int(readAllStandardError().count("cat: "));
-    if (m_errors > mostErrors)
+    if (m_errors > maxErrors)
         halt();
 }
 

@@ -59,13 +59,13 @@ inline float scaled(float value, int prefix)
 class FixedPoint
 {
 public:
-    static constexpr int mostDecimals = 8;
+    static constexpr int maxDecimals = 8;
 
-    /** Whether a number fits: finite, at most mostDecimals, and at most 32 bits. */
+    /** Whether a number fits: finite, at most maxDecimals, and at most 32 bits. */
     static bool fits(float value, int decimals)
     {
         constexpr double limit = 4294967296.; // 2^32
-        return decimals >= 0 && decimals <= mostDecimals
+        return decimals >= 0 && decimals <= maxDecimals
             && roundedUnits(value, decimals) < limit; // false for NaN
     }
     /** The number, or nothing if it does not fit. */

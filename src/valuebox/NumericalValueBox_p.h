@@ -66,7 +66,7 @@ inline std::optional<FixedPoint> roundedNumber(float value,
 {
     // That round() first rounds a 5 in the tenth decimal up can change the ninth decimal of a
     // float, never the eighth.
-    static_assert(FixedPoint::mostDecimals <= 8);
+    static_assert(FixedPoint::maxDecimals <= 8);
     return FixedPoint::of(scaled(value, row.prefix), row.digits);
 }
 

@@ -75,8 +75,8 @@ Ending<Key> longestEnding(QStringView part, const Entries &entries)
  */
 const QChar *readPlainNumber(QStringView text, ParsedText &content)
 {
-    constexpr int mostDigits = 15;
-    static constexpr std::array<double, mostDigits + 1> powers {
+    constexpr int maxDigits = 15;
+    static constexpr std::array<double, maxDigits + 1> powers {
         1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     const QChar *const end = text.end();
     const QChar *character = text.begin();
@@ -99,7 +99,7 @@ const QChar *readPlainNumber(QStringView text, ParsedText &content)
     }
     const auto count = character - start - (point ? 1 : 0);
     const auto decimals = point ? character - point - 1 : 0;
-    if (count > mostDigits || count == decimals || (point && decimals == 0))
+    if (count > maxDigits || count == decimals || (point && decimals == 0))
         return nullptr;
     const double magnitude = double(digits) / powers[std::size_t(decimals)];
     content.value = float(isNegative ? -magnitude : magnitude);

@@ -14,7 +14,7 @@ namespace Internal {
 
 namespace {
 
-constexpr int mostOutstanding = 2;
+constexpr int maxOutstanding = 2;
 constexpr int retryInterval = 1000; // ms
 
 } // namespace
@@ -35,7 +35,7 @@ Workers::~Workers()
 
 void Workers::poll(Kind kind, Work work)
 {
-    if (m_outstanding.at(kind) < mostOutstanding && canStartThread())
+    if (m_outstanding.at(kind) < maxOutstanding && canStartThread())
         run(kind, work);
 }
 

@@ -70,13 +70,13 @@ class Blanks : public QIODevice
 public:
     explicit Blanks(qint64 size) : m_left(size) { open(ReadOnly | Unbuffered); }
 
-    qint64 mostAtOnce = 0;
+    qint64 maxAtOnce = 0;
     qint64 total = 0;
 
 protected:
     qint64 readData(char *data, qint64 size) override
     {
-        mostAtOnce = std::max(mostAtOnce, size);
+        maxAtOnce = std::max(maxAtOnce, size);
         const qint64 count = std::min(size, m_left);
         std::fill_n(data, count, ' ');
         m_left -= count;
@@ -419,7 +419,7 @@ void TstXmlFile::allocatesOnlyWhatIsRead()
     XmlError error;
     Blanks few(1000);
     QVERIFY(!Internal::parseXml(few, document, error));
-    QVERIFY2(few.mostAtOnce <= 100000, QByteArray::number(few.mostAtOnce));
+    QVERIFY2(few.maxAtOnce <= 100000, QByteArray::number(few.maxAtOnce));
     QCOMPARE(few.total, 1000);
     Blanks endless(std::numeric_limits<qint64>::max());
     QVERIFY(!Internal::parseXml(endless, document, error));

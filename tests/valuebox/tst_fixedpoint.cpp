@@ -120,8 +120,8 @@ void TstFixedPoint::numbersThatDoNotFit()
     QVERIFY(!FixedPoint::of(-infinity, 2));
     QVERIFY(!FixedPoint::of(largest, 2));
     QVERIFY(!FixedPoint::of(1, -1));
-    QVERIFY(!FixedPoint::of(1, FixedPoint::mostDecimals + 1));
-    QVERIFY(FixedPoint::of(1, FixedPoint::mostDecimals).has_value());
+    QVERIFY(!FixedPoint::of(1, FixedPoint::maxDecimals + 1));
+    QVERIFY(FixedPoint::of(1, FixedPoint::maxDecimals).has_value());
     QVERIFY(FixedPoint::of(42.9F, 8).has_value());
     QVERIFY(!FixedPoint::of(43.F, 8)); // more than 32 bits
     QCOMPARE(FixedPoint::of(-0.001F, 2)->digits(), 0U);

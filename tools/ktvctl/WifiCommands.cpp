@@ -194,7 +194,7 @@ int status(const Call &call)
 }
 
 /** How often a scan is repeated, and after which pause. */
-constexpr int mostRepeats = 3;
+constexpr int maxRepeats = 3;
 constexpr int pauseMs = 2000;
 
 int scan(const Call &call)
@@ -221,7 +221,7 @@ int scan(const Call &call)
     // With many channels a scan may take longer than the library waits, and then goes on. During
     // it, or during a scan of the supplicant, the list may be empty. So scanning is repeated.
     int slowScans = 0;
-    for (int again = 0; again < mostRepeats && (!found || found->isEmpty()); ++again) {
+    for (int again = 0; again < maxRepeats && (!found || found->isEmpty()); ++again) {
         if (!found && ++slowScans == 2)
             break;
         remark(found ? QStringLiteral("no network was heard; scanning again")
@@ -299,10 +299,10 @@ int prefer(const Call &call)
  */
 void switchOff(Manager *wifi)
 {
-    constexpr int mostTries = 5;
+    constexpr int maxTries = 5;
     constexpr int pollMs = 50;
     int quietMs = 0; // for how long it has been off
-    for (int tries = 0; tries < mostTries && quietMs < 1000; quietMs += pollMs) {
+    for (int tries = 0; tries < maxTries && quietMs < 1000; quietMs += pollMs) {
         if (!isSwitchedOff()) {
             KTV_Connection::_set_wifi_Enable_Avait(wifi, false);
             ++tries;

@@ -38,9 +38,9 @@ void showLog(QtMsgType, const QMessageLogContext &, const QString &line)
 /** As Qt 5 writes it; Qt 6 has an exponent wherever that is shorter, as in 1e-04. */
 QByteArray toJson(double number)
 {
-    constexpr double mostWhole = 18446744073709551616.; // 2^64
+    constexpr double wholeLimit = 18446744073709551616.; // 2^64
     const double size = std::abs(number);
-    const bool isWhole = size < mostWhole && number == std::floor(number);
+    const bool isWhole = size < wholeLimit && number == std::floor(number);
     const bool isPlain = isWhole || (size >= 1e-4 && size < 1e-3);
     return QByteArray::number(number, isPlain ? 'f' : 'g', QLocale::FloatingPointShortest);
 }

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int mostLinks = 40; // the limit of the kernel
+constexpr int maxLinks = 40; // the limit of the kernel
 
 } // namespace
 
@@ -41,7 +41,7 @@ QString Image::locate(const QString &path) const
             inside = next;
             continue;
         }
-        if (++links > mostLinks)
+        if (++links > maxLinks)
             return {};
         // Not symLinkTarget(), which would resolve it to a path on this machine.
         QByteArray target(4096, '\0');
