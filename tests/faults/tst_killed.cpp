@@ -11,6 +11,7 @@
 #include <QSqlQuery>
 #include <QtTest>
 
+#include <optional>
 #include <utility>
 
 namespace {
@@ -149,9 +150,9 @@ private slots:
 private:
     /**
      * Kills that long after the start of the changes or, when @p isLate, after the first one.
-     * @return the last change that was answered
+     * @return the last change that was answered; no value if a change has failed
      */
-    static int changeAndKill(const char *store, qint64 microseconds, bool isLate);
+    static std::optional<int> changeAndKill(const char *store, qint64 microseconds, bool isLate);
 };
 
 void TstKilled::initTestCase()
@@ -172,7 +173,7 @@ void TstKilled::killed_data()
         QTest::newRow(store.name) << index++;
 }
 
-int TstKilled::changeAndKill(const char *store, qint64 microseconds, bool isLate)
+std::optional<int> TstKilled::changeAndKill(const char *store, qint64 microseconds, bool isLate)
 {
     QProcess changer;
     auto environment = QProcessEnvironment::systemEnvironment();
@@ -187,7 +188,7 @@ int TstKilled::changeAndKill(const char *store, qint64 microseconds, bool isLate
     changer.kill();
     changer.waitForFinished(-1);
     if (changer.exitStatus() != QProcess::CrashExit)
-        return std::numeric_limits<int>::max(); // a change has failed
+        return std::nullopt; // it has ended by itself
     said += changer.readAll();
     return said.trimmed().split('\n').last().toInt(); // 0 for "begin"
 }
@@ -203,7 +204,10 @@ void TstKilled::killed()
         QDir(directory).removeRecursively();
         QDir().mkpath(directory);
         QFile::remove(supplicantFile);
-        const int last = changeAndKill(store.name, random.bounded(store.longest), round % 2 == 1);
+        const auto changed =
+            changeAndKill(store.name, random.bounded(store.longest), round % 2 == 1);
+        QVERIFY2(changed, qPrintable(QStringLiteral("round %1: a change failed").arg(round)));
+        const int last = *changed;
         answered += last;
         const int found = store.last();
         QVERIFY2(
