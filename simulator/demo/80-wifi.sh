@@ -2,8 +2,10 @@
 # WiFi: what is in reach, joining a network, losing it
 set -euo pipefail
 radio=/run/meter/radio
+joining=/run/meter/behaviour/wpa_supplicant
 events=$(mktemp)
 before=$(mktemp)
+address=$events.address # the meter gets its address when this file exists
 cp $radio "$before"
 
 # until_seen TEXT: waits until the watch prints it, after the texts seen before
@@ -27,7 +29,7 @@ finish() {
     wait "$watch" 2>/dev/null || true
     cp "$before" $radio
     ktvctl wifi delete "Substation North" >/dev/null 2>&1 || true
-    rm -f "$events" "$before"
+    rm -f "$events" "$before" "$address" $joining
 }
 
 echo "In reach (bars, protection, name; a network that hides its name is not listed):"
@@ -38,9 +40,11 @@ ktvctl wifi watch >"$events" &
 watch=$!
 trap finish EXIT
 until_seen "state   ON"
+echo "address=$address" >$joining
 echo "  add 'Substation North', which is protected"
 echo ohm-law-1827 | ktvctl wifi add "Substation North" -
 until_seen "state   Connecting"
+: >"$address"
 until_seen "detail  Connect_4  Substation North  192.168.44.100"
 echo "  its access points go off the air"
 sed -i '/Substation North/d' $radio

@@ -44,7 +44,7 @@ void TstWifiRadio::init()
     m_directory = std::make_unique<QTemporaryDir>();
     Tools::reset();
     Meter::writeFile(QStringLiteral("/run/meter/behaviour/wpa_supplicant"),
-                     "associate=0.1\naddress=1.5\n");
+                     "associate=0.1\naddress=0.1\n");
     radio("-62\tSubstation\tohm-law-1827\tsubnet=10.20.30\n"
           "-75\tSubstation\tohm-law-1827\tsubnet=10.20.30\n"
           "-45\tGuest\t-\tsubnet=10.9.8\n");
@@ -52,11 +52,15 @@ void TstWifiRadio::init()
 
 void TstWifiRadio::joinsAndLoses()
 {
+    const QString address = QStringLiteral("/tmp/address"); // assigned when this file exists
+    Meter::writeFile(QStringLiteral("/run/meter/behaviour/wpa_supplicant"),
+                     "associate=0.1\naddress=" + address.toLatin1() + '\n');
     const auto wifi = manager();
     const Inbox inbox(*wifi);
     wifi->DetailInfoScan(true);
     QVERIFY(wifi->AddNetwork(QStringLiteral("Substation"), QStringLiteral("ohm-law-1827")));
     QTRY_VERIFY(inbox.states().contains(Network::wifi_States_Connecting));
+    Meter::writeFile(address, QByteArray());
     QTRY_COMPARE(inbox.states().last(), int(Network::wifi_States_Connect_2));
     QTRY_COMPARE(inbox.details().last()->address, QStringLiteral(":10.20.30.100"));
     const auto network = inbox.details().last();
