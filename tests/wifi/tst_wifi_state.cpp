@@ -81,8 +81,8 @@ private:
     }
     /** Calls that have switched the interface: "u" for up, "d" for down. */
     static QString powerCalls();
-    /** Waits until all workers have ended. @return false after 20 s */
-    static bool poolIsIdle() { return QThreadPool::globalInstance()->waitForDone(20000); }
+    /** Waits until all workers have ended. @return false after Meter::patience */
+    static bool poolIsIdle() { return QThreadPool::globalInstance()->waitForDone(Meter::patience); }
 
     std::unique_ptr<QTemporaryDir> m_directory;
 };
@@ -680,13 +680,18 @@ void TstWifiState::scanSwitchedOffMeanwhile()
 {
     const auto wifi = manager();
     const Inbox inbox(*wifi);
-    Tools::delay("iwlist", "0.5");
+    const QString isOff = QStringLiteral("/tmp/scan-is-off");
+    Meter::replaceProgram(QStringLiteral("iwlist"),
+                          "until [ -e /tmp/scan-is-off ]; do pause 0.01; done\n"
+                          "say 'Cell 01' 'ESSID:\"Lab\"'");
     Meter::clearJournal();
     const LogCapture log;
     QVERIFY(wifi->ScanNetwork(true));
     QTRY_VERIFY(!Meter::journal().isEmpty()); // the tool runs
     QVERIFY(wifi->ScanNetwork(false));
+    Meter::writeFile(isOff, QByteArray());
     QVERIFY(poolIsIdle());
+    QVERIFY(QFile::remove(isOff));
     QCOMPARE(inbox.count(), 0);
     QCOMPARE(log.lines(), QStringList());
 }
