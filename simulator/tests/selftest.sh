@@ -35,9 +35,9 @@ inside() {
     "$meter_run" --fresh --bind "$scratch/script:/tmp/script" -- sh -eu /tmp/script
 }
 
-# For the scripts inside. `soon` waits for a condition, ten seconds at most.
+# For the scripts inside. `soon` waits for a condition, a minute at most.
 helpers='
-    soon() { n=0; until "$@"; do n=$((n + 1)); [ $n -lt 500 ] || return 1; usleep 20000; done; }
+    soon() { n=0; until "$@"; do n=$((n + 1)); [ $n -lt 3000 ] || return 1; usleep 20000; done; }
     fails() { ! "$@"; }
     journal_has() { grep -qxF "$(printf "$1")" /run/meter/journal; }
     address() { ifconfig wlan0 | grep -q "inet addr:$1 *Bcast:.* *Mask:255.255.255.0"; }
@@ -139,10 +139,8 @@ check "one state serves one meter at a time" bash -c "
     '$meter_run' --state '$scratch/state' -- sh -c 'touch /home/root/up; sleep 20' &
     for i in {1..200}; do [ -e '$scratch/state/home-root/up' ] && break; sleep 0.05; done
     '$meter_run' --state '$scratch/state' -- true 2>/dev/null; status=\$?
-    kill -KILL \$!
-    [ \$status = 70 ] || exit 1
-    for i in {1..100}; do '$meter_run' --state '$scratch/state' -- true 2>/dev/null && exit 0; sleep 0.05; done
-    exit 1"
+    kill -KILL \$!; wait \$!
+    [ \$status = 70 ] && '$meter_run' --state '$scratch/state' -- true"
 
 echo "--- journal and behaviours"
 
@@ -216,6 +214,12 @@ check "the console answers on the serial line" inside '
     fails systemctl status $unit >/dev/null; soon fails pgrep getty
     head -n 1 /dev/ttyGS0 >/tmp/line & reader=$!
     echo "after the console" >/run/meter/usb-host; wait $reader; grep -q after /tmp/line'
+check "a console that is stopped at its start is gone" inside '
+    modprobe-usb-gadget g_serial; unit=busybox.getty@ttyGS0.service
+    for i in $(seq 30); do
+        systemctl start $unit; usleep $((i * 200)); systemctl stop $unit
+        fails pgrep -f "[t]tyGS0 *$|[l]ib/console"
+    done'
 check "mactool stays until it is killed" inside '
     is_listed() { ps | grep -q "[m]actool"; }
     mactool & soon is_listed; killall mactool; soon fails pgrep mactool'
@@ -274,10 +278,12 @@ wlan0mon" ]
     ip link add wlan0 type veth peer name air0; ip link set air0 up; ip link set wlan0 up
     radio "-40\tOpen\t-\n"; iwlist wlan0 scan | grep -q Open'
 check "the supplicant sees what the file held at its start" inside '
+    block() { printf "network={\n\tssid=\"%s\"\n\tkey_mgmt=NONE\n}\n" "$1"; }
     radio "-40\tOpen\t-\n"
-    configure true; systemctl restart wpa_supplicant@wlan0
-    printf "network={\n\tssid=\"Open\"\n\tkey_mgmt=NONE\n}\n" >>/etc/wpa_supplicant/wpa_supplicant-wlan0.conf
-    sleep 1; no_link; systemctl restart wpa_supplicant@wlan0; soon joined Open'
+    configure block Weak; systemctl restart wpa_supplicant@wlan0
+    block Open >>/etc/wpa_supplicant/wpa_supplicant-wlan0.conf
+    radio "-40\tOpen\t-\n-80\tWeak\t-\n"; soon joined Weak
+    systemctl restart wpa_supplicant@wlan0; soon joined Open'
 check "a file that ends within a block ends the supplicant" inside '
     radio "-40\tOpen\t-\n"
     configure printf "network={\n\tssid=\"Open\"\n"
@@ -289,13 +295,20 @@ echo "--- sound"
 check "aplay is real, plays in real time, and what it played is kept" inside '
     start=$(milliseconds); aplay -q -t raw -f S16_LE -r 44100 /etc/wav/SOUND_ERROR.raw
     took=$(($(milliseconds) - start)); echo "took $took ms"
-    [ $took -ge 700 ] && [ $took -le 5000 ]
+    [ $took -ge 700 ]
     cmp -n "$(stat -c %s /etc/wav/SOUND_ERROR.raw)" /etc/wav/SOUND_ERROR.raw /run/meter/audio/0001.raw'
 check "a player that is killed is gone at once, the next sound is its own" inside '
-    aplay -q -t raw -f S16_LE -r 44100 /etc/wav/intro.raw &
-    soon test -s /run/meter/audio/0001.raw; killall aplay
+    heard() { stat -c %s /run/meter/audio/0001.raw; }
+    is_ending() { fails grep -q "^SigCgt:.*[4-7c-f]...$" /proc/$player/status; } # without its handler of SIGTERM
+    head -c 5292000 /dev/zero >/tmp/minute.raw
+    aplay -q -t raw -f S16_LE -r 44100 /tmp/minute.raw & player=$!
+    soon test -s /run/meter/audio/0001.raw
+    killall -STOP loudspeaker; before=$(heard)
+    killall aplay; soon is_ending
+    killall -CONT loudspeaker; soon fails pgrep loudspeaker
+    echo "heard $before, then $(heard) bytes"
+    [ $(($(heard) - before)) -le 3528 ] # two slices
     aplay -q -t raw -f S16_LE -r 44100 /etc/wav/SOUND_SET_ACCEPT.raw
-    [ "$(stat -c %s /run/meter/audio/0001.raw)" -lt 100000 ]
     cmp -n "$(stat -c %s /etc/wav/SOUND_SET_ACCEPT.raw)" /etc/wav/SOUND_SET_ACCEPT.raw /run/meter/audio/0002.raw'
 check "every sample is there, in 16 bit and shorter than two seconds" inside '
     for name in SOUND_DELETED_BANK SOUND_ERROR SOUND_ERROR_SHORT SOUND_ESC_STOP_MEAS SOUND_FUSE_TEST \
@@ -309,7 +322,7 @@ check "amixer keeps the volume" inside '
     fails amixer set Master 10% 2>/dev/null'
 check "beep lasts as long as its tone, and ends when killed" inside '
     start=$(milliseconds); beep -f 440 -l 150 -d 50 -r 2; took=$(($(milliseconds) - start))
-    [ $took -ge 350 ] && [ $took -le 5000 ]
+    [ $took -ge 350 ]
     beep -f 440 -l 20000 -d 0 -r 1 & beeping=$!; soon pgrep beep; killall beep; fails wait $beeping'
 
 echo "--- the image"
