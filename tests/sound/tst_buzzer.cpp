@@ -67,6 +67,8 @@ const QString melodySteps = QStringLiteral(
     "523/100/50/1, 587/100/50/1, 659/100/50/1, 698/100/50/1, 784/100/50/1, 880/100/50/1, "
     "932/150/250/1, 880/150/250/1, 932/100/575/1, 932/100/125/1, 932/100/125/1, 1046/675/0/1");
 
+const QString stepIsOver = QStringLiteral("/tmp/step-over");
+
 } // namespace
 
 /** Signal tones: their tables, and the order of requests. */
@@ -114,6 +116,10 @@ private slots:
 
 private:
     static QStringList beeps();
+    /** Makes each step sound until stepIsOver exists. */
+    static void holdSteps();
+    /** Requests a tone, and ends the current step after the request has cancelled its tone. */
+    static bool cancelsTheCurrentOne(int code, bool loop);
 };
 
 void TstBuzzer::initTestCase()
@@ -140,7 +146,23 @@ void TstBuzzer::cleanup()
     QVERIFY(BuzzerClass::future.isFinished());
     Meter::showProgram("beep");
     Meter::setBehaviour("beep", {});
-    QCOMPARE(Meter::processes("beep"), QStringList());
+    QTRY_COMPARE(Meter::processes("beep"), QStringList());
+    QFile::remove(stepIsOver);
+}
+
+void TstBuzzer::holdSteps()
+{
+    Meter::replaceProgram("beep", "until [ -e /tmp/step-over ]; do pause 0.01; done");
+}
+
+bool TstBuzzer::cancelsTheCurrentOne(int code, bool loop)
+{
+    std::thread other([code, loop] { BuzzerClass::Beep(tone(code), loop); });
+    const bool isCancelled =
+        QTest::qWaitFor([] { return BuzzerClass::future.isCanceled(); }, Meter::patience);
+    Meter::writeFile(stepIsOver, {});
+    other.join();
+    return isCancelled;
 }
 
 QStringList TstBuzzer::beeps()
@@ -269,8 +291,10 @@ void TstBuzzer::everyStepInItsOrder()
 
 void TstBuzzer::singleToneIsDroppedWhileAnotherSounds()
 {
+    holdSteps();
     BuzzerClass::Beep(tone(4), false);
     BuzzerClass::Beep(tone(1), false);
+    Meter::writeFile(stepIsOver, {});
     QTRY_VERIFY(BuzzerClass::future.isFinished());
     QCOMPARE(beeps(), QStringList(longBeep));
     BuzzerClass::Beep(tone(1), false);
@@ -279,10 +303,11 @@ void TstBuzzer::singleToneIsDroppedWhileAnotherSounds()
 
 void TstBuzzer::repeatedToneReplacesTheCurrentOne()
 {
+    holdSteps();
     const LogCapture log;
     BuzzerClass::Beep(tone(4), false);
     QTRY_COMPARE(beeps().size(), 1);
-    BuzzerClass::Beep(tone(1), true);
+    QVERIFY(cancelsTheCurrentOne(1, true));
     QTRY_VERIFY(beeps().size() >= 4); // over and over
     QCOMPARE(beeps().mid(0, 4), QStringList({longBeep, shortBeep, shortBeep, shortBeep}));
     // The current step has ended by itself; then come the worker's killall and that of the request.
@@ -299,10 +324,11 @@ void TstBuzzer::repeatedToneReplacesTheCurrentOne()
 
 void TstBuzzer::silence()
 {
+    holdSteps();
     BuzzerClass::Beep(tone(4), true);
     QTRY_COMPARE(beeps().size(), 1);
     const LogCapture log;
-    BuzzerClass::Beep(tone(0), false);
+    QVERIFY(cancelsTheCurrentOne(0, false));
     QVERIFY(BuzzerClass::future.isFinished());
     QVERIFY(BuzzerClass::future.isCanceled());
     QCOMPARE(Meter::journal(), QStringList({longBeep, "killall beep", "killall beep"}));
@@ -319,16 +345,10 @@ void TstBuzzer::silenceEndsATuneBetweenItsSteps_data()
 void TstBuzzer::silenceEndsATuneBetweenItsSteps()
 {
     QFETCH(bool, loop);
-    Meter::replaceProgram("beep", "until [ -e /tmp/step-over ]; do sleep 0.01; done");
+    holdSteps();
     BuzzerClass::Beep(tone(9), loop); // three steps
     QTRY_COMPARE(beeps().size(), 1);
-    std::thread other([] { BuzzerClass::Beep(tone(0), false); });
-    const bool isCancelled =
-        QTest::qWaitFor([] { return BuzzerClass::future.isCanceled(); }, Meter::patience);
-    Meter::writeFile("/tmp/step-over", {});
-    other.join();
-    QVERIFY(QFile::remove("/tmp/step-over"));
-    QVERIFY(isCancelled);
+    QVERIFY(cancelsTheCurrentOne(0, false));
     QVERIFY(BuzzerClass::future.isFinished());
     QCOMPARE(Meter::journal(),
              QStringList({"beep -f 750 -l 100 -d 100 -r 1", "killall beep", "killall beep"}));
