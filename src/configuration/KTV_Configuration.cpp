@@ -21,10 +21,12 @@ constexpr int defaultBatteryAlarm2 = 3;
 
 std::optional<QString> readSystemVersion()
 {
-    Internal::RegularFile file(systemVersionFile);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return std::nullopt;
-    return QString::fromUtf8(file.readAll()).trimmed();
+    return guarded("KTV_Configuration::get_SystemVersion: ", []() -> std::optional<QString> {
+        Internal::RegularFile file(systemVersionFile);
+        if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+            return std::nullopt;
+        return QString::fromUtf8(file.readAll()).trimmed();
+    });
 }
 
 } // namespace
@@ -34,6 +36,8 @@ KTV_Configuration::MeterModels KTV_Configuration::_meterModel = MeterModels_NaN;
 class KTV_Configuration::Private
 {
 public:
+    bool readDocument();
+
     QString producer = QStringLiteral("QERN");
     QString modelName = Internal::meterModel(MeterModels_NaN).name;
     QString interfaceVersion = QStringLiteral("0.0.0.0");
@@ -56,24 +60,32 @@ public:
     QDomDocument document;
 };
 
-KTV_Configuration::KTV_Configuration(QObject *parent)
-    : QObject(parent)
-    , d(std::make_unique<Private>())
+bool KTV_Configuration::Private::readDocument()
 {
     Internal::RegularFile file(descriptionFile);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         log() << "Fail to open KTV_Configuration:" << descriptionFile;
-        return;
+        return false;
     }
     Internal::XmlError error;
-    if (!Internal::parseXml(file, d->document, error)) {
+    if (!Internal::parseXml(file, document, error)) {
         log() << "Fail to load KTV_Configuration!" << error.message << " Row:" << error.line
               << " Col:" << error.column;
-        return;
+        return false;
     }
-    file.close();
-    LoadDataFromXML();
-    d->document.clear(); // everything in it has been read
+    return true;
+}
+
+KTV_Configuration::KTV_Configuration(QObject *parent)
+    : QObject(parent)
+    , d(std::make_unique<Private>())
+{
+    guarded("KTV_Configuration: ", [this] {
+        if (!d->readDocument())
+            return;
+        LoadDataFromXML();
+        d->document.clear(); // everything in it has been read
+    });
 }
 
 KTV_Configuration::~KTV_Configuration() = default;

@@ -5,6 +5,7 @@
 #include "counters/KTV_Liczniki.h"
 #include "datalist/KTV_DataList.h"
 #include "internal/BackgroundWork_p.h"
+#include "internal/Guarded_p.h"
 #include "internal/RegularFile_p.h"
 #include "language/LangSerwis.h"
 #include "language/helpManager.h"
@@ -200,15 +201,17 @@ int KTV_DataSource::getFreeSpaceAlert() const
 
 bool KTV_DataSource::FirstStart()
 {
-    const QString path = QStringLiteral("/etc/korva/system-boot.status");
-    Internal::RegularFile marker(path);
-    if (!marker.exists() || !marker.open(QIODevice::ReadOnly))
-        return false;
-    const bool isFirst = QString::fromUtf8(marker.readAll()).startsWith(QLatin1Char('1'));
-    marker.close();
-    if (isFirst)
-        QFile::remove(path);
-    return isFirst;
+    return Internal::guarded("KTV_DataSource::FirstStart(): ", [] {
+        const QString path = QStringLiteral("/etc/korva/system-boot.status");
+        Internal::RegularFile marker(path);
+        if (!marker.exists() || !marker.open(QIODevice::ReadOnly))
+            return false;
+        const bool isFirst = QString::fromUtf8(marker.readAll()).startsWith(QLatin1Char('1'));
+        marker.close();
+        if (isFirst)
+            QFile::remove(path);
+        return isFirst;
+    });
 }
 
 bool KTV_DataSource::TouchScreenEnable()

@@ -1,12 +1,14 @@
 #include "language/LangSerwis.h"
 
 #include "configuration/MeterModel_p.h"
+#include "internal/Guarded_p.h"
 #include "internal/RegularFile_p.h"
 #include "internal/log_p.h"
 #include "language/SectionIndex_p.h"
 
 #include <QDir>
 
+using Internal::guarded;
 using Internal::log;
 
 namespace {
@@ -26,6 +28,8 @@ public:
     {
         return directory + language + QLatin1Char('/') + language + QStringLiteral(".xml");
     }
+
+    bool load(const QString &requested);
 
     QString code = fallbackCode;
     QString directory;
@@ -50,30 +54,30 @@ LangSerwis::LangSerwis(const QString &directory, KTV_Configuration::MeterModels 
 
 LangSerwis::~LangSerwis() = default;
 
-bool LangSerwis::setLang(const QString &code)
+bool LangSerwis::Private::load(const QString &requested)
 {
-    QString loaded = code;
-    Internal::RegularFile file(d->filePath(code));
+    QString loaded = requested;
+    Internal::RegularFile file(filePath(requested));
     if (!file.open(QIODevice::ReadOnly)) {
-        log() << "LangSerwis::setLang(" << code << "): " << file.errorString() << ": "
+        log() << "LangSerwis::setLang(" << requested << "): " << file.errorString() << ": "
               << file.fileName();
-        if (code != fallbackCode) {
+        if (requested != fallbackCode) {
             loaded = fallbackCode;
-            file.setFileName(d->filePath(loaded));
+            file.setFileName(filePath(loaded));
             if (!file.open(QIODevice::ReadOnly))
                 log() << "LangSerwis::setLang to default (EN): " << file.errorString();
         }
     }
 
-    Internal::SectionIndex texts;
+    Internal::SectionIndex index;
     Internal::XmlError error;
-    if (!Internal::readSections(file, textAttribute, texts, error)) {
+    if (!Internal::readSections(file, textAttribute, index, error)) {
         log() << "LangSerwis::setLang(" << loaded << ") Fail to load file:"
               << "   " << error.message << "\n Row:" << error.line << " Col:" << error.column;
         return false;
     }
-    d->code = loaded;
-    d->texts = std::move(texts);
+    code = loaded;
+    texts = std::move(index);
 
     struct Presentation
     {
@@ -82,16 +86,21 @@ bool LangSerwis::setLang(const QString &code)
         QLatin1String defaultValue;
     };
     const Presentation presentation[] = {
-        {"smallKeyboard", d->smallKeyboard, QLatin1String("")},
-        {"bigKeyboard", d->bigKeyboard, QLatin1String("")},
-        {"regionalSmallKeyboard", d->regionalSmallKeyboard, QLatin1String("")},
-        {"regionalBigKeyboard", d->regionalBigKeyboard, QLatin1String("")},
-        {"timeFormat", d->timeFormat, defaultTimeFormat},
-        {"dataFormat", d->dateFormat, defaultDateFormat},
+        {"smallKeyboard", smallKeyboard, QLatin1String("")},
+        {"bigKeyboard", bigKeyboard, QLatin1String("")},
+        {"regionalSmallKeyboard", regionalSmallKeyboard, QLatin1String("")},
+        {"regionalBigKeyboard", regionalBigKeyboard, QLatin1String("")},
+        {"timeFormat", timeFormat, defaultTimeFormat},
+        {"dataFormat", dateFormat, defaultDateFormat},
     };
     for (const Presentation &entry : presentation)
-        entry.value = getText(presentationSection, QLatin1String(entry.key), entry.defaultValue);
+        entry.value = texts.text(presentationSection, QLatin1String(entry.key), entry.defaultValue);
     return true;
+}
+
+bool LangSerwis::setLang(const QString &code)
+{
+    return guarded("LangSerwis::setLang: ", [&] { return d->load(code); });
 }
 
 QString LangSerwis::getCurrentLang() const
