@@ -47,6 +47,7 @@ private slots:
     void detailChange();
     void detailOnATimer();
     void detailWithoutInterface();
+    void interfaceThatHasGone();
     void workersAtOnce();
     void stateOlderThanDetails();
 
@@ -395,6 +396,21 @@ void TstWifiState::detailOnATimer()
     QVERIFY(poolIsIdle());
     Tools::idle();
     QTRY_COMPARE(inbox.order(), QByteArray("sds")); // the timer of the state runs again
+}
+
+void TstWifiState::interfaceThatHasGone()
+{
+    const auto wifi = manager();
+    Tools::connected();
+    KTV_Connection::check_wifiDetailState_Avait(wifi.get());
+    QVERIFY(wifi->get_wifi_Enable());
+    Tools::print("ls", "eth0");
+    wifi->findWifiInterfaceName();
+    QVERIFY(!wifi->get_wifi_Enable()); // although the last details are those of a connection
+    KTV_Connection::check_wifiDetailState_Avait(wifi.get());
+    Tools::print("ls", "wlan0");
+    wifi->findWifiInterfaceName();
+    QVERIFY(!wifi->get_wifi_Enable()); // the last details are those of no interface
 }
 
 void TstWifiState::detailWithoutInterface()
