@@ -11,7 +11,53 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QSemaphore>
+#include <QtConcurrent>
 #include <QtTest>
+
+#include <utility>
+
+/** While such an object exists, no other task of the global thread pool begins. */
+class BusyPool
+{
+public:
+    BusyPool()
+    {
+        for (int i = 0; i < QThreadPool::globalInstance()->maxThreadCount(); ++i)
+            m_tasks += QtConcurrent::run([this] { m_end.acquire(); });
+    }
+    ~BusyPool()
+    {
+        m_end.release(int(m_tasks.size()));
+        for (QFuture<void> &task : m_tasks)
+            task.waitForFinished();
+    }
+    Q_DISABLE_COPY_MOVE(BusyPool)
+
+private:
+    QSemaphore m_end;
+    QVector<QFuture<void>> m_tasks;
+};
+
+/** Notes that a sheet has announced that the interface is going to be blocked. */
+class Announcements : public QObject
+{
+public:
+    Announcements() { qApp->installEventFilter(this); }
+    /** Whether there has been one since the last call. */
+    bool take() { return std::exchange(m_isThereOne, false); }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Show && watched->objectName() == QLatin1String("sheet.still"))
+            m_isThereOne = true;
+        return false;
+    }
+
+private:
+    bool m_isThereOne = false;
+};
 
 /** The panel after its start, and functions to operate it. */
 class PanelFixture
@@ -55,8 +101,8 @@ public:
         return labelText("sheet.message");
     }
     bool isSheetOpen() const { return finger.find(QStringLiteral("sheet")); }
-    /** Whether a sheet announces that the interface is going to be blocked. */
-    bool isAnnounced() const { return finger.find(QStringLiteral("sheet.still")); }
+    /** Whether a sheet has announced, since the last call, that the interface was to be blocked. */
+    bool isAnnounced() { return m_announcements.take(); }
     /** Touches a setting, and then a row of the list that opens. */
     bool pick(const char *button, const QString &title)
     {
@@ -94,6 +140,9 @@ public:
     Session &session = context.session();
     Window window;
     Finger finger;
+
+private:
+    Announcements m_announcements;
 };
 
 /** Touches widgets one after the other; the test fails if one cannot be touched. */

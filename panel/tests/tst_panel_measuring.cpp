@@ -11,8 +11,6 @@
 
 #include <QDate>
 #include <QDir>
-#include <QSemaphore>
-#include <QtConcurrent>
 
 namespace {
 
@@ -49,6 +47,14 @@ bool record(PanelFixture &panel)
         && panel.finger.tap(QStringLiteral("record.start")) && Finger::waitFor([&] {
                return panel.finger.find(QStringLiteral("record.save"))->isEnabled();
            });
+}
+
+/** Today's date. Waits while midnight is near, so that the test ends on the same day. */
+QString today()
+{
+    while (QTime::currentTime() >= QTime(23, 58))
+        QTest::qWait(1000);
+    return QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd"));
 }
 
 bool writeClient(PanelFixture &panel, const QString &name)
@@ -321,10 +327,12 @@ void TstPanelMeasuring::seriesIsShownWhileItGrows()
         return pixels;
     };
     QCOMPARE(accent(), 0);
+    panel.session.recorder().setWanted(Series::capacity); // does not end while the test looks
     TAP(panel, "record.view.1", "record.start");
-    QVERIFY(Finger::waitFor([&] { return panel.list("record.table")->rowCount() == 3; }));
+    QVERIFY(Finger::waitFor([&] { return panel.list("record.table")->rowCount() >= 3; }));
     QVERIFY(panel.session.hardware().isRunning());
-    QCOMPARE(panel.labelText("record.status"), QStringLiteral("3 / 25"));
+    QCOMPARE(panel.labelText("record.status"),
+             QStringLiteral("%1 / 100000").arg(panel.list("record.table")->rowCount()));
     QVERIFY(panel.titles("record.table").first().endsWith(QLatin1String(" mH")));
     QVERIFY(accent() > 100); // the curve is a line across the plot
     QVERIFY(!panel.finger.find(QStringLiteral("record.save"))->isEnabled());
@@ -337,6 +345,7 @@ void TstPanelMeasuring::seriesIsShownWhileItGrows()
 
 void TstPanelMeasuring::seriesIsSavedUnderASafeAndFreeName()
 {
+    const QString date = today();
     PanelFixture panel;
     measureWith(panel, objectOf(0.0012347F));
     QVERIFY(record(panel));
@@ -347,7 +356,6 @@ void TstPanelMeasuring::seriesIsSavedUnderASafeAndFreeName()
         [&] { return table->viewport()->rect().contains(table->rowRect(9).center()); }));
     QVERIFY(writeClient(panel, QStringLiteral("Yard 7/4: \"B\"")));
     const QDir directory(QLatin1String(clients) + QStringLiteral("/Yard 7_4_ _B_"));
-    const QString date = QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd"));
     for (const QString &name : {date + ".csv", date + "_1.csv"}) {
         TAP(panel, "record.save");
         QCOMPARE(panel.message(), directory.filePath(name));
@@ -436,9 +444,10 @@ void TstPanelMeasuring::pointIsReadByTouch()
     TAP(panel, "record.plot");
     QCOMPARE(touched.size(), 1);
     const double seconds = touched.first().first().toDouble();
-    QVERIFY2(seconds > 0.2 && seconds < 2, qPrintable(QString::number(seconds)));
-    QVERIFY(plot->grab().toImage() != before);
     const Series &series = panel.session.recorder().series();
+    QVERIFY2(seconds > series.seconds(0) && seconds < series.seconds(series.count() - 1),
+             qPrintable(QString::number(seconds)));
+    QVERIFY(plot->grab().toImage() != before);
     QCOMPARE(plot->markedText(), series.text(series.nearest(seconds)));
 }
 
@@ -473,6 +482,7 @@ void TstPanelMeasuring::recordingGoesOnBesideOtherPages()
     PanelFixture panel;
     TAP(panel, "nav.Record");
     QVERIFY(!panel.finger.find(QStringLiteral("header.recording")));
+    panel.session.recorder().setWanted(Series::capacity);
     TAP(panel, "record.start", "nav.WiFi", "nav.Measure");
     QVERIFY(!panel.finger.find(QStringLiteral("measure.start"))->isEnabled());
     QVERIFY(!panel.finger.find(QStringLiteral("measure.current"))->isEnabled());
@@ -500,16 +510,12 @@ void TstPanelMeasuring::nothingStartsWhileASeriesIsSaved()
     PanelFixture panel;
     QVERIFY(record(panel));
     QVERIFY(writeClient(panel, QStringLiteral("a")));
-    QThreadPool *pool = QThreadPool::globalInstance();
-    QSemaphore end;
-    QVector<QFuture<void>> work;
-    for (int i = 0; i < pool->maxThreadCount(); ++i)
-        work += QtConcurrent::run([&end] { end.acquire(); });
-    TAP(panel, "record.save");
-    QCOMPARE(panel.labelText("record.status"), QStringLiteral("Saving the series"));
-    const bool canStart = panel.finger.find(QStringLiteral("record.start"))->isEnabled();
-    end.release(int(work.size()));
-    QVERIFY(!canStart);
+    {
+        const BusyPool pool;
+        TAP(panel, "record.save");
+        QCOMPARE(panel.labelText("record.status"), QStringLiteral("Saving the series"));
+        QVERIFY(!panel.finger.find(QStringLiteral("record.start"))->isEnabled());
+    }
     QVERIFY(panel.message().startsWith(QLatin1String(clients)));
     TAP(panel, "sheet.ok", "record.start");
     QVERIFY(panel.session.recorder().isRunning());
@@ -548,6 +554,7 @@ void TstPanelMeasuring::seriesKeepsItsMeter()
 
 void TstPanelMeasuring::seriesOnAFullCard()
 {
+    const QString date = today();
     PanelFixture panel;
     Volume card(QLatin1String(clients), 40);
     QVERIFY(record(panel));
@@ -563,8 +570,7 @@ void TstPanelMeasuring::seriesOnAFullCard()
 
     card.fill(4); // the series still exists, and now there is space for it
     TAP(panel, "record.save");
-    QCOMPARE(panel.message(),
-             directory.filePath(QDate::currentDate().toString(Qt::ISODate) + ".csv"));
+    QCOMPARE(panel.message(), directory.filePath(date + ".csv"));
     TAP(panel, "sheet.ok");
     QCOMPARE(directory.entryList(QDir::Files).size(), 1);
     QCOMPARE(panel.labelText("header.alert"), QString());
