@@ -33,7 +33,7 @@ int traced(const QStringList &options, const QStringList &words)
     environment.insert("ASAN_OPTIONS", environment.value("ASAN_OPTIONS") + ":detect_leaks=0");
     strace.setProcessEnvironment(environment);
     strace.start("strace", QStringList {"-f", "-qq"} + options + QStringList(program) + words);
-    if (!strace.waitForFinished())
+    if (!strace.waitForFinished(Meter::patience))
         qFatal("strace does not end");
     return strace.exitStatus() == QProcess::NormalExit ? strace.exitCode() : wasKilled;
 }
@@ -564,7 +564,9 @@ void TstKtvctl::watchPrintsAlerts()
              (QJsonObject {{"event", "started"}, {"meter", "QERN KTV-4200"}, {"language", "EN"}}));
     const QVector<QPair<int, int>> steps {{71, 1}, {81, 2}, {75, 1}, {10, 0}};
     for (const auto &step : steps) {
+        watch.signal(SIGSTOP); // does not see a card that is half filled
         card.fill(step.first);
+        watch.signal(SIGCONT);
         const auto event = parsed(watch.nextLine()).toObject();
         QCOMPARE(event.value("event").toString(), QStringLiteral("freeSpaceAlert"));
         QCOMPARE(event.value("level").toInt(), step.second);

@@ -3,6 +3,7 @@
 
 #include <QtTest>
 
+#include <algorithm>
 #include <csignal>
 
 /** The commands ktvctl wifi, with access points in reach. */
@@ -32,6 +33,8 @@ private slots:
     void readingLeavesADamagedFile();
     void watchPrintsSignals_data();
     void watchPrintsSignals();
+    void watchPrintsTheFirstState();
+    void watchEndsByItself();
 
 private:
     static Answer wifi(const QStringList &words, const QByteArray &input = {})
@@ -40,6 +43,8 @@ private:
     }
     /** The same for arguments without spaces. @return standard output; empty after a failure */
     static QString output(const QString &words);
+    /** A watch that is ended by a signal when it has printed all these texts. */
+    static Answer watchUntil(const QStringList &options, const QList<QByteArray> &texts);
     static QByteArray preferred();
 };
 
@@ -47,6 +52,27 @@ QString TstKtvctlWifi::output(const QString &words)
 {
     const Answer answer = wifi(words.split(' '));
     return answer.code == 0 && answer.error.isEmpty() ? answer.out : QString();
+}
+
+Answer TstKtvctlWifi::watchUntil(const QStringList &options, const QList<QByteArray> &texts)
+{
+    QProcess watch;
+    watch.start(KTVCTL, QStringList({"wifi", "watch"}) + options);
+    QByteArray out;
+    const bool hasPrinted = QTest::qWaitFor(
+        [&] {
+            out += watch.readAllStandardOutput();
+            return std::all_of(texts.begin(), texts.end(),
+                               [&out](const QByteArray &text) { return out.contains(text); });
+        },
+        Meter::patience);
+    ::kill(pid_t(watch.processId()), SIGTERM);
+    Answer answer;
+    if (watch.waitForFinished(Meter::patience) && watch.exitStatus() == QProcess::NormalExit
+        && hasPrinted)
+        answer.code = watch.exitCode();
+    answer.out = QString::fromUtf8(out + watch.readAllStandardOutput());
+    return answer;
 }
 
 /** The line before the preference in the supplicant's file, if there is one. */
@@ -112,7 +138,6 @@ void TstKtvctlWifi::calls_data()
     const char *time = "ktvctl: a time is a number of seconds, 1 to 86400\n";
     row({"status", "--wait", "0"}, 2, "", time);
     row({"watch", "--seconds", "x"}, 2, "", time);
-    row({"watch", "--seconds", "3"}, 0, "state   ON\ndetail  ON\n");
 }
 
 void TstKtvctlWifi::calls()
@@ -242,7 +267,9 @@ void TstKtvctlWifi::powerOffStays()
 {
     // A real supplicant takes its time, and then switches the adapter on.
     Meter::replaceProgram("systemctl",
-                          "(sleep 0.4; ifconfig wlan0 up; echo >/tmp/up) >/dev/null 2>&1 &");
+                          ". /opt/meter/lib/radio.sh\n"
+                          "(while interface_up wlan0; do pause 0.01; done\n"
+                          " ip link set wlan0 up; echo >/tmp/up) >/dev/null 2>&1 &");
     QCOMPARE(output("power off"), "OFF\n");
     QVERIFY(QFile::exists("/tmp/up"));
     QCOMPARE(output("status"), "Interface: wlan0\nState:     OFF\n");
@@ -305,18 +332,25 @@ void TstKtvctlWifi::watchPrintsSignals()
     QFETCH(QByteArray, scan);
     QFETCH(QByteArray, detail);
     QCOMPARE(wifi({"add", "Lab", "ohm-law-1827"}).code, 0);
-    QProcess watch;
-    watch.start(KTVCTL, QStringList({"wifi", "watch", "--scan"}) + options);
-    QByteArray out;
-    const auto hasPrinted = [&watch, &out](const QByteArray &text) {
-        out += watch.readAllStandardOutput();
-        return out.contains(text);
-    };
-    QTRY_VERIFY(hasPrinted(scan) && hasPrinted(detail));
-    ::kill(pid_t(watch.processId()), SIGTERM);
-    QVERIFY(watch.waitForFinished(Meter::patience));
-    QCOMPARE(watch.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(watch.exitCode(), 0);
+    const Answer answer = watchUntil(QStringList("--scan") + options, {scan, detail});
+    QVERIFY2(answer.out.contains(scan) && answer.out.contains(detail), qPrintable(answer.out));
+    QCOMPARE(answer.code, 0);
+}
+
+void TstKtvctlWifi::watchPrintsTheFirstState()
+{
+    const Answer answer = watchUntil({}, {"detail  ON\n"});
+    QCOMPARE(answer.out, "state   ON\ndetail  ON\n");
+    QCOMPARE(answer.code, 0);
+}
+
+void TstKtvctlWifi::watchEndsByItself()
+{
+    const Answer answer = wifi({"watch", "--seconds", "1"});
+    QVERIFY2(QByteArray("state   ON\ndetail  ON\n").startsWith(answer.out.toUtf8()),
+             qPrintable(answer.out));
+    QCOMPARE(answer.error, QString());
+    QCOMPARE(answer.code, 0);
 }
 
 KTV_METER_TEST_MAIN(TstKtvctlWifi)

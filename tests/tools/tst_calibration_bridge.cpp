@@ -126,7 +126,7 @@ void TstCalibrationBridge::cleanup()
     Meter::showProgram("socat");
     if (Tools::isCalibrationModeActive)
         Tools::StopHardwareCalibrationMode();
-    QVERIFY(bridges().isEmpty());
+    QTRY_VERIFY(bridges().isEmpty());
 }
 
 void TstCalibrationBridge::kill()
@@ -360,8 +360,8 @@ void TstCalibrationBridge::unreadableListIsReadAgain()
     qputenv("PATH", searchPath);
     QVERIFY(!isOver);
     const QString line = "Tools::StopHardwareCalibrationMode(): ps socat no finished!";
-    QCOMPARE(log.lines().size(), askings);
-    QCOMPARE(log.lines().count(line), askings);
+    QVERIFY(log.lines().size() >= askings); // more while the shell was being put in place
+    QCOMPARE(log.lines().count(line), log.lines().size());
     QCOMPARE(Meter::readFile("/tmp/asked"), QByteArray("\n")); // the first list decides
 }
 
