@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 
+#include <atomic>
 #include <csignal>
 #include <ctime>
 #include <sys/resource.h>
@@ -14,6 +15,9 @@ void dropLine(QtMsgType, const QMessageLogContext &, const QString &)
     // Log lines are made as usual but not printed: they would hide the output of libFuzzer.
 }
 
+/** Whether all stored inputs have run, and the fuzzer tries new ones. */
+std::atomic<bool> triesNewInputs {false};
+
 double seconds(int who)
 {
     rusage used {};
@@ -25,7 +29,7 @@ double seconds(int who)
 /** Ends the run when it and its children have used up their processor time. */
 void checkProcessorTime(sigval limit)
 {
-    if (seconds(RUSAGE_SELF) + seconds(RUSAGE_CHILDREN) >= limit.sival_int)
+    if (triesNewInputs && seconds(RUSAGE_SELF) + seconds(RUSAGE_CHILDREN) >= limit.sival_int)
         ::kill(::getpid(), SIGUSR1); // libFuzzer ends after the current input
 }
 
@@ -60,4 +64,15 @@ extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
     prepareTarget();
     limitProcessorTime();
     return 0;
+}
+
+/** libFuzzer's function that changes an input in one of its usual ways. */
+extern "C" size_t LLVMFuzzerMutate(uint8_t *data, size_t size, size_t maxSize);
+
+/** Called by libFuzzer for each new input, the first time after all stored inputs have run. */
+extern "C" size_t LLVMFuzzerCustomMutator(uint8_t *data, size_t size, size_t maxSize,
+                                          unsigned int /*seed*/)
+{
+    triesNewInputs = true;
+    return LLVMFuzzerMutate(data, size, maxSize);
 }
