@@ -11,13 +11,11 @@ scan() { # what ktvctl finds, and what it remarks
 name_is() { [ "$(iwgetid wlan0 -r)" = "$1" ]; }
 
 # --- busy
-iw dev wlan0 scan passive >/dev/null &
-until_true 5 sh -c 'iwlist wlan0 scan 2>&1 | grep -q busy'
+check "a scan of the adapter has begun" iw dev wlan0 scan trigger passive
 scan
 has "an adapter that scans already is asked again" "ktvctl: no network was heard; scanning again" \
     "$(cat /run/remarks)"
 check "and then the networks are listed" grep -q "Substation North" /run/found
-wait
 
 # --- slow: while it is joined, the adapter goes back to its network after each channel
 ktvctl wifi add "Substation North" ohm-law-1827
