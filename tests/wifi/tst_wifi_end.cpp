@@ -1,4 +1,5 @@
 #include "Inbox.h"
+#include "SlowClock.h"
 #include "Tools.h"
 #include "support/LogCapture.h"
 
@@ -10,59 +11,9 @@
 #include <QtConcurrent>
 #include <QtTest>
 
-#include <atomic>
-#include <ctime>
 #include <memory>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 using WiFi::KTV_Connection;
-
-namespace {
-
-constexpr qint64 nanoseconds = 1000000000; // a second
-constexpr qint64 slowness = Meter::patience / 1000;
-std::atomic<qint64> s_slowSince {0}; // ns
-
-qint64 now(clockid_t clock)
-{
-    timespec time {};
-    ::syscall(SYS_clock_gettime, clock, &time);
-    return time.tv_sec * nanoseconds + time.tv_nsec;
-}
-
-/**
- * While such an object exists, time passes slowly for the workers: a limit of one second expires
- * only after Meter::patience, the longest time that a test waits.
- */
-class SlowClock
-{
-public:
-    SlowClock() { s_slowSince = now(CLOCK_MONOTONIC); }
-    ~SlowClock() { s_slowSince = 0; }
-    Q_DISABLE_COPY_MOVE(SlowClock)
-
-    /** Whether a second has passed for the workers. */
-    static bool isSecondOver()
-    {
-        return now(CLOCK_MONOTONIC) - s_slowSince >= slowness * nanoseconds;
-    }
-};
-
-} // namespace
-
-/** Replaces the function of the C library, also for Qt. */
-extern "C" int clock_gettime(clockid_t clock, timespec *time) noexcept
-{
-    const auto result = int(::syscall(SYS_clock_gettime, clock, time));
-    const qint64 since = s_slowSince;
-    const bool isWorker = ::syscall(SYS_gettid) != ::getpid();
-    if (since == 0 || clock != CLOCK_MONOTONIC || !isWorker)
-        return result;
-    const qint64 slow = since + (now(clock) - since) / slowness;
-    *time = {slow / nanoseconds, slow % nanoseconds};
-    return result;
-}
 
 /** The manager can be destroyed at any moment, whatever its workers are doing. */
 class TstWifiEnd : public QObject

@@ -1,4 +1,5 @@
 #include "Inbox.h"
+#include "SlowClock.h"
 #include "Tools.h"
 #include "support/LogCapture.h"
 
@@ -318,6 +319,7 @@ void TstWifiState::firstStateIsKnownAtOnce()
 
 void TstWifiState::stateChange()
 {
+    const SlowClock clock;
     const auto wifi = manager();
     const Inbox inbox(*wifi);
     Tools::connected();
@@ -344,6 +346,7 @@ void TstWifiState::stateOnATimer()
 
 void TstWifiState::detailChange()
 {
+    const SlowClock clock;
     const auto wifi = manager();
     const Inbox inbox(*wifi);
     Tools::connected();
@@ -425,6 +428,7 @@ void TstWifiState::detailWithoutInterface()
 
 void TstWifiState::workersAtOnce()
 {
+    const SlowClock clock;
     const auto wifi = manager();
     const Inbox inbox(*wifi);
     // A change is emitted once as details, and as state at most once by each kind of poll.
@@ -472,6 +476,7 @@ void TstWifiState::power_data()
 
 void TstWifiState::power()
 {
+    const SlowClock clock;
     QFETCH(bool, on);
     QFETCH(QString, command);
     Meter::setBehaviour(QStringLiteral("ifconfig"), QByteArray());
@@ -538,6 +543,7 @@ QString TstWifiState::powerCalls()
 
 void TstWifiState::powerRequestsRunInOrder()
 {
+    const SlowClock clock;
     const auto wifi = manager();
     Meter::clearJournal();
     wifi->set_wifi_Enable(false);
@@ -575,6 +581,7 @@ void TstWifiState::oldestPowerRequestsAreDropped()
 
 void TstWifiState::powerRefreshesDetails()
 {
+    const SlowClock clock;
     const auto wifi = manager();
     const Inbox inbox(*wifi);
     wifi->DetailInfoScan(true);
@@ -603,6 +610,7 @@ void TstWifiState::powerWithoutInterface()
 
 void TstWifiState::scan()
 {
+    const SlowClock clock;
     Tools::print("iwlist",
                  "          Cell 01 - Address: 1\\n  Quality=1/70  Signal level=-48 dBm\\n"
                  "  Encryption key:on\\n  ESSID:\"Strong\"\\n"
@@ -694,6 +702,7 @@ void TstWifiState::scanSwitchedOnByItsReceiver()
 
 void TstWifiState::scanSwitchedOffMeanwhile()
 {
+    const SlowClock clock;
     const auto wifi = manager();
     const Inbox inbox(*wifi);
     const QString isOff = QStringLiteral("/tmp/scan-is-off");
@@ -749,6 +758,7 @@ void TstWifiState::scanModeIsRequired()
 
 void TstWifiState::pollsDoNotPileUp()
 {
+    const SlowClock clock;
     const auto wifi = manager();
     Tools::delay("ifconfig", "0.4");
     Tools::delay("iwlist", "0.4");
@@ -785,6 +795,7 @@ void TstWifiState::poolOfOneThread()
 
 void TstWifiState::recordsWithoutReceiver()
 {
+    const SlowClock clock;
     const auto wifi = manager();
     Tools::connected();
     const LogCapture log;
@@ -797,6 +808,7 @@ void TstWifiState::recordsWithoutReceiver()
 
 void TstWifiState::queuedReceiverOwnsRecords()
 {
+    const SlowClock clock;
     const auto wifi = manager();
     QObject receiver;
     std::unique_ptr<Network> detail;
