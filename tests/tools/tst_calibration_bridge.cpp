@@ -307,7 +307,7 @@ void TstCalibrationBridge::cannotBeKilled()
 
 void TstCalibrationBridge::bridgeThatStaysIsNotRestarted()
 {
-    Meter::replaceProgram("socat", "trap '' TERM; while :; do sleep 0.05; done");
+    Meter::replaceProgram("socat", "trap '' TERM; wait_for_ever");
     const LogCapture log;
     QVERIFY(Tools::StartHardwareCalibrationMode());
     QVERIFY(!Tools::StopHardwareCalibrationMode());
