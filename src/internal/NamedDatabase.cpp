@@ -160,17 +160,18 @@ void NamedDatabase::close()
     m_directory.close();
 }
 
-void NamedDatabase::release()
+bool NamedDatabase::release()
 {
     close();
     if (!m_isRegistered)
-        return;
+        return false;
     OpenDatabases::instance().remove(this);
     m_isRegistered = false;
     const bool isOurs = m_db.isValid(); // false if another store has registered the same name since
     m_db = QSqlDatabase(); // Qt warns if a connection is removed while a handle exists
     if (isOurs)
         QSqlDatabase::removeDatabase(m_connectionName);
+    return isOurs;
 }
 
 bool NamedDatabase::begin()

@@ -45,8 +45,11 @@ public:
     bool isOpen() const { return m_isRegistered && m_db.isOpen(); }
     /** Closes the file; the connection stays registered. */
     void close();
-    /** Closes the file and removes the connection from the driver's registry. */
-    void release();
+    /**
+     * Closes the file and removes the connection from the driver's registry. @return whether it was
+     * there; another store may have registered the same name since
+     */
+    bool release();
 
     QSqlDatabase handle() const { return m_db; }
     /** Why the latest failed open() or commit() has failed. */

@@ -95,10 +95,7 @@ bool KnownNetworks::createNew()
 
 void KnownNetworks::release()
 {
-    // False if another manager has registered the same name since.
-    const bool isOurs = !areDatabasesClosed() && m_database.handle().isValid();
-    m_database.release();
-    if (isOurs)
+    if (m_database.release())
         QSqlDatabase::removeDatabase(connectionName()); // a second time, which is harmless
 }
 
